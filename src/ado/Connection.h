@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ado {
+
+class Recordset;
+
+/// State of a connection or recordset.
+enum class ObjectState : int { Closed = 0, Open = 1 };
+
+/// One connection to a project file. Not thread-safe. Errors are AdoError throughout.
+///
+/// Recordsets are opened on a connection and borrow it: a connection must outlive them, or they
+/// must be closed before it goes. Closing the connection closes them.
+class Connection {
+public:
+    Connection();
+    ~Connection();  // closes
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    /// Opens the file that the connection string names: properties "Name=value" separated by ";",
+    /// of which "Provider" must be Microsoft.Jet.OLEDB.4.0 and "Data Source" the file, and "Mode"
+    /// is taken as it is. The path may be a native one or one with backslashes and a drive
+    /// letter, and may itself contain ";". User name and password are empty for a project file;
+    /// `options` is the provider's own and ignored. The connection stays closed when it fails.
+    void Open(std::string_view connectionString, std::string_view userId = {},
+              std::string_view password = {}, int options = -1);
+    void Close();  // fails when it is closed already, like every operation below but State
+
+    [[nodiscard]] ObjectState State() const noexcept;
+    /// The data source as the connection string gave it; empty while closed.
+    [[nodiscard]] const std::string& DataSource() const noexcept;
+    /// Names of the user tables, in the order of the catalog.
+    [[nodiscard]] std::vector<std::string> TableNames() const;
+    /// The recordsets that are open on this connection, in the order in which they were opened.
+    [[nodiscard]] std::vector<Recordset*> OpenRecordsets() const;
+
+private:
+    friend class Recordset;
+    struct Rep;
+    std::unique_ptr<Rep> rep_;
+};
+
+}  // namespace ado

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ado/Connection.h"
+#include "ado/Value.h"
+
+namespace ado {
+
+/// One column of a recordset. Valid as long as the recordset stays open.
+struct Field {
+    std::string name;       // as the table or the query has it; qualified where it would stand twice
+    DataType type = DataType::Integer;
+    int definedSize = 0;    // text: characters; binary: bytes; else bytes of the number
+    std::string baseTable;  // where its value is stored
+    std::string baseColumn;
+    bool autoNumber = false;
+};
+
+enum class CommandType { Table, Text };
+enum class SearchDirection : int { Forward = 1, Backward = -1 };
+
+/// A row to come back to. Valid until the recordset is closed or requeried.
+struct Bookmark {
+    std::uint64_t row = 0;
+    [[nodiscard]] auto operator<=>(const Bookmark&) const = default;
+};
+
+/// The rows of a table, or of a query, with one current row. Not thread-safe. Every failure is an
+/// AdoError; a recordset that failed to open is closed.
+///
+/// Opening reads no row. Rows come as they are asked for: in the order of the primary key where a
+/// table has one, else in the order in which they are stored; a query's in the order of the table
+/// that drives it. An equality in a filter, a search or a query uses an index where one fits.
+class Recordset {
+public:
+    Recordset();
+    ~Recordset();  // closes
+    Recordset(const Recordset&) = delete;
+    Recordset& operator=(const Recordset&) = delete;
+
+    /// `source` is a table's name (CommandType::Table) or a SELECT statement. A name in the
+    /// statement that is no column is a parameter, in the order of first appearance; `parameters`
+    /// holds their values, as text.
+    void Open(std::string_view source, Connection& connection, CommandType type,
+              const std::vector<std::u16string>& parameters = {});
+    void Close();
+    [[nodiscard]] ObjectState State() const noexcept;
+
+    [[nodiscard]] const std::vector<Field>& Fields() const;
+    /// Position of a column in Fields(); throws kItemNotFound. Names compare without case.
+    [[nodiscard]] std::size_t FieldIndex(std::string_view name) const;
+    /// The current row's value; kNoCurrentRecord when there is no current row.
+    [[nodiscard]] Value Get(std::size_t field) const;
+    [[nodiscard]] Value Get(std::string_view name) const;
+
+    // Before the first row, after the last. Both true: no row.
+    [[nodiscard]] bool IsBOF() const;
+    [[nodiscard]] bool IsEOF() const;
+
+    void MoveFirst();
+    void MoveLast();
+    void MoveNext();      // fails at EOF
+    void MovePrevious();  // fails at BOF
+    [[nodiscard]] Bookmark GetBookmark() const;
+    void SetBookmark(Bookmark bookmark);
+
+    /// Number of rows that the filter lets through. Counts by the index where it can.
+    [[nodiscard]] std::size_t RecordCount() const;
+
+    /// A criterion such as "Parameter= 5 AND Type = -2"; empty: no filter. Moves to the first row
+    /// that matches, or to EOF. Operators = <> < <= > >= LIKE; numbers, texts in single quotes,
+    /// Null, True, False, #dates#; AND, OR, parentheses. A LIKE pattern may use * at its ends.
+    void SetFilter(std::string_view criteria);
+    [[nodiscard]] const std::string& Filter() const;
+
+    /// Columns with an optional ASC or DESC, separated by commas; empty: the natural order. Moves
+    /// to the first row.
+    void SetSort(std::string_view columns);
+    [[nodiscard]] const std::string& Sort() const;
+
+    /// Moves to the first row at or behind the current one (or `skip` rows further) that meets
+    /// one criterion on one column; to EOF (searching backward: BOF) when there is none. A
+    /// recordset without a current row is searched from its near end.
+    void Find(std::string_view criterion, int skip = 0,
+              SearchDirection direction = SearchDirection::Forward);
+
+    /// Runs the source again and moves to the first row. Filter and sort stay.
+    void Requery();
+    /// Reads the current row again; kRowNotLocated when it has been deleted.
+    void Resync();
+
+private:
+    friend class Connection;
+    struct Rep;
+    std::unique_ptr<Rep> rep_;
+};
+
+}  // namespace ado

@@ -1,0 +1,1 @@
+#include "ado/Value.h"

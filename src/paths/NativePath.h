@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// Paths of projects are kept in every string as the studio writes them: with backslashes, and
+/// with drive letters where they come from another station. Only at the moment a file is opened do
+/// they become a native path. Everything here is UTF-8.
+namespace paths {
+
+/// The native path for a path in either form.
+///
+/// A path without a backslash and without a drive letter is native already. Otherwise backslashes
+/// become slashes, and a drive letter becomes what the environment variable KV_DRIVE_<letter>
+/// names, or the root when it is not set. A part that does not exist as it is written but exists
+/// once in other capitals is taken in those capitals, as the station that wrote it would.
+[[nodiscard]] std::string ToNative(std::string_view path);
+
+/// The form with backslashes of a native path. A backslash inside a native name cannot be
+/// expressed: the path is then returned unchanged.
+[[nodiscard]] std::string ToProject(std::string_view nativePath);
+
+}  // namespace paths
