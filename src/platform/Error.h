@@ -1,0 +1,32 @@
+#pragma once
+
+#include <exception>
+#include <QString>
+
+namespace platform {
+
+/// Error numbers of this library. The same cause always has the same number.
+namespace ErrorNumber {
+inline constexpr int kDeviceFault = 57;
+inline constexpr int kPermissionDenied = 70;
+inline constexpr int kPathNotUsable = 75;
+}  // namespace ErrorNumber
+
+/// What the services of this library throw. `Description` is an English sentence that names the
+/// file and the cause.
+class Error final : public std::exception {
+public:
+    Error(int number, const QString& description)
+        : number_(number), description_(description), utf8_(description.toUtf8()) {}
+
+    [[nodiscard]] int Number() const noexcept { return number_; }
+    [[nodiscard]] const QString& Description() const noexcept { return description_; }
+    [[nodiscard]] const char* what() const noexcept override { return utf8_.constData(); }
+
+private:
+    int number_;
+    QString description_;
+    QByteArray utf8_;
+};
+
+}  // namespace platform
