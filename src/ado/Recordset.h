@@ -13,7 +13,7 @@ namespace ado {
 
 /// One column of a recordset. Valid as long as the recordset stays open.
 struct Field {
-    std::string name;       // as the table or the query has it; qualified where it would stand twice
+    std::string name;  // as the table or the query has it; qualified where it would stand twice
     DataType type = DataType::Integer;
     int definedSize = 0;    // text: characters; binary: bytes; else bytes of the number
     std::string baseTable;  // where its value is stored

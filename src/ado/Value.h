@@ -11,8 +11,8 @@ namespace ado {
 
 /// Data types of fields by their ADO numbers.
 enum class DataType : int {
-    SmallInt = 2,         // 16 bits
-    Integer = 3,          // 32 bits
+    SmallInt = 2,  // 16 bits
+    Integer = 3,   // 32 bits
     Single = 4,
     Double = 5,
     Currency = 6,
@@ -22,9 +22,9 @@ enum class DataType : int {
     Guid = 72,
     Numeric = 131,
     VarBinary = 204,
-    VarWChar = 202,        // text up to 255 characters
-    LongVarWChar = 203,    // memo
-    LongVarBinary = 205,   // OLE
+    VarWChar = 202,       // text up to 255 characters
+    LongVarWChar = 203,   // memo
+    LongVarBinary = 205,  // OLE
 };
 
 using Null = std::monostate;
@@ -62,10 +62,13 @@ using Binary = std::vector<std::byte>;
 using Value = std::variant<Null, bool, std::int32_t, float, double, Currency, Date, std::u16string,
                            Binary, Guid, Decimal>;
 
-[[nodiscard]] inline bool IsNull(const Value& value) { return value.index() == 0; }
+[[nodiscard]] inline bool IsNull(const Value& value) {
+    return value.index() == 0;
+}
 
 // Conversions that every reader of a field needs. Null gives the stated default.
 [[nodiscard]] std::u16string ToText(const Value& value);  // Null: empty; numbers with '.'
-[[nodiscard]] std::int32_t ToLong(const Value& value, std::int32_t ifNull = 0);  // may throw AdoError
+[[nodiscard]] std::int32_t ToLong(const Value& value,
+                                  std::int32_t ifNull = 0);  // may throw AdoError
 
 }  // namespace ado

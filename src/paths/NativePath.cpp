@@ -37,8 +37,7 @@ std::string ToNative(std::string_view path) {
 
     std::string root;
     if (drive) {
-        const char letter =
-            static_cast<char>(std::toupper(static_cast<unsigned char>(path[0])));
+        const char letter = static_cast<char>(std::toupper(static_cast<unsigned char>(path[0])));
         const char* mapped = std::getenv((std::string("KV_DRIVE_") + letter).c_str());
         root = mapped != nullptr ? mapped : "/";
         path.remove_prefix(2);

@@ -1,0 +1,141 @@
+#include "jet/Database.h"
+
+#include <array>
+
+#include "jet/detail/FileHeader.h"
+#include "jet/Unicode.h"
+
+namespace jet {
+namespace {
+
+constexpr std::uint32_t kFewestPages = 3;           // header, global map, catalog
+constexpr std::int32_t kTableObject = 1;            // column Type of the catalog
+constexpr std::uint32_t kSystemFlags = 0x80000002;  // column Flags: made by the system
+constexpr const char* kCatalogName = "MSysObjects";
+
+/// The columns of the catalog that matter here, by position.
+struct CatalogColumns {
+    std::size_t id, name, type, flags;
+
+    static Result<CatalogColumns> Find(const TableDef& def) {
+        std::array<std::size_t, 4> positions{};
+        constexpr std::array<const char*, 4> kNames = {"Id", "Name", "Type", "Flags"};
+        for (std::size_t i = 0; i < kNames.size(); ++i) {
+            const auto column = def.FindColumn(kNames[i]);
+            if (!column) {
+                return Status::Corrupt(std::string("the catalog has no column \"") + kNames[i] +
+                                       "\"");
+            }
+            positions[i] = *column;
+        }
+        return CatalogColumns{positions[0], positions[1], positions[2], positions[3]};
+    }
+};
+
+/// Null for an object that is no table.
+Result<std::optional<CatalogEntry>> ReadEntry(const Row& row, const CatalogColumns& columns) {
+    const auto number = [&](std::size_t column) -> Result<std::int32_t> {
+        Value value;
+        JET_ASSIGN(value, row.Get(column));
+        const auto* found = std::get_if<std::int32_t>(&value);
+        return found != nullptr ? *found : 0;
+    };
+    std::int32_t type = 0;
+    JET_ASSIGN(type, number(columns.type));
+    if (type != kTableObject) return std::optional<CatalogEntry>();
+    std::int32_t id = 0;
+    JET_ASSIGN(id, number(columns.id));
+    std::int32_t flags = 0;
+    JET_ASSIGN(flags, number(columns.flags));
+    Value name;
+    JET_ASSIGN(name, row.Get(columns.name));
+    const auto* text = std::get_if<std::u16string>(&name);
+    if (text == nullptr || id <= 0) return Status::Corrupt("the catalog names a table badly");
+    return std::optional(CatalogEntry{ToUtf8(*text), PageNo{static_cast<std::uint32_t>(id)},
+                                      (static_cast<std::uint32_t>(flags) & kSystemFlags) == 0});
+}
+
+}  // namespace
+
+Database::Database(std::unique_ptr<File> file, std::size_t cacheBytes)
+    : file_(std::move(file)), cache_(*file_, cacheBytes), context_{cache_, Format::Jet4, nullptr} {}
+
+Result<std::unique_ptr<Database>> Database::Open(const std::string& path, std::size_t cacheBytes) {
+    Result<std::unique_ptr<File>> file = OpenFile(path);
+    const auto named = [&](const Status& status) { return status.In("\"" + path + "\""); };
+    if (!file.IsOk()) return named(file.GetStatus());
+    Result<std::unique_ptr<Database>> database = Open(std::move(*file), cacheBytes);
+    if (!database.IsOk()) return named(database.GetStatus());
+    return database;
+}
+
+Result<std::unique_ptr<Database>> Database::Open(std::unique_ptr<File> file,
+                                                 std::size_t cacheBytes) {
+    std::unique_ptr<Database> database(new Database(std::move(file), cacheBytes));
+    JET_TRY(database->ReadHeader());
+    return database;
+}
+
+Status Database::ReadHeader() {
+    JET_TRY(cache_.Revalidate());
+    std::array<std::byte, kPageSizeJet3> begin{};
+    std::size_t count = 0;
+    JET_ASSIGN(count, file_->Read(0, begin));
+    if (count == 0) return Status::BadArgument("it is empty, not a Jet database");
+    if (count < begin.size()) return Status::BadArgument("it is too short for a Jet database");
+    FileHeader header;
+    JET_ASSIGN(header, FileHeader::Parse(begin));
+    context_.format = header.format;
+    hasPassword_ = header.hasPassword;
+    cache_.SetFormat(header.format);
+    if (cache_.PageCount() < kFewestPages) {
+        return Status::BadArgument("it is cut short: " + std::to_string(cache_.PageCount()) +
+                                   " pages are not even a catalog");
+    }
+    if (header.format == Format::Jet3) {
+        JET_ASSIGN(codePage_, CodePage::Open(header.codePage));
+        context_.codePage = &codePage_;
+    }
+    return {};
+}
+
+Result<std::vector<CatalogEntry>> Database::Tables(std::vector<Status>* damage) {
+    std::unique_ptr<Table> catalog;
+    JET_ASSIGN(catalog, Table::Open(context_, kCatalogPage, kCatalogName));
+    CatalogColumns columns{};
+    JET_ASSIGN(columns, CatalogColumns::Find(catalog->Definition()));
+    RowCursor rows;
+    JET_ASSIGN(rows, catalog->Scan());
+    std::vector<CatalogEntry> entries;
+    for (;;) {
+        Result<bool> found = rows.Next();
+        if (found.IsOk() && !*found) return entries;
+        Status problem = found.IsOk() ? Status() : found.GetStatus();
+        if (found.IsOk()) {
+            auto entry = ReadEntry(rows.Current(), columns);
+            if (!entry.IsOk())
+                problem = entry.GetStatus().In(kCatalogName);
+            else if (*entry)
+                entries.push_back(std::move(**entry));
+        }
+        if (!problem.IsOk() && damage != nullptr) damage->push_back(problem);
+    }
+}
+
+Result<std::unique_ptr<Table>> Database::OpenTable(const CatalogEntry& entry) {
+    return Table::Open(context_, entry.page, entry.name);
+}
+
+Result<std::unique_ptr<Table>> Database::OpenTable(std::string_view name) {
+    std::vector<CatalogEntry> entries;
+    std::vector<Status> damage;
+    JET_ASSIGN(entries, Tables(&damage));
+    for (const CatalogEntry& entry : entries) {
+        if (SameName(entry.name, name)) return OpenTable(entry);
+    }
+    std::string text = "there is no table \"" + std::string(name) + "\"";
+    if (!damage.empty()) text += "; the catalog is damaged: " + damage.front().Text();
+    return Status::NotFound(text);
+}
+
+}  // namespace jet

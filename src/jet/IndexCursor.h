@@ -1,0 +1,45 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "jet/detail/IndexPage.h"
+#include "jet/Status.h"
+#include "jet/Types.h"
+
+namespace jet {
+
+/// Walks the entries of an index in ascending order of their bytes. Made by Table::Seek; the table
+/// must outlive it. After a failure it is at its end.
+class IndexCursor {
+public:
+    /// Stands in front of the first entry that is not below `from`.
+    [[nodiscard]] static Result<IndexCursor> Seek(PageCache& cache, PageNo table, PageNo root,
+                                                  std::string from);
+
+    /// Steps to the next entry; false at the end.
+    [[nodiscard]] Result<bool> Next();
+
+    // REQUIRES: Next() has returned true.
+    [[nodiscard]] const std::string& Key() const { return key_; }
+    [[nodiscard]] RowId Row() const { return row_; }
+    [[nodiscard]] bool KeyStartsWith(const std::string& prefix) const {
+        return key_.compare(0, prefix.size(), prefix) == 0;
+    }
+
+private:
+    IndexCursor(PageCache& cache, PageNo table) : cache_(&cache), table_(table) {}
+    [[nodiscard]] Result<IndexPage> Open(PageNo page);
+    [[nodiscard]] Result<bool> Step();
+
+    PageCache* cache_;
+    PageNo table_;
+    std::optional<IndexPage> leaf_;  // empty at the end
+    std::size_t at_ = 0;             // the next entry of leaf_
+    std::uint32_t leaves_ = 0;       // visited so far
+    std::string key_;
+    RowId row_;
+};
+
+}  // namespace jet

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "jet/detail/DataPage.h"
+#include "jet/detail/TextDecoder.h"
+#include "jet/Status.h"
+#include "jet/Value.h"
+
+namespace jet {
+
+/// Reads a memo or OLE value piece by piece, so that a value of a gigabyte needs one page of
+/// memory. Made by Table::OpenLongValue; the table must outlive it.
+class LongValueReader {
+public:
+    LongValueReader(PageCache& cache, Format format, const LongValue& value);
+
+    /// The next piece; empty at the end. Valid until the next call.
+    [[nodiscard]] Result<Bytes> Next();
+
+private:
+    [[nodiscard]] Result<Bytes> NextRow(RowId id, std::size_t atLeast);
+
+    PageCache& cache_;
+    Format format_;
+    LongValue value_;
+    std::size_t left_;  // bytes
+    RowId next_;
+    std::uint32_t pieces_ = 0;
+    DataPage page_;  // keeps the piece alive
+};
+
+/// Reads a memo's text piece by piece. Made by Table::OpenMemo; the table must outlive it.
+class MemoReader {
+public:
+    /// `codePage` is null for Jet 4.
+    MemoReader(LongValueReader bytes, const CodePage* codePage)
+        : bytes_(std::move(bytes)), decoder_(codePage) {}
+
+    /// The next piece; empty at the end. A surrogate pair is never cut in two. Valid until the
+    /// next call.
+    [[nodiscard]] Result<std::u16string_view> Next();
+
+private:
+    LongValueReader bytes_;
+    TextDecoder decoder_;
+    std::u16string text_;
+    std::u16string held_;  // a first half that waits for its second
+};
+
+}  // namespace jet

@@ -1,0 +1,228 @@
+#include "jet/Table.h"
+
+#include "jet/detail/Bytes.h"
+#include "jet/detail/KeyEncoder.h"
+#include "jet/detail/TableDefReader.h"
+#include "jet/detail/ValueCodec.h"
+
+namespace jet {
+namespace {
+
+std::string TableText(const std::string& name) {
+    return "table \"" + name + "\"";
+}
+
+/// Opens a data page and makes sure that it is the table's.
+Result<DataPage> OpenOwned(const FileContext& file, PageNo number, PageNo table) {
+    PageRef ref;
+    JET_ASSIGN(ref, file.cache.Read(number));
+    DataPage page;
+    JET_ASSIGN(page, DataPage::Open(std::move(ref), file.format));
+    if (page.Owner() != Raw(table)) {
+        return Status::Corrupt(PageText(number) + " belongs to another table");
+    }
+    return page;
+}
+
+/// The bytes of the row that a moved slot points to; `page` becomes the page that holds them.
+Result<Bytes> FollowMove(const FileContext& file, PageNo table, const Slot& slot, DataPage& page) {
+    if (slot.bytes.size() < 4) return Status::Corrupt("the pointer to the moved row is cut short");
+    const RowId target = RowId::FromPointer(LoadU32(slot.bytes, 0));
+    JET_ASSIGN(page, OpenOwned(file, target.page, table));
+    if (target.row >= page.SlotCount()) {
+        return Status::Corrupt("it has moved to " + RowText(target) + ", which does not exist");
+    }
+    Slot moved;
+    JET_ASSIGN(moved, page.At(target.row));
+    if (!moved.isTarget) {
+        return Status::Corrupt("it has moved to " + RowText(target) + ", which holds another row");
+    }
+    return moved.bytes;
+}
+
+}  // namespace
+
+Result<Value> Row::Get(std::size_t column) const {
+    const Column& def = def_->columns.at(column);
+    const bool bit = view_.HasBit(def);
+    if (def.type == ColumnType::Boolean) return Value(bit);
+    if (!bit) return Value(Null{});
+    Result<Bytes> bytes = view_.ValueBytes(def);
+    Result<Value> value =
+        bytes.IsOk() ? DecodeValue(def, codePage_, *bytes) : Result<Value>(bytes.GetStatus());
+    if (value.IsOk()) return value;
+    return value.GetStatus().In(RowText(id_) + ", column \"" + def.name + "\"");
+}
+
+Result<bool> RowCursor::NextPage() {
+    Result<std::optional<PageNo>> next = pages_.Next(nextPage_);
+    if (!next.IsOk()) {
+        atEnd_ = true;
+        return next.GetStatus();
+    }
+    if (!*next) {
+        atEnd_ = true;
+        return false;
+    }
+    nextPage_ = PageNo{Raw(**next) + 1};
+    JET_ASSIGN(page_, OpenOwned(*file_, **next, row_.def_->page));
+    nextSlot_ = 0;
+    return true;
+}
+
+Result<bool> RowCursor::Next() {
+    const auto named = [&](const Status& status) { return status.In(TableText(tableName_)); };
+    while (!atEnd_) {
+        if (nextSlot_ >= page_.SlotCount()) {
+            page_ = DataPage();
+            Result<bool> found = NextPage();
+            if (!found.IsOk()) return named(found.GetStatus());
+            continue;
+        }
+        const int number = nextSlot_++;
+        const RowId id{page_.Number(), static_cast<std::uint8_t>(number)};
+        Result<Slot> slot = page_.At(number);
+        if (!slot.IsOk()) return named(slot.GetStatus());
+        if (slot->isDeleted || slot->isTarget) continue;
+        row_.id_ = id;
+        row_.page_ = page_;
+        Result<Bytes> bytes = slot->bytes;
+        if (slot->isMoved) bytes = FollowMove(*file_, row_.def_->page, *slot, row_.page_);
+        if (!bytes.IsOk()) return named(bytes.GetStatus().In(RowText(id)));
+        Result<RowView> view = RowView::Parse(file_->format, *row_.def_, *bytes);
+        if (!view.IsOk()) return named(view.GetStatus().In(RowText(id)));
+        row_.view_ = *view;
+        return true;
+    }
+    return false;
+}
+
+Table::Table(const FileContext& file, PageNo page, std::string name)
+    : file_(file), page_(page), name_(std::move(name)) {}
+
+Result<std::unique_ptr<Table>> Table::Open(const FileContext& file, PageNo page, std::string name) {
+    std::unique_ptr<Table> table(new Table(file, page, std::move(name)));
+    JET_TRY(table->Refresh());
+    return table;
+}
+
+Status Table::Named(const Status& status) const {
+    return status.In(TableText(name_));
+}
+
+Status Table::Refresh() {
+    JET_TRY(file_.cache.Revalidate());
+    if (def_ && generation_ == file_.cache.Generation()) return {};
+    Result<TableDef> def = ReadTableDef(file_.cache, file_.format, file_.codePage, page_);
+    if (!def.IsOk()) return Named(def.GetStatus());
+    def_ = std::make_shared<const TableDef>(std::move(*def));
+    generation_ = file_.cache.Generation();
+    return {};
+}
+
+Result<Row> Table::Fetch(RowId id) {
+    JET_TRY(Refresh());
+    const auto gone = [&] {
+        return Named(Status::NotFound(RowText(id) + ": there is no such row"));
+    };
+    Row row;
+    row.id_ = id;
+    row.def_ = def_;
+    row.codePage_ = file_.codePage;
+    Result<DataPage> page = OpenOwned(file_, id.page, page_);
+    if (!page.IsOk()) {
+        return page.GetStatus().Code() == StatusCode::Io ? Named(page.GetStatus()) : gone();
+    }
+    row.page_ = *page;
+    if (id.row >= page->SlotCount()) return gone();
+    Result<Slot> slot = page->At(id.row);
+    if (!slot.IsOk()) return Named(slot.GetStatus());
+    if (slot->isDeleted || slot->isTarget) return gone();
+    Result<Bytes> bytes = slot->bytes;
+    if (slot->isMoved) bytes = FollowMove(file_, page_, *slot, row.page_);
+    if (!bytes.IsOk()) return Named(bytes.GetStatus().In(RowText(id)));
+    Result<RowView> view = RowView::Parse(file_.format, *def_, *bytes);
+    if (!view.IsOk()) return Named(view.GetStatus().In(RowText(id)));
+    row.view_ = *view;
+    return row;
+}
+
+Result<RowCursor> Table::Scan() {
+    JET_TRY(Refresh());
+    RowCursor cursor;
+    cursor.file_ = &file_;
+    cursor.tableName_ = name_;
+    cursor.row_.def_ = def_;
+    cursor.row_.codePage_ = file_.codePage;
+    Result<UsageMap> pages = UsageMap::Open(file_.cache, file_.format, def_->ownedMap);
+    if (!pages.IsOk()) return Named(pages.GetStatus());
+    cursor.pages_ = std::move(*pages);
+    return cursor;
+}
+
+bool Table::CanSeek(std::size_t realIndex) const {
+    if (file_.format != Format::Jet4 || realIndex >= def_->realIndexes.size()) return false;
+    const RealIndex& index = def_->realIndexes[realIndex];
+    if (index.columns.empty()) return false;
+    for (const IndexColumn& key : index.columns) {
+        if (!CanEncodeKey(def_->columns[key.column])) return false;
+    }
+    return true;
+}
+
+Result<std::string> Table::MakeKey(std::size_t realIndex, std::span<const Value> values) const {
+    const RealIndex& index = def_->realIndexes.at(realIndex);
+    std::string key;
+    for (std::size_t i = 0; i < values.size() && i < index.columns.size(); ++i) {
+        const Column& column = def_->columns[index.columns[i].column];
+        if (Status status = AppendKey(column, index.columns[i].ascending, values[i], key);
+            !status.IsOk()) {
+            return Named(status);
+        }
+    }
+    return key;
+}
+
+Result<IndexCursor> Table::Seek(std::size_t realIndex, std::string from) {
+    JET_TRY(Refresh());
+    if (!CanSeek(realIndex)) {
+        return Named(Status::Unsupported("its index " + std::to_string(realIndex) +
+                                         " cannot be used for look-ups"));
+    }
+    Result<IndexCursor> cursor =
+        IndexCursor::Seek(file_.cache, page_, def_->realIndexes[realIndex].root, std::move(from));
+    if (!cursor.IsOk()) return Named(cursor.GetStatus());
+    return cursor;
+}
+
+LongValueReader Table::OpenLongValue(const LongValue& value) const {
+    return {file_.cache, file_.format, value};
+}
+
+MemoReader Table::OpenMemo(const LongValue& value) const {
+    return {OpenLongValue(value), file_.codePage};
+}
+
+Result<std::u16string> Table::ReadMemo(const LongValue& value) const {
+    MemoReader reader = OpenMemo(value);
+    std::u16string text;
+    for (;;) {
+        Result<std::u16string_view> piece = reader.Next();
+        if (!piece.IsOk()) return Named(piece.GetStatus());
+        if (piece->empty()) return text;
+        text += *piece;
+    }
+}
+
+Result<Binary> Table::ReadBinary(const LongValue& value) const {
+    LongValueReader reader = OpenLongValue(value);
+    Binary bytes;
+    for (;;) {
+        Result<Bytes> piece = reader.Next();
+        if (!piece.IsOk()) return Named(piece.GetStatus());
+        if (piece->empty()) return bytes;
+        bytes.insert(bytes.end(), piece->begin(), piece->end());
+    }
+}
+
+}  // namespace jet

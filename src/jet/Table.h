@@ -1,0 +1,118 @@
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string>
+
+#include "jet/detail/CodePage.h"
+#include "jet/detail/DataPage.h"
+#include "jet/detail/RowView.h"
+#include "jet/detail/UsageMap.h"
+#include "jet/IndexCursor.h"
+#include "jet/LongValueReader.h"
+#include "jet/Status.h"
+#include "jet/TableDef.h"
+#include "jet/Value.h"
+
+namespace jet {
+
+/// One row as it was when it was read. Keeps its page and its table's definition alive; whatever
+/// happens to the file or the table later, it does not change.
+class Row {
+public:
+    Row() = default;
+
+    /// Where the row is known to be: its address in every index, also when it has moved.
+    [[nodiscard]] RowId Id() const { return id_; }
+    /// The value of a column by its position in TableDef::columns. Memo and OLE values come as
+    /// LongValue. Corrupt when the value does not fit the row.
+    [[nodiscard]] Result<Value> Get(std::size_t column) const;
+
+private:
+    friend class Table;
+    friend class RowCursor;
+    RowId id_;
+    std::shared_ptr<const TableDef> def_;
+    const CodePage* codePage_ = nullptr;
+    DataPage page_;
+    RowView view_;
+};
+
+/// What the parts of one open file share. Lives in Database.
+struct FileContext {
+    PageCache& cache;
+    Format format;
+    const CodePage* codePage;  // null for Jet 4
+};
+
+/// Walks the rows of a table in the order in which they are stored. The database must outlive it.
+class RowCursor {
+public:
+    /// Steps to the next row; false at the end. After a failure, which concerns one row or one
+    /// page, the next call goes on behind the damaged place.
+    [[nodiscard]] Result<bool> Next();
+    /// REQUIRES: Next() has returned true.
+    [[nodiscard]] const Row& Current() const { return row_; }
+
+private:
+    friend class Table;
+    [[nodiscard]] Result<bool> NextPage();
+
+    const FileContext* file_ = nullptr;
+    std::string tableName_;
+    UsageMap pages_;
+    PageNo nextPage_{};
+    DataPage page_;
+    int nextSlot_ = 0;
+    bool atEnd_ = false;
+    Row row_;
+};
+
+/// An open table. Made by Database::OpenTable; the database must outlive it. Not thread-safe.
+/// Failures name the table, the page and the row.
+class Table {
+public:
+    [[nodiscard]] static Result<std::unique_ptr<Table>> Open(const FileContext& file, PageNo page,
+                                                             std::string name);
+
+    [[nodiscard]] const std::string& Name() const { return name_; }
+    /// As of the last Refresh().
+    [[nodiscard]] const TableDef& Definition() const { return *def_; }
+
+    /// Reads the definition again when another program has changed the file. Every operation
+    /// below does this first.
+    Status Refresh();
+
+    /// NotFound when there is no row at this address (any more).
+    [[nodiscard]] Result<Row> Fetch(RowId id);
+    [[nodiscard]] Result<RowCursor> Scan();
+
+    /// True when this engine can make keys for the index. Jet 3 indexes cannot be used.
+    [[nodiscard]] bool CanSeek(std::size_t realIndex) const;
+    /// Key bytes for values of the first columns of an index, in its order. An entry whose key
+    /// starts with them is equal in these columns. REQUIRES: CanSeek(realIndex).
+    [[nodiscard]] Result<std::string> MakeKey(std::size_t realIndex,
+                                              std::span<const Value> values) const;
+    /// Stands in front of the first entry that is not below `from` (key bytes; empty = the first
+    /// entry). REQUIRES: CanSeek(realIndex).
+    [[nodiscard]] Result<IndexCursor> Seek(std::size_t realIndex, std::string from);
+
+    [[nodiscard]] LongValueReader OpenLongValue(const LongValue& value) const;
+    [[nodiscard]] MemoReader OpenMemo(const LongValue& value) const;
+    /// The whole text of a memo.
+    [[nodiscard]] Result<std::u16string> ReadMemo(const LongValue& value) const;
+    /// The whole bytes of an OLE value.
+    [[nodiscard]] Result<Binary> ReadBinary(const LongValue& value) const;
+
+private:
+    Table(const FileContext& file, PageNo page, std::string name);
+    [[nodiscard]] Status Named(const Status& status) const;
+
+    const FileContext& file_;
+    PageNo page_;
+    std::string name_;
+    std::shared_ptr<const TableDef> def_;
+    std::uint64_t generation_ = 0;  // of the page cache when def_ was read
+};
+
+}  // namespace jet

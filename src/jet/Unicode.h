@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace jet {
+
+/// Appends `text` as UTF-8. A half of a surrogate pair without its partner becomes U+FFFD.
+void AppendUtf8(std::u16string_view text, std::string& out);
+[[nodiscard]] std::string ToUtf8(std::u16string_view text);
+/// Bytes that are not valid UTF-8 become U+FFFD.
+[[nodiscard]] std::u16string ToUtf16(std::string_view text);
+
+}  // namespace jet

@@ -1,0 +1,86 @@
+#include "jet/detail/UsageMap.h"
+
+#include <bit>
+
+#include "jet/detail/Bytes.h"
+
+namespace jet {
+namespace {
+
+constexpr std::uint8_t kInline = 0;
+constexpr std::uint8_t kReference = 1;
+constexpr std::uint8_t kBitmapPageType = 5;
+constexpr std::size_t kBitmapHeader = 4;  // bytes
+
+}  // namespace
+
+Result<UsageMap> UsageMap::Open(PageCache& cache, Format format, std::uint32_t pointer) {
+    UsageMap map;
+    map.cache_ = &cache;
+    if (pointer == 0) return map;
+    const RowId id = RowId::FromPointer(pointer);
+    PageRef page;
+    JET_ASSIGN(page, cache.Read(id.page));
+    JET_ASSIGN(map.page_, DataPage::Open(std::move(page), format));
+    const std::string name = "usage map on " + RowText(id);
+    if (map.page_.Owner() != DataPage::kUsageMapOwner && Raw(id.page) != 1) {
+        return Status::Corrupt(name + ": not a page of usage maps");
+    }
+    if (id.row >= map.page_.SlotCount()) return Status::Corrupt(name + ": no such row");
+    Slot slot;
+    JET_ASSIGN(slot, map.page_.At(id.row));
+    if (slot.isDeleted || slot.isMoved || slot.bytes.size() < 5 ||
+        LoadU8(slot.bytes, 0) > kReference) {
+        return Status::Corrupt(name + ": not a usage map");
+    }
+    map.row_ = slot.bytes;
+    return map;
+}
+
+std::optional<std::uint32_t> UsageMap::NextBit(Bytes bits, std::uint32_t first,
+                                               std::uint32_t from) const {
+    std::uint32_t bit = from > first ? from - first : 0;
+    while (bit / 8 < bits.size()) {
+        const unsigned rest = LoadU8(bits, bit / 8) >> (bit % 8);
+        if (rest != 0) {
+            const std::uint32_t page =
+                first + bit + static_cast<std::uint32_t>(std::countr_zero(rest));
+            if (page >= cache_->PageCount()) return std::nullopt;
+            return page;
+        }
+        bit = (bit / 8 + 1) * 8;
+    }
+    return std::nullopt;
+}
+
+Result<Bytes> UsageMap::BitmapPage(std::uint32_t index) {
+    const std::uint32_t number = LoadU32(row_, 1 + 4 * std::size_t{index});
+    if (number == 0) return Bytes{};
+    if (!bitmap_ || bitmap_.Number() != PageNo{number}) {
+        JET_ASSIGN(bitmap_, cache_->Read(PageNo{number}));
+    }
+    if (LoadU8(bitmap_.Bytes(), 0) != kBitmapPageType) {
+        return Status::Corrupt(PageText(PageNo{number}) + " is not a page of a usage map");
+    }
+    return bitmap_.Bytes().subspan(kBitmapHeader);
+}
+
+Result<std::optional<PageNo>> UsageMap::Next(PageNo from) {
+    if (row_.empty()) return std::optional<PageNo>();
+    if (LoadU8(row_, 0) == kInline) {
+        const auto page = NextBit(row_.subspan(5), LoadU32(row_, 1), Raw(from));
+        return page ? std::optional(PageNo{*page}) : std::nullopt;
+    }
+    const auto share = static_cast<std::uint32_t>((cache_->PageSize() - kBitmapHeader) * 8);
+    const auto shares = static_cast<std::uint32_t>((row_.size() - 1) / 4);
+    for (std::uint32_t i = Raw(from) / share; i < shares; ++i) {
+        if (std::uint64_t{i} * share >= cache_->PageCount()) break;
+        Bytes bits;
+        JET_ASSIGN(bits, BitmapPage(i));
+        if (const auto page = NextBit(bits, i * share, Raw(from)))
+            return std::optional(PageNo{*page});
+    }
+    return std::optional<PageNo>();
+}
+
+}  // namespace jet

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <optional>
+
+#include "jet/detail/DataPage.h"
+
+namespace jet {
+
+/// A set of page numbers, stored as a row of a usage-map page.
+///
+///   +0  u8    0: inline            1: reference
+///   +1  u32   page of the first    u32[]: numbers of bitmap pages, 0 = none; page i holds the
+///             bit, then the bits   bits of its share of pages behind a header of four bytes
+/// Read on demand: no list of the pages is made.
+class UsageMap {
+public:
+    UsageMap() = default;
+    /// An empty set for the pointer 0, which stands for "no map".
+    [[nodiscard]] static Result<UsageMap> Open(PageCache& cache, Format format,
+                                               std::uint32_t pointer);
+
+    /// The lowest page of the set that is not below `from` and lies inside the file.
+    [[nodiscard]] Result<std::optional<PageNo>> Next(PageNo from);
+
+private:
+    [[nodiscard]] std::optional<std::uint32_t> NextBit(Bytes bits, std::uint32_t first,
+                                                       std::uint32_t from) const;
+    [[nodiscard]] Result<Bytes> BitmapPage(std::uint32_t index);
+
+    PageCache* cache_ = nullptr;
+    DataPage page_;  // keeps row_ alive
+    Bytes row_;
+    PageRef bitmap_;  // reference maps: the bitmap page read last
+};
+
+}  // namespace jet

@@ -1,0 +1,120 @@
+#include "jet/detail/ValueCodec.h"
+
+#include "jet/detail/Bytes.h"
+#include "jet/detail/TextDecoder.h"
+
+namespace jet {
+namespace {
+
+constexpr std::uint32_t kLengthMask = 0x3FFFFFFF;
+constexpr std::uint32_t kInlineFlag = 0x80000000;
+constexpr std::uint32_t kSingleRowFlag = 0x40000000;
+constexpr std::size_t kDescriptorSize = 12;
+
+/// Stored as u32, u16, u16 in little-endian order and eight bytes as they are.
+Guid DecodeGuid(Bytes bytes) {
+    constexpr std::array<std::size_t, 16> kOrder = {3, 2, 1,  0,  5,  4,  7,  6,
+                                                    8, 9, 10, 11, 12, 13, 14, 15};
+    Guid guid;
+    for (std::size_t i = 0; i < kOrder.size(); ++i) guid.bytes[i] = bytes[kOrder[i]];
+    return guid;
+}
+
+/// Sign byte, then the magnitude as four u32, the most significant first.
+Decimal DecodeDecimal(const Column& column, Bytes bytes) {
+    Decimal decimal;
+    decimal.negative = (LoadU8(bytes, 0) & 0x80) != 0;
+    decimal.scale = column.scale;
+    for (std::size_t word = 0; word < 4; ++word) {
+        for (std::size_t i = 0; i < 4; ++i) {
+            decimal.magnitude[4 * word + i] = bytes[1 + 4 * word + (3 - i)];
+        }
+    }
+    return decimal;
+}
+
+Result<Value> DecodeLongValue(const Column& column, Bytes bytes) {
+    if (bytes.size() < kDescriptorSize) {
+        return Status::Corrupt("a memo or OLE value has " + std::to_string(bytes.size()) +
+                               " bytes, too few for its head");
+    }
+    LongValue value;
+    value.isText = column.type == ColumnType::Memo;
+    const std::uint32_t head = LoadU32(bytes, 0);
+    value.length = head & kLengthMask;
+    value.first = RowId::FromPointer(LoadU32(bytes, 4));
+    value.stamp = LoadU32(bytes, 8);
+    if ((head & kInlineFlag) != 0) {
+        const Bytes data = bytes.subspan(kDescriptorSize);
+        if (data.size() < value.length) return Status::Corrupt("a memo or OLE value is cut short");
+        value.inlineBytes.assign(data.begin(), data.begin() + value.length);
+    } else {
+        value.kind =
+            (head & kSingleRowFlag) != 0 ? LongValue::Kind::SingleRow : LongValue::Kind::Chain;
+    }
+    return Value(std::move(value));
+}
+
+/// Bytes that a value of the type takes; 0 = any number.
+std::size_t ExactSize(ColumnType type) {
+    switch (type) {
+        case ColumnType::Byte:
+            return 1;
+        case ColumnType::Integer:
+            return 2;
+        case ColumnType::Long:
+        case ColumnType::Single:
+            return 4;
+        case ColumnType::Currency:
+        case ColumnType::Double:
+        case ColumnType::DateTime:
+            return 8;
+        case ColumnType::Guid:
+            return 16;
+        case ColumnType::Numeric:
+            return 17;
+        default:
+            return 0;
+    }
+}
+
+}  // namespace
+
+Result<Value> DecodeValue(const Column& column, const CodePage* codePage, Bytes bytes) {
+    if (bytes.size() < ExactSize(column.type)) {
+        return Status::Corrupt("its value has " + std::to_string(bytes.size()) +
+                               " bytes, too few for its type");
+    }
+    switch (column.type) {
+        case ColumnType::Byte:
+            return Value(std::int32_t{LoadU8(bytes, 0)});
+        case ColumnType::Integer:
+            return Value(std::int32_t{Load<std::int16_t>(bytes, 0)});
+        case ColumnType::Long:
+            return Value(Load<std::int32_t>(bytes, 0));
+        case ColumnType::Currency:
+            return Value(Currency{Load<std::int64_t>(bytes, 0)});
+        case ColumnType::Single:
+            return Value(Load<float>(bytes, 0));
+        case ColumnType::Double:
+            return Value(Load<double>(bytes, 0));
+        case ColumnType::DateTime:
+            return Value(Date{Load<double>(bytes, 0)});
+        case ColumnType::Text: {
+            std::u16string text;
+            TextDecoder(codePage).Append(bytes, text);
+            return Value(std::move(text));
+        }
+        case ColumnType::Guid:
+            return Value(DecodeGuid(bytes));
+        case ColumnType::Numeric:
+            return Value(DecodeDecimal(column, bytes));
+        case ColumnType::Memo:
+        case ColumnType::Ole:
+            return DecodeLongValue(column, bytes);
+        default:
+            return Value(Binary(bytes.begin(), bytes.end()));
+    }
+}
+
+}  // namespace jet

@@ -1,0 +1,85 @@
+#include <memory>
+
+#include "jet/Database.h"
+#include "tools/Commands.h"
+#include "tools/CsvWriter.h"
+#include "tools/JsonWriter.h"
+#include "tools/Messages.h"
+
+namespace tools {
+namespace {
+
+void WriteValue(const jet::Table& table, const jet::Row& row, std::size_t column, RowWriter& writer,
+                Messages& messages) {
+    jet::Result<jet::Value> value = row.Get(column);
+    if (!value.IsOk()) {
+        writer.PutDamaged(column);
+        messages.Report(value.GetStatus().In(table.Name()));
+        return;
+    }
+    const auto* longValue = std::get_if<jet::LongValue>(&*value);
+    if (longValue == nullptr) {
+        writer.Put(column, *value);
+        return;
+    }
+    jet::Status status;
+    if (longValue->isText) {
+        jet::MemoReader text = table.OpenMemo(*longValue);
+        status = writer.PutMemo(column, text);
+    } else {
+        jet::LongValueReader bytes = table.OpenLongValue(*longValue);
+        status = writer.PutOle(column, bytes);
+    }
+    if (!status.IsOk()) messages.Report(status.In(table.Name()));
+}
+
+/// Writes all rows, or as many as the output takes.
+void WriteRows(jet::Table& table, jet::RowCursor& rows, RowWriter& writer, Output& output,
+               Messages& messages) {
+    const std::size_t columns = table.Definition().columns.size();
+    while (output.Error().empty()) {
+        jet::Result<bool> found = rows.Next();
+        if (!found.IsOk()) {
+            messages.Report(found.GetStatus());
+            continue;
+        }
+        if (!*found) return;
+        writer.BeginRow();
+        for (std::size_t i = 0; i < columns; ++i) {
+            WriteValue(table, rows.Current(), i, writer, messages);
+        }
+        writer.EndRow();
+        output.MayFlush();
+    }
+}
+
+}  // namespace
+
+ExitStatus Dump(const std::string& file, const std::string& table, DumpFormat format,
+                std::FILE* out, std::FILE* err) {
+    Messages messages(err, file);
+    Output output(out);
+    const auto fail = [&](const jet::Status& status) {
+        messages.Report(status);
+        return messages.Finish(output);
+    };
+    auto database = OpenFile(file);
+    if (!database.IsOk()) return fail(database.GetStatus());
+    auto opened = (*database)->OpenTable(table);
+    if (!opened.IsOk()) return fail(opened.GetStatus());
+    auto rows = (*opened)->Scan();
+    if (!rows.IsOk()) return fail(rows.GetStatus());
+
+    std::unique_ptr<RowWriter> writer;
+    if (format == DumpFormat::Csv) {
+        writer = std::make_unique<CsvWriter>(output);
+    } else {
+        writer = std::make_unique<JsonWriter>(output);
+    }
+    writer->Begin((*opened)->Definition());
+    WriteRows(**opened, *rows, *writer, output, messages);
+    writer->End();
+    return messages.Finish(output);
+}
+
+}  // namespace tools

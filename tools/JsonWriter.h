@@ -1,0 +1,32 @@
+#pragma once
+
+#include <vector>
+
+#include "tools/RowWriter.h"
+
+namespace tools {
+
+/// A JSON array with one object a row, a line each. Dates, GUIDs and binaries are strings, money
+/// and decimals numbers; a number that JSON cannot express (infinite, not a number) is a string.
+class JsonWriter final : public RowWriter {
+public:
+    explicit JsonWriter(Output& out) : out_(out) {}
+
+    void Begin(const jet::TableDef& def) override;
+    void BeginRow() override;
+    void Put(std::size_t column, const jet::Value& value) override;
+    jet::Status PutMemo(std::size_t column, jet::MemoReader& text) override;
+    jet::Status PutOle(std::size_t column, jet::LongValueReader& bytes) override;
+    void PutDamaged(std::size_t column) override;
+    void EndRow() override { out_.Append('}'); }
+    void End() override { out_.Append(first_ ? "]\n" : "\n]\n"); }
+
+private:
+    void BeginValue(std::size_t column);
+
+    Output& out_;
+    std::vector<std::string> names_;  // ready to write, with quotes and colon
+    bool first_ = true;
+};
+
+}  // namespace tools

@@ -1,0 +1,81 @@
+#include <getopt.h>
+
+#include <array>
+#include <string_view>
+#include <vector>
+
+#include "tools/Commands.h"
+
+namespace tools {
+namespace {
+
+constexpr const char* kHelp =
+    "Usage: kvs COMMAND [OPTION]... FILE [ARGUMENT]...\n"
+    "Reads project files (.kvs) and other Jet 3 and Jet 4 databases.\n"
+    "\n"
+    "Commands:\n"
+    "  tables FILE                a line for each table: name, tab, number of rows\n"
+    "  dump FILE TABLE            all rows of a table\n"
+    "    --format csv|json          CSV after RFC 4180 (default) or JSON\n"
+    "\n"
+    "Options:\n"
+    "  -h, --help                 show this text\n"
+    "  -V, --version              show the version\n"
+    "\n"
+    "Exit status: 0 done, 1 failed (messages on standard error), 2 wrong usage.\n"
+    "What can be read of a damaged file is written; the messages name the damaged places.\n";
+
+ExitStatus WrongUsage(const std::string& what, std::FILE* err) {
+    std::fprintf(err, "kvs: %s\nTry 'kvs --help'.\n", what.c_str());
+    return kUsage;
+}
+
+ExitStatus RunCommand(const std::vector<std::string>& words, const std::string& format,
+                      std::FILE* out, std::FILE* err) {
+    if (words.empty()) return WrongUsage("a command is missing", err);
+    const std::string& command = words[0];
+    if (command == "tables") {
+        if (!format.empty()) return WrongUsage("tables: --format is for dump", err);
+        if (words.size() != 2) return WrongUsage("tables: one FILE is needed", err);
+        return Tables(words[1], out, err);
+    }
+    if (command == "dump") {
+        if (words.size() != 3) return WrongUsage("dump: FILE and TABLE are needed", err);
+        if (!format.empty() && format != "csv" && format != "json") {
+            return WrongUsage("dump: unknown format '" + format + "'", err);
+        }
+        return Dump(words[1], words[2], format == "json" ? DumpFormat::Json : DumpFormat::Csv, out,
+                    err);
+    }
+    return WrongUsage("unknown command '" + command + "'", err);
+}
+
+}  // namespace
+
+ExitStatus Run(int argc, char** argv, std::FILE* out, std::FILE* err) {
+    static constexpr std::array<option, 4> kOptions = {{{"help", no_argument, nullptr, 'h'},
+                                                        {"version", no_argument, nullptr, 'V'},
+                                                        {"format", required_argument, nullptr, 'f'},
+                                                        {nullptr, 0, nullptr, 0}}};
+    std::string format;
+    optind = 1;
+    opterr = 0;
+    int found = 0;
+    while ((found = getopt_long(argc, argv, "hV", kOptions.data(), nullptr)) != -1) {
+        if (found == 'h') {
+            std::fputs(kHelp, out);
+            return kSuccess;
+        }
+        if (found == 'V') {
+            std::fputs("kvs " KV_VERSION "\n", out);
+            return kSuccess;
+        }
+        if (found == '?')
+            return WrongUsage(
+                std::string("unknown or incomplete option '") + argv[optind - 1] + "'", err);
+        format = optarg;
+    }
+    return RunCommand({argv + optind, argv + argc}, format, out, err);
+}
+
+}  // namespace tools
