@@ -1,0 +1,96 @@
+# The tasks of a working day on a Debian 12 machine; CMake does the building. `make help` lists them.
+
+SHELL := /bin/bash
+.SHELLFLAGS := -eu -o pipefail -c
+.DEFAULT_GOAL := help
+
+PROJECT ?= examples/Brauerei.kvs
+FUZZ_SECONDS ?= 60
+PREFIX ?= /usr/local
+TABLE ?= TchrTrends
+JOBS := $(shell nproc)
+
+BUILD := build/release
+# What `make run` needs; the tests and benchmarks are left to the tasks that use them.
+RUN_TARGETS := kvstudio KVArchivEditor kvs
+
+heading = @printf '\n== %s\n' "$(1)"
+
+.PHONY: help run build test test-release test-engine test-fuzz test-asan format check-format tidy \
+	bench install clean
+
+help: ## Show the tasks
+	@echo "make TASK, where TASK is one of:"
+	@sed -n 's/^\([a-z-]*\):.*## /\1|/p' $(MAKEFILE_LIST) | \
+	while IFS='|' read -r task text; do printf '  %-14s %s\n' "$$task" "$$text"; done
+	@echo "Variables: PROJECT=$(PROJECT) FUZZ_SECONDS=$(FUZZ_SECONDS) PREFIX=$(PREFIX) TABLE=$(TABLE)"
+
+run: ## Build the studio and open PROJECT in it
+	@scripts/install-packages.sh build run $${WAYLAND_DISPLAY:+wayland}
+	@cmake --preset release --log-level=WARNING
+	@cmake --build $(BUILD) --parallel $(JOBS) --target $(RUN_TARGETS)
+	@scripts/run-studio.sh $(BUILD) '$(PROJECT)'
+
+build: ## Build everything, optimised, in build/release
+	@scripts/install-packages.sh build
+	@cmake --preset release --log-level=WARNING
+	@cmake --build $(BUILD) --parallel $(JOBS)
+
+# The sanitizer run comes last, so that its result closes the output.
+test: test-release test-engine test-fuzz test-asan ## Run every check: release, engine alone, fuzzing, sanitizers
+
+test-release: ## Build with warnings as errors and run the tests
+	@scripts/install-packages.sh build run test
+	$(call heading,Release build and tests)
+	@cmake --preset release -DKV_WARNINGS_AS_ERRORS=ON --log-level=WARNING
+	@cmake --build $(BUILD) --parallel $(JOBS)
+	@ctest --preset release --parallel $(JOBS)
+
+test-engine: ## Build file engine and recordsets without Qt
+	@scripts/install-packages.sh build
+	$(call heading,File engine and recordsets without Qt)
+	@cmake --preset engine-only -DKV_WARNINGS_AS_ERRORS=ON -DKV_TESTS=OFF -DKV_BENCH=OFF \
+		-DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON --log-level=WARNING
+	@cmake --build build/engine-only --parallel $(JOBS) --target kv_jet kv_ado
+
+test-fuzz: ## Fuzz each target for FUZZ_SECONDS under the sanitizers
+	@scripts/install-packages.sh build test
+	$(call heading,Fuzzing ($(FUZZ_SECONDS) s a target))
+	@cmake --preset fuzz --log-level=WARNING
+	@cmake --build build/fuzz --parallel $(JOBS) --target fuzzers
+	@scripts/run-fuzz.sh build/fuzz $(FUZZ_SECONDS)
+
+test-asan: ## Run the tests under the address and undefined sanitizers
+	@scripts/install-packages.sh build run test
+	$(call heading,Tests under the address and undefined sanitizers)
+	@cmake --preset asan -DKV_WARNINGS_AS_ERRORS=ON --log-level=WARNING
+	@cmake --build build/asan --parallel $(JOBS)
+	@LSAN_OPTIONS=suppressions=$(CURDIR)/scripts/leaks-outside.txt:print_suppressions=0 \
+		ctest --preset asan --parallel $(JOBS)
+
+format: ## Format all C++ files
+	@scripts/install-packages.sh format
+	@scripts/sources.sh | xargs -r clang-format -i
+
+check-format: ## Fail when a C++ file is not formatted
+	@scripts/install-packages.sh format
+	@scripts/check-format.sh
+
+tidy: ## Run clang-tidy over the product's code
+	@scripts/install-packages.sh build tidy
+	@cmake --preset release --log-level=WARNING
+	@cmake --build $(BUILD) --parallel $(JOBS)
+	@run-clang-tidy -quiet -p $(BUILD) -j $(JOBS) '^$(CURDIR)/(src|studio|tools)/'
+
+bench: ## Measure: Google Benchmark programs, and kvs dump beside mdb-export
+	@scripts/install-packages.sh build bench
+	@cmake --preset release --log-level=WARNING
+	@cmake --build $(BUILD) --parallel $(JOBS)
+	@for program in $(BUILD)/bin/bench_*; do [ ! -x "$$program" ] || "$$program"; done
+	@bench/compare_dump.sh '$(PROJECT)' '$(TABLE)'
+
+install: build ## Install under PREFIX
+	@cmake --install $(BUILD) --prefix '$(PREFIX)'
+
+clean: ## Remove everything that was built
+	@rm -rf build
