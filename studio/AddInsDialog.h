@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QDialog>
+
+#include "studio/AddInLoader.h"
+
+namespace studio {
+
+class StudioTexts;
+
+/// Shows which add-ins are loaded, and why others are not.
+class AddInsDialog final : public QDialog {
+    Q_OBJECT
+public:
+    AddInsDialog(const QList<AddInReport>& reports, const StudioTexts& texts,
+                 QWidget* parent = nullptr);
+};
+
+}  // namespace studio

@@ -1,0 +1,101 @@
+#include "studio/ProjectLocation.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include "paths/NativePath.h"
+#include "studio/StudioRegistry.h"
+#include "studio/StudioTexts.h"
+
+namespace studio {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+const QString kExtension = u".kvs"_s;
+
+QString ToNative(const QString& path) {
+    return QString::fromStdString(paths::ToNative(path.toStdString()));
+}
+
+QString ToProject(const QString& nativePath) {
+    return QString::fromStdString(paths::ToProject(nativePath.toStdString()));
+}
+
+bool IsPath(const QString& project) {
+    return project.trimmed().endsWith(kExtension, Qt::CaseInsensitive);
+}
+
+bool HasDrive(const QString& path) {
+    return path.size() > 1 && path[1] == u':' && path[0].isLetter() && path[0].unicode() < 128;
+}
+
+/// The file of a registered project, as the add-ins make it up; empty when none is registered.
+QString FileOfName(const QString& name, StudioRegistry& registry) {
+    const QString folder = registry.ProjectFolder(name);
+    return folder.isEmpty() ? QString() : folder + u'\\' + name + kExtension;
+}
+
+/// Empty, or why the file cannot be a project.
+QString Refusal(const QString& nativePath, const StudioTexts& texts) {
+    const QFileInfo info(nativePath);
+    if (!info.exists()) return texts(Text::ErrorNotFound).arg(nativePath);
+    if (!info.isFile()) return texts(Text::ErrorNoFile).arg(nativePath);
+    QFile file(nativePath);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return texts(Text::ErrorNotReadable).arg(nativePath, file.errorString());
+    }
+    // Whether the database itself can be used is found out by whoever opens it; this tells a text
+    // or picture from a database: 4 bytes 00 01 00 00, then the name of the format.
+    const QByteArray start = file.read(19);
+    if (file.error() != QFileDevice::NoError) {
+        return texts(Text::ErrorNotReadable).arg(nativePath, file.errorString());
+    }
+    if (start.isEmpty()) return texts(Text::ErrorEmptyFile).arg(nativePath);
+    if (!start.startsWith(QByteArrayView("\x00\x01\x00\x00Standard ", 13))) {
+        return texts(Text::ErrorNoDatabase).arg(nativePath);
+    }
+    return {};
+}
+
+}  // namespace
+
+std::variant<ProjectLocation, QString> Locate(const QString& project, StudioRegistry& registry,
+                                              const StudioTexts& texts) {
+    ProjectLocation location;
+    if (IsPath(project)) {
+        const QString given = project.trimmed();
+        // A native name may hold a backslash, which the form with backslashes cannot express.
+        if (!HasDrive(given) && given.contains(u'/') && given.contains(u'\\')) {
+            return texts(Text::ErrorBackslash).arg(given);
+        }
+        const bool projectForm = HasDrive(given) || given.startsWith(u'\\');
+        location.nativePath = QDir::cleanPath(QFileInfo(ToNative(given)).absoluteFilePath());
+        if (!projectForm && location.nativePath.contains(u'\\')) {
+            return texts(Text::ErrorBackslash).arg(location.nativePath);
+        }
+        location.forAddIns = projectForm ? given : ToProject(location.nativePath);
+        location.remembered = location.nativePath;
+    } else {
+        const QString file = FileOfName(project, registry);
+        if (file.isEmpty()) {
+            const bool isFile = project.contains(u'/') || QFileInfo::exists(project);
+            return texts(isFile ? Text::ErrorExtension : Text::ErrorUnknownName).arg(project);
+        }
+        location.nativePath = ToNative(file);
+        location.forAddIns = project;
+        location.remembered = project;
+    }
+    location.shown = QFileInfo(location.nativePath).completeBaseName();
+    const QString refusal = Refusal(location.nativePath, texts);
+    if (!refusal.isEmpty()) return refusal;
+    return location;
+}
+
+bool IsThere(const QString& project, StudioRegistry& registry) {
+    const QString file = IsPath(project) ? project : FileOfName(project, registry);
+    return !file.isEmpty() && QFileInfo(ToNative(file)).isFile();
+}
+
+}  // namespace studio

@@ -1,0 +1,122 @@
+#include "studio/StudioTexts.h"
+
+#include <array>
+#include <cstddef>
+
+namespace studio {
+namespace {
+
+struct Row {
+    Text text;
+    const char* german;
+    const char* english;
+};
+
+// In the order of the enumeration; the check below holds that.
+constexpr Row kTexts[] = {
+    {Text::StudioTitle, "Korvala Studio", "Korvala Studio"},
+    {Text::MenuFile, "&Datei", "&File"},
+    {Text::FileNew, "&Neues Projekt...", "&New project..."},
+    {Text::FileNewTip, "Ein neues Projekt anlegen", "Create a new project"},
+    {Text::FileNewNotYet, "Neue Projekte kann diese Version noch nicht anlegen",
+     "This version cannot create new projects yet"},
+    {Text::FileOpen, "Ö&ffnen...", "&Open..."},
+    {Text::FileOpenTip, "Ein Projekt öffnen", "Open a project"},
+    {Text::FileRecent, "&Zuletzt geöffnet", "&Recent projects"},
+    {Text::FileRecentNone, "(keine)", "(none)"},
+    {Text::FileRecentClear, "Liste &leeren", "&Clear list"},
+    {Text::FileRecentMissing, "%1 ist zurzeit nicht vorhanden", "%1 is not there at present"},
+    {Text::FileClose, "Projekt &schließen", "&Close project"},
+    {Text::FileCloseTip, "Das offene Projekt schließen", "Close the open project"},
+    {Text::FileQuit, "&Beenden", "&Quit"},
+    {Text::MenuView, "&Ansicht", "&View"},
+    {Text::ViewTree, "&Projektbaum", "&Project tree"},
+    {Text::ViewEditor, "&Editor", "&Editor"},
+    {Text::MenuSettings, "&Einstellungen", "&Settings"},
+    {Text::SettingsLanguage, "&Sprache der Oberfläche", "Interface &language"},
+    {Text::LanguageTip, "Ein offenes Projekt wird dabei neu geladen",
+     "An open project is loaded again"},
+    {Text::MenuHelp, "&Hilfe", "&Help"},
+    {Text::HelpAddIns, "&Add-Ins...", "&Add-ins..."},
+    {Text::HelpAddInsTip, "Geladene Add-Ins und Fehler beim Laden",
+     "Add-ins that are loaded, and failures to load"},
+    {Text::HelpAbout, "&Info...", "&About..."},
+    {Text::AboutTitle, "Info zu Korvala Studio", "About Korvala Studio"},
+    {Text::AboutBody,
+     "<h3>Korvala Studio %1</h3><p>Öffnet Projekte der Prozessvisualisierung und führt die "
+     "Editoren aus, die als Add-Ins vorliegen.</p>",
+     "<h3>Korvala Studio %1</h3><p>Opens process visualisation projects and runs the editors "
+     "that come as add-ins.</p>"},
+    {Text::TreeName, "Projektbaum", "Project tree"},
+    {Text::EditorAreaName, "Editorbereich", "Editor area"},
+    {Text::EmptyTitle, "Kein Projekt geöffnet", "No project is open"},
+    {Text::EmptyHint,
+     "Öffnen Sie eine Projektdatei (*.kvs), oder ziehen Sie sie auf dieses Fenster.",
+     "Open a project file (*.kvs), or drop one on this window."},
+    {Text::EmptyOpen, "&Projekt öffnen...", "&Open project..."},
+    {Text::EmptyRecent, "Zuletzt geöffnet", "Recent projects"},
+    {Text::NothingOpenTitle, "Kein Editor geöffnet", "No editor is open"},
+    {Text::NothingOpenHint, "Wählen Sie im Projektbaum, was Sie bearbeiten möchten.",
+     "Choose in the project tree what you want to edit."},
+    {Text::NoAddInsHint,
+     "Es ist kein Add-In geladen, daher gibt es nichts zu bearbeiten. Mehr dazu unter "
+     "Hilfe > Add-Ins.",
+     "No add-in is loaded, so there is nothing to edit. See Help > Add-ins."},
+    {Text::OpenTitle, "Projekt öffnen", "Open project"},
+    {Text::OpenFilter, "Projekte (*.kvs *.KVS);;Alle Dateien (*)",
+     "Projects (*.kvs *.KVS);;All files (*)"},
+    {Text::StatusReady, "Bereit", "Ready"},
+    {Text::StatusOpened, "Projekt %1 geöffnet", "Project %1 opened"},
+    {Text::StatusClosed, "Projekt geschlossen", "Project closed"},
+    {Text::StatusBusy, "Ein Editor arbeitet noch; bitte beenden Sie zuerst seinen Dialog",
+     "An editor is still at work; please finish its dialog first"},
+    {Text::StatusAddInFailed, "Add-In nicht geladen: %1 (%2)", "Add-in not loaded: %1 (%2)"},
+    {Text::StatusAddInError, "Fehler im Add-In %1 bei %2: %3", "Error in add-in %1, %2: %3"},
+    {Text::StatusLanguage, "Sprache der Oberfläche: Deutsch", "Interface language: English"},
+    {Text::ErrorNotFound, "Die Projektdatei wurde nicht gefunden:\n%1",
+     "The project file was not found:\n%1"},
+    {Text::ErrorNoFile, "Das ist keine Datei, sondern ein Ordner oder Gerät:\n%1",
+     "This is a folder or a device, not a file:\n%1"},
+    {Text::ErrorNotReadable, "Die Projektdatei kann nicht gelesen werden (%2):\n%1",
+     "The project file cannot be read (%2):\n%1"},
+    {Text::ErrorEmptyFile, "Die Projektdatei ist leer:\n%1", "The project file is empty:\n%1"},
+    {Text::ErrorNoDatabase, "Die Datei ist keine Projektdatenbank:\n%1",
+     "The file is not a project database:\n%1"},
+    {Text::ErrorExtension, "Projektdateien haben die Endung .kvs:\n%1",
+     "Project files have the extension .kvs:\n%1"},
+    {Text::ErrorUnknownName,
+     "Ein Projekt mit dem Namen \"%1\" ist nicht eingetragen, und eine Projektdatei (.kvs) "
+     "dieses Namens wurde nicht angegeben.",
+     "No project named \"%1\" is registered, and no project file (.kvs) of that name was given."},
+    {Text::ErrorBackslash,
+     "Der Pfad enthält einen umgekehrten Schrägstrich und kann deshalb nicht verwendet "
+     "werden:\n%1",
+     "The path contains a backslash and can therefore not be used:\n%1"},
+    {Text::ErrorLanguage, "Die Sprache konnte nicht gespeichert werden:\n%1",
+     "The language could not be saved:\n%1"},
+    {Text::ErrorRegistryFile, "Die Registrierungsdatei gibt es nicht: %1",
+     "The registry file does not exist: %1"},
+    {Text::AddInColumn, "Add-In", "Add-in"},
+    {Text::AddInFileColumn, "Datei", "File"},
+    {Text::AddInStateColumn, "Zustand", "State"},
+    {Text::AddInLoaded, "geladen", "loaded"},
+    {Text::Close, "S&chließen", "&Close"},
+};
+
+constexpr bool InEnumOrder() {
+    std::size_t expected = 0;
+    for (const Row& row : kTexts) {
+        if (static_cast<std::size_t>(row.text) != expected++) return false;
+    }
+    return expected == static_cast<std::size_t>(Text::Count_);
+}
+static_assert(InEnumOrder(), "one row for each text, in the order of the enumeration");
+
+}  // namespace
+
+QString StudioTexts::operator()(Text text) const {
+    const Row& row = kTexts[static_cast<std::size_t>(text)];
+    return QString::fromUtf8(lcid_ == kEnglish ? row.english : row.german);
+}
+
+}  // namespace studio

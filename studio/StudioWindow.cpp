@@ -1,0 +1,281 @@
+#include "studio/StudioWindow.h"
+
+#include <QActionGroup>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDir>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLibraryInfo>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QSettings>
+#include <QSplitter>
+#include <QStatusBar>
+
+#include "platform/MessageBox.h"
+#include "studio/AddInsDialog.h"
+#include "studio/AddInSet.h"
+#include "studio/EditorArea.h"
+#include "studio/NewProject.h"
+#include "studio/ProjectTree.h"
+#include "studio/StudioHost.h"
+#include "studio/StudioIcons.h"
+#include "studio/StudioRegistry.h"
+
+namespace studio {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int kStatusMs = 8000;
+const QString kGeometryKey = u"Window/Geometry"_s;
+const QString kSplitterKey = u"Window/Splitter"_s;
+const QString kFolderKey = u"OpenFolder"_s;
+const QString kProjectIcon = u"icoStudioProject"_s;
+
+}  // namespace
+
+StudioWindow::StudioWindow(StudioRegistry& registry, AddInSet& addIns,
+                           QList<AddInReport> addInReports, QSettings* state)
+    : registry_(registry),
+      addIns_(addIns),
+      addInReports_(std::move(addInReports)),
+      state_(state),
+      recent_(state),
+      treeEvents_(addIns) {
+    setObjectName(u"frmStudio"_s);
+    setWindowIcon(StudioIcon());
+    setAcceptDrops(true);
+    BuildAreas();
+    BuildFileMenu();
+    BuildOtherMenus();
+    ReserveShortcuts();
+    host_ = std::make_unique<StudioHost>(model_, *tree_, *editors_, variables_);
+    addIns_.SetFailureHandler([this](const AddInSet::Failure& failure) {
+        const QString text =
+            texts_(Text::StatusAddInError).arg(failure.progId, failure.event, failure.what);
+        qWarning("%s", qUtf8Printable(text));
+        statusBar()->showMessage(text);
+    });
+    ApplyLanguage(registry_.InterfaceLanguage());
+    RestoreState();
+    statusBar()->showMessage(texts_(Text::StatusReady), kStatusMs);
+    for (const AddInReport& report : addInReports_) {
+        if (report.failure.isEmpty()) continue;
+        const QString text = texts_(Text::StatusAddInFailed).arg(report.name, report.failure);
+        qWarning("%s", qUtf8Printable(text));
+        statusBar()->showMessage(text);
+    }
+}
+
+StudioWindow::~StudioWindow() {
+    CloseProject();
+    addIns_.SetFailureHandler(nullptr);
+}
+
+bool StudioWindow::OpenProject(const QString& project) {
+    if (addIns_.InCall()) {
+        statusBar()->showMessage(texts_(Text::StatusBusy), kStatusMs);
+        return false;
+    }
+    auto located = Locate(project, registry_, texts_);
+    if (const auto* message = std::get_if<QString>(&located)) {
+        Complain(*message);
+        return false;
+    }
+    CloseProject();
+    project_ = std::get<ProjectLocation>(std::move(located));
+    model_.RegisterIcon(kProjectIcon, ProjectIcon());
+    model_.AddOwn(project_->shown, kProjectKey.toString(), kProjectIcon);
+    tree_->HostSelect(kProjectKey.toString());
+    ApplyProjectState();
+    recent_.Add(project_->remembered);
+    statusBar()->showMessage(texts_(Text::StatusOpened).arg(project_->shown), kStatusMs);
+    addIns_.ForEach("Initialize", [this](KV4AddIn::CKV4Extensibility& addIn) {
+        addIn.CKV4Extensibility_Initialize(project_->forAddIns, QString(), host_.get(), nullptr);
+    });
+    startupPending_ = true;
+    if (isVisible()) RaiseStartupComplete();
+    tree_->setFocus();
+    return true;
+}
+
+bool StudioWindow::CloseProject() {
+    if (!project_) return true;
+    if (addIns_.InCall()) {
+        statusBar()->showMessage(texts_(Text::StatusBusy), kStatusMs);
+        return false;
+    }
+    addIns_.ForEach("Terminate", [](KV4AddIn::CKV4Extensibility& addIn) {
+        addIn.CKV4Extensibility_Terminate();
+    });
+    startupPending_ = false;
+    model_.Clear();
+    project_.reset();
+    // An add-in may have been waiting for a database when it was terminated.
+    platform::SetScreenPointer(platform::Pointer::Default);
+    ApplyProjectState();
+    statusBar()->showMessage(texts_(Text::StatusClosed), kStatusMs);
+    return true;
+}
+
+QString StudioWindow::FirstAddInNode() const {
+    for (const QString& key : model_.ChildKeys(QString()).value_or(QStringList())) {
+        if (key != kProjectKey) return key;
+    }
+    return {};
+}
+
+void StudioWindow::closeEvent(QCloseEvent* event) {
+    if (!CloseProject()) {
+        event->ignore();
+        return;
+    }
+    SaveState();
+    event->accept();
+}
+
+void StudioWindow::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    RaiseStartupComplete();
+}
+
+void StudioWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && !isActiveWindow() && project_) {
+        addIns_.ForEach("Deactivate", [](KV4AddIn::CKV4Extensibility& addIn) {
+            addIn.CKV4Extensibility_Deactivate();
+        });
+    }
+}
+
+void StudioWindow::dragEnterEvent(QDragEnterEvent* event) {
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (urls.size() == 1 && urls.front().isLocalFile()) event->acceptProposedAction();
+}
+
+void StudioWindow::dropEvent(QDropEvent* event) {
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (urls.size() != 1) return;
+    event->acceptProposedAction();
+    // Queued, so that the program the file comes from is not held up by a message.
+    QMetaObject::invokeMethod(
+        this, [this, file = urls.front().toLocalFile()] { OpenProject(file); },
+        Qt::QueuedConnection);
+}
+
+void StudioWindow::mnuFileNew_Click() {
+    if (const std::optional<QString> project = NewProject(*this, texts_)) OpenProject(*project);
+}
+
+void StudioWindow::mnuFileOpen_Click() {
+    QString folder = project_ ? QFileInfo(project_->nativePath).path() : QString();
+    if (folder.isEmpty() && state_ != nullptr) folder = state_->value(kFolderKey).toString();
+    const QString file = QFileDialog::getOpenFileName(this, texts_(Text::OpenTitle), folder,
+                                                      texts_(Text::OpenFilter));
+    if (file.isEmpty()) return;
+    if (state_ != nullptr) state_->setValue(kFolderKey, QFileInfo(file).path());
+    OpenProject(file);
+}
+
+void StudioWindow::mnuFileRecent_Popup() {
+    mnuFileRecent_->clear();
+    int number = 0;
+    for (const QString& project : recent_.Items()) {
+        ++number;
+        const QString caption = RecentCaption(project).replace(u'&', u"&&"_s);
+        const QString accessKey = number < 10 ? u"&%1  "_s.arg(number) : u"%1  "_s.arg(number);
+        QAction* action = mnuFileRecent_->addAction(accessKey + caption);
+        action->setObjectName(u"mnuFileRecent(%1)"_s.arg(number - 1));
+        action->setEnabled(IsThere(project, registry_));
+        action->setStatusTip(action->isEnabled() ? project
+                                                 : texts_(Text::FileRecentMissing).arg(project));
+        connect(action, &QAction::triggered, this, [this, project] { OpenProject(project); });
+    }
+    if (number == 0) mnuFileRecent_->addAction(texts_(Text::FileRecentNone))->setEnabled(false);
+    mnuFileRecent_->addSeparator();
+    QAction* clear = mnuFileRecent_->addAction(texts_(Text::FileRecentClear));
+    clear->setObjectName(u"mnuFileRecentClear"_s);
+    clear->setEnabled(number != 0);
+    connect(clear, &QAction::triggered, this, &StudioWindow::mnuFileRecentClear_Click);
+}
+
+void StudioWindow::mnuFileRecentClear_Click() {
+    recent_.Clear();
+    ShowRecentInEmptyArea();
+}
+
+void StudioWindow::mnuSettingsLanguage_Click(QAction* action) {
+    const int lcid = action->data().toInt();
+    if (lcid == texts_.Lcid()) return;
+    const bool busy = addIns_.InCall();
+    const QString failure = busy ? QString() : registry_.SetInterfaceLanguage(lcid);
+    if (busy || !failure.isEmpty()) {
+        for (QAction* entry : languages_->actions()) {
+            entry->setChecked(entry->data().toInt() == texts_.Lcid());
+        }
+        if (!failure.isEmpty()) Complain(texts_(Text::ErrorLanguage).arg(failure));
+        return;
+    }
+    // The add-ins read the language when they are initialised.
+    const std::optional<ProjectLocation> open = project_;
+    CloseProject();
+    ApplyLanguage(lcid);
+    if (open) OpenProject(open->remembered);
+    statusBar()->showMessage(texts_(Text::StatusLanguage), kStatusMs);
+}
+
+void StudioWindow::mnuHelpAddIns_Click() {
+    AddInsDialog(addInReports_, texts_, this).exec();
+}
+
+void StudioWindow::mnuHelpAbout_Click() {
+    QMessageBox box(this);
+    box.setObjectName(u"frmAbout"_s);
+    box.setWindowTitle(texts_(Text::AboutTitle));
+    box.setIconPixmap(windowIcon().pixmap(64));
+    box.setText(texts_(Text::AboutBody).arg(QCoreApplication::applicationVersion()));
+    box.exec();
+}
+
+void StudioWindow::RaiseStartupComplete() {
+    if (!startupPending_) return;
+    startupPending_ = false;
+    addIns_.ForEach("StartupComplete", [](KV4AddIn::CKV4Extensibility& addIn) {
+        addIn.CKV4Extensibility_StartupComplete();
+    });
+}
+
+void StudioWindow::Complain(const QString& message) {
+    platform::ShowMessage(message, platform::MessageButtons::Ok, texts_(Text::StudioTitle), this);
+}
+
+QString StudioWindow::RecentCaption(const QString& project) const {
+    const QFileInfo info(project);
+    if (!info.isAbsolute()) return project;
+    QString folder = info.path();
+    const QString home = QDir::homePath();
+    if (folder == home || folder.startsWith(home + u'/')) folder.replace(0, home.size(), u'~');
+    return u"%1  (%2)"_s.arg(info.completeBaseName(), folder);
+}
+
+void StudioWindow::RestoreState() {
+    const bool restored =
+        state_ != nullptr && restoreGeometry(state_->value(kGeometryKey).toByteArray());
+    if (!restored) resize(1200, 760);
+    if (state_ == nullptr || !splMain_->restoreState(state_->value(kSplitterKey).toByteArray())) {
+        splMain_->setSizes({260, 940});
+    }
+}
+
+void StudioWindow::SaveState() {
+    if (state_ == nullptr) return;
+    state_->setValue(kGeometryKey, saveGeometry());
+    state_->setValue(kSplitterKey, splMain_->saveState());
+    state_->sync();
+}
+
+}  // namespace studio

@@ -1,0 +1,121 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <QMainWindow>
+#include <QTranslator>
+#include <vector>
+
+#include "studio/AddInLoader.h"
+#include "studio/ProjectLocation.h"
+#include "studio/ProjectTreeModel.h"
+#include "studio/RecentProjects.h"
+#include "studio/StudioTexts.h"
+#include "studio/TreeEvents.h"
+#include "studio/VariableBrowser.h"
+
+class QActionGroup;
+class QLabel;
+class QSettings;
+class QSplitter;
+
+namespace studio {
+
+class AddInSet;
+class EditorArea;
+class ProjectTree;
+class StudioHost;
+class StudioRegistry;
+
+/// The studio's main window. At most one project is open; the add-ins are initialised when it is
+/// opened and terminated when it is closed, by the user or with the window.
+class StudioWindow final : public QMainWindow {
+    Q_OBJECT
+public:
+    /// Key of the studio's own node, which stands for the project itself.
+    static constexpr QStringView kProjectKey = u"PROJ";
+
+    /// All are borrowed and outlive the window. `state` keeps the window's layout and the recent
+    /// projects; null: nothing is kept.
+    StudioWindow(StudioRegistry& registry, AddInSet& addIns, QList<AddInReport> addInReports,
+                 QSettings* state);
+    ~StudioWindow() override;
+
+    /// Opens a project file or a registered project in place of the one that is open. False after
+    /// a message when it cannot be opened; the project that was open stays open then.
+    bool OpenProject(const QString& project);
+    /// False while an add-in is at work.
+    bool CloseProject();
+    [[nodiscard]] bool HasProject() const noexcept { return project_.has_value(); }
+
+    [[nodiscard]] ProjectTree& Tree() noexcept { return *tree_; }
+    [[nodiscard]] StudioHost& Host() noexcept { return *host_; }
+    /// Key of the first top-level node of an add-in; empty when there is none.
+    [[nodiscard]] QString FirstAddInNode() const;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private slots:
+    void mnuFileNew_Click();
+    void mnuFileOpen_Click();
+    void mnuFileRecent_Popup();
+    void mnuFileRecentClear_Click();
+    void mnuSettingsLanguage_Click(QAction* action);
+    void mnuHelpAddIns_Click();
+    void mnuHelpAbout_Click();
+
+private:
+    struct Caption {
+        QAction* action;
+        Text text;
+        std::optional<Text> tip;
+    };
+
+    void BuildAreas();
+    void BuildFileMenu();
+    void BuildOtherMenus();
+    QMenu* AddMenu(const QString& name, Text text);
+    QAction* AddAction(QMenu& menu, const QString& name, Text text, std::optional<Text> tip,
+                       const QKeySequence& shortcut = {});
+    void ReserveShortcuts();
+    void ApplyLanguage(int lcid);
+    void ApplyProjectState();
+    void ShowRecentInEmptyArea();
+    void RaiseStartupComplete();
+    void Complain(const QString& message);
+    [[nodiscard]] QString RecentCaption(const QString& project) const;
+    void RestoreState();
+    void SaveState();
+
+    StudioRegistry& registry_;
+    AddInSet& addIns_;
+    QList<AddInReport> addInReports_;
+    QSettings* state_;
+    RecentProjects recent_;
+    StudioTexts texts_;
+    QTranslator qtTexts_;  // for the buttons and dialogs that Qt brings
+    std::optional<ProjectLocation> project_;
+    bool startupPending_ = false;  // StartupComplete waits for the window to be shown
+
+    ProjectTreeModel model_;
+    TreeEvents treeEvents_;
+    NoVariables variables_;
+    std::unique_ptr<StudioHost> host_;
+    std::vector<Caption> captions_;
+    QSplitter* splMain_ = nullptr;
+    ProjectTree* tree_ = nullptr;
+    EditorArea* editors_ = nullptr;
+    QLabel* lblProject_ = nullptr;
+    QMenu* mnuFileRecent_ = nullptr;
+    QAction* mnuFileOpen_ = nullptr;
+    QAction* mnuFileClose_ = nullptr;
+    QAction* mnuViewEditor_ = nullptr;
+    QActionGroup* languages_ = nullptr;
+};
+
+}  // namespace studio

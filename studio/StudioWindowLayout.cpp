@@ -1,0 +1,180 @@
+// The parts of the main window and their texts; what they do is in StudioWindow.cpp.
+
+#include <QActionGroup>
+#include <QApplication>
+#include <QLabel>
+#include <QLibraryInfo>
+#include <QMenuBar>
+#include <QSplitter>
+#include <QStatusBar>
+
+#include "studio/AddInSet.h"
+#include "studio/EditorArea.h"
+#include "studio/NewProject.h"
+#include "studio/ProjectTree.h"
+#include "studio/StudioRegistry.h"
+#include "studio/StudioWindow.h"
+
+namespace studio {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int kRecentInEmptyArea = 5;
+
+}  // namespace
+
+void StudioWindow::BuildAreas() {
+    tree_ = new ProjectTree(model_, treeEvents_);
+    tree_->setMinimumWidth(120);
+    editors_ = new EditorArea;
+    splMain_ = new QSplitter(Qt::Horizontal);
+    splMain_->setObjectName(u"splMain"_s);
+    splMain_->addWidget(tree_);
+    splMain_->addWidget(editors_);
+    splMain_->setChildrenCollapsible(false);
+    splMain_->setStretchFactor(1, 1);
+    setCentralWidget(splMain_);
+    lblProject_ = new QLabel;
+    lblProject_->setObjectName(u"lblProject"_s);
+    lblProject_->setTextFormat(Qt::PlainText);
+    statusBar()->setObjectName(u"staStudio"_s);
+    statusBar()->addPermanentWidget(lblProject_);
+    connect(editors_, &EditorArea::OpenRequested, this, &StudioWindow::mnuFileOpen_Click);
+    connect(editors_, &EditorArea::RecentRequested, this,
+            [this](const QString& project) { OpenProject(project); });
+}
+
+QMenu* StudioWindow::AddMenu(const QString& name, Text text) {
+    QMenu* menu = menuBar()->addMenu(QString());
+    menu->setObjectName(name);
+    captions_.push_back({menu->menuAction(), text, std::nullopt});
+    return menu;
+}
+
+QAction* StudioWindow::AddAction(QMenu& menu, const QString& name, Text text,
+                                 std::optional<Text> tip, const QKeySequence& shortcut) {
+    QAction* action = menu.addAction(QString());
+    action->setObjectName(name);
+    action->setShortcut(shortcut);
+    captions_.push_back({action, text, tip});
+    return action;
+}
+
+void StudioWindow::BuildFileMenu() {
+    menuBar()->setObjectName(u"mnuMain"_s);
+    QMenu& file = *AddMenu(u"mnuFile"_s, Text::MenuFile);
+    QAction* create =
+        AddAction(file, u"mnuFileNew"_s, Text::FileNew,
+                  CanCreateProjects() ? Text::FileNewTip : Text::FileNewNotYet, QKeySequence::New);
+    create->setEnabled(CanCreateProjects());
+    connect(create, &QAction::triggered, this, &StudioWindow::mnuFileNew_Click);
+    mnuFileOpen_ =
+        AddAction(file, u"mnuFileOpen"_s, Text::FileOpen, Text::FileOpenTip, QKeySequence::Open);
+    connect(mnuFileOpen_, &QAction::triggered, this, &StudioWindow::mnuFileOpen_Click);
+    mnuFileRecent_ = file.addMenu(QString());
+    mnuFileRecent_->setObjectName(u"mnuFileRecent"_s);
+    captions_.push_back({mnuFileRecent_->menuAction(), Text::FileRecent, std::nullopt});
+    connect(mnuFileRecent_, &QMenu::aboutToShow, this, &StudioWindow::mnuFileRecent_Popup);
+    file.addSeparator();
+    mnuFileClose_ = AddAction(file, u"mnuFileClose"_s, Text::FileClose, Text::FileCloseTip,
+                              Qt::CTRL | Qt::Key_W);
+    connect(mnuFileClose_, &QAction::triggered, this, &StudioWindow::CloseProject);
+    file.addSeparator();
+    QAction* quit =
+        AddAction(file, u"mnuFileQuit"_s, Text::FileQuit, std::nullopt, Qt::CTRL | Qt::Key_Q);
+    quit->setMenuRole(QAction::QuitRole);
+    connect(quit, &QAction::triggered, this, &QWidget::close);
+}
+
+void StudioWindow::BuildOtherMenus() {
+    QMenu& view = *AddMenu(u"mnuView"_s, Text::MenuView);
+    QAction* viewTree =
+        AddAction(view, u"mnuViewTree"_s, Text::ViewTree, std::nullopt, Qt::ALT | Qt::Key_1);
+    connect(viewTree, &QAction::triggered, this, [this] { tree_->setFocus(); });
+    mnuViewEditor_ =
+        AddAction(view, u"mnuViewEditor"_s, Text::ViewEditor, std::nullopt, Qt::ALT | Qt::Key_2);
+    connect(mnuViewEditor_, &QAction::triggered, this, [this] {
+        if (QWidget* editor = editors_->Container()->Current()) {
+            QWidget* last = editor->focusWidget();
+            (last != nullptr ? last : editor)->setFocus(Qt::ShortcutFocusReason);
+        }
+    });
+
+    QMenu& settings = *AddMenu(u"mnuSettings"_s, Text::MenuSettings);
+    QMenu* language = settings.addMenu(QString());
+    language->setObjectName(u"mnuSettingsLanguage"_s);
+    captions_.push_back({language->menuAction(), Text::SettingsLanguage, std::nullopt});
+    languages_ = new QActionGroup(this);
+    // Each language by its own name, so that everyone finds the own one.
+    for (const auto& [lcid, name] :
+         {std::pair(kGerman, u"&Deutsch"_s), std::pair(kEnglish, u"&English"_s)}) {
+        QAction* action = language->addAction(name);
+        action->setObjectName(u"mnuSettingsLanguage(%1)"_s.arg(lcid));
+        action->setCheckable(true);
+        action->setData(lcid);
+        languages_->addAction(action);
+    }
+    connect(languages_, &QActionGroup::triggered, this, &StudioWindow::mnuSettingsLanguage_Click);
+
+    QMenu& help = *AddMenu(u"mnuHelp"_s, Text::MenuHelp);
+    QAction* addIns = AddAction(help, u"mnuHelpAddIns"_s, Text::HelpAddIns, Text::HelpAddInsTip);
+    connect(addIns, &QAction::triggered, this, &StudioWindow::mnuHelpAddIns_Click);
+    QAction* about = AddAction(help, u"mnuHelpAbout"_s, Text::HelpAbout, std::nullopt);
+    about->setMenuRole(QAction::AboutRole);
+    connect(about, &QAction::triggered, this, &StudioWindow::mnuHelpAbout_Click);
+}
+
+void StudioWindow::ReserveShortcuts() {
+    QList<QKeySequence> keys;
+    for (const Caption& caption : captions_) keys += caption.action->shortcuts();
+    tree_->SetReservedKeys(keys);
+}
+
+void StudioWindow::ApplyLanguage(int lcid) {
+    texts_ = StudioTexts(lcid);
+    QCoreApplication::removeTranslator(&qtTexts_);
+    if (texts_.Lcid() == kGerman &&
+        qtTexts_.load(u"qtbase_de"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QCoreApplication::installTranslator(&qtTexts_);
+    }
+    for (const Caption& caption : captions_) {
+        caption.action->setText(texts_(caption.text));
+        if (caption.tip) caption.action->setStatusTip(texts_(*caption.tip));
+    }
+    for (QAction* action : languages_->actions()) {
+        action->setChecked(action->data().toInt() == texts_.Lcid());
+        action->setStatusTip(texts_(Text::LanguageTip));
+    }
+    menuBar()->setAccessibleName(texts_(Text::StudioTitle));
+    tree_->setAccessibleName(texts_(Text::TreeName));
+    ApplyProjectState();
+}
+
+void StudioWindow::ApplyProjectState() {
+    using State = EditorArea::State;
+    const QString studioTitle = texts_(Text::StudioTitle);
+    setWindowTitle(project_ ? project_->shown + u" - "_s + studioTitle : studioTitle);
+    setWindowFilePath(project_ ? project_->nativePath : QString());
+    lblProject_->setText(project_ ? project_->nativePath : QString());
+    mnuFileClose_->setEnabled(project_.has_value());
+    tree_->setEnabled(project_.has_value());
+    editors_->SetState(!project_           ? State::NoProject
+                       : addIns_.IsEmpty() ? State::NoAddIns
+                                           : State::NoEditor,
+                       texts_);
+    ShowRecentInEmptyArea();
+}
+
+void StudioWindow::ShowRecentInEmptyArea() {
+    QList<std::pair<QString, QString>> shown;
+    if (!project_) {
+        for (const QString& project : recent_.Items()) {
+            if (shown.size() == kRecentInEmptyArea) break;
+            if (IsThere(project, registry_)) shown.append({project, RecentCaption(project)});
+        }
+    }
+    editors_->SetRecent(shown, texts_);
+}
+
+}  // namespace studio
