@@ -37,7 +37,7 @@ constexpr Row kTexts[] = {
     {Text::LanguageTip, "Ein offenes Projekt wird dabei neu geladen",
      "An open project is loaded again"},
     {Text::MenuHelp, "&Hilfe", "&Help"},
-    {Text::HelpAddIns, "&Add-Ins...", "&Add-ins..."},
+    {Text::HelpAddIns, "&Add-Ins...", "Add-&ins..."},
     {Text::HelpAddInsTip, "Geladene Add-Ins und Fehler beim Laden",
      "Add-ins that are loaded, and failures to load"},
     {Text::HelpAbout, "&Info...", "&About..."},

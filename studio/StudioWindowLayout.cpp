@@ -2,6 +2,7 @@
 
 #include <QActionGroup>
 #include <QApplication>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLibraryInfo>
 #include <QMenuBar>
@@ -156,7 +157,8 @@ void StudioWindow::ApplyProjectState() {
     const QString studioTitle = texts_(Text::StudioTitle);
     setWindowTitle(project_ ? project_->shown + u" - "_s + studioTitle : studioTitle);
     setWindowFilePath(project_ ? project_->nativePath : QString());
-    lblProject_->setText(project_ ? project_->nativePath : QString());
+    lblProject_->setText(project_ ? QFileInfo(project_->nativePath).fileName() : QString());
+    lblProject_->setToolTip(project_ ? project_->nativePath : QString());
     mnuFileClose_->setEnabled(project_.has_value());
     tree_->setEnabled(project_.has_value());
     editors_->SetState(!project_           ? State::NoProject

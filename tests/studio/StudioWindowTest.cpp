@@ -1,0 +1,199 @@
+#include "studio/StudioWindow.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QFile>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "platform/MessageBox.h"
+#include "studio/AddInSet.h"
+#include "studio/EditorArea.h"
+#include "studio/ProjectTree.h"
+#include "studio/RecordingAddIn.h"
+#include "studio/StudioHost.h"
+#include "studio/StudioRegistry.h"
+
+namespace studio {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using testing::ElementsAre;
+
+class StudioWindowTest : public testing::Test {
+protected:
+    StudioWindowTest() {
+        QFile::remove(qEnvironmentVariable("KV_REGISTRY"));
+        addIns_.Add(u"Sample"_s, addIn_);
+        QFile::copy(QStringLiteral(KV_TEST_DATA "/Leer.kvs"), Path(u"Anlage.kvs"_s));
+        Make();
+    }
+    void Make() {
+        window_.reset();
+        window_ = std::make_unique<StudioWindow>(registry_, addIns_, QList<AddInReport>(), &state_);
+        window_->show();
+    }
+    QString Path(const QString& name) const { return folder_.filePath(name); }
+    QString InProjectForm(const QString& name) const { return Path(name).replace(u'/', u'\\'); }
+    void Write(const QString& name, const QByteArray& content) const {
+        QFile file(Path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+    QAction* Action(const QString& name) const { return window_->findChild<QAction*>(name); }
+    QMenu* Recent() const {
+        auto* menu = window_->findChild<QMenu*>(u"mnuFileRecent"_s);
+        emit menu->aboutToShow();
+        return menu;
+    }
+
+    QTemporaryDir folder_;
+    QSettings state_{folder_.filePath(u"kvstudio.ini"_s), QSettings::IniFormat};
+    StudioRegistry registry_;
+    RecordingAddIn addIn_;
+    AddInSet addIns_;
+    std::unique_ptr<StudioWindow> window_;
+};
+
+TEST_F(StudioWindowTest, ProjectRunsFromInitializeToTerminate) {
+    ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
+    EXPECT_EQ(window_->FirstAddInNode(), u"SMP0"_s);
+    EXPECT_EQ(window_->windowTitle(), u"Anlage - Korvala Studio"_s);
+    window_->close();
+    EXPECT_THAT(addIn_.Take(),
+                ElementsAre(u"Initialize %1  0"_s.arg(InProjectForm(u"Anlage.kvs"_s)),
+                            u"StartupComplete"_s, u"Terminate"_s));
+}
+
+TEST_F(StudioWindowTest, RegisteredNameGoesToTheAddInAsItIs) {
+    Write(u"machine.reg"_s,
+          u"Windows Registry Editor Version 5.00\r\n\r\n"
+          "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Brantor GmbH\\Korvala\\4.0\\Projects\\Anlage]\r\n"
+          "\"Path\"=\"%1\"\r\n"_s.arg(folder_.path().replace(u'/', u"\\\\"_s))
+              .toUtf8());
+    const QByteArray before = qgetenv("KV_REGISTRY");
+    qputenv("KV_REGISTRY", Path(u"machine.reg"_s).toUtf8());
+    EXPECT_TRUE(window_->OpenProject(u"Anlage"_s));
+    EXPECT_EQ(addIn_.events.value(0), u"Initialize Anlage  0"_s);
+    qputenv("KV_REGISTRY", before);
+}
+
+TEST_F(StudioWindowTest, WhatIsNoProjectIsRefusedAndTheOpenOneStays) {
+    ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
+    addIn_.Take();
+    Write(u"Text.kvs"_s, "this is no database");
+    Write(u"Leer0.kvs"_s, {});
+    Write(u"Bild.png"_s, "x");
+    ASSERT_TRUE(QDir(folder_.path()).mkdir(u"Ordner.kvs"_s));
+    struct Row {
+        QString project;
+        QString expected;
+    };
+    const Row rows[] = {{u"Fehlt.kvs"_s, u"nicht gefunden"_s},
+                        {u"Text.kvs"_s, u"keine Projektdatenbank"_s},
+                        {u"Leer0.kvs"_s, u"ist leer"_s},
+                        {u"Ordner.kvs"_s, u"keine Datei"_s},
+                        {u"Bild.png"_s, u"Endung .kvs"_s}};
+    QString shown;
+    const platform::MessageAnswer answer([&shown](const platform::Message& message) {
+        shown = message.text;
+        return platform::MessageResult::Ok;
+    });
+    for (const Row& row : rows) {
+        shown.clear();
+        EXPECT_FALSE(window_->OpenProject(Path(row.project)));
+        EXPECT_TRUE(shown.contains(row.expected)) << qPrintable(shown);
+    }
+    EXPECT_FALSE(window_->OpenProject(u"Unbekannt"_s));
+    EXPECT_TRUE(shown.contains(u"nicht eingetragen"_s)) << qPrintable(shown);
+    EXPECT_TRUE(window_->HasProject());
+    EXPECT_TRUE(addIn_.Take().isEmpty());
+}
+
+TEST_F(StudioWindowTest, LanguageIsStoredAndTheProjectLoadedAgain) {
+    EXPECT_EQ(Action(u"mnuFileOpen"_s)->text(), u"Ö&ffnen..."_s);
+    ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
+    addIn_.Take();
+    Action(u"mnuSettingsLanguage(1033)"_s)->trigger();
+    EXPECT_EQ(Action(u"mnuFileOpen"_s)->text(), u"&Open..."_s);
+    EXPECT_EQ(addIn_.Take().size(), 3) << "Terminate, Initialize, StartupComplete";
+    EXPECT_EQ(StudioRegistry().InterfaceLanguage(), kEnglish);
+    Make();
+    EXPECT_EQ(Action(u"mnuFileOpen"_s)->text(), u"&Open..."_s) << "at the next start, too";
+}
+
+TEST_F(StudioWindowTest, RecentProjectsAreKeptMissingOnesCannotBeChosen) {
+    QFile::copy(Path(u"Anlage.kvs"_s), Path(u"Zwei & drei.kvs"_s));
+    ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
+    ASSERT_TRUE(window_->OpenProject(Path(u"Zwei & drei.kvs"_s)));
+    ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
+    QFile::remove(Path(u"Zwei & drei.kvs"_s));
+    Make();
+    const QList<QAction*> entries = Recent()->actions();
+    ASSERT_EQ(entries.size(), 4) << "two projects, separator, clear";
+    EXPECT_TRUE(entries[0]->text().startsWith(u"&1  Anlage"_s));
+    EXPECT_TRUE(entries[0]->isEnabled());
+    EXPECT_TRUE(entries[1]->text().startsWith(u"&2  Zwei && drei"_s));
+    EXPECT_FALSE(entries[1]->isEnabled());
+    entries[0]->trigger();
+    EXPECT_TRUE(window_->HasProject());
+    Recent()->actions().last()->trigger();
+    EXPECT_EQ(Recent()->actions().size(), 3) << "(none), separator, clear";
+}
+
+TEST_F(StudioWindowTest, EditorFillsTheAreaAndGivesItBack) {
+    auto* area = window_->findChild<EditorArea*>();
+    auto* empty = window_->findChild<QWidget*>(u"fraEmpty"_s);
+    ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
+    EXPECT_EQ(area->currentWidget(), empty);
+    window_->Tree().ClickAsUser(u"SMP0"_s);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(area->currentWidget(), area->Container());
+    EXPECT_TRUE(addIn_.editor->isVisible());
+    EXPECT_EQ(addIn_.editor->geometry(), area->Container()->rect());
+    window_->resize(window_->size() + QSize(100, 50));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(addIn_.editor->geometry(), area->Container()->rect());
+
+    addIn_.editor->hide();
+    EXPECT_EQ(area->currentWidget(), empty);
+    addIn_.editor->show();
+    EXPECT_EQ(area->currentWidget(), area->Container());
+
+    QLabel other(area->Container());  // of another add-in
+    other.show();
+    EXPECT_EQ(area->Container()->Current(), &other);
+    other.setParent(nullptr);
+    EXPECT_EQ(area->Container()->Current(), addIn_.editor);
+    EXPECT_TRUE(window_->CloseProject());
+    EXPECT_EQ(area->currentWidget(), empty);
+}
+
+TEST_F(StudioWindowTest, EverythingHasANameAndAnAccessKeyOfItsOwn) {
+    for (const int lcid : {kGerman, kEnglish}) {
+        Action(u"mnuSettingsLanguage(%1)"_s.arg(lcid))->trigger();
+        for (const QMenu* menu : window_->menuBar()->findChildren<QMenu*>()) {
+            if (menu->objectName() == u"mnuFileRecent"_s) continue;
+            QStringList keys;
+            for (const QAction* action : menu->actions()) {
+                if (action->isSeparator()) continue;
+                const QString name =
+                    action->menu() != nullptr ? action->menu()->objectName() : action->objectName();
+                EXPECT_TRUE(name.startsWith(menu->objectName())) << qPrintable(action->text());
+                const qsizetype mark = action->text().indexOf(u'&');
+                ASSERT_GE(mark, 0) << qPrintable(action->text());
+                keys += action->text().mid(mark + 1, 1).toLower();
+            }
+            EXPECT_EQ(keys.removeDuplicates(), 0) << qPrintable(menu->objectName());
+        }
+    }
+}
+
+}  // namespace
+}  // namespace studio
