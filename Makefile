@@ -50,7 +50,7 @@ test-engine: ## Build file engine and recordsets without Qt
 	@scripts/install-packages.sh build
 	$(call heading,File engine and recordsets without Qt)
 	@cmake --preset engine-only -DKV_WARNINGS_AS_ERRORS=ON -DKV_TESTS=OFF -DKV_BENCH=OFF \
-		-DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON --log-level=WARNING
+		--log-level=WARNING
 	@cmake --build build/engine-only --parallel $(JOBS) --target kv_jet kv_ado
 
 test-fuzz: ## Fuzz each target for FUZZ_SECONDS under the sanitizers
@@ -80,7 +80,7 @@ tidy: ## Run clang-tidy over the product's code
 	@scripts/install-packages.sh build tidy
 	@cmake --preset release --log-level=WARNING
 	@cmake --build $(BUILD) --parallel $(JOBS)
-	@run-clang-tidy -quiet -p $(BUILD) -j $(JOBS) '^$(CURDIR)/(src|studio|tools)/'
+	@scripts/tidy.sh $(BUILD)
 
 bench: ## Measure: Google Benchmark programs, and kvs dump beside mdb-export
 	@scripts/install-packages.sh build bench

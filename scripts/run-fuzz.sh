@@ -18,9 +18,9 @@ while IFS=$'\t' read -r target folders; do
     mkdir -p "$build/corpus/$target"
     log=$build/$target.log
     # The page cache and one row stay far below the limit for a single allocation; memory in all
-    # includes what the sanitizers themselves need.
+    # includes the inputs collected so far and what the sanitizers themselves need.
     if ! "$build/bin/$target" -max_total_time="$seconds" -timeout=10 -malloc_limit_mb=32 \
-        -rss_limit_mb=1024 -print_final_stats=1 -artifact_prefix="$build/findings/" \
+        -rss_limit_mb=2048 -print_final_stats=1 -artifact_prefix="$build/findings/" \
         "$build/corpus/$target" "${corpus[@]}" >"$log" 2>&1 </dev/null; then
         tail -n 60 "$log" >&2
         echo "$target: failed; the whole output is in $log" >&2
