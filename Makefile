@@ -26,7 +26,9 @@ help: ## Show the tasks
 	@echo "Variables: PROJECT=$(PROJECT) FUZZ_SECONDS=$(FUZZ_SECONDS) PREFIX=$(PREFIX) TABLE=$(TABLE)"
 
 run: ## Build the studio and open PROJECT in it
-	@scripts/install-packages.sh build run $${WAYLAND_DISPLAY:+wayland}
+	@scripts/install-packages.sh build run
+	@if [ -n "$${WAYLAND_DISPLAY-}" ] && [ -z "$${DISPLAY-}" ]; then \
+		scripts/install-packages.sh wayland; fi
 	@cmake --preset release --log-level=WARNING
 	@cmake --build $(BUILD) --parallel $(JOBS) --target $(RUN_TARGETS)
 	@scripts/run-studio.sh $(BUILD) '$(PROJECT)'

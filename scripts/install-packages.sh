@@ -66,7 +66,7 @@ if [[ $(id -u) -ne 0 ]]; then
     as_root=(sudo)
 fi
 
-echo "Installing Debian packages: ${missing[*]}"
+echo "Installing Debian packages, which may take some minutes: ${missing[*]}"
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 apt() {

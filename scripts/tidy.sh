@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# Runs clang-tidy over the product's code with the flags of a build; fails when
-# is any finding.
+# Runs clang-tidy over the product's code with the flags of a build; fails when it finds anything.
 #
 #   scripts/tidy.sh BUILD_FOLDER
 set -euo pipefail
