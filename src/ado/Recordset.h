@@ -35,7 +35,10 @@ struct Bookmark {
 ///
 /// Opening reads no row. Rows come as they are asked for: in the order of the primary key where a
 /// table has one, else in the order in which they are stored; a query's in the order of the table
-/// that drives it. An equality in a filter, a search or a query uses an index where one fits.
+/// that drives it. An equality in a filter, a search or a query uses an index where one fits; rows
+/// found through it come in its order.
+///
+/// A row that cannot be read fails alone: the recordset stays usable and the next move goes on.
 class Recordset {
 public:
     Recordset();
@@ -73,8 +76,9 @@ public:
     [[nodiscard]] std::size_t RecordCount() const;
 
     /// A criterion such as "Parameter= 5 AND Type = -2"; empty: no filter. Moves to the first row
-    /// that matches, or to EOF. Operators = <> < <= > >= LIKE; numbers, texts in single quotes,
-    /// Null, True, False, #dates#; AND, OR, parentheses. A LIKE pattern may use * at its ends.
+    /// that matches, or to EOF. Operators = <> < <= > >= LIKE, IS NULL; numbers, texts in
+    /// single quotes, Null, True, False, #dates#; AND, OR, NOT, parentheses. In a LIKE pattern *
+    /// stands for any text. Columns by the names of Fields().
     void SetFilter(std::string_view criteria);
     [[nodiscard]] const std::string& Filter() const;
 
@@ -83,9 +87,9 @@ public:
     void SetSort(std::string_view columns);
     [[nodiscard]] const std::string& Sort() const;
 
-    /// Moves to the first row at or behind the current one (or `skip` rows further) that meets
-    /// one criterion on one column; to EOF (searching backward: BOF) when there is none. A
-    /// recordset without a current row is searched from its near end.
+    /// Moves to the first row at or behind the current one (or `skip` rows further on) that meets
+    /// one criterion on one column; to EOF (searching backward: BOF) when there is none. From BOF
+    /// a search forward begins with the first row, from EOF one backward with the last.
     void Find(std::string_view criterion, int skip = 0,
               SearchDirection direction = SearchDirection::Forward);
 
@@ -97,7 +101,10 @@ public:
 private:
     friend class Connection;
     struct Rep;
-    std::unique_ptr<Rep> rep_;
+    /// Throws when the recordset is closed.
+    [[nodiscard]] Rep& Opened() const;
+
+    std::unique_ptr<Rep> rep_;  // null while closed
 };
 
 }  // namespace ado

@@ -1,6 +1,6 @@
 #include "jet/TableDef.h"
 
-#include "jet/detail/TextKey.h"
+#include "jet/TextKey.h"
 #include "jet/Unicode.h"
 
 namespace jet {

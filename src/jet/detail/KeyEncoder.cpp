@@ -3,7 +3,7 @@
 #include <bit>
 
 #include "jet/detail/Bytes.h"
-#include "jet/detail/TextKey.h"
+#include "jet/TextKey.h"
 
 namespace jet {
 namespace {

@@ -14,6 +14,8 @@ struct TextWeight {
     std::uint8_t add;      // added to the accent byte of the character before
     std::uint8_t special;  // control characters, apostrophe, hyphens
     std::uint8_t kana;     // 2 or 3
+
+    [[nodiscard]] bool operator==(const TextWeight&) const = default;
 };
 
 /// One entry a unit, made at build time from data/text-keys.tsv.

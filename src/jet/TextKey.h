@@ -15,4 +15,7 @@ inline constexpr unsigned kGeneralVersion = 0;
 /// At most 255 x 10 + 20 bytes are appended.
 void AppendTextKey(std::u16string_view text, bool ascending, std::string& key);
 
+/// True when two units differ at most in case.
+[[nodiscard]] bool SameUnit(char16_t a, char16_t b);
+
 }  // namespace jet

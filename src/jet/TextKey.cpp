@@ -1,4 +1,4 @@
-#include "jet/detail/TextKey.h"
+#include "jet/TextKey.h"
 
 #include <vector>
 
@@ -101,6 +101,10 @@ void AppendTextKey(std::u16string_view text, bool ascending, std::string& key) {
         for (std::size_t i = begin; i < key.size(); ++i) key[i] = static_cast<char>(~key[i]);
         key += '\0';
     }
+}
+
+bool SameUnit(char16_t a, char16_t b) {
+    return a == b || (kTextWeights[a] == kTextWeights[b] && kTextWeights[a] != TextWeight{});
 }
 
 }  // namespace jet

@@ -1,0 +1,147 @@
+#include "ado/Connection.h"
+
+#include <array>
+#include <map>
+
+#include "ado/AdoError.h"
+#include "ado/detail/ConnectionRep.h"
+#include "ado/detail/ProviderError.h"
+#include "ado/Recordset.h"
+#include "paths/NativePath.h"
+
+namespace ado {
+namespace {
+
+constexpr std::string_view kProvider = "microsoft.jet.oledb.4.0";
+
+std::string Lower(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower) {
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    }
+    return lower;
+}
+
+std::string_view Trim(std::string_view text) {
+    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+    return text;
+}
+
+using Properties = std::map<std::string, std::string>;  // lower-case name -> value
+
+/// A value ends at a semicolon only where another known property follows, or at the end: the path
+/// stands there without quotes and may hold semicolons itself.
+Properties ParseConnectionString(std::string_view text) {
+    constexpr std::array<std::string_view, 3> kNames = {"provider", "data source", "mode"};
+    const auto knownNameAt = [&](std::size_t begin) -> std::size_t {
+        const std::size_t equals = text.find('=', begin);
+        if (equals == std::string_view::npos) return 0;
+        const std::string name = Lower(Trim(text.substr(begin, equals - begin)));
+        for (const std::string_view known : kNames) {
+            if (name == known) return equals;
+        }
+        return 0;
+    };
+    Properties properties;
+    std::size_t at = 0;
+    while (at < text.size()) {
+        const std::size_t equals = knownNameAt(at);
+        if (equals == 0) {
+            throw AdoError(ErrorNumber::kInvalidArgument,
+                           "The connection string has an unknown "
+                           "part: \"" +
+                               std::string(text.substr(at)) + "\".");
+        }
+        std::size_t end = text.find(';', equals);
+        while (end != std::string_view::npos && end + 1 < text.size() &&
+               knownNameAt(end + 1) == 0) {
+            end = text.find(';', end + 1);
+        }
+        const std::size_t valueEnd = end == std::string_view::npos ? text.size() : end;
+        properties[Lower(Trim(text.substr(at, equals - at)))] =
+            text.substr(equals + 1, valueEnd - equals - 1);
+        at = valueEnd + 1;
+    }
+    return properties;
+}
+
+void RequireOpen(const Connection& connection) {
+    if (connection.State() == ObjectState::Closed) {
+        throw AdoError(ErrorNumber::kObjectClosed,
+                       "The operation is not allowed while the connection is closed.");
+    }
+}
+
+}  // namespace
+
+Connection::Connection() : rep_(std::make_unique<Rep>()) {}
+
+Connection::~Connection() {
+    if (State() == ObjectState::Open) Close();
+}
+
+void Connection::Open(std::string_view connectionString, std::string_view /*userId*/,
+                      std::string_view /*password*/, int /*options*/) {
+    if (State() == ObjectState::Open) {
+        throw AdoError(ErrorNumber::kObjectOpen,
+                       "The operation is not allowed while the connection is open.");
+    }
+    Properties properties = ParseConnectionString(connectionString);
+    if (Lower(Trim(properties["provider"])) != kProvider) {
+        throw AdoError(ErrorNumber::kProviderNotFound,
+                       "The provider \"" + properties["provider"] + "\" cannot be found.");
+    }
+    const std::string& source = properties["data source"];
+    if (source.empty()) {
+        throw AdoError(ErrorNumber::kInvalidArgument,
+                       "The connection string names no data source.");
+    }
+    const std::string native = paths::ToNative(source);
+    auto file = jet::OpenFile(native);
+    if (!file.IsOk() && file.GetStatus().Code() == jet::StatusCode::NotFound) {
+        std::string text = "Could not find file \"" + source + "\"";
+        if (native != source) text += " (looked for \"" + native + "\")";
+        throw AdoError(ErrorNumber::kUnspecified, text + ".");
+    }
+    auto database = jet::Database::Open(Check(std::move(file), source));
+    rep_->database = Check(std::move(database), source);
+    if (rep_->database->HasPassword()) {
+        rep_->database.reset();
+        throw AdoError(ErrorNumber::kNotAuthorised,
+                       "\"" + source +
+                           "\": not a valid password. Remove the file's password where "
+                           "it was given.");
+    }
+    rep_->source = source;
+}
+
+void Connection::Close() {
+    RequireOpen(*this);
+    while (!rep_->recordsets.empty()) rep_->recordsets.back()->Close();
+    rep_->database.reset();
+    rep_->source.clear();
+}
+
+ObjectState Connection::State() const noexcept {
+    return rep_->database ? ObjectState::Open : ObjectState::Closed;
+}
+
+const std::string& Connection::DataSource() const noexcept {
+    return rep_->source;
+}
+
+std::vector<std::string> Connection::TableNames() const {
+    RequireOpen(*this);
+    std::vector<std::string> names;
+    for (const jet::CatalogEntry& entry : Check(rep_->database->Tables(), rep_->source)) {
+        if (entry.isUserTable) names.push_back(entry.name);
+    }
+    return names;
+}
+
+std::vector<Recordset*> Connection::OpenRecordsets() const {
+    return rep_->recordsets;
+}
+
+}  // namespace ado

@@ -1,0 +1,163 @@
+#include "ado/detail/Convert.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+#include "jet/Unicode.h"
+
+namespace ado {
+namespace {
+
+struct StoredToValue {
+    const jet::Table& table;
+
+    jet::Result<Value> operator()(const jet::Null&) const { return Value(); }
+    jet::Result<Value> operator()(bool value) const { return Value(value); }
+    jet::Result<Value> operator()(std::int32_t value) const { return Value(value); }
+    jet::Result<Value> operator()(float value) const { return Value(value); }
+    jet::Result<Value> operator()(double value) const { return Value(value); }
+    jet::Result<Value> operator()(const std::u16string& value) const { return Value(value); }
+    jet::Result<Value> operator()(const jet::Binary& value) const { return Value(value); }
+    jet::Result<Value> operator()(const jet::Currency& value) const {
+        return Value(Currency{value.tenThousandths});
+    }
+    jet::Result<Value> operator()(const jet::Date& value) const { return Value(Date{value.days}); }
+    jet::Result<Value> operator()(const jet::Guid& value) const { return Value(Guid{value.bytes}); }
+    jet::Result<Value> operator()(const jet::Decimal& value) const {
+        return Value(Decimal{value.negative, value.scale, value.magnitude});
+    }
+    jet::Result<Value> operator()(const jet::LongValue& value) const {
+        if (value.isText) {
+            auto text = table.ReadMemo(value);
+            if (!text.IsOk()) return text.GetStatus();
+            return Value(std::move(*text));
+        }
+        auto bytes = table.ReadBinary(value);
+        if (!bytes.IsOk()) return bytes.GetStatus();
+        return Value(std::move(*bytes));
+    }
+};
+
+double DecimalToDouble(const Decimal& value) {
+    double number = 0;
+    for (const std::byte b : value.magnitude) number = number * 256 + static_cast<double>(b);
+    number /= std::pow(10.0, value.scale);
+    return value.negative ? -number : number;
+}
+
+std::optional<double> ParseNumber(std::u16string_view text) {
+    std::string digits = jet::ToUtf8(text);
+    const auto blank = [](char c) { return c == ' ' || c == '\t'; };
+    while (!digits.empty() && blank(digits.back())) digits.pop_back();
+    std::size_t begin = 0;
+    while (begin < digits.size() && (blank(digits[begin]) || digits[begin] == '+')) ++begin;
+    double number = 0;
+    const char* end = digits.data() + digits.size();
+    const auto parsed = std::from_chars(digits.data() + begin, end, number);
+    if (parsed.ec != std::errc() || parsed.ptr != end) return std::nullopt;
+    return number;
+}
+
+std::optional<jet::Value> ToInteger(const Value& value, double lowest, double highest) {
+    const std::optional<double> number = AsNumber(value);
+    if (!number || std::trunc(*number) != *number || *number < lowest || *number > highest) {
+        return std::nullopt;
+    }
+    return jet::Value(static_cast<std::int32_t>(*number));
+}
+
+template <typename T>
+std::optional<jet::Value> Exactly(const Value& value) {
+    if (const T* exact = std::get_if<T>(&value)) return jet::Value(*exact);
+    return std::nullopt;
+}
+
+}  // namespace
+
+DataType TypeOf(const jet::Column& column) {
+    switch (column.type) {
+        case jet::ColumnType::Boolean:
+            return DataType::Boolean;
+        case jet::ColumnType::Byte:
+            return DataType::UnsignedTinyInt;
+        case jet::ColumnType::Integer:
+            return DataType::SmallInt;
+        case jet::ColumnType::Long:
+            return DataType::Integer;
+        case jet::ColumnType::Currency:
+            return DataType::Currency;
+        case jet::ColumnType::Single:
+            return DataType::Single;
+        case jet::ColumnType::Double:
+            return DataType::Double;
+        case jet::ColumnType::DateTime:
+            return DataType::Date;
+        case jet::ColumnType::Text:
+            return DataType::VarWChar;
+        case jet::ColumnType::Memo:
+            return DataType::LongVarWChar;
+        case jet::ColumnType::Guid:
+            return DataType::Guid;
+        case jet::ColumnType::Numeric:
+            return DataType::Numeric;
+        case jet::ColumnType::Binary:
+            return DataType::VarBinary;
+        default:
+            return DataType::LongVarBinary;
+    }
+}
+
+jet::Result<Value> FromStored(const jet::Table& table, const jet::Value& stored) {
+    return std::visit(StoredToValue{table}, stored);
+}
+
+std::optional<double> AsNumber(const Value& value) {
+    if (const auto* b = std::get_if<bool>(&value)) return *b ? -1.0 : 0.0;
+    if (const auto* i = std::get_if<std::int32_t>(&value)) return *i;
+    if (const auto* f = std::get_if<float>(&value)) return *f;
+    if (const auto* d = std::get_if<double>(&value)) return *d;
+    if (const auto* c = std::get_if<Currency>(&value)) {
+        return static_cast<double>(c->tenThousandths) / 10000;
+    }
+    if (const auto* t = std::get_if<Date>(&value)) return t->days;
+    if (const auto* n = std::get_if<Decimal>(&value)) return DecimalToDouble(*n);
+    if (const auto* s = std::get_if<std::u16string>(&value)) return ParseNumber(*s);
+    return std::nullopt;
+}
+
+std::optional<jet::Value> ToStored(const jet::Column& column, const Value& value) {
+    if (IsNull(value)) return jet::Value();
+    const std::optional<double> number = AsNumber(value);
+    switch (column.type) {
+        case jet::ColumnType::Boolean:
+            if (!number || (*number != 0 && *number != -1)) return std::nullopt;
+            return jet::Value(*number != 0);
+        case jet::ColumnType::Byte:
+            return ToInteger(value, 0, 255);
+        case jet::ColumnType::Integer:
+            return ToInteger(value, -32768, 32767);
+        case jet::ColumnType::Long:
+            return ToInteger(value, -2147483648.0, 2147483647.0);
+        case jet::ColumnType::Single:
+            if (!number || static_cast<double>(static_cast<float>(*number)) != *number) {
+                return std::nullopt;
+            }
+            return jet::Value(static_cast<float>(*number));
+        case jet::ColumnType::Double:
+            if (!number) return std::nullopt;
+            return jet::Value(*number);
+        case jet::ColumnType::DateTime:
+            if (!number) return std::nullopt;
+            return jet::Value(jet::Date{*number});
+        case jet::ColumnType::Text:
+        case jet::ColumnType::Memo:
+            return Exactly<std::u16string>(value);
+        case jet::ColumnType::Binary:
+            return Exactly<Binary>(value);
+        default:
+            return std::nullopt;
+    }
+}
+
+}  // namespace ado

@@ -1,0 +1,352 @@
+#include "ado/detail/KeyStream.h"
+
+#include <unordered_map>
+
+#include "ado/detail/Convert.h"
+#include "ado/detail/ProviderError.h"
+#include "jet/TextKey.h"
+
+namespace ado {
+namespace {
+
+RowKey KeyOf(jet::RowId first, jet::RowId second = {}) {
+    return RowKey{first.Pointer()} << 32 | second.Pointer();
+}
+
+jet::RowId FirstOf(RowKey key) {
+    return jet::RowId::FromPointer(static_cast<std::uint32_t>(key >> 32));
+}
+
+/// The rows of one table; the other half of each key is zero.
+class TableStream : public KeyStream {
+public:
+    TableStream(jet::Table& table, const std::string& file) : table_(table), file_(file) {}
+
+protected:
+    jet::Table& table_;
+    const std::string& file_;
+};
+
+/// All rows in the order in which they are stored.
+class ScanStream final : public TableStream {
+public:
+    using TableStream::TableStream;
+
+    bool Next(RowKey& key) override {
+        if (!cursor_) cursor_ = Check(table_.Scan(), file_);
+        if (!Check(cursor_->Next(), file_)) return false;
+        key = KeyOf(cursor_->Current().Id());
+        return true;
+    }
+
+private:
+    std::optional<jet::RowCursor> cursor_;
+};
+
+/// The rows whose entries in an index start with a key, in the index's order.
+class IndexStream final : public TableStream {
+public:
+    IndexStream(jet::Table& table, const std::string& file, std::size_t index, std::string prefix)
+        : TableStream(table, file), index_(index), prefix_(std::move(prefix)) {}
+
+    bool Next(RowKey& key) override {
+        if (!cursor_) cursor_ = Check(table_.Seek(index_, prefix_), file_);
+        if (!Check(cursor_->Next(), file_) || !cursor_->KeyStartsWith(prefix_)) return false;
+        key = KeyOf(cursor_->Row());
+        return true;
+    }
+
+private:
+    std::size_t index_;
+    std::string prefix_;
+    std::optional<jet::IndexCursor> cursor_;
+};
+
+/// A column that must equal a value.
+struct Equality {
+    std::size_t column;
+    const Value* value;
+};
+
+using Conditions = std::vector<const Expression*>;
+
+bool IsEquality(const Expression& condition) {
+    return condition.kind == Expression::Kind::Compare &&
+           condition.op == Expression::Operator::Equal;
+}
+
+std::vector<Equality> ConstantEqualities(const Conditions& conditions, std::size_t table) {
+    std::vector<Equality> equalities;
+    for (const Expression* condition : conditions) {
+        if (!IsEquality(*condition)) continue;
+        const Operand* column = &condition->left;
+        const Operand* constant = &condition->right;
+        if (!column->isColumn) std::swap(column, constant);
+        if (!column->isColumn || constant->isColumn || column->column.table != table) continue;
+        equalities.push_back({column->column.column, &constant->constant});
+    }
+    return equalities;
+}
+
+/// The index whose first columns the equalities fix, and the key that they make.
+struct IndexChoice {
+    std::size_t index = 0;
+    std::string prefix;
+};
+
+std::optional<IndexChoice> ChooseIndex(const jet::Table& table, const std::string& file,
+                                       const std::vector<Equality>& equalities) {
+    const jet::TableDef& def = table.Definition();
+    std::optional<IndexChoice> best;
+    std::size_t bestScore = 0;
+    for (std::size_t i = 0; i < def.realIndexes.size(); ++i) {
+        if (!table.CanSeek(i)) continue;
+        std::vector<jet::Value> values;
+        for (const jet::IndexColumn& key : def.realIndexes[i].columns) {
+            const Value* constant = nullptr;
+            for (const Equality& equality : equalities) {
+                if (equality.column == key.column) constant = equality.value;
+            }
+            if (constant == nullptr) break;
+            const auto stored = ToStored(def.columns[key.column], *constant);
+            if (!stored || IsNull(*constant)) break;
+            values.push_back(*stored);
+        }
+        if (values.empty()) continue;
+        // A unique index that is fixed in full leaves one row.
+        const bool isWhole = values.size() == def.realIndexes[i].columns.size();
+        const std::size_t score =
+            2 * values.size() + (isWhole && def.realIndexes[i].IsUnique() ? 100 : 0);
+        if (score <= bestScore) continue;
+        bestScore = score;
+        best = IndexChoice{i, Check(table.MakeKey(i, values), file)};
+    }
+    return best;
+}
+
+std::unique_ptr<KeyStream> OpenTable(const RowSet& rows, std::size_t number,
+                                     const Conditions& conditions) {
+    jet::Table& table = rows.Table(number);
+    const auto choice = ChooseIndex(table, rows.File(), ConstantEqualities(conditions, number));
+    if (choice) {
+        return std::make_unique<IndexStream>(table, rows.File(), choice->index, choice->prefix);
+    }
+    const auto primary = table.Definition().PrimaryKey();
+    if (primary && table.CanSeek(*primary)) {
+        return std::make_unique<IndexStream>(table, rows.File(), *primary, std::string());
+    }
+    return std::make_unique<ScanStream>(table, rows.File());
+}
+
+/// Lets through what meets the conditions of the statement and of the filter.
+class FilterStream final : public KeyStream {
+public:
+    FilterStream(const RowSet& rows, const Expression* filter, std::unique_ptr<KeyStream> source)
+        : rows_(rows), filter_(filter), reader_(rows), source_(std::move(source)) {}
+
+    bool Next(RowKey& key) override {
+        while (source_->Next(key)) {
+            // An entry of a row that another program has deleted meanwhile finds nothing.
+            if (!reader_.Load(key)) continue;
+            if (rows_.Where() != nullptr && !reader_.Holds(*rows_.Where())) continue;
+            if (filter_ != nullptr && !reader_.Holds(*filter_)) continue;
+            return true;
+        }
+        return false;
+    }
+
+private:
+    const RowSet& rows_;
+    const Expression* filter_;
+    RowReader reader_;
+    std::unique_ptr<KeyStream> source_;
+};
+
+/// The equality between the two tables that drives a join.
+struct JoinOn {
+    std::size_t outer;  // table
+    std::size_t outerColumn;
+    std::size_t innerColumn;
+};
+
+/// Finds the rows of a join's inner table by the value of its column.
+class InnerTable {
+public:
+    InnerTable(jet::Table& table, const std::string& file, std::size_t column)
+        : table_(table), file_(file), column_(column) {
+        const auto& indexes = table.Definition().realIndexes;
+        for (std::size_t i = 0; i < indexes.size() && !index_; ++i) {
+            if (table.CanSeek(i) && indexes[i].columns.front().column == column) index_ = i;
+        }
+    }
+
+    [[nodiscard]] bool HasIndex() const { return index_.has_value(); }
+
+    /// A superset of the rows whose column equals `value`.
+    std::vector<jet::RowId> Find(const Value& value) {
+        std::vector<jet::RowId> found;
+        if (IsNull(value)) return found;
+        const auto stored = ToStored(table_.Definition().columns[column_], value);
+        if (!index_ || !stored) {
+            if (!hashed_) Hash();
+            const auto [begin, end] = rows_.equal_range(HashKey(value));
+            for (auto i = begin; i != end; ++i) found.push_back(i->second);
+            return found;
+        }
+        IndexStream stream(table_, file_, *index_,
+                           Check(table_.MakeKey(*index_, std::span(&*stored, 1)), file_));
+        for (RowKey key = 0; stream.Next(key);) found.push_back(FirstOf(key));
+        return found;
+    }
+
+private:
+    /// Equal for all values that compare as equal.
+    static std::string HashKey(const Value& value) {
+        if (const auto number = AsNumber(value)) return std::to_string(*number);
+        std::string key;
+        jet::AppendTextKey(ToText(value), true, key);
+        return key;
+    }
+
+    void Hash() {
+        hashed_ = true;
+        jet::RowCursor cursor = Check(table_.Scan(), file_);
+        while (Check(cursor.Next(), file_)) {
+            const jet::Value stored = Check(cursor.Current().Get(column_), file_);
+            const Value value = Check(FromStored(table_, stored), file_);
+            if (!IsNull(value)) rows_.emplace(HashKey(value), cursor.Current().Id());
+        }
+    }
+
+    jet::Table& table_;
+    const std::string& file_;
+    std::size_t column_;
+    std::optional<std::size_t> index_;
+    bool hashed_ = false;
+    std::unordered_multimap<std::string, jet::RowId> rows_;
+};
+
+/// For each row of the outer table the rows of the inner one that the join finds for it.
+class JoinStream final : public KeyStream {
+public:
+    JoinStream(const RowSet& rows, const JoinOn& on, std::unique_ptr<KeyStream> outer)
+        : rows_(rows),
+          on_(on),
+          outer_(std::move(outer)),
+          inner_(rows.Table(1 - on.outer), rows.File(), on.innerColumn) {}
+
+    bool Next(RowKey& key) override {
+        while (next_ >= found_.size()) {
+            RowKey outer = 0;
+            if (!outer_->Next(outer)) return false;
+            outerRow_ = FirstOf(outer);
+            found_.clear();
+            next_ = 0;
+            auto row = rows_.Table(on_.outer).Fetch(outerRow_);
+            if (!row.IsOk() && row.GetStatus().Code() == jet::StatusCode::NotFound) continue;
+            const jet::Row current = Check(std::move(row), rows_.File());
+            const jet::Value stored = Check(current.Get(on_.outerColumn), rows_.File());
+            found_ = inner_.Find(Check(FromStored(rows_.Table(on_.outer), stored), rows_.File()));
+        }
+        const jet::RowId innerRow = found_[next_++];
+        key = on_.outer == 0 ? KeyOf(outerRow_, innerRow) : KeyOf(innerRow, outerRow_);
+        return true;
+    }
+
+private:
+    const RowSet& rows_;
+    JoinOn on_;
+    std::unique_ptr<KeyStream> outer_;
+    InnerTable inner_;
+    jet::RowId outerRow_;
+    std::vector<jet::RowId> found_;
+    std::size_t next_ = 0;
+};
+
+/// Every pair of rows.
+class ProductStream final : public KeyStream {
+public:
+    explicit ProductStream(const RowSet& rows) : rows_(rows), outer_(OpenTable(rows, 0, {})) {}
+
+    bool Next(RowKey& key) override {
+        RowKey inner = 0;
+        while (!inner_ || !inner_->Next(inner)) {
+            if (!outer_->Next(outerKey_)) return false;
+            inner_ = OpenTable(rows_, 1, {});
+        }
+        key = KeyOf(FirstOf(outerKey_), FirstOf(inner));
+        return true;
+    }
+
+private:
+    const RowSet& rows_;
+    std::unique_ptr<KeyStream> outer_;
+    std::unique_ptr<KeyStream> inner_;
+    RowKey outerKey_ = 0;
+};
+
+std::unique_ptr<KeyStream> OpenJoin(const RowSet& rows, const Conditions& conditions) {
+    std::optional<JoinOn> best;
+    int bestCost = 0;
+    for (const Expression* condition : conditions) {
+        if (!IsEquality(*condition) || !condition->left.isColumn || !condition->right.isColumn ||
+            condition->left.column.table == condition->right.column.table) {
+            continue;
+        }
+        for (const bool swapped : {false, true}) {
+            const ColumnRef& outer = swapped ? condition->right.column : condition->left.column;
+            const ColumnRef& inner = swapped ? condition->left.column : condition->right.column;
+            const JoinOn on{outer.table, outer.column, inner.column};
+            // Begin where an index leaves fewest rows, then where constants do.
+            const auto equalities = ConstantEqualities(conditions, outer.table);
+            const bool byIndex =
+                ChooseIndex(rows.Table(outer.table), rows.File(), equalities).has_value();
+            const InnerTable table(rows.Table(inner.table), rows.File(), inner.column);
+            const int cost = (byIndex              ? 0
+                              : equalities.empty() ? 4
+                                                   : 2) +
+                             (table.HasIndex() ? 0 : 1);
+            const bool better =
+                !best || cost < bestCost || (cost == bestCost && on.outer < best->outer);
+            if (better) {
+                best = on;
+                bestCost = cost;
+            }
+        }
+    }
+    if (!best) return std::make_unique<ProductStream>(rows);
+    return std::make_unique<JoinStream>(rows, *best, OpenTable(rows, best->outer, conditions));
+}
+
+Conditions AllConditions(const RowSet& rows, const Expression* filter) {
+    Conditions conditions;
+    for (const Expression* condition : {rows.Where(), filter}) {
+        if (condition == nullptr) continue;
+        const Conditions parts = Conjuncts(*condition);
+        conditions.insert(conditions.end(), parts.begin(), parts.end());
+    }
+    return conditions;
+}
+
+}  // namespace
+
+std::unique_ptr<KeyStream> OpenStream(const RowSet& rows, const Expression* filter) {
+    const Conditions conditions = AllConditions(rows, filter);
+    auto stream =
+        rows.TableCount() == 1 ? OpenTable(rows, 0, conditions) : OpenJoin(rows, conditions);
+    if (rows.Where() == nullptr && filter == nullptr) return stream;
+    return std::make_unique<FilterStream>(rows, filter, std::move(stream));
+}
+
+std::optional<std::vector<RowKey>> LookUp(const RowSet& rows, const Expression& condition) {
+    if (rows.TableCount() != 1) return std::nullopt;
+    const auto choice =
+        ChooseIndex(rows.Table(0), rows.File(), ConstantEqualities(Conjuncts(condition), 0));
+    if (!choice) return std::nullopt;
+    std::vector<RowKey> keys;
+    IndexStream stream(rows.Table(0), rows.File(), choice->index, choice->prefix);
+    for (RowKey key = 0; stream.Next(key);) keys.push_back(key);
+    return keys;
+}
+
+}  // namespace ado

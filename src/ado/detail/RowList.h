@@ -1,0 +1,45 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "ado/detail/KeyStream.h"
+
+namespace ado {
+
+/// One column to sort by.
+struct SortColumn {
+    RowSet::Origin origin;
+    bool descending = false;
+};
+
+/// The rows of a recordset in their order, fetched as far as somebody has asked. Sorting needs all
+/// of them; without it a row is known when it or one behind it has been asked for.
+class RowList {
+public:
+    /// Borrows the row set, which must outlive the list.
+    explicit RowList(const RowSet& rows) : rows_(rows) {}
+
+    /// Starts again: `filter` (borrowed, may be null) and the columns to sort by.
+    void Restart(const Expression* filter, std::vector<SortColumn> sort);
+
+    /// True when there is a row at this position, counted from 0.
+    [[nodiscard]] bool Has(std::size_t position);
+    /// REQUIRES: Has(position).
+    [[nodiscard]] RowKey At(std::size_t position) const { return keys_[position]; }
+    /// Fetches everything.
+    [[nodiscard]] std::size_t Count();
+    /// Position of a row; empty when it is not in the list.
+    [[nodiscard]] std::optional<std::size_t> Find(RowKey key);
+
+private:
+    void Sort();
+
+    const RowSet& rows_;
+    std::unique_ptr<KeyStream> stream_;  // null when everything has been fetched
+    std::vector<SortColumn> sort_;
+    std::vector<RowKey> keys_;
+};
+
+}  // namespace ado

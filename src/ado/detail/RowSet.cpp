@@ -1,0 +1,184 @@
+#include "ado/detail/RowSet.h"
+
+#include <algorithm>
+
+#include "ado/detail/Convert.h"
+#include "ado/detail/ProviderError.h"
+#include "ado/detail/Query.h"
+
+namespace ado {
+namespace {
+
+int DefinedSize(const jet::Column& column) {
+    // Texts are stored in units of two bytes.
+    return column.type == jet::ColumnType::Text ? column.length / 2 : column.length;
+}
+
+}  // namespace
+
+void RowSet::AddTable(jet::Database& database, const std::string& name, std::string alias) {
+    auto table = database.OpenTable(name);
+    if (!table.IsOk()) {
+        if (table.GetStatus().Code() != jet::StatusCode::NotFound) {
+            ThrowStatus(table.GetStatus(), file_);
+        }
+        throw AdoError(ErrorNumber::kTableNotFound,
+                       "\"" + file_ + "\": " + table.GetStatus().Text() + ".");
+    }
+    tables_.push_back({std::move(*table), std::move(alias)});
+}
+
+void RowSet::AddField(std::size_t table, std::size_t column, std::string name) {
+    const jet::Column& def = Table(table).Definition().columns[column];
+    fields_.push_back({std::move(name), TypeOf(def), DefinedSize(def), Table(table).Name(),
+                       def.name, def.IsAutoNumber()});
+    origins_.push_back({table, column});
+}
+
+RowSet RowSet::OfTable(jet::Database& database, const std::string& file, std::string_view name) {
+    RowSet rows;
+    rows.file_ = file;
+    rows.AddTable(database, std::string(name), std::string(name));
+    const auto& columns = rows.Table(0).Definition().columns;
+    for (std::size_t i = 0; i < columns.size(); ++i) rows.AddField(0, i, columns[i].name);
+    return rows;
+}
+
+std::optional<RowSet::Origin> RowSet::FindColumn(const ColumnRef& ref) const {
+    for (std::size_t table = 0; table < tables_.size(); ++table) {
+        const bool fits =
+            ref.qualifier.empty() || jet::SameName(ref.qualifier, tables_[table].alias);
+        if (!fits) continue;
+        if (const auto column = Table(table).Definition().FindColumn(ref.name)) {
+            return Origin{table, *column};
+        }
+    }
+    return std::nullopt;
+}
+
+RowSet RowSet::OfQuery(jet::Database& database, const std::string& file, std::string_view statement,
+                       const std::vector<std::u16string>& parameters) {
+    Query query = ParseQuery(statement);
+    if (query.sources.size() > kMostTables) {
+        throw AdoError(ErrorNumber::kFeatureNotAvailable, "A query joins two tables at most.");
+    }
+    RowSet rows;
+    rows.file_ = file;
+    for (Query::Source& source : query.sources) {
+        rows.AddTable(database, source.table, std::move(source.alias));
+    }
+    std::vector<bool> hasAlias;
+    for (Query::Item& item : query.items) {
+        if (!item.isAll) {
+            const auto origin = rows.FindColumn(item.column);
+            if (!origin) {
+                throw AdoError(ErrorNumber::kParameterMissing,
+                               "The query names the column \"" + item.column.name +
+                                   "\", which none of its tables has.");
+            }
+            const auto& column =
+                rows.Table(origin->table).Definition().columns[origin->column].name;
+            hasAlias.push_back(!item.alias.empty());
+            rows.AddField(origin->table, origin->column, item.alias.empty() ? column : item.alias);
+            continue;
+        }
+        for (std::size_t table = 0; table < rows.tables_.size(); ++table) {
+            const std::string& qualifier = item.column.qualifier;
+            if (!qualifier.empty() && !jet::SameName(qualifier, rows.tables_[table].alias))
+                continue;
+            const auto& columns = rows.Table(table).Definition().columns;
+            for (std::size_t i = 0; i < columns.size(); ++i) {
+                hasAlias.push_back(false);
+                rows.AddField(table, i, columns[i].name);
+            }
+        }
+    }
+    rows.QualifyDoubles(hasAlias);
+    if (query.where == nullptr) return rows;
+
+    std::vector<std::string> names;  // of the parameters, in the order of their first appearance
+    ForEachColumn(*query.where, [&](Operand& operand) {
+        if (const auto origin = rows.FindColumn(operand.column)) {
+            operand.column.table = origin->table;
+            operand.column.column = origin->column;
+            return;
+        }
+        const std::string& name = operand.column.name;
+        const auto known = std::find_if(names.begin(), names.end(), [&](const std::string& other) {
+            return jet::SameName(other, name);
+        });
+        const auto number = static_cast<std::size_t>(known - names.begin());
+        if (known == names.end()) names.push_back(name);
+        if (number >= parameters.size()) {
+            throw AdoError(ErrorNumber::kParameterMissing,
+                           "The query needs a value for the parameter \"" + name + "\".");
+        }
+        operand.isColumn = false;
+        operand.constant = parameters[number];
+    });
+    rows.where_ = std::move(query.where);
+    return rows;
+}
+
+void RowSet::QualifyDoubles(const std::vector<bool>& hasAlias) {
+    std::vector<bool> isDouble(fields_.size());
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+        for (std::size_t j = 0; j < fields_.size() && !hasAlias[i]; ++j) {
+            if (i != j && jet::SameName(fields_[i].name, fields_[j].name)) isDouble[i] = true;
+        }
+    }
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+        if (isDouble[i]) fields_[i].name = tables_[origins_[i].table].alias + "." + fields_[i].name;
+    }
+}
+
+std::size_t RowSet::FieldIndex(std::string_view name) const {
+    // Callers write the names as they stand; only then is the slower comparison needed.
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+        if (fields_[i].name == name) return i;
+    }
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+        if (jet::SameName(fields_[i].name, name)) return i;
+    }
+    throw AdoError(ErrorNumber::kItemNotFound,
+                   "There is no column \"" + std::string(name) + "\" in this recordset.");
+}
+
+void RowSet::Bind(Expression& expression) const {
+    ForEachColumn(expression, [&](Operand& operand) {
+        const ColumnRef& ref = operand.column;
+        const std::string name = ref.qualifier.empty() ? ref.name : ref.qualifier + "." + ref.name;
+        const Origin origin = OriginOf(FieldIndex(name));
+        operand.column.table = origin.table;
+        operand.column.column = origin.column;
+    });
+}
+
+bool RowReader::Load(RowKey key) {
+    if (key_ == key) return true;
+    key_.reset();
+    for (std::size_t i = 0; i < rows_.TableCount(); ++i) {
+        const auto pointer = static_cast<std::uint32_t>(i == 0 ? key >> 32 : key);
+        auto row = rows_.Table(i).Fetch(jet::RowId::FromPointer(pointer));
+        if (!row.IsOk()) {
+            if (row.GetStatus().Code() == jet::StatusCode::NotFound) return false;
+            ThrowStatus(row.GetStatus(), rows_.File());
+        }
+        current_.at(i) = std::move(*row);
+    }
+    key_ = key;
+    return true;
+}
+
+Value RowReader::Get(std::size_t table, std::size_t column) const {
+    const jet::Table& source = rows_.Table(table);
+    const jet::Value stored = Check(current_.at(table).Get(column), rows_.File());
+    return Check(FromStored(source, stored), rows_.File());
+}
+
+bool RowReader::Holds(const Expression& condition) const {
+    return ado::Holds(condition,
+                      [this](const ColumnRef& ref) { return Get(ref.table, ref.column); });
+}
+
+}  // namespace ado
