@@ -38,14 +38,13 @@ Result<UsageMap> UsageMap::Open(PageCache& cache, Format format, std::uint32_t p
 }
 
 std::optional<std::uint32_t> UsageMap::NextBit(Bytes bits, std::uint32_t first,
-                                               std::uint32_t from) const {
+                                               std::uint32_t from) {
     std::uint32_t bit = from > first ? from - first : 0;
     while (bit / 8 < bits.size()) {
         const unsigned rest = LoadU8(bits, bit / 8) >> (bit % 8);
         if (rest != 0) {
             const std::uint32_t page =
                 first + bit + static_cast<std::uint32_t>(std::countr_zero(rest));
-            if (page >= cache_->PageCount()) return std::nullopt;
             return page;
         }
         bit = (bit / 8 + 1) * 8;
@@ -67,20 +66,24 @@ Result<Bytes> UsageMap::BitmapPage(std::uint32_t index) {
 
 Result<std::optional<PageNo>> UsageMap::Next(PageNo from) {
     if (row_.empty()) return std::optional<PageNo>();
+    std::optional<std::uint32_t> page;
     if (LoadU8(row_, 0) == kInline) {
-        const auto page = NextBit(row_.subspan(5), LoadU32(row_, 1), Raw(from));
-        return page ? std::optional(PageNo{*page}) : std::nullopt;
+        page = NextBit(row_.subspan(5), LoadU32(row_, 1), Raw(from));
+    } else {
+        const auto share = static_cast<std::uint32_t>((cache_->PageSize() - kBitmapHeader) * 8);
+        const auto shares = static_cast<std::uint32_t>((row_.size() - 1) / 4);
+        for (std::uint32_t i = Raw(from) / share; i < shares && !page; ++i) {
+            Bytes bits;
+            JET_ASSIGN(bits, BitmapPage(i));
+            page = NextBit(bits, i * share, Raw(from));
+        }
     }
-    const auto share = static_cast<std::uint32_t>((cache_->PageSize() - kBitmapHeader) * 8);
-    const auto shares = static_cast<std::uint32_t>((row_.size() - 1) / 4);
-    for (std::uint32_t i = Raw(from) / share; i < shares; ++i) {
-        if (std::uint64_t{i} * share >= cache_->PageCount()) break;
-        Bytes bits;
-        JET_ASSIGN(bits, BitmapPage(i));
-        if (const auto page = NextBit(bits, i * share, Raw(from)))
-            return std::optional(PageNo{*page});
+    if (!page) return std::optional<PageNo>();
+    if (*page >= cache_->PageCount()) {
+        return Status::Corrupt("the usage map on " + PageText(page_.Number()) + " names " +
+                               PageText(PageNo{*page}) + ", which lies behind the end of the file");
     }
-    return std::optional<PageNo>();
+    return std::optional(PageNo{*page});
 }
 
 }  // namespace jet

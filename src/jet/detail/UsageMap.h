@@ -19,12 +19,13 @@ public:
     [[nodiscard]] static Result<UsageMap> Open(PageCache& cache, Format format,
                                                std::uint32_t pointer);
 
-    /// The lowest page of the set that is not below `from` and lies inside the file.
+    /// The lowest page of the set that is not below `from`. Fails when it lies behind the end of
+    /// the file.
     [[nodiscard]] Result<std::optional<PageNo>> Next(PageNo from);
 
 private:
-    [[nodiscard]] std::optional<std::uint32_t> NextBit(Bytes bits, std::uint32_t first,
-                                                       std::uint32_t from) const;
+    [[nodiscard]] static std::optional<std::uint32_t> NextBit(Bytes bits, std::uint32_t first,
+                                                              std::uint32_t from);
     [[nodiscard]] Result<Bytes> BitmapPage(std::uint32_t index);
 
     PageCache* cache_ = nullptr;
