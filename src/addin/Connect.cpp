@@ -1,0 +1,287 @@
+#include "addin/Connect.h"
+
+#include "addin/ArchiveIcon.h"
+#include "addin/MKVSGlobalEditors.h"
+#include "languages/MResourceTable.h"
+#include "platform/MessageBox.h"
+#include "projectdb/Guard.h"
+#include "projectdb/NodeKey.h"
+#include "projectdb/Text.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using KV4AddIn::Node;
+using platform::Pointer;
+using projectdb::Guard;
+using Command = ADOArchiv::Command;
+
+const QString kRootKey = projectdb::kRootKind.toString();
+const QString kIconKey = u"icoArchiv"_s;
+const std::vector<std::u16string> kNoArchive = {u"0"};
+
+constexpr int kHelpKey = 112;        // F1
+constexpr int kShowEditorKey = 117;  // F6
+
+/// Keys that run an archive command of the editor on a node of one kind.
+struct CommandKey {
+    int keyCode;
+    int shift;
+    QStringView kind;
+    int command;
+};
+constexpr CommandKey kCommandKeys[] = {
+    {119, KV4AddIn::kShiftNone, projectdb::kRootKind, 0},     // F8 New
+    {120, KV4AddIn::kShiftNone, projectdb::kArchiveKind, 1},  // F9 Edit
+    {46, KV4AddIn::kCtrl, projectdb::kArchiveKind, 2},        // Ctrl+Del Delete
+};
+
+constexpr int kRootTopic = 30002;
+constexpr int kArchiveTopic = 30018;
+
+}  // namespace
+
+Connect::Connect() = default;
+
+Connect::~Connect() {
+    // A host that goes down without Terminate: nothing of it may be touched any more.
+    host_ = nullptr;
+    Guard(u"Connect"_s, [&] { ShutDown(); });
+}
+
+void Connect::CKV4Extensibility_Initialize(const QString& projectName,
+                                           const QString& /*secondName*/, KV4AddIn::IHost* host,
+                                           KV4AddIn::IHost* /*secondHost*/) {
+    Guard(u"MResources"_s, [&] { texts_.Initialize(registry_); });
+    Guard(u"Connect: Initialize"_s, [&] {
+        projectName_ = projectName;
+        project_.projectPath = projectName;
+        host_ = nullptr;
+        if (host == nullptr) return;
+        if (!MKVSGlobalEditors::ReadCurrentProject(registry_, project_.projectPath)) return;
+        host_ = host;
+        hostWindow_ = host_->EditorParent();
+        Guard(u"Connect: InitTreeView"_s, [&] { InitTreeView(); });
+        FindHelpFile();
+    });
+}
+
+void Connect::InitTreeView() {
+    host_->RegisterIcon(kIconKey, ArchiveIcon());
+    host_->AddNode({}, texts_.GetText(MResourceTable::kTextArchivesNode), kRootKey, u"0"_s,
+                   kIconKey,
+                   {.expandable = true, .ordered = true, .permanent = true, .editable = false});
+}
+
+void Connect::FindHelpFile() {
+    helpFile_.SetPath(registry_.ReadString(u"SOFTWARE\\Brantor GmbH", u"Common") +
+                      u"\\helpfiles\\Archivsystem.chm"_s);
+}
+
+void Connect::CKV4Extensibility_Terminate() {
+    Guard(u"Connect: Terminate"_s, [&] {
+        if (host_ != nullptr) host_->RemoveNode(kRootKey);
+    });
+    Guard(u"Connect: Terminate"_s, [&] { ShutDown(); });
+    // A failed connection has left the hourglass, and nobody else will take it away.
+    if (host_ != nullptr) platform::SetScreenPointer(Pointer::Default);
+    host_ = nullptr;
+    hostWindow_ = nullptr;
+}
+
+/// Takes the editor away and closes the database. The database is closed even when the editor
+/// could not be taken away in good order.
+void Connect::ShutDown() {
+    opened_ = false;
+    Guard(u"Connect: ShutDown"_s, [&] {
+        if (!editor_) return;
+        editor_->hide();
+        editor_->Unload();
+        editor_->setParent(nullptr);
+    });
+    Guard(u"Connect: ShutDown"_s, [&] { project_.CloseDatabase(); });
+    project_.currentNodeKey.clear();
+    delete editor_.data();
+}
+
+void Connect::FirstUse() {
+    if (opened_) {
+        platform::SetScreenPointer(Pointer::Default);
+        return;
+    }
+    platform::SetScreenPointer(Pointer::Hourglass);
+    // The hourglass stays: the project is not open yet, and the next click tries again.
+    if (!ConnectToDataBase(project_.projectPath)) return;
+    try {
+        OpenEditor();
+    } catch (...) {
+        projectdb::ShowFailure(u"Connect: FirstUse"_s);
+        RemoveArchiveNodes();
+        ShutDown();
+        platform::SetScreenPointer(Pointer::Default);
+        return;
+    }
+    opened_ = true;
+    platform::SetScreenPointer(Pointer::Default);
+    host_->ExpandNode(kRootKey);
+    host_->SelectNode(kRootKey);
+}
+
+bool Connect::ConnectToDataBase(const QString& databasePath) {
+    return Guard(u"ConnectToDataBase"_s,
+                 [&] { project_.Environment().OpenConnection(databasePath); });
+}
+
+void Connect::OpenEditor() {
+    ADOArchiv& environment = project_.Environment();
+    environment.Open(Command::Archives);
+    environment.Open(Command::tabTrends, kNoArchive);
+    editor_ = new frmtabGrid(project_, texts_, *this, hostWindow_);
+    // Queued: the window must have left its own event when it is deleted.
+    connect(editor_, &frmtabGrid::ActualizeRequested, this, &Connect::ActualizeConnection,
+            Qt::QueuedConnection);
+    FillArchiveNodes();
+    editor_->SetUpColumns();
+    editor_->MenuSwitcher(kRootKey, false);
+    editor_->MakeMyCaption(kRootKey, {});
+    editor_->show();
+}
+
+void Connect::FillArchiveNodes() {
+    ado::Recordset& archives = project_.Environment().Recordset(Command::Archives);
+    if (archives.IsBOF() && archives.IsEOF()) return;
+    const std::size_t id = archives.FieldIndex("ID");
+    const std::size_t name = archives.FieldIndex("Name");
+    for (archives.MoveFirst(); !archives.IsEOF(); archives.MoveNext()) {
+        host_->AddNode(kRootKey, projectdb::ToQString(ado::ToText(archives.Get(name))),
+                       projectdb::ArchiveNodeKey(ado::ToLong(archives.Get(id))), {}, kIconKey, {});
+    }
+}
+
+void Connect::RemoveArchiveNodes() {
+    const std::optional<QStringList> keys = host_->ChildKeys(kRootKey);
+    if (!keys) return;
+    for (const QString& key : *keys) host_->RemoveNode(key);
+}
+
+void Connect::CKV4Extensibility_NodeClick(const Node& node) {
+    Guard(u"Connect: NodeClick"_s, [&] {
+        if (host_ == nullptr) return;
+        FirstUse();
+        if (!editor_ || !projectdb::IsOwnNode(node.key)) return;
+        if (projectdb::NodeKind(node.key) == projectdb::kArchiveKind) editor_->CommitPendingEdit();
+        OpenNode(node);
+    });
+}
+
+/// Opens a node of the add-in in the editor, caption included.
+void Connect::OpenNode(const Node& node) {
+    OpenArchiveNode(node.key);
+    editor_->MakeMyCaption(node.key, node.text);
+}
+
+void Connect::OpenArchiveNode(const QString& nodeKey) {
+    editor_->MenuSwitcher(nodeKey, false);
+    project_.currentNodeKey = nodeKey;
+    projectdb::ReloadTrends(project_, *editor_);
+    editor_->MarkArchive(nodeKey);
+}
+
+void Connect::CKV4Extensibility_NodeExpand(const Node& /*node*/) {
+    Guard(u"Connect: NodeExpand"_s, [&] {
+        if (host_ != nullptr) FirstUse();
+    });
+}
+
+void Connect::CKV4Extensibility_NodeDblClick(const Node& /*node*/) {
+    Guard(u"Connect: NodeDblClick"_s, [&] { BringEditorUp(); });
+}
+
+void Connect::CKV4Extensibility_NodeMouseUp(const Node& node, int button, int /*shift*/,
+                                            double /*x*/, double /*y*/) {
+    if (button != KV4AddIn::kRightButton || !editor_) return;
+    Guard(u"Connect: NodeMouseUp"_s, [&] {
+        editor_->MenuSwitcher(node.key, true);
+        if (projectdb::IsOwnNode(node.key)) editor_->PopUpArchiveMenu();
+        // The menu has its own event loop; the window may have gone meanwhile.
+        if (editor_) editor_->MenuSwitcher(node.key, false);
+    });
+}
+
+void Connect::CKV4Extensibility_NodeKeyDown(const Node& node, int& keyCode, int& shift) {
+    Guard(u"Connect: NodeKeyDown"_s, [&] {
+        if (RunKey(node, keyCode, shift)) keyCode = 0;
+    });
+}
+
+/// False when the key means nothing here.
+bool Connect::RunKey(const Node& node, int keyCode, int shift) {
+    if (host_ == nullptr) return false;
+    if (keyCode == kHelpKey) {
+        ShowHelp(node);
+        return true;
+    }
+    if (!editor_) return false;
+    if (keyCode == kShowEditorKey && shift == KV4AddIn::kAlt) {
+        ShowEditor();
+        return true;
+    }
+    for (const CommandKey& key : kCommandKeys) {
+        if (key.keyCode == keyCode && key.shift == shift &&
+            key.kind == projectdb::NodeKind(node.key)) {
+            editor_->mnuArchiv_Click(key.command);
+            return true;
+        }
+    }
+    return false;
+}
+
+void Connect::ShowHelp(const Node& node) {
+    const QStringView kind = projectdb::NodeKind(node.key);
+    const int topic = kind == projectdb::kRootKind      ? kRootTopic
+                      : kind == projectdb::kArchiveKind ? kArchiveTopic
+                                                        : 0;
+    if (helpFile_.ShowTopic(topic, editor_)) return;
+    QString text = texts_.GetText(MResourceTable::kTextNoHelpFile);
+    text.replace(u"<topic>"_s, QString::number(topic));
+    text.replace(u"<file>"_s, helpFile_.Path());
+    platform::ShowMessage(text, platform::MessageButtons::Ok,
+                          texts_.GetText(MResourceTable::kTextEditorTitle), editor_);
+}
+
+void Connect::ShowEditor() {
+    Guard(u"Connect: ShowEditor"_s, [&] {
+        if (host_ == nullptr || !editor_) return;
+        const std::optional<Node> node = host_->SelectedNode();
+        if (!node || !projectdb::IsOwnNode(node->key)) return;
+        if (projectdb::NodeKind(node->key) == projectdb::kArchiveKind) OpenNode(*node);
+        BringEditorUp();
+    });
+}
+
+void Connect::BringEditorUp() {
+    if (!editor_) return;
+    editor_->show();
+    if (editor_->isMinimized()) {
+        editor_->setWindowState(editor_->windowState() & ~Qt::WindowMinimized);
+    }
+    editor_->raise();
+    editor_->setFocus(Qt::OtherFocusReason);
+}
+
+void Connect::SelectArchive(const QString& nodeKey) {
+    if (host_ == nullptr || !editor_) return;
+    host_->SelectNode(nodeKey);
+    const std::optional<Node> node = host_->SelectedNode();
+    OpenNode(node && node->key == nodeKey ? *node : Node{kRootKey, nodeKey, {}});
+}
+
+void Connect::ActualizeConnection() {
+    Guard(u"Connect: ActualizeConnection"_s, [&] {
+        if (host_ == nullptr) return;
+        RemoveArchiveNodes();
+        host_->RefreshNode(kRootKey);
+        ShutDown();
+        FirstUse();
+    });
+}

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <KV4AddIn/KV4AddIn.h>
+
+#include <QObject>
+#include <QPointer>
+
+#include "editor/frmtabGrid.h"
+#include "editor/IAddIn.h"
+#include "languages/MResources.h"
+#include "platform/HelpFile.h"
+#include "platform/Registry.h"
+#include "projectdb/ProjectContext.h"
+
+/// The class that the host creates, and all it knows of the add-in: receives the host's events,
+/// keeps the archives' branch in the host's tree, opens the project at first use and leads tree
+/// events to the editor.
+///
+/// Created (root node in the tree) -> opened (database open, editor there, archive nodes filled)
+/// -> terminated; ActualizeConnection goes back to created and at once to opened again. A failed
+/// first use leaves it created, and the next click or expansion tries again. Without a project it
+/// stays passive. After Terminate it can be initialised again.
+///
+/// No event lets an exception out.
+class Connect : public QObject, public KV4AddIn::CKV4Extensibility, public IAddIn {
+    Q_OBJECT
+    Q_INTERFACES(KV4AddIn::CKV4Extensibility)
+public:
+    Connect();
+    ~Connect() override;
+
+    void CKV4Extensibility_Initialize(const QString& projectName, const QString& secondName,
+                                      KV4AddIn::IHost* host, KV4AddIn::IHost* secondHost) override;
+    void CKV4Extensibility_StartupComplete() override {}
+    void CKV4Extensibility_Terminate() override;
+    void CKV4Extensibility_Deactivate() override {}
+    void CKV4Extensibility_NodeClick(const KV4AddIn::Node& node) override;
+    void CKV4Extensibility_NodeDblClick(const KV4AddIn::Node& node) override;
+    void CKV4Extensibility_NodeExpand(const KV4AddIn::Node& node) override;
+    void CKV4Extensibility_NodeMouseDown(const KV4AddIn::Node&, int, int, double, double) override {
+    }
+    void CKV4Extensibility_NodeMouseMove(const KV4AddIn::Node&, int, int, double, double) override {
+    }
+    void CKV4Extensibility_NodeMouseUp(const KV4AddIn::Node& node, int button, int shift, double x,
+                                       double y) override;
+    void CKV4Extensibility_NodeKeyDown(const KV4AddIn::Node& node, int& keyCode,
+                                       int& shift) override;
+    void CKV4Extensibility_NodeKeyPress(const KV4AddIn::Node&, int&) override {}
+    void CKV4Extensibility_NodeKeyUp(const KV4AddIn::Node&, int&, int&) override {}
+    QVariant CKV4Extensibility_GetMessage(const QString&, const QString&,
+                                          const QVariant&) override {
+        return {};
+    }
+
+    /// Shows the editor when the tree's selected node is one of the add-in's.
+    Q_INVOKABLE void ShowEditor() override;
+    void SelectArchive(const QString& nodeKey) override;
+    /// Closes the database and the editor and runs first use again. Not for use inside an event of
+    /// the editor window, which it deletes.
+    Q_INVOKABLE void ActualizeConnection();
+
+private:
+    void InitTreeView();
+    void FindHelpFile();
+    void FirstUse();
+    [[nodiscard]] bool ConnectToDataBase(const QString& databasePath);
+    void OpenEditor();
+    void FillArchiveNodes();
+    void RemoveArchiveNodes();
+    void OpenNode(const KV4AddIn::Node& node);
+    void OpenArchiveNode(const QString& nodeKey);
+    [[nodiscard]] bool RunKey(const KV4AddIn::Node& node, int keyCode, int shift);
+    void ShowHelp(const KV4AddIn::Node& node);
+    void BringEditorUp();
+    void ShutDown();
+
+    platform::Registry registry_;
+    platform::HelpFile helpFile_;
+    MResources::TextTable texts_;
+    projectdb::ProjectContext project_;
+    QString projectName_;
+    KV4AddIn::IHost* host_ = nullptr;  // null: passive
+    QPointer<QWidget> hostWindow_;
+    QPointer<frmtabGrid> editor_;  // a child of hostWindow_; null until first use
+    bool opened_ = false;
+};

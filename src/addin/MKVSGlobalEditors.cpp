@@ -1,0 +1,38 @@
+#include "addin/MKVSGlobalEditors.h"
+
+#include "platform/MessageBox.h"
+#include "platform/Registry.h"
+#include "projectdb/Guard.h"
+
+namespace MKVSGlobalEditors {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr QStringView kProjectsKey = u"SOFTWARE\\Brantor GmbH\\Korvala\\4.0\\Projects\\";
+constexpr QStringView kExtension = u".kvs";
+
+bool NamesAFile(QStringView project) {
+    while (project.endsWith(u' ')) project.chop(1);
+    return project.endsWith(kExtension, Qt::CaseInsensitive);
+}
+
+}  // namespace
+
+bool ReadCurrentProject(platform::Registry& registry, QString& projectPath) {
+    if (projectPath.isEmpty()) return false;
+    if (NamesAFile(projectPath)) return true;
+    try {
+        const QString folder = registry.ReadString(kProjectsKey.toString() + projectPath, u"Path");
+        projectPath = folder + u'\\' + projectPath + kExtension.toString();
+        return true;
+    } catch (...) {
+        const projectdb::Failure failure = projectdb::Failure::Current();
+        platform::ShowMessage(QString::number(failure.number) + u": "_s + failure.description,
+                              platform::MessageButtons::Ok,
+                              u"MKVSGlobalEditors: ReadCurrentProject"_s);
+        return false;
+    }
+}
+
+}  // namespace MKVSGlobalEditors

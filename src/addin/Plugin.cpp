@@ -1,0 +1,9 @@
+#include "addin/Connect.h"
+
+// The library's root object. A class of its own, so that Connect itself can be linked elsewhere.
+class ArchiveEditorPlugin final : public Connect {
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID "KV4AddIn.CKV4Extensibility/4.0" FILE "KVArchivEditor.json")
+};
+
+#include "Plugin.moc"

@@ -1,0 +1,171 @@
+#include <gtest/gtest.h>
+
+#include <QAbstractItemModelTester>
+#include <QFile>
+#include <QIcon>
+#include <QImage>
+#include <QTemporaryDir>
+
+#include "addin/ArchiveIcon.h"
+#include "addin/MKVSGlobalEditors.h"
+#include "ado/AdoError.h"
+#include "editor/CellText.h"
+#include "editor/GridColumns.h"
+#include "languages/MResources.h"
+#include "platform/Registry.h"
+#include "projectdb/ADOArchiv.h"
+#include "projectdb/NodeKey.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+TEST(NodeKeyTest, KindAndId) {
+    struct Case {
+        QString key;
+        QString kind;
+        std::int32_t id;
+    };
+    const Case cases[] = {
+        {u"ARC0"_s, u"ARC0"_s, 0},
+        {u"ARCH17"_s, u"ARCH"_s, 17},
+        {u"ARCH2147483647"_s, u"ARCH"_s, 2147483647},
+        {u"ARCH2147483648"_s, u"ARCH"_s, 0},
+        {u"ARCH12x4"_s, u"ARCH"_s, 12},
+        {u"ARCHx"_s, u"ARCH"_s, 0},
+        {u"AR"_s, u"AR"_s, 0},
+        {u"ARCH-3"_s, u"ARCH"_s, -3},
+        {QString(), QString(), 0},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(projectdb::NodeKind(c.key), c.kind) << c.key.toStdString();
+        EXPECT_EQ(projectdb::NodeId(c.key), c.id) << c.key.toStdString();
+    }
+}
+
+TEST(MKVSGlobalEditorsTest, NameOrPath) {
+    const QTemporaryDir folder;
+    platform::Registry registry({folder.filePath(u"r.reg"_s), {}});
+    registry.WriteString(u"SOFTWARE\\Brantor GmbH\\Korvala\\4.0\\Projects\\Plant", u"Path",
+                         u"D:\\P"_s);
+    struct Case {
+        QString project;
+        QString path;
+        bool given;
+    };
+    const Case cases[] = {
+        {u""_s, u""_s, false},
+        {u"PLANT.KVS"_s, u"PLANT.KVS"_s, true},
+        {u"D:\\a b\\Plant.kvs "_s, u"D:\\a b\\Plant.kvs "_s, true},
+        {u"Plant"_s, u"D:\\P\\Plant.kvs"_s, true},
+        {u"plant"_s, u"D:\\P\\plant.kvs"_s, true},
+        {u"Plant "_s, u"\\Plant .kvs"_s, true},  // a name is not trimmed
+        {u"kvs"_s, u"\\kvs.kvs"_s, true},
+    };
+    for (const Case& c : cases) {
+        QString path = c.project;
+        EXPECT_EQ(MKVSGlobalEditors::ReadCurrentProject(registry, path), c.given);
+        EXPECT_EQ(path, c.path);
+    }
+}
+
+TEST(MResourcesTest, TextsFollowTheLanguageAndNeverFail) {
+    const QTemporaryDir folder;
+    platform::Registry registry({folder.filePath(u"r.reg"_s), {}});
+    MResources::TextTable texts;
+    EXPECT_EQ(texts.GetText(10), u"Resource 10 not found"_s) << "not filled yet";
+    texts.Initialize(registry);
+    EXPECT_EQ(texts.GetText(901), u"angegebene Projektdatenbank nicht gefunden"_s);
+    registry.WriteDword(MResources::kStudioKey, u"LCID", 1033);
+    texts.Initialize(registry);
+    EXPECT_EQ(texts.GetText(503), u"&New                 F8"_s);
+    for (const int missing : {999, 0, -5, 100501, 2147483647}) {
+        EXPECT_EQ(texts.GetText(missing), u"Resource %1 not found"_s.arg(missing));
+    }
+    texts.AddTexts(999, {u"neu", u"new"});
+    texts.AddTexts(999, {u"neuer", u"newer"});
+    EXPECT_EQ(texts.GetText(999), u"new"_s) << "the first registration stays";
+}
+
+TEST(CellTextTest, ValuesReadAsInTheUsersLocale) {
+    const QLocale german(QLocale::German, QLocale::Germany);
+    const QTemporaryDir folder;
+    platform::Registry registry({folder.filePath(u"r.reg"_s), {}});
+    MResources::TextTable texts;
+    texts.Initialize(registry);
+    struct Case {
+        ado::Value value;
+        QString text;
+    };
+    const Case cases[] = {
+        {ado::Null(), u""_s},
+        {true, u"ja"_s},
+        {std::int32_t{-16711680}, u"-16711680"_s},
+        {8.25, u"8,25"_s},
+        {1000000.0, u"1000000"_s},
+        {0.1, u"0,1"_s},
+        {0.0, u"0"_s},
+        {1e20, u"1e+20"_s},
+        {std::u16string(u"1.5 §"), u"1.5 §"_s},
+        {ado::Date{36526.75}, u"01.01.00 18:00:00"_s},
+        {ado::Date{-1.25}, u"29.12.99 06:00:00"_s},
+        {ado::Date{1e9}, u"1E+09"_s},
+    };
+    for (const Case& c : cases) {
+        const QString text = CellText(c.value, german, texts);
+        EXPECT_TRUE(text.compare(c.text, Qt::CaseInsensitive) == 0 ||
+                    text.startsWith(c.text + u' '))  // a time may name its zone
+            << text.toStdString() << " instead of " << c.text.toStdString();
+    }
+}
+
+// Rows come in portions; what is read on later must be the rows behind, whatever else has moved
+// the recordset in between.
+TEST(RecordsetModelTest, ReadsOnWhereItStopped) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"a;b.kvs"_s);
+    ASSERT_TRUE(QFile::copy(QStringLiteral(KV_EXAMPLES "/Brauerei.kvs"), path));
+    QFile(path).setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+    ADOArchiv environment;
+    environment.OpenConnection(path);
+    ado::Recordset& trends = environment.PrepareRecordset(ADOArchiv::Command::Trends);
+    const std::size_t count = trends.RecordCount();
+    ASSERT_GT(count, 200U) << "too few rows for two portions";
+
+    const MResources::TextTable texts;
+    RecordsetModel model(texts);
+    QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    tester.setUseFetchMore(false);  // it would fetch in the middle of a reset
+    model.Attach(trends, {{"Name", u"Name"_s}, {"VMax", u"VMax"_s}});
+    ASSERT_TRUE(model.canFetchMore({}));
+    model.fetchMore({});
+    EXPECT_LT(model.rowCount(), static_cast<int>(count));
+    trends.MoveFirst();
+    while (model.canFetchMore({})) model.fetchMore({});
+    ASSERT_EQ(model.rowCount(), static_cast<int>(count));
+    int row = 0;
+    for (trends.MoveFirst(); !trends.IsEOF(); trends.MoveNext(), ++row) {
+        ASSERT_EQ(model.IdAt(row), ado::ToLong(trends.Get("ID")));
+    }
+    EXPECT_EQ(model.RowOf(model.IdAt(row - 1)), row - 1);
+    EXPECT_EQ(model.RowOf(-1), -1);
+    EXPECT_THROW(model.Attach(trends, {{"None", {}}}), ado::AdoError);
+    EXPECT_EQ(model.columnCount(), 0);
+    model.Detach();
+    environment.CloseConnection();
+    EXPECT_EQ(trends.State(), ado::ObjectState::Closed);
+}
+
+TEST(ArchiveIconTest, IsDrawnForEachSize) {
+    const QIcon icon = ArchiveIcon();
+    const QString target = qEnvironmentVariable("KV_SCREENSHOTS");
+    for (const int size : {16, 24, 32, 64}) {
+        const QImage image = icon.pixmap(size).toImage();
+        EXPECT_EQ(image.width(), size);
+        EXPECT_EQ(qAlpha(image.pixel(0, 0)), 0);
+        EXPECT_EQ(qAlpha(image.pixel(size / 2, size / 2)), 255);
+        if (!target.isEmpty()) image.save(target + u"/icoArchiv-%1.png"_s.arg(size));
+    }
+}
+
+}  // namespace
