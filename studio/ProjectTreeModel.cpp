@@ -8,11 +8,11 @@ using KV4AddIn::Node;
 using KV4AddIn::NodeFlags;
 
 struct ProjectTreeModel::Item {
-    Item(Item* itemParent, QString itemKey, QString itemText, QCollatorSortKey itemSortKey)
+    Item(Item* itemParent, QString itemKey, QString itemText, const QCollatorSortKey& itemSortKey)
         : parent(itemParent),
           key(std::move(itemKey)),
           text(std::move(itemText)),
-          sortKey(std::move(itemSortKey)) {}
+          sortKey(itemSortKey) {}
 
     Item* parent;
     QString key;

@@ -108,7 +108,7 @@ constexpr bool InEnumOrder() {
     for (const Row& row : kTexts) {
         if (static_cast<std::size_t>(row.text) != expected++) return false;
     }
-    return expected == static_cast<std::size_t>(Text::Count_);
+    return expected == static_cast<std::size_t>(Text::Close) + 1;
 }
 static_assert(InEnumOrder(), "one row for each text, in the order of the enumeration");
 

@@ -64,8 +64,7 @@ enum class Text {
     AddInFileColumn,
     AddInStateColumn,
     AddInLoaded,
-    Close,
-    Count_
+    Close
 };
 
 /// Windows locale identifiers of the languages that the studio speaks.

@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <QPoint>
+#include <span>
 
 #include "studio/AddInSet.h"
 
@@ -44,8 +45,7 @@ constexpr KeyRow kKeypad[] = {
     {Qt::Key_Minus, 109},    {Qt::Key_Period, 110}, {Qt::Key_Slash, 111},
 };
 
-template <std::size_t count>
-int Find(const KeyRow (&rows)[count], int qtKey) {
+int Find(std::span<const KeyRow> rows, int qtKey) {
     for (const KeyRow& row : rows) {
         if (row.qtKey == qtKey) return row.virtualKey;
     }
@@ -81,6 +81,8 @@ int ButtonsOf(Qt::MouseButtons buttons) {
 }
 
 int KeyAscii(const QKeyEvent& event) {
+    // Qt gives it the text 127, which is the character of Ctrl+Backspace.
+    if (event.key() == Qt::Key_Delete) return 0;
     const QString text = event.text();
     return text.size() == 1 ? text.front().unicode() : 0;
 }

@@ -10,6 +10,7 @@
 #include "platform/ComponentRegistry.h"
 #include "studio/AddInLoader.h"
 #include "studio/AddInSet.h"
+#include "studio/QuitSignals.h"
 #include "studio/Screenshot.h"
 #include "studio/StudioRegistry.h"
 #include "studio/StudioWindow.h"
@@ -101,6 +102,7 @@ int main(int argc, char** argv) {
     if (screenshot) {
         return studio::TakeScreenshot(window, project, parser.value(screenshotOption));
     }
+    const studio::QuitSignals quitSignals([&window] { window.close(); });
     window.show();
     if (!project.isEmpty()) window.OpenProject(project);
     return QApplication::exec();

@@ -4,7 +4,9 @@
 #include <QFile>
 #include <QImage>
 #include <QProcess>
+#include <QSettings>
 #include <QTemporaryDir>
+#include <QTest>
 
 namespace {
 
@@ -115,6 +117,25 @@ TEST(CommandLineTest, AddInsThatFailAreReportedAndTheStudioGoesOn) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_TRUE(outcome.err.contains(u"KVSample.Connect"_s)) << qPrintable(outcome.err);
     EXPECT_TRUE(QFile::exists(png));
+}
+
+// Ctrl+C in the terminal and the end of a session close the window; nothing the user had is lost.
+TEST(CommandLineTest, TerminationClosesTheWindowProperly) {
+    const QTemporaryDir folder;
+    const QString state = folder.filePath(u"korvala/kvstudio.ini"_s);
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"XDG_STATE_HOME"_s, folder.path());
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(KV_STUDIO), {QStringLiteral(KV_TEST_DATA "/Leer.kvs")});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QFile::exists(state); }, 20000));
+    process.terminate();
+    ASSERT_TRUE(process.waitForFinished(20000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 0);
+    const QSettings kept(state, QSettings::IniFormat);
+    EXPECT_TRUE(kept.contains(u"Window/Geometry"_s));
+    EXPECT_EQ(kept.value(u"RecentProjects"_s).toStringList().size(), 1);
 }
 
 }  // namespace
