@@ -117,7 +117,7 @@ QString RegFile::Decode(const QByteArray& bytes, Encoding& encoding) {
     const bool marked = bytes.startsWith("\xEF\xBB\xBF");
     if (marked || !bytes.startsWith("REGEDIT4")) {
         QStringDecoder decoder(QStringDecoder::Utf8);
-        const QString text = decoder(marked ? bytes.mid(3) : bytes);
+        QString text = decoder(marked ? bytes.mid(3) : bytes);
         encoding = marked ? Encoding::Utf8WithMark : Encoding::Utf8;
         if (!decoder.hasError()) return text;
     }
@@ -278,7 +278,7 @@ void RegFile::Set(QStringView key, QStringView valueName, const Data& data) {
         lines_ += line;
     } else if (const auto value = found->values.constFind(Fold(valueName));
                value != found->values.cend()) {
-        const Entry old = *value;
+        const Entry& old = *value;
         lines_.remove(old.firstLine, old.lineCount);
         lines_.insert(old.firstLine, line);
     } else {
