@@ -24,6 +24,8 @@ if(KV_SANITIZE)
   # Global, so that every object of every target agrees.
   add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer
     -fno-sanitize-recover=undefined)
+  # g++ 12 sees uninitialised variants in what the sanitizers add.
+  add_compile_options(-Wno-maybe-uninitialized)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
@@ -54,4 +56,13 @@ endfunction()
 # kv_use_qt(TARGET): Qt's generators for a target with Q_OBJECT, .ui or .qrc.
 function(kv_use_qt target)
   set_target_properties(${target} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
+endfunction()
+
+# kv_optimise_across_files(TARGET): lets the optimiser see all files of a target at once. For the
+# code whose speed is measured; a fifth of the time of a table dump.
+function(kv_optimise_across_files target)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT KV_SANITIZE
+      AND CMAKE_BUILD_TYPE MATCHES "Rel")
+    set_target_properties(${target} PROPERTIES INTERPROCEDURAL_OPTIMIZATION ON)
+  endif()
 endfunction()

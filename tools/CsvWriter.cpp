@@ -1,34 +1,46 @@
 #include "tools/CsvWriter.h"
 
+#include <algorithm>
+
 #include "jet/Unicode.h"
 #include "tools/ValueText.h"
 
 namespace tools {
 namespace {
 
-void AppendDoublingQuotes(std::string_view text, std::string& out) {
+void AppendDoublingQuotes(std::string_view text, TextBuffer& out) {
     for (const char c : text) {
-        if (c == '"') out += '"';
-        out += c;
+        if (c == '"') out.Append('"');
+        out.Append(c);
     }
 }
 
-void AppendText(std::string_view text, std::string& out) {
-    if (!text.empty() && text.find_first_of(",\"\r\n") == std::string_view::npos) {
-        out += text;
+/// Must stand in quotes.
+constexpr bool IsSpecial(char c) {
+    return c == ',' || c == '"' || c == '\r' || c == '\n';
+}
+
+bool NeedsQuotes(std::string_view text) {
+    return text.empty() ||
+           std::any_of(text.begin(), text.end(), [](char c) { return IsSpecial(c); });
+}
+
+void AppendText(std::string_view text, TextBuffer& out) {
+    if (!NeedsQuotes(text)) {
+        out.Append(text);
         return;
     }
-    out += '"';
+    out.Append('"');
     AppendDoublingQuotes(text, out);
-    out += '"';
+    out.Append('"');
 }
 
 /// Appends every kind of value but text and long values.
 struct Appender {
-    std::string& out;
+    TextBuffer& out;
 
     void operator()(jet::Null) const {}
-    void operator()(bool value) const { out += value ? "true" : "false"; }
+    void operator()(bool value) const { out.Append(value ? "true" : "false"); }
     void operator()(std::int32_t value) const { AppendNumber(value, out); }
     void operator()(float value) const { AppendNumber(value, out); }
     void operator()(double value) const { AppendNumber(value, out); }
@@ -46,7 +58,7 @@ struct Appender {
 void CsvWriter::Begin(const jet::TableDef& def) {
     for (std::size_t i = 0; i < def.columns.size(); ++i) {
         Separate(i);
-        AppendText(def.columns[i].name, out_.Buffer());
+        AppendText(def.columns[i].name, out_);
     }
     EndRow();
 }
@@ -54,12 +66,32 @@ void CsvWriter::Begin(const jet::TableDef& def) {
 void CsvWriter::Put(std::size_t column, const jet::Value& value) {
     Separate(column);
     if (const auto* text = std::get_if<std::u16string>(&value)) {
-        utf8_.clear();
-        jet::AppendUtf8(*text, utf8_);
-        AppendText(utf8_, out_.Buffer());
+        PutText(*text);
     } else {
-        std::visit(Appender{out_.Buffer()}, value);
+        std::visit(Appender{out_}, value);
     }
+}
+
+void CsvWriter::PutText(std::u16string_view text) {
+    // Nearly all texts are of one or two bytes a character and need no quotes: they go straight to
+    // the output. A text in a row is shorter than a page, so there is always room for it.
+    char* end = out_.Reserve(2 * text.size());
+    std::size_t plain = 0;
+    for (; plain < text.size() && text[plain] < 0x800; ++plain) {
+        const char16_t unit = text[plain];
+        if (unit >= 0x80) {
+            *end++ = static_cast<char>(0xC0 | unit >> 6);
+            *end++ = static_cast<char>(0x80 | (unit & 0x3F));
+        } else if (IsSpecial(static_cast<char>(unit))) {
+            break;
+        } else {
+            *end++ = static_cast<char>(unit);
+        }
+    }
+    if (plain == text.size() && plain > 0) return out_.Commit(end);
+    utf8_.clear();
+    jet::AppendUtf8(text, utf8_);
+    AppendText(utf8_, out_);
 }
 
 jet::Status CsvWriter::PutMemo(std::size_t column, jet::MemoReader& text) {
@@ -73,8 +105,7 @@ jet::Status CsvWriter::PutMemo(std::size_t column, jet::MemoReader& text) {
         }
         utf8_.clear();
         jet::AppendUtf8(*piece, utf8_);
-        AppendDoublingQuotes(utf8_, out_.Buffer());
-        out_.MayFlush();
+        AppendDoublingQuotes(utf8_, out_);
     }
 }
 
@@ -84,8 +115,7 @@ jet::Status CsvWriter::PutOle(std::size_t column, jet::LongValueReader& bytes) {
         jet::Result<jet::Bytes> piece = bytes.Next();
         if (!piece.IsOk()) return piece.GetStatus();
         if (piece->empty()) return {};
-        AppendHex(*piece, out_.Buffer());
-        out_.MayFlush();
+        AppendHex(*piece, out_);
     }
 }
 

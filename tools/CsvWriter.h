@@ -9,7 +9,7 @@ namespace tools {
 /// memo always.
 class CsvWriter final : public RowWriter {
 public:
-    explicit CsvWriter(Output& out) : out_(out) {}
+    explicit CsvWriter(TextBuffer& out) : out_(out) {}
 
     void Begin(const jet::TableDef& def) override;
     void BeginRow() override {}
@@ -25,7 +25,9 @@ private:
         if (column > 0) out_.Append(',');
     }
 
-    Output& out_;
+    void PutText(std::u16string_view text);
+
+    TextBuffer& out_;
     std::string utf8_;  // kept for its memory
 };
 

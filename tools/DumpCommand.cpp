@@ -1,4 +1,5 @@
 #include <memory>
+#include <vector>
 
 #include "jet/Database.h"
 #include "tools/Commands.h"
@@ -9,20 +10,20 @@
 namespace tools {
 namespace {
 
-void WriteValue(const jet::Table& table, const jet::Row& row, std::size_t column, RowWriter& writer,
-                Messages& messages) {
-    jet::Result<jet::Value> value = row.Get(column);
-    if (!value.IsOk()) {
+/// `value` is the column's own, so that its memory serves all rows.
+void WriteValue(const jet::Table& table, const jet::Row& row, std::size_t column, jet::Value& value,
+                RowWriter& writer, Messages& messages) {
+    jet::Status status = row.Read(column, value);
+    if (!status.IsOk()) {
         writer.PutDamaged(column);
-        messages.Report(value.GetStatus().In(table.Name()));
+        messages.Report(status.In(table.Name()));
         return;
     }
-    const auto* longValue = std::get_if<jet::LongValue>(&*value);
+    const auto* longValue = std::get_if<jet::LongValue>(&value);
     if (longValue == nullptr) {
-        writer.Put(column, *value);
+        writer.Put(column, value);
         return;
     }
-    jet::Status status;
     if (longValue->isText) {
         jet::MemoReader text = table.OpenMemo(*longValue);
         status = writer.PutMemo(column, text);
@@ -34,9 +35,9 @@ void WriteValue(const jet::Table& table, const jet::Row& row, std::size_t column
 }
 
 /// Writes all rows, or as many as the output takes.
-void WriteRows(jet::Table& table, jet::RowCursor& rows, RowWriter& writer, Output& output,
+void WriteRows(jet::Table& table, jet::RowCursor& rows, RowWriter& writer, TextBuffer& output,
                Messages& messages) {
-    const std::size_t columns = table.Definition().columns.size();
+    std::vector<jet::Value> values(table.Definition().columns.size());
     while (output.Error().empty()) {
         jet::Result<bool> found = rows.Next();
         if (!found.IsOk()) {
@@ -45,11 +46,10 @@ void WriteRows(jet::Table& table, jet::RowCursor& rows, RowWriter& writer, Outpu
         }
         if (!*found) return;
         writer.BeginRow();
-        for (std::size_t i = 0; i < columns; ++i) {
-            WriteValue(table, rows.Current(), i, writer, messages);
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            WriteValue(table, rows.Current(), i, values[i], writer, messages);
         }
         writer.EndRow();
-        output.MayFlush();
     }
 }
 
@@ -58,7 +58,7 @@ void WriteRows(jet::Table& table, jet::RowCursor& rows, RowWriter& writer, Outpu
 ExitStatus Dump(const std::string& file, const std::string& table, DumpFormat format,
                 std::FILE* out, std::FILE* err) {
     Messages messages(err, file);
-    Output output(out);
+    TextBuffer output(out);
     const auto fail = [&](const jet::Status& status) {
         messages.Report(status);
         return messages.Finish(output);

@@ -8,30 +8,30 @@
 namespace tools {
 namespace {
 
-void AppendEscaped(std::string_view text, std::string& out) {
+void AppendEscaped(std::string_view text, TextBuffer& out) {
     constexpr std::string_view kDigits = "0123456789abcdef";
     for (const char c : text) {
         const auto byte = static_cast<unsigned char>(c);
         if (c == '"' || c == '\\') {
-            out += '\\';
-            out += c;
+            out.Append('\\');
+            out.Append(c);
         } else if (c == '\n') {
-            out += "\\n";
+            out.Append("\\n");
         } else if (byte < 0x20) {
-            out += "\\u00";
-            out += kDigits[byte >> 4];
-            out += kDigits[byte & 15];
+            out.Append("\\u00");
+            out.Append(kDigits[byte >> 4]);
+            out.Append(kDigits[byte & 15]);
         } else {
-            out += c;
+            out.Append(c);
         }
     }
 }
 
 struct Appender {
-    std::string& out;
+    TextBuffer& out;
 
-    void operator()(jet::Null) const { out += "null"; }
-    void operator()(bool value) const { out += value ? "true" : "false"; }
+    void operator()(jet::Null) const { out.Append("null"); }
+    void operator()(bool value) const { out.Append(value ? "true" : "false"); }
     void operator()(std::int32_t value) const { AppendNumber(value, out); }
     void operator()(float value) const { Real(value); }
     void operator()(double value) const { Real(value); }
@@ -54,9 +54,9 @@ struct Appender {
 private:
     template <typename Append>
     void Quoted(Append append) const {
-        out += '"';
+        out.Append('"');
         append();
-        out += '"';
+        out.Append('"');
     }
     template <typename T>
     void Real(T value) const {
@@ -68,11 +68,7 @@ private:
 }  // namespace
 
 void JsonWriter::Begin(const jet::TableDef& def) {
-    for (const jet::Column& column : def.columns) {
-        std::string& name = names_.emplace_back("\"");
-        AppendEscaped(column.name, name);
-        name += "\":";
-    }
+    for (const jet::Column& column : def.columns) names_.push_back(column.name);
     out_.Append('[');
 }
 
@@ -83,12 +79,14 @@ void JsonWriter::BeginRow() {
 
 void JsonWriter::BeginValue(std::size_t column) {
     if (column > 0) out_.Append(',');
-    out_.Append(names_[column]);
+    out_.Append('"');
+    AppendEscaped(names_[column], out_);
+    out_.Append("\":");
 }
 
 void JsonWriter::Put(std::size_t column, const jet::Value& value) {
     BeginValue(column);
-    std::visit(Appender{out_.Buffer()}, value);
+    std::visit(Appender{out_}, value);
 }
 
 void JsonWriter::PutDamaged(std::size_t column) {
@@ -105,8 +103,7 @@ jet::Status JsonWriter::PutMemo(std::size_t column, jet::MemoReader& text) {
             out_.Append('"');
             return piece.IsOk() ? jet::Status() : piece.GetStatus();
         }
-        AppendEscaped(jet::ToUtf8(*piece), out_.Buffer());
-        out_.MayFlush();
+        AppendEscaped(jet::ToUtf8(*piece), out_);
     }
 }
 
@@ -119,8 +116,7 @@ jet::Status JsonWriter::PutOle(std::size_t column, jet::LongValueReader& bytes) 
             out_.Append('"');
             return piece.IsOk() ? jet::Status() : piece.GetStatus();
         }
-        AppendHex(*piece, out_.Buffer());
-        out_.MayFlush();
+        AppendHex(*piece, out_);
     }
 }
 

@@ -10,7 +10,7 @@ namespace tools {
 /// and decimals numbers; a number that JSON cannot express (infinite, not a number) is a string.
 class JsonWriter final : public RowWriter {
 public:
-    explicit JsonWriter(Output& out) : out_(out) {}
+    explicit JsonWriter(TextBuffer& out) : out_(out) {}
 
     void Begin(const jet::TableDef& def) override;
     void BeginRow() override;
@@ -24,8 +24,8 @@ public:
 private:
     void BeginValue(std::size_t column);
 
-    Output& out_;
-    std::vector<std::string> names_;  // ready to write, with quotes and colon
+    TextBuffer& out_;
+    std::vector<std::string> names_;
     bool first_ = true;
 };
 

@@ -10,8 +10,9 @@ void Messages::Report(const jet::Status& status) {
     }
 }
 
-ExitStatus Messages::Finish(Output& out) {
-    if (!out.Flush()) {
+ExitStatus Messages::Finish(TextBuffer& out) {
+    out.Flush();
+    if (!out.Error().empty()) {
         std::fprintf(stream_, "kvs: writing failed: %s\n", out.Error().c_str());
         return kFailure;
     }

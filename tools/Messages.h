@@ -5,7 +5,7 @@
 
 #include "jet/Database.h"
 #include "tools/Commands.h"
-#include "tools/Output.h"
+#include "tools/TextBuffer.h"
 
 namespace tools {
 
@@ -17,7 +17,7 @@ public:
 
     void Report(const jet::Status& status);
     /// The status with which the command ends; flushes `out` and reports when that fails.
-    [[nodiscard]] ExitStatus Finish(Output& out);
+    [[nodiscard]] ExitStatus Finish(TextBuffer& out);
 
 private:
     static constexpr int kMost = 100;

@@ -4,7 +4,7 @@
 #include "jet/Status.h"
 #include "jet/TableDef.h"
 #include "jet/Value.h"
-#include "tools/Output.h"
+#include "tools/TextBuffer.h"
 
 namespace tools {
 

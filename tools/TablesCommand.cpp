@@ -28,7 +28,7 @@ std::uint64_t CountRows(jet::Table& table, Messages& messages) {
 
 ExitStatus Tables(const std::string& file, std::FILE* out, std::FILE* err) {
     Messages messages(err, file);
-    Output output(out);
+    TextBuffer output(out);
     const auto fail = [&](const jet::Status& status) {
         messages.Report(status);
         return messages.Finish(output);

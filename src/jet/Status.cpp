@@ -6,7 +6,7 @@
 namespace jet {
 
 Status Status::In(std::string_view where) const {
-    return {code_, std::string(where) + ": " + text_};
+    return {Code(), std::string(where) + ": " + Text()};
 }
 
 Status Status::FromErrno(int error, std::string_view action) {

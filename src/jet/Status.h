@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cassert>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -20,15 +21,25 @@ enum class StatusCode {
 };
 
 /// Outcome of an operation. The text (UTF-8) names the page, the row and the cause; the layers
-/// above put table and file in front of it.
+/// above put table and file in front of it. A success costs no more than a null pointer.
 class [[nodiscard]] Status {
 public:
     Status() = default;
-    Status(StatusCode code, std::string text) : code_(code), text_(std::move(text)) {}
+    Status(StatusCode code, std::string text)
+        : failure_(std::make_unique<Failure>(Failure{code, std::move(text)})) {}
+    Status(Status&&) noexcept = default;
+    Status& operator=(Status&&) noexcept = default;
+    Status(const Status& other)
+        : failure_(other.failure_ ? std::make_unique<Failure>(*other.failure_) : nullptr) {}
+    Status& operator=(const Status& other) { return *this = Status(other); }
+    ~Status() = default;
 
-    [[nodiscard]] bool IsOk() const noexcept { return code_ == StatusCode::Ok; }
-    [[nodiscard]] StatusCode Code() const noexcept { return code_; }
-    [[nodiscard]] const std::string& Text() const noexcept { return text_; }
+    [[nodiscard]] bool IsOk() const noexcept { return failure_ == nullptr; }
+    [[nodiscard]] StatusCode Code() const noexcept {
+        return failure_ ? failure_->code : StatusCode::Ok;
+    }
+    /// Empty for a success.
+    [[nodiscard]] std::string Text() const { return failure_ ? failure_->text : std::string(); }
 
     /// The same failure with `where` and a colon in front of its text.
     [[nodiscard]] Status In(std::string_view where) const;
@@ -46,8 +57,11 @@ public:
     static Status FromErrno(int error, std::string_view action);
 
 private:
-    StatusCode code_ = StatusCode::Ok;
-    std::string text_;
+    struct Failure {
+        StatusCode code;
+        std::string text;
+    };
+    std::unique_ptr<Failure> failure_;  // null: success
 };
 
 /// A value or the reason why there is none.

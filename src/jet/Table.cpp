@@ -12,12 +12,12 @@ std::string TableText(const std::string& name) {
     return "table \"" + name + "\"";
 }
 
-/// Opens a data page and makes sure that it is the table's.
-Result<DataPage> OpenOwned(const FileContext& file, PageNo number, PageNo table) {
-    PageRef ref;
-    JET_ASSIGN(ref, file.cache.Read(number));
+/// Makes sure that a page is a data page of the table.
+Result<DataPage> OpenOwned(const FileContext& file, Result<PageRef> ref, PageNo number,
+                           PageNo table) {
+    if (!ref.IsOk()) return ref.GetStatus();
     DataPage page;
-    JET_ASSIGN(page, DataPage::Open(std::move(ref), file.format));
+    JET_ASSIGN(page, DataPage::Open(std::move(*ref), file.format));
     if (page.Owner() != Raw(table)) {
         return Status::Corrupt(PageText(number) + " belongs to another table");
     }
@@ -28,7 +28,7 @@ Result<DataPage> OpenOwned(const FileContext& file, PageNo number, PageNo table)
 Result<Bytes> FollowMove(const FileContext& file, PageNo table, const Slot& slot, DataPage& page) {
     if (slot.bytes.size() < 4) return Status::Corrupt("the pointer to the moved row is cut short");
     const RowId target = RowId::FromPointer(LoadU32(slot.bytes, 0));
-    JET_ASSIGN(page, OpenOwned(file, target.page, table));
+    JET_ASSIGN(page, OpenOwned(file, file.cache.Read(target.page), target.page, table));
     if (target.row >= page.SlotCount()) {
         return Status::Corrupt("it has moved to " + RowText(target) + ", which does not exist");
     }
@@ -43,15 +43,26 @@ Result<Bytes> FollowMove(const FileContext& file, PageNo table, const Slot& slot
 }  // namespace
 
 Result<Value> Row::Get(std::size_t column) const {
-    const Column& def = def_->columns.at(column);
+    Value value;
+    JET_TRY(Read(column, value));
+    return value;
+}
+
+Status Row::Read(std::size_t column, Value& value) const {
+    const Column& def = def_->columns[column];
     const bool bit = view_.HasBit(def);
-    if (def.type == ColumnType::Boolean) return Value(bit);
-    if (!bit) return Value(Null{});
+    if (def.type == ColumnType::Boolean) {
+        value = bit;
+        return {};
+    }
+    if (!bit) {
+        value = Null{};
+        return {};
+    }
     Result<Bytes> bytes = view_.ValueBytes(def);
-    Result<Value> value =
-        bytes.IsOk() ? DecodeValue(def, codePage_, *bytes) : Result<Value>(bytes.GetStatus());
-    if (value.IsOk()) return value;
-    return value.GetStatus().In(RowText(id_) + ", column \"" + def.name + "\"");
+    Status status = bytes.IsOk() ? DecodeValue(def, codePage_, *bytes, value) : bytes.GetStatus();
+    if (status.IsOk()) return {};
+    return status.In(RowText(id_) + ", column \"" + def.name + "\"");
 }
 
 Result<bool> RowCursor::NextPage() {
@@ -65,7 +76,9 @@ Result<bool> RowCursor::NextPage() {
         return false;
     }
     nextPage_ = PageNo{Raw(**next) + 1};
-    JET_ASSIGN(page_, OpenOwned(*file_, **next, row_.def_->page));
+    // Rows that the caller keeps hold their page; the cursor itself has to let go of the last one.
+    row_.page_ = DataPage();
+    JET_ASSIGN(page_, OpenOwned(*file_, file_->cache.ReadOnce(**next), **next, row_.def_->page));
     nextSlot_ = 0;
     return true;
 }
@@ -129,7 +142,7 @@ Result<Row> Table::Fetch(RowId id) {
     row.id_ = id;
     row.def_ = def_;
     row.codePage_ = file_.codePage;
-    Result<DataPage> page = OpenOwned(file_, id.page, page_);
+    Result<DataPage> page = OpenOwned(file_, file_.cache.Read(id.page), id.page, page_);
     if (!page.IsOk()) {
         return page.GetStatus().Code() == StatusCode::Io ? Named(page.GetStatus()) : gone();
     }

@@ -27,6 +27,8 @@ public:
     /// The value of a column by its position in TableDef::columns. Memo and OLE values come as
     /// LongValue. Corrupt when the value does not fit the row.
     [[nodiscard]] Result<Value> Get(std::size_t column) const;
+    /// The same into `value`, whose memory is used again: for loops over many rows.
+    Status Read(std::size_t column, Value& value) const;
 
 private:
     friend class Table;

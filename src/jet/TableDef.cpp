@@ -1,12 +1,32 @@
 #include "jet/TableDef.h"
 
+#include <algorithm>
+
 #include "jet/TextKey.h"
 #include "jet/Unicode.h"
 
 namespace jet {
+namespace {
+
+/// True for visible ASCII that does not end in a blank: then two names have equal keys exactly
+/// when they differ at most in case.
+bool IsPlain(std::string_view name) {
+    const auto isPlain = [](char c) { return c >= ' ' && c <= '~'; };
+    return std::all_of(name.begin(), name.end(), isPlain) && (name.empty() || name.back() != ' ');
+}
+
+char Lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+}  // namespace
 
 bool SameName(std::string_view a, std::string_view b) {
     if (a == b) return true;
+    if (IsPlain(a) && IsPlain(b)) {
+        return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                          [](char x, char y) { return Lower(x) == Lower(y); });
+    }
     // The catalog's own order decides, as the unique index on the names does.
     std::string keyA;
     std::string keyB;

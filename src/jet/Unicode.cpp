@@ -1,5 +1,6 @@
 #include "jet/Unicode.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -55,7 +56,16 @@ char32_t NextCodePoint(std::string_view text, std::size_t& at) {
 }  // namespace
 
 void AppendUtf8(std::u16string_view text, std::string& out) {
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    // Most texts begin with ASCII or are nothing else.
+    const auto isAscii = [](char16_t unit) { return unit < 0x80; };
+    const auto ascii = static_cast<std::size_t>(
+        std::find_if_not(text.begin(), text.end(), isAscii) - text.begin());
+    const std::size_t before = out.size();
+    out.resize(before + ascii);
+    std::transform(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(ascii),
+                   out.begin() + static_cast<std::ptrdiff_t>(before),
+                   [](char16_t unit) { return static_cast<char>(unit); });
+    for (std::size_t i = ascii; i < text.size(); ++i) {
         const char16_t unit = text[i];
         if (unit < 0x80) {
             out += static_cast<char>(unit);

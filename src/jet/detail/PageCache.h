@@ -43,6 +43,10 @@ public:
     /// Corrupt when the page lies behind the end of the file.
     [[nodiscard]] Result<PageRef> Read(PageNo page);
 
+    /// The same for a page that is read in passing, as in a scan: it does not push other pages
+    /// out of the cache.
+    [[nodiscard]] Result<PageRef> ReadOnce(PageNo page);
+
     /// Asks the file whether another program has changed it since the last call, and forgets all
     /// pages when it has. Generation() is then a new number.
     Status Revalidate();
@@ -58,6 +62,10 @@ private:
     };
     using Entries = std::list<Entry>;
 
+    /// The cached image of a page, null when there is none.
+    [[nodiscard]] std::shared_ptr<const PageRef::Image> Cached(PageNo page);
+    Status ReadInto(PageNo page, PageRef::Image& image) const;
+
     const File& file_;
     std::size_t capacity_;  // bytes
     std::size_t pageSize_ = kPageSizeJet4;
@@ -66,6 +74,7 @@ private:
     FileStamp stamp_;
     Entries entries_;  // the last used in front
     std::unordered_map<std::uint32_t, Entries::iterator> index_;
+    std::shared_ptr<PageRef::Image> passing_;  // of the last ReadOnce, for the next one
 };
 
 }  // namespace jet

@@ -40,11 +40,6 @@ Result<RowView> RowView::Parse(Format format, const TableDef& def, Bytes row) {
     return view;
 }
 
-bool RowView::HasBit(const Column& column) const {
-    if (column.number >= columnCount_) return false;
-    return (LoadU8(row_, mask_ + column.number / 8) >> (column.number % 8) & 1) != 0;
-}
-
 std::size_t RowView::VariableOffset(std::size_t index) const {
     if (format_ == Format::Jet4) return LoadU16(row_, mask_ - 4 - 2 * index);
     std::size_t offset = LoadU8(row_, mask_ - 2 - allJumps_ - index);

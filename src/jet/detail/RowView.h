@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "jet/detail/Bytes.h"
 #include "jet/Status.h"
 #include "jet/TableDef.h"
 #include "jet/Types.h"
@@ -22,7 +23,10 @@ public:
     [[nodiscard]] static Result<RowView> Parse(Format format, const TableDef& def, Bytes row);
 
     /// The bit of the null mask: not Null, or for a Boolean its value.
-    [[nodiscard]] bool HasBit(const Column& column) const;
+    [[nodiscard]] bool HasBit(const Column& column) const {
+        if (column.number >= columnCount_) return false;
+        return (LoadU8(row_, mask_ + column.number / 8) >> (column.number % 8) & 1) != 0;
+    }
     /// The stored bytes of a value that is not Null and no Boolean.
     [[nodiscard]] Result<Bytes> ValueBytes(const Column& column) const;
 

@@ -54,10 +54,12 @@ void TextDecoder::Append(Bytes piece, std::u16string& out) {
             case Mode::Narrow: {
                 const auto begin = piece.begin() + static_cast<std::ptrdiff_t>(at);
                 const auto end = std::find(begin, piece.end(), std::byte{0});
-                for (auto i = begin; i != end; ++i) {
-                    out += static_cast<char16_t>(static_cast<unsigned char>(*i));
-                }
-                at += static_cast<std::size_t>(end - begin);
+                const auto count = static_cast<std::size_t>(end - begin);
+                const std::size_t before = out.size();
+                out.resize(before + count);
+                std::transform(begin, end, out.begin() + static_cast<std::ptrdiff_t>(before),
+                               [](std::byte b) { return static_cast<char16_t>(b); });
+                at += count;
                 if (end != piece.end()) {
                     mode_ = Mode::SwitchedWide;
                     ++at;

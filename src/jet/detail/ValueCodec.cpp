@@ -33,18 +33,19 @@ Decimal DecodeDecimal(const Column& column, Bytes bytes) {
     return decimal;
 }
 
-Result<Value> DecodeLongValue(const Column& column, Bytes bytes) {
+Status DecodeLongValue(const Column& column, Bytes bytes, LongValue& value) {
     if (bytes.size() < kDescriptorSize) {
         return Status::Corrupt("a memo or OLE value has " + std::to_string(bytes.size()) +
                                " bytes, too few for its head");
     }
-    LongValue value;
     value.isText = column.type == ColumnType::Memo;
     const std::uint32_t head = LoadU32(bytes, 0);
     value.length = head & kLengthMask;
     value.first = RowId::FromPointer(LoadU32(bytes, 4));
     value.stamp = LoadU32(bytes, 8);
+    value.inlineBytes.clear();
     if ((head & kInlineFlag) != 0) {
+        value.kind = LongValue::Kind::Inline;
         const Bytes data = bytes.subspan(kDescriptorSize);
         if (data.size() < value.length) return Status::Corrupt("a memo or OLE value is cut short");
         value.inlineBytes.assign(data.begin(), data.begin() + value.length);
@@ -52,7 +53,14 @@ Result<Value> DecodeLongValue(const Column& column, Bytes bytes) {
         value.kind =
             (head & kSingleRowFlag) != 0 ? LongValue::Kind::SingleRow : LongValue::Kind::Chain;
     }
-    return Value(std::move(value));
+    return {};
+}
+
+/// The T that `value` holds, made if it holds something else.
+template <typename T>
+T& Reuse(Value& value) {
+    T* held = std::get_if<T>(&value);
+    return held != nullptr ? *held : value.emplace<T>();
 }
 
 /// Bytes that a value of the type takes; 0 = any number.
@@ -80,40 +88,51 @@ std::size_t ExactSize(ColumnType type) {
 
 }  // namespace
 
-Result<Value> DecodeValue(const Column& column, const CodePage* codePage, Bytes bytes) {
+Status DecodeValue(const Column& column, const CodePage* codePage, Bytes bytes, Value& value) {
     if (bytes.size() < ExactSize(column.type)) {
         return Status::Corrupt("its value has " + std::to_string(bytes.size()) +
                                " bytes, too few for its type");
     }
     switch (column.type) {
         case ColumnType::Byte:
-            return Value(std::int32_t{LoadU8(bytes, 0)});
+            value = std::int32_t{LoadU8(bytes, 0)};
+            return {};
         case ColumnType::Integer:
-            return Value(std::int32_t{Load<std::int16_t>(bytes, 0)});
+            value = std::int32_t{Load<std::int16_t>(bytes, 0)};
+            return {};
         case ColumnType::Long:
-            return Value(Load<std::int32_t>(bytes, 0));
+            value = Load<std::int32_t>(bytes, 0);
+            return {};
         case ColumnType::Currency:
-            return Value(Currency{Load<std::int64_t>(bytes, 0)});
+            value = Currency{Load<std::int64_t>(bytes, 0)};
+            return {};
         case ColumnType::Single:
-            return Value(Load<float>(bytes, 0));
+            value = Load<float>(bytes, 0);
+            return {};
         case ColumnType::Double:
-            return Value(Load<double>(bytes, 0));
+            value = Load<double>(bytes, 0);
+            return {};
         case ColumnType::DateTime:
-            return Value(Date{Load<double>(bytes, 0)});
+            value = Date{Load<double>(bytes, 0)};
+            return {};
         case ColumnType::Text: {
-            std::u16string text;
+            auto& text = Reuse<std::u16string>(value);
+            text.clear();
             TextDecoder(codePage).Append(bytes, text);
-            return Value(std::move(text));
+            return {};
         }
         case ColumnType::Guid:
-            return Value(DecodeGuid(bytes));
+            value = DecodeGuid(bytes);
+            return {};
         case ColumnType::Numeric:
-            return Value(DecodeDecimal(column, bytes));
+            value = DecodeDecimal(column, bytes);
+            return {};
         case ColumnType::Memo:
         case ColumnType::Ole:
-            return DecodeLongValue(column, bytes);
+            return DecodeLongValue(column, bytes, Reuse<LongValue>(value));
         default:
-            return Value(Binary(bytes.begin(), bytes.end()));
+            Reuse<Binary>(value).assign(bytes.begin(), bytes.end());
+            return {};
     }
 }
 

@@ -1,0 +1,182 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <vector>
+
+#include "tools/Commands.h"
+#include "tools/CsvWriter.h"
+#include "tools/JsonWriter.h"
+#include "ToolTesting.h"
+
+namespace tools {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct Outcome {
+    ExitStatus status = kSuccess;
+    std::string out;
+    std::string err;
+};
+
+Outcome RunTool(std::vector<std::string> words) {
+    words.insert(words.begin(), "kvs");
+    std::vector<char*> arguments;
+    for (std::string& word : words) arguments.push_back(word.data());
+    Outcome outcome;
+    outcome.err = Written([&](std::FILE* err) {
+        outcome.out = Written([&](std::FILE* out) {
+            outcome.status = Run(static_cast<int>(arguments.size()), arguments.data(), out, err);
+        });
+    });
+    return outcome;
+}
+
+const std::string kBrewery = std::string(KV_EXAMPLES) + "/Brauerei.kvs";
+
+TEST(CommandTest, ListsTheTablesWithTheirRows) {
+    const Outcome outcome = RunTool({"tables", kBrewery});
+    EXPECT_EQ(outcome.status, kSuccess);
+    EXPECT_EQ(outcome.out,
+              "TchrArchives\t14\nTchrTrends\t228\nTidxTexts\t242\nTidxGroups\t16\nTpdbStructs\t14\n"
+              "TpdbVars\t398\nTcfgLanguages\t2\nTalmClasses\t2\n");
+}
+
+TEST(CommandTest, DumpsATable) {
+    const Outcome csv = RunTool({"dump", kBrewery, "TcfgLanguages"});
+    EXPECT_EQ(csv.out,
+              "ID,LCID,kbLayout,Font\r\n"
+              "1,1031,00000407,Arial                             8   0   0   0   0   0 400\r\n"
+              "2,1033,00000409,Arial                             8   0   0   0   0   0 400\r\n");
+    const Outcome json = RunTool({"dump", "--format", "json", kBrewery, "TalmClasses"});
+    EXPECT_THAT(json.out, StartsWith("[\n{\"ID\":1,\"Name\":\"Störung\",\"Description\":\"kurz\","
+                                     "\"Icon\":\"010203\",\"Since\":\"2001-09-09T01:46:40\"},\n{"));
+    EXPECT_THAT(json.out, testing::EndsWith("}\n]\n"));
+    EXPECT_EQ(
+        RunTool({"dump", std::string(KV_TEST_DATA) + "/Leer.kvs", "TchrTrends", "--format", "json"})
+            .out,
+        "[]\n");
+}
+
+TEST(CommandTest, TellsSuccessFailureAndWrongUsageApart) {
+    struct Case {
+        std::vector<std::string> words;
+        ExitStatus status;
+        const char* message;
+    };
+    const Case cases[] = {
+        {{"--help"}, kSuccess, ""},
+        {{"--version"}, kSuccess, ""},
+        {{}, kUsage, "command is missing"},
+        {{"nonsense"}, kUsage, "'nonsense'"},
+        {{"tables"}, kUsage, "FILE"},
+        {{"tables", "a", "b"}, kUsage, "FILE"},
+        {{"dump", "a"}, kUsage, "TABLE"},
+        {{"dump", "a", "b", "--format=xml"}, kUsage, "'xml'"},
+        {{"dump", "a", "b", "--format"}, kUsage, "--format"},
+        {{"tables", "--nonsense"}, kUsage, "--nonsense"},
+        {{"tables", "/nonexistent/x.kvs"}, kFailure, "/nonexistent/x.kvs"},
+        {{"tables", KV_EXAMPLES}, kFailure, "folder"},
+        {{"dump", kBrewery, "Nothing"}, kFailure, "\"Nothing\""},
+    };
+    for (const Case& c : cases) {
+        const Outcome outcome = RunTool(c.words);
+        SCOPED_TRACE(outcome.out + outcome.err);
+        EXPECT_EQ(outcome.status, c.status);
+        EXPECT_THAT(outcome.err, HasSubstr(c.message));
+        EXPECT_EQ(outcome.out.empty(), c.status != kSuccess);
+        EXPECT_EQ(outcome.err.empty(), c.status == kSuccess);
+    }
+}
+
+TEST(CommandTest, WritesWhatADamagedFileStillHolds) {
+    const std::string path = std::filesystem::temp_directory_path() / "kvs-damaged-XXXXXX";
+    std::string name = path;
+    ::close(::mkstemp(name.data()));
+    std::filesystem::copy_file(kBrewery, name, std::filesystem::copy_options::overwrite_existing);
+    const Outcome whole = RunTool({"dump", name, "TpdbVars"});
+    // One of the table's pages loses its type.
+    std::fstream file(name, std::ios::binary | std::ios::in | std::ios::out);
+    constexpr std::streamoff kPage = 4096;
+    file.seekg(0, std::ios::end);
+    const std::streamoff pages = file.tellg() / kPage;
+    Outcome damaged;
+    for (std::streamoff page = pages - 1; page > 0 && damaged.status != kFailure; --page) {
+        file.seekg(page * kPage);
+        const char type = static_cast<char>(file.get());
+        file.seekp(page * kPage);
+        file.put('\x77').flush();
+        damaged = RunTool({"dump", name, "TpdbVars"});
+        file.seekp(page * kPage);
+        file.put(type).flush();
+    }
+    std::filesystem::remove(name);
+    EXPECT_EQ(damaged.status, kFailure);
+    EXPECT_THAT(damaged.err, testing::AllOf(StartsWith("kvs: " + name), HasSubstr("TpdbVars"),
+                                            HasSubstr("page")));
+    EXPECT_LT(damaged.out.size(), whole.out.size());
+    EXPECT_GT(damaged.out.size(), whole.out.size() / 2);
+}
+
+TEST(CommandTest, ReportsAnOutputThatTakesNoMore) {
+    std::FILE* full = std::fopen("/dev/full", "w");
+    ASSERT_NE(full, nullptr);
+    const std::string err = Written([&](std::FILE* stream) {
+        EXPECT_EQ(Dump(kBrewery, "TchrTrends", DumpFormat::Csv, full, stream), kFailure);
+    });
+    std::fclose(full);
+    EXPECT_THAT(err, HasSubstr("writing failed"));
+}
+
+template <typename Writer>
+std::string Row(const std::vector<jet::Value>& values) {
+    return Written([&](std::FILE* stream) {
+        TextBuffer out(stream);
+        Writer writer(out);
+        jet::TableDef def;
+        for (std::size_t i = 0; i < values.size(); ++i) def.columns.emplace_back().name = "c\"";
+        writer.Begin(def);
+        writer.BeginRow();
+        for (std::size_t i = 0; i < values.size(); ++i) writer.Put(i, values[i]);
+        writer.EndRow();
+        out.Flush();
+    });
+}
+
+TEST(CommandTest, QuotesAndEscapesOnlyWhereNeeded) {
+    struct Case {
+        jet::Value value;
+        std::string csv;
+        std::string json;
+    };
+    const Case cases[] = {
+        {jet::Null{}, "", "null"},
+        {std::u16string(), "\"\"", "\"\""},
+        {std::u16string(u" plain 'x' "), " plain 'x' ", "\" plain 'x' \""},
+        {std::u16string(u"a,b"), "\"a,b\"", "\"a,b\""},
+        {std::u16string(u"say \"hi\""), "\"say \"\"hi\"\"\"", "\"say \\\"hi\\\"\""},
+        {std::u16string(u"l1\r\nl2"), "\"l1\r\nl2\"", "\"l1\\u000d\\nl2\""},
+        {std::u16string(u"ä\u20AC\xD83D\xDE00"), "ä€😀", "\"ä€😀\""},
+        {std::u16string(u"ä,\\"), "\"ä,\\\"", "\"ä,\\\\\""},
+        {true, "true", "true"},
+        {2.5, "2.5", "2.5"},
+        {std::numeric_limits<double>::quiet_NaN(), "nan", "\"nan\""},
+        {jet::Binary{std::byte{0}, std::byte{0xAB}}, "00ab", "\"00ab\""},
+        {jet::Guid{}, "{00000000-0000-0000-0000-000000000000}",
+         "\"{00000000-0000-0000-0000-000000000000}\""},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(Row<CsvWriter>({c.value}), "\"c\"\"\"\r\n" + c.csv + "\r\n");
+        EXPECT_EQ(Row<JsonWriter>({c.value}), "[\n{\"c\\\"\":" + c.json + "}");
+    }
+}
+
+}  // namespace
+}  // namespace tools

@@ -1,0 +1,35 @@
+#include "tools/TextBuffer.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+
+namespace tools {
+
+TextBuffer::TextBuffer(std::FILE* stream)
+    : stream_(stream),
+      block_(std::make_unique_for_overwrite<char[]>(kBlock)),
+      end_(block_.get()),
+      limit_(end_ + kBlock) {}
+
+void TextBuffer::Append(std::string_view text) {
+    while (!text.empty()) {
+        if (end_ == limit_) Flush();
+        const std::size_t size = std::min(text.size(), static_cast<std::size_t>(limit_ - end_));
+        std::memcpy(end_, text.data(), size);
+        end_ += size;
+        text.remove_prefix(size);
+    }
+}
+
+void TextBuffer::Flush() {
+    const auto size = static_cast<std::size_t>(end_ - block_.get());
+    end_ = block_.get();
+    if (!error_.empty()) return;
+    if (std::fwrite(block_.get(), 1, size, stream_) != size || std::fflush(stream_) != 0) {
+        error_ = std::generic_category().message(errno);
+    }
+}
+
+}  // namespace tools

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <charconv>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace tools {
+
+/// Text on its way to a stream: gathered in one block, written when the block is full. Remembers
+/// the first failed write and drops everything behind it.
+class TextBuffer {
+public:
+    /// `stream` is borrowed.
+    explicit TextBuffer(std::FILE* stream);
+
+    void Append(char c) {
+        if (end_ == limit_) Flush();
+        *end_++ = c;
+    }
+    void Append(std::string_view text);
+    /// A number in the shortest form that reads back as the same number.
+    template <typename Number>
+    void AppendNumber(Number value) {
+        end_ = std::to_chars(Reserve(kMostDigits), limit_, value).ptr;
+    }
+
+    /// Room for `size` bytes in a row, at most kBlock; Commit(end) says how far it was used.
+    [[nodiscard]] char* Reserve(std::size_t size) {
+        if (static_cast<std::size_t>(limit_ - end_) < size) Flush();
+        return end_;
+    }
+    void Commit(char* end) { end_ = end; }
+
+    void Flush();
+    /// Why a write failed; empty when none has.
+    [[nodiscard]] const std::string& Error() const { return error_; }
+
+    static constexpr std::size_t kBlock = std::size_t{64} << 10;  // bytes
+
+private:
+    static constexpr std::size_t kMostDigits = 40;
+
+    std::FILE* stream_;
+    std::unique_ptr<char[]> block_;
+    char* end_;
+    char* limit_;
+    std::string error_;
+};
+
+}  // namespace tools
