@@ -1,11 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <QIcon>
 #include <QString>
 #include <QStringList>
-#include <QVariant>
 #include <QtPlugin>
-#include <optional>
+#include <QVariant>
 
 class QWidget;
 
@@ -108,9 +108,8 @@ public:
     /// in the form with backslashes; empty when no project is open. `host` stays valid until
     /// Terminate has returned. `secondName` and `secondHost` are for hosts with a second project
     /// open beside the first; the studio passes an empty string and null.
-    virtual void CKV4Extensibility_Initialize(const QString& projectName,
-                                              const QString& secondName, IHost* host,
-                                              IHost* secondHost) = 0;
+    virtual void CKV4Extensibility_Initialize(const QString& projectName, const QString& secondName,
+                                              IHost* host, IHost* secondHost) = 0;
     /// All add-ins have been initialised and the tree is on screen.
     virtual void CKV4Extensibility_StartupComplete() = 0;
     /// Last event: the project is being closed. The add-in gives back everything it holds.

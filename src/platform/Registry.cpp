@@ -134,7 +134,8 @@ const RegFile::Data* Registry::Rep::Find(QStringView key, QStringView valueName)
     Load();
     const RegFile::Data* data = content.Find(key, valueName);
     if (data == nullptr && key.startsWith(kSoftware, Qt::CaseInsensitive)) {
-        data = content.Find(kSoftware32.toString() + key.mid(kSoftware.size()).toString(), valueName);
+        data =
+            content.Find(kSoftware32.toString() + key.mid(kSoftware.size()).toString(), valueName);
     }
     return data;
 }
