@@ -24,8 +24,10 @@ if(KV_SANITIZE)
   # Global, so that every object of every target agrees.
   add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer
     -fno-sanitize-recover=undefined)
-  # g++ 12 sees uninitialised variants in what the sanitizers add.
-  add_compile_options(-Wno-maybe-uninitialized)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # g++ 12 sees uninitialised variants in what the sanitizers add.
+    add_compile_options(-Wno-maybe-uninitialized)
+  endif()
   add_link_options(-fsanitize=address,undefined)
 endif()
 
