@@ -21,6 +21,10 @@ enum class DumpFormat { Csv, Json };
 [[nodiscard]] ExitStatus Dump(const std::string& file, const std::string& table, DumpFormat format,
                               std::FILE* out, std::FILE* err);
 
+/// A line for each fault of a Jet 4 file, "error: ..." or "warning: ...". kSuccess when there are
+/// no errors.
+[[nodiscard]] ExitStatus Check(const std::string& file, std::FILE* out, std::FILE* err);
+
 /// Runs the program: argument 0 is its name.
 [[nodiscard]] ExitStatus Run(int argc, char** argv, std::FILE* out, std::FILE* err);
 

@@ -17,6 +17,7 @@ constexpr const char* kHelp =
     "  tables FILE                a line for each table: name, tab, number of rows\n"
     "  dump FILE TABLE            all rows of a table\n"
     "    --format csv|json          CSV after RFC 4180 (default) or JSON\n"
+    "  check FILE                 a line for each fault of the file (Jet 4)\n"
     "\n"
     "Options:\n"
     "  -h, --help                 show this text\n"
@@ -46,6 +47,11 @@ ExitStatus RunCommand(const std::vector<std::string>& words, const std::string& 
         }
         return Dump(words[1], words[2], format == "json" ? DumpFormat::Json : DumpFormat::Csv, out,
                     err);
+    }
+    if (command == "check") {
+        if (!format.empty()) return WrongUsage("check: --format is for dump", err);
+        if (words.size() != 2) return WrongUsage("check: one FILE is needed", err);
+        return Check(words[1], out, err);
     }
     return WrongUsage("unknown command '" + command + "'", err);
 }

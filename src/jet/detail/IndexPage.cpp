@@ -53,11 +53,21 @@ Result<IndexPage> IndexPage::Open(PageRef page, PageNo table) {
 bool IndexPage::IsLeaf() const {
     return LoadU8(page_.Bytes(), 0) == kLeafType;
 }
+PageNo IndexPage::Previous() const {
+    return PageNo{LoadU32(page_.Bytes(), 12)};
+}
 PageNo IndexPage::Next() const {
     return PageNo{LoadU32(page_.Bytes(), 16)};
 }
 PageNo IndexPage::Tail() const {
     return PageNo{LoadU32(page_.Bytes(), 20)};
+}
+
+std::size_t IndexPage::StatedFree() const {
+    return LoadU16(page_.Bytes(), 2);
+}
+std::size_t IndexPage::Free() const {
+    return kEntryBytes - (ends_.empty() ? 0 : ends_.back());
 }
 
 std::size_t IndexPage::TrailerSize() const {

@@ -25,10 +25,14 @@ public:
 
     [[nodiscard]] PageNo Number() const { return page_.Number(); }
     [[nodiscard]] bool IsLeaf() const;
+    [[nodiscard]] PageNo Previous() const;
     [[nodiscard]] PageNo Next() const;
     /// The child behind all entries; 0 = none.
     [[nodiscard]] PageNo Tail() const;
     [[nodiscard]] std::size_t Count() const { return ends_.size(); }
+    /// Bytes behind the entries: as the page states them and as they are.
+    [[nodiscard]] std::size_t StatedFree() const;
+    [[nodiscard]] std::size_t Free() const;
 
     /// Key, page and row of an entry, the prefix included; without a node's child number.
     [[nodiscard]] std::string Entry(std::size_t i) const;

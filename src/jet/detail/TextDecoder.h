@@ -17,6 +17,8 @@ public:
     /// `codePage` is null for Jet 4; it is borrowed.
     explicit TextDecoder(const CodePage* codePage) : codePage_(codePage) {}
     void Append(Bytes piece, std::u16string& out);
+    /// False when the pieces so far end inside a character.
+    [[nodiscard]] bool IsComplete() const { return !hasLow_ && mode_ != Mode::StartMarked; }
 
 private:
     void AppendWide(std::byte byte, std::u16string& out);

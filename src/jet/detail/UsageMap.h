@@ -23,6 +23,9 @@ public:
     /// the file.
     [[nodiscard]] Result<std::optional<PageNo>> Next(PageNo from);
 
+    /// The map's row as it is stored, at least five bytes; empty for "no map".
+    [[nodiscard]] Bytes Stored() const { return row_; }
+
 private:
     [[nodiscard]] static std::optional<std::uint32_t> NextBit(Bytes bits, std::uint32_t first,
                                                               std::uint32_t from);

@@ -1,0 +1,203 @@
+#include "jet/detail/check/MapCheck.h"
+
+#include <array>
+#include <bit>
+#include <utility>
+
+#include "jet/detail/Bytes.h"
+#include "jet/detail/check/DataPageCheck.h"
+
+namespace jet::check {
+namespace {
+
+constexpr PageNo kGlobalPage{1};
+constexpr std::uint8_t kInline = 0;
+constexpr std::uint8_t kBitmapPageType = 5;
+constexpr std::size_t kBitmapHeader = 4;  // bytes
+constexpr std::uint32_t kBitmapPages = (kPageSizeJet4 - kBitmapHeader) * 8;
+constexpr std::uint8_t kPageTypes = 10;
+
+/// What kind of page a type byte stands for.
+const char* TypeText(std::uint8_t type) {
+    constexpr std::array<const char*, kPageTypes> kNames = {
+        "an unwritten page", "a data page",   "a table definition",
+        "an index node",     "an index leaf", "a usage map",
+        "unknown",           "unknown",       "a former definition",
+        "a former data page"};
+    return type < kNames.size() ? kNames[type] : "unknown";
+}
+
+/// Calls `each` for every set bit, which stands for the page first + its position.
+bool ForEachBit(Bytes bits, std::uint64_t first, const std::function<bool(PageNo)>& each) {
+    for (std::size_t i = 0; i < bits.size(); ++i) {
+        for (unsigned rest = LoadU8(bits, i); rest != 0; rest &= rest - 1) {
+            const std::uint64_t page =
+                first + 8 * i + static_cast<std::uint64_t>(std::countr_zero(rest));
+            if (page > 0xFFFFFFFF) return false;
+            if (!each(PageNo{static_cast<std::uint32_t>(page)})) return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+MapCheck::MapCheck(PageCache& cache, Reporter& report, PageLedger& pages)
+    : cache_(cache),
+      report_(report),
+      pages_(pages),
+      globalPage_(pages.AddOwner("the global map")),
+      mapRows_(pages.AddOwner("usage maps")),
+      bitmaps_(pages.AddOwner("bitmaps of usage maps")) {}
+
+void MapCheck::CheckGlobalPage() {
+    pages_.Claim(kGlobalPage, globalPage_);
+    const std::string name = PageText(kGlobalPage);
+    Result<PageRef> ref = cache_.Read(kGlobalPage);
+    Result<DataPage> page =
+        ref.IsOk() ? DataPage::Open(*ref, Format::Jet4) : Result<DataPage>(ref.GetStatus());
+    if (!page.IsOk()) {
+        report_.Error(Subject::Maps, "the global map: " + page.GetStatus().Text());
+        return;
+    }
+    if (page->SlotCount() != 2) {
+        report_.Error(Subject::Maps, name + ": the page of the global map has " +
+                                         std::to_string(page->SlotCount()) + " rows, not 2");
+    }
+    CheckPacking(report_, name, ref->Bytes());
+    const std::string global = "the global map";
+    if (const auto map = Open(RowId{kGlobalPage, 0}.Pointer(), global)) {
+        isFree_.resize(pages_.PageCount());
+        ForEachPage(*map, global, [&](PageNo number) {
+            // Bits of pages behind the end are normally set.
+            if (Raw(number) >= isFree_.size()) return false;
+            isFree_[Raw(number)] = true;
+            return true;
+        });
+    }
+    // Nobody knows what the second map is for; it only must be one.
+    const std::string second = "the second global map";
+    if (const auto map = Open(RowId{kGlobalPage, 1}.Pointer(), second)) {
+        ForEachPage(*map, second, [](PageNo) { return false; });
+    }
+}
+
+std::optional<UsageMap> MapCheck::Open(std::uint32_t pointer, const std::string& name) {
+    const RowId id = RowId::FromPointer(pointer);
+    if (!seen_.insert(pointer).second) {
+        report_.Error(Subject::Maps,
+                      name + ": its usage map on " + RowText(id) + " serves something else too");
+        return std::nullopt;
+    }
+    const bool isGlobal = id.page == kGlobalPage;
+    if (!isGlobal && pages_.OwnerOf(id.page) != mapRows_) {
+        if (!pages_.Claim(id.page, mapRows_)) return std::nullopt;
+        Result<PageRef> ref = cache_.Read(id.page);
+        if (ref.IsOk() && DataPage::Open(*ref, Format::Jet4).IsOk()) {
+            CheckPacking(report_, PageText(id.page), ref->Bytes());
+        }
+    }
+    Result<UsageMap> map = UsageMap::Open(cache_, Format::Jet4, pointer);
+    if (map.IsOk()) return std::move(*map);
+    report_.Error(Subject::Maps, name + ": " + map.GetStatus().Text());
+    return std::nullopt;
+}
+
+Bytes MapCheck::OpenBitmap(PageNo page, const std::string& name, PageRef& ref) {
+    Result<PageRef> read = cache_.Read(page);
+    if (!read.IsOk()) {
+        report_.Error(Subject::Maps, name + ": " + read.GetStatus().Text());
+        return {};
+    }
+    ref = std::move(*read);
+    if (LoadU8(ref.Bytes(), 0) != kBitmapPageType) {
+        report_.Error(Subject::Maps, name + ": " + PageText(page) + " of its usage map is " +
+                                         TypeText(LoadU8(ref.Bytes(), 0)) + ", no bitmap");
+        return {};
+    }
+    return ref.Bytes().subspan(kBitmapHeader);
+}
+
+void MapCheck::ForEachPage(const UsageMap& map, const std::string& name,
+                           const std::function<bool(PageNo)>& each) {
+    const Bytes row = map.Stored();
+    if (LoadU8(row, 0) == kInline) {
+        ForEachBit(row.subspan(5), LoadU32(row, 1), each);
+        return;
+    }
+    bool goesOn = true;
+    for (std::size_t i = 0; 5 + 4 * i <= row.size(); ++i) {
+        const PageNo number{LoadU32(row, 1 + 4 * i)};
+        if (Raw(number) == 0 || !pages_.Claim(number, bitmaps_)) continue;
+        PageRef ref;
+        const Bytes bits = OpenBitmap(number, name, ref);
+        goesOn = goesOn && ForEachBit(bits, i * kBitmapPages, each);
+    }
+}
+
+void MapCheck::ClaimPages(std::uint32_t pointer, OwnerId owner) {
+    const std::optional<UsageMap> map = Open(pointer, pages_.NameOf(owner));
+    if (!map) return;
+    // One page behind the end is reported; the bits behind it say the same.
+    ForEachPage(*map, pages_.NameOf(owner), [&](PageNo page) {
+        pages_.Claim(page, owner);
+        return Raw(page) < pages_.PageCount();
+    });
+}
+
+void MapCheck::CheckFreeSpace(std::uint32_t pointer, OwnerId owner) {
+    const std::string& name = pages_.NameOf(owner);
+    const std::optional<UsageMap> map = Open(pointer, name);
+    if (!map) return;
+    ForEachPage(*map, name, [&](PageNo page) {
+        if (pages_.OwnerOf(page) != owner) {
+            report_.Error(Subject::Maps, name + ": its map of pages with room names " +
+                                             PageText(page) + ", which is none of its pages");
+        }
+        return Raw(page) < pages_.PageCount();
+    });
+}
+
+void MapCheck::CheckFreePage(PageNo page) {
+    Result<PageRef> ref = cache_.ReadOnce(page);
+    if (!ref.IsOk()) {
+        report_.Error(Subject::Pages, ref.GetStatus().Text());
+        return;
+    }
+    const std::uint8_t type = LoadU8(ref->Bytes(), 0);
+    if (type == 0 || type == 8 || type == 9) return;
+    report_.Warn(Subject::Pages, PageText(page) + ": is free and still has type " +
+                                     std::to_string(type) + " (" + TypeText(type) + ")");
+}
+
+void MapCheck::CheckAccounting() {
+    if (isFree_.empty()) return;
+    std::uint32_t lost = 0;  // pages in a row in front of `page` that are neither owned nor free
+    for (std::uint32_t page = 0; page < isFree_.size() && !report_.IsStopped(); ++page) {
+        const OwnerId owner = pages_.OwnerOf(PageNo{page});
+        if (owner == OwnerId::Nobody && !isFree_[page]) {
+            ++lost;
+            continue;
+        }
+        ReportLost(page, std::exchange(lost, 0));
+        if (!isFree_[page]) continue;
+        if (owner == OwnerId::Nobody) {
+            CheckFreePage(PageNo{page});
+        } else {
+            report_.Error(Subject::Pages, PageText(PageNo{page}) + ": belongs to " +
+                                              pages_.NameOf(owner) +
+                                              " and is free at the same time");
+        }
+    }
+    ReportLost(pages_.PageCount(), lost);
+}
+
+void MapCheck::ReportLost(std::uint32_t end, std::uint32_t count) {
+    if (count == 0) return;
+    const std::string pages =
+        count == 1 ? PageText(PageNo{end - 1})
+                   : "pages " + std::to_string(end - count) + " to " + std::to_string(end - 1);
+    report_.Warn(Subject::Pages, pages + ": neither free nor in use by anything");
+}
+
+}  // namespace jet::check

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <unordered_set>
+#include <vector>
+
+#include "jet/detail/check/PageLedger.h"
+#include "jet/detail/PageCache.h"
+#include "jet/detail/UsageMap.h"
+
+namespace jet::check {
+
+/// Checks usage maps and enters the pages that they name into the ledger. Borrows its arguments.
+class MapCheck {
+public:
+    MapCheck(PageCache& cache, Reporter& report, PageLedger& pages);
+
+    /// The page of the global maps and its two rows.
+    void CheckGlobalPage();
+
+    /// Claims for `owner` all pages of the map behind a row pointer.
+    void ClaimPages(std::uint32_t pointer, OwnerId owner);
+    /// Checks that the map names no page but those of `owner`, whose pages have been claimed.
+    void CheckFreeSpace(std::uint32_t pointer, OwnerId owner);
+
+    /// When all owners have claimed their pages: holds them against the global map of free pages.
+    void CheckAccounting();
+
+private:
+    [[nodiscard]] std::optional<UsageMap> Open(std::uint32_t pointer, const std::string& name);
+    /// Calls `each` for the pages of a map in ascending order until it returns false. Pages behind
+    /// the end of the file come too.
+    void ForEachPage(const UsageMap& map, const std::string& name,
+                     const std::function<bool(PageNo)>& each);
+    [[nodiscard]] Bytes OpenBitmap(PageNo page, const std::string& name, PageRef& ref);
+    void CheckFreePage(PageNo page);
+    /// The `count` pages in front of `end`.
+    void ReportLost(std::uint32_t end, std::uint32_t count);
+
+    PageCache& cache_;
+    Reporter& report_;
+    PageLedger& pages_;
+    OwnerId globalPage_;
+    OwnerId mapRows_;
+    OwnerId bitmaps_;
+    std::unordered_set<std::uint32_t> seen_;  // row pointers of maps
+    std::vector<bool> isFree_;                // by page; empty when the global map is unreadable
+};
+
+}  // namespace jet::check
