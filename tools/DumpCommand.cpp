@@ -16,7 +16,7 @@ void WriteValue(const jet::Table& table, const jet::Row& row, std::size_t column
     jet::Status status = row.Read(column, value);
     if (!status.IsOk()) {
         writer.PutDamaged(column);
-        messages.Report(status.In(table.Name()));
+        messages.Report(status.In(jet::TableText(table.Name())));
         return;
     }
     const auto* longValue = std::get_if<jet::LongValue>(&value);
@@ -31,7 +31,7 @@ void WriteValue(const jet::Table& table, const jet::Row& row, std::size_t column
         jet::LongValueReader bytes = table.OpenLongValue(*longValue);
         status = writer.PutOle(column, bytes);
     }
-    if (!status.IsOk()) messages.Report(status.In(table.Name()));
+    if (!status.IsOk()) messages.Report(status);
 }
 
 /// Writes all rows, or as many as the output takes.

@@ -24,7 +24,12 @@ constexpr const char* kHelp =
     "  -V, --version              show the version\n"
     "\n"
     "Exit status: 0 done, 1 failed (messages on standard error), 2 wrong usage.\n"
-    "What can be read of a damaged file is written; the messages name the damaged places.\n";
+    "What can be read of a damaged file is written. A value that cannot be read stands there as\n"
+    "Null, or as far as it could be read; the messages name the place, and the status is 1.\n";
+
+ExitStatus Show(const char* text, std::FILE* out) {
+    return std::fputs(text, out) >= 0 && std::fflush(out) == 0 ? kSuccess : kFailure;
+}
 
 ExitStatus WrongUsage(const std::string& what, std::FILE* err) {
     std::fprintf(err, "kvs: %s\nTry 'kvs --help'.\n", what.c_str());
@@ -68,14 +73,8 @@ ExitStatus Run(int argc, char** argv, std::FILE* out, std::FILE* err) {
     opterr = 0;
     int found = 0;
     while ((found = getopt_long(argc, argv, "hV", kOptions.data(), nullptr)) != -1) {
-        if (found == 'h') {
-            std::fputs(kHelp, out);
-            return kSuccess;
-        }
-        if (found == 'V') {
-            std::fputs("kvs " KV_VERSION "\n", out);
-            return kSuccess;
-        }
+        if (found == 'h') return Show(kHelp, out);
+        if (found == 'V') return Show("kvs " KV_VERSION "\n", out);
         if (found == '?')
             return WrongUsage(
                 std::string("unknown or incomplete option '") + argv[optind - 1] + "'", err);

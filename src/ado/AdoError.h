@@ -11,7 +11,6 @@ namespace ado {
 namespace ErrorNumber {
 inline constexpr std::int32_t kInvalidArgument = 3001;
 inline constexpr std::int32_t kNoCurrentRecord = 3021;
-inline constexpr std::int32_t kIllegalOperation = 3219;
 inline constexpr std::int32_t kFeatureNotAvailable = 3251;
 inline constexpr std::int32_t kItemNotFound = 3265;
 inline constexpr std::int32_t kTypeMismatch = 3421;
@@ -19,13 +18,11 @@ inline constexpr std::int32_t kObjectClosed = 3704;
 inline constexpr std::int32_t kObjectOpen = 3705;
 inline constexpr std::int32_t kProviderNotFound = 3706;
 inline constexpr std::int32_t kUnspecified = -2147467259;       // 0x80004005
-inline constexpr std::int32_t kOutOfMemory = -2147024882;       // 0x8007000E
 inline constexpr std::int32_t kParameterMissing = -2147217904;  // 0x80040E10
 inline constexpr std::int32_t kSyntax = -2147217900;            // 0x80040E14
 inline constexpr std::int32_t kRowNotLocated = -2147217864;     // 0x80040E38
 inline constexpr std::int32_t kTableNotFound = -2147217865;     // 0x80040E37
 inline constexpr std::int32_t kNotAuthorised = -2147217843;     // 0x80040E4D
-inline constexpr std::int32_t kPermission = -2147217911;        // 0x80040E09
 }  // namespace ErrorNumber
 
 /// What every operation of this library throws. `Description` is an English sentence that names

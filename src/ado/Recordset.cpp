@@ -231,6 +231,7 @@ void Recordset::SetFilter(std::string_view criteria) {
         filter = ParseCriteria(criteria);
         rep.rows.Bind(*filter);
     }
+    rep.list.Clear();  // it uses the filter that goes now
     rep.filter = std::move(filter);
     rep.filterText = criteria;
     rep.Restart();

@@ -11,10 +11,15 @@
 
 namespace jet {
 
-/// Tells whether a file is still as it was: equal stamps mean that nobody has changed it.
+/// Tells whether a file is still as it was: equal stamps that are settled mean that nobody has
+/// changed it.
 struct FileStamp {
     std::uint64_t size = 0;  // bytes
     std::int64_t modifiedNanoseconds = 0;
+    std::int64_t changedNanoseconds = 0;  // of its data or anything about it
+    /// False when the file was changed so short a time ago that a further change might leave the
+    /// same stamp.
+    bool isSettled = true;
     [[nodiscard]] bool operator==(const FileStamp&) const = default;
 };
 
@@ -27,10 +32,16 @@ public:
     [[nodiscard]] virtual Result<std::size_t> Read(std::uint64_t offset,
                                                    std::span<std::byte> into) const = 0;
     [[nodiscard]] virtual Result<FileStamp> Stamp() const = 0;
+
+    // A file that was opened for reading refuses these.
+    /// Writes all of `bytes`, or fails and may have written a part.
+    virtual Status Write(std::uint64_t offset, std::span<const std::byte> bytes);
+    /// Makes everything written so far durable.
+    virtual Status Sync();
+    virtual Status Resize(std::uint64_t size);
 };
 
-/// A regular file of the operating system, opened for reading. Refuses a directory, a device and
-/// a file that is not there or not readable, and changes nothing in any case.
+/// SystemDisk().Open() for reading.
 [[nodiscard]] Result<std::unique_ptr<File>> OpenFile(const std::string& path);
 
 /// A file that lives in memory.

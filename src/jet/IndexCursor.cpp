@@ -17,17 +17,23 @@ Result<IndexPage> IndexCursor::Open(PageNo page) {
 }
 
 Result<IndexCursor> IndexCursor::Seek(PageCache& cache, PageNo table, PageNo root,
-                                      std::string from) {
-    IndexCursor cursor(cache, table);
-    PageNo number = root;
+                                      const std::string& from) {
+    IndexCursor cursor(cache, table, root);
+    JET_TRY(cursor.Descend(from));
+    return cursor;
+}
+
+Status IndexCursor::Descend(const std::string& from) {
+    generation_ = cache_->Generation();
+    PageNo number = root_;
     for (int depth = 0; depth < kMaxDepth; ++depth) {
-        Result<IndexPage> page = cursor.Open(number);
+        Result<IndexPage> page = Open(number);
         if (!page.IsOk()) return page.GetStatus();
         const std::size_t position = page->LowerBound(from);
         if (page->IsLeaf()) {
-            cursor.leaf_ = std::move(*page);
-            cursor.at_ = position;
-            return cursor;
+            leaf_ = std::move(*page);
+            at_ = position;
+            return {};
         }
         if (position < page->Count()) {
             number = page->Child(position);
@@ -39,36 +45,54 @@ Result<IndexCursor> IndexCursor::Seek(PageCache& cache, PageNo table, PageNo roo
             return Status::Corrupt("index " + PageText(number) + " leads nowhere");
         }
     }
-    return Status::Corrupt("the index below " + PageText(root) + " runs in a circle");
+    return Status::Corrupt("the index below " + PageText(root_) + " runs in a circle");
 }
 
 Result<bool> IndexCursor::Next() {
     Result<bool> stepped = Step();
-    if (!stepped.IsOk() || !*stepped) leaf_.reset();
-    return stepped;
+    if (stepped.IsOk() && *stepped) return true;
+    leaf_.reset();
+    if (!stepped.IsOk()) return stepped.GetStatus().In(name_);
+    return false;
+}
+
+Status IndexCursor::GoToNextLeaf() {
+    const PageNo next = leaf_->Next();
+    JET_TRY(cache_->Revalidate());
+    // When another program has changed the file, the leaves may hang together in another way.
+    if (generation_ != cache_->Generation()) return Descend(entry_ + std::string(1, '\0'));
+    if (Raw(next) == 0) {
+        leaf_.reset();
+        return {};
+    }
+    Result<IndexPage> page = Open(next);
+    if (!page.IsOk()) return page.GetStatus();
+    if (!page->IsLeaf()) return Status::Corrupt("index " + PageText(next) + " is not a leaf");
+    leaf_ = std::move(*page);
+    at_ = 0;
+    return {};
 }
 
 Result<bool> IndexCursor::Step() {
-    while (leaf_ && at_ >= leaf_->Count()) {
-        const PageNo next = leaf_->Next();
-        if (Raw(next) == 0) return false;
-        if (++leaves_ > cache_->PageCount()) {
-            return Status::Corrupt("the leaves behind index " + PageText(next) +
+    // Empty leaves are rare; more of them in a row than the file has pages are a circle.
+    for (std::uint32_t hops = 0; leaf_ && at_ >= leaf_->Count(); ++hops) {
+        if (hops > cache_->PageCount()) {
+            return Status::Corrupt("the leaves at index " + PageText(leaf_->Number()) +
                                    " run in a circle");
         }
-        Result<IndexPage> page = Open(next);
-        if (!page.IsOk()) return page.GetStatus();
-        if (!page->IsLeaf()) {
-            return Status::Corrupt("index " + PageText(next) + " is not a leaf");
-        }
-        leaf_ = std::move(*page);
-        at_ = 0;
+        JET_TRY(GoToNextLeaf());
     }
     if (!leaf_) return false;
-    key_ = leaf_->Entry(at_++);
-    const Bytes bytes = std::as_bytes(std::span(key_));
+    std::string entry = leaf_->Entry(at_++);
+    // Entries only ever ascend, so that leaves which run in a circle are noticed at once.
+    if (!entry_.empty() && entry <= entry_) {
+        return Status::Corrupt("the entries of index " + PageText(leaf_->Number()) +
+                               " are out of order");
+    }
+    entry_ = std::move(entry);
+    const Bytes bytes = std::as_bytes(std::span(entry_));
     row_ = {PageNo{LoadU24BigEndian(bytes, bytes.size() - 4)}, LoadU8(bytes, bytes.size() - 1)};
-    key_.resize(key_.size() - 4);
+    key_.assign(entry_, 0, entry_.size() - 4);
     return true;
 }
 

@@ -16,7 +16,9 @@ class IndexCursor {
 public:
     /// Stands in front of the first entry that is not below `from`.
     [[nodiscard]] static Result<IndexCursor> Seek(PageCache& cache, PageNo table, PageNo root,
-                                                  std::string from);
+                                                  const std::string& from);
+    /// What stands in front of its messages.
+    void SetName(std::string name) { name_ = std::move(name); }
 
     /// Steps to the next entry; false at the end.
     [[nodiscard]] Result<bool> Next();
@@ -29,15 +31,21 @@ public:
     }
 
 private:
-    IndexCursor(PageCache& cache, PageNo table) : cache_(&cache), table_(table) {}
+    IndexCursor(PageCache& cache, PageNo table, PageNo root)
+        : cache_(&cache), table_(table), root_(root) {}
     [[nodiscard]] Result<IndexPage> Open(PageNo page);
     [[nodiscard]] Result<bool> Step();
+    Status Descend(const std::string& from);
+    Status GoToNextLeaf();
 
     PageCache* cache_;
     PageNo table_;
+    PageNo root_;
+    std::string name_;
+    std::uint64_t generation_ = 0;   // of the page cache when leaf_ was read
     std::optional<IndexPage> leaf_;  // empty at the end
     std::size_t at_ = 0;             // the next entry of leaf_
-    std::uint32_t leaves_ = 0;       // visited so far
+    std::string entry_;              // the current one whole: key, page and row
     std::string key_;
     RowId row_;
 };

@@ -1,14 +1,25 @@
 #include "jet/LongValueReader.h"
 
 #include <algorithm>
+#include <bit>
 #include <utility>
 
 #include "jet/detail/Bytes.h"
 
 namespace jet {
 
-LongValueReader::LongValueReader(PageCache& cache, Format format, const LongValue& value)
-    : cache_(cache), format_(format), value_(value), left_(value.length), next_(value.first) {}
+LongValueReader::LongValueReader(PageCache& cache, Format format, const LongValue& value,
+                                 std::string name)
+    : cache_(cache),
+      format_(format),
+      value_(value),
+      left_(value.length),
+      next_(value.first),
+      name_(std::move(name)) {}
+
+Status LongValueReader::Damage(const std::string& what) const {
+    return Status::Corrupt("the long value on " + RowText(value_.first) + " " + what);
+}
 
 Result<Bytes> LongValueReader::NextRow(RowId id, std::size_t atLeast) {
     const std::string name = "long value on " + RowText(id);
@@ -28,6 +39,13 @@ Result<Bytes> LongValueReader::NextRow(RowId id, std::size_t atLeast) {
 }
 
 Result<Bytes> LongValueReader::Next() {
+    Result<Bytes> piece = NextPiece();
+    if (piece.IsOk()) return piece;
+    left_ = 0;
+    return name_.empty() ? piece : piece.GetStatus().In(name_);
+}
+
+Result<Bytes> LongValueReader::NextPiece() {
     if (left_ == 0) return Bytes{};
     switch (value_.kind) {
         case LongValue::Kind::Inline:
@@ -41,16 +59,19 @@ Result<Bytes> LongValueReader::Next() {
         case LongValue::Kind::Chain:
             break;
     }
-    if (next_ == RowId{}) {
-        return Status::Corrupt("a long value ends " + std::to_string(left_) + " bytes too early");
+    // Every piece lies on a page of its own.
+    if (std::uint64_t{value_.length} > std::uint64_t{cache_.PageCount()} * cache_.PageSize()) {
+        return Damage("states more bytes than the file has");
     }
-    // Every piece lies on a page of its own, so more pieces than pages are a loop.
-    if (++pieces_ > cache_.PageCount()) return Status::Corrupt("a long value runs in a circle");
+    if (next_ == RowId{}) return Damage("ends " + std::to_string(left_) + " bytes too early");
+    if (next_ == mark_) return Damage("runs in a circle");
+    // The mark moves on at every power of two, so that any circle is found after two rounds.
+    ++pieces_;
+    if (std::has_single_bit(pieces_)) mark_ = next_;
     Bytes row;
     JET_ASSIGN(row, NextRow(next_, 5));
     if (pieces_ == 1 && page_.Stamp() != value_.stamp) {
-        return Status::Corrupt("long value on " + RowText(next_) +
-                               ": another value has taken its place");
+        return Damage("has made room for another");
     }
     next_ = RowId::FromPointer(LoadU32(row, 0));
     const Bytes piece = row.subspan(4, std::min(row.size() - 4, left_));

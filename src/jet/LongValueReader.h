@@ -11,20 +11,26 @@ namespace jet {
 /// memory. Made by Table::OpenLongValue; the table must outlive it.
 class LongValueReader {
 public:
-    LongValueReader(PageCache& cache, Format format, const LongValue& value);
+    /// `name`, when it is not empty, stands in front of its messages.
+    LongValueReader(PageCache& cache, Format format, const LongValue& value,
+                    std::string name = {});
 
     /// The next piece; empty at the end. Valid until the next call.
     [[nodiscard]] Result<Bytes> Next();
 
 private:
+    [[nodiscard]] Result<Bytes> NextPiece();
     [[nodiscard]] Result<Bytes> NextRow(RowId id, std::size_t atLeast);
+    [[nodiscard]] Status Damage(const std::string& what) const;
 
     PageCache& cache_;
     Format format_;
     LongValue value_;
     std::size_t left_;  // bytes
     RowId next_;
+    std::string name_;
     std::uint32_t pieces_ = 0;
+    RowId mark_;     // a piece to be met again when the chain runs in a circle
     DataPage page_;  // keeps the piece alive
 };
 

@@ -18,6 +18,11 @@ enum class StatusCode {
     Permission,   // the operating system refused
     BadArgument,  // the caller asked for something that makes no sense
     Unsupported,  // a valid file or value that this engine does not handle
+    Full,         // the file or the disk takes no more
+    Conflict,     // another program has changed or deleted the row meanwhile
+    Duplicate,    // a unique index holds the key already
+    Required,     // a value must not be Null
+    TooLong,      // a value or a row is too large
 };
 
 /// Outcome of an operation. The text (UTF-8) names the page, the row and the cause; the layers
@@ -42,7 +47,7 @@ public:
     [[nodiscard]] std::string Text() const { return failure_ ? failure_->text : std::string(); }
 
     /// The same failure with `where` and a colon in front of its text.
-    [[nodiscard]] Status In(std::string_view where) const;
+    [[nodiscard]] Status In(std::string_view where) const;  // a success stays one
 
     static Status Corrupt(std::string text) { return {StatusCode::Corrupt, std::move(text)}; }
     static Status BadArgument(std::string text) {
@@ -74,6 +79,9 @@ public:
     [[nodiscard]] bool IsOk() const noexcept { return content_.index() == 0; }
     /// REQUIRES: !IsOk().
     [[nodiscard]] const Status& GetStatus() const { return std::get<1>(content_); }
+
+    /// The outcome without the value.
+    [[nodiscard]] Status GetStatusOrOk() const { return IsOk() ? Status() : GetStatus(); }
 
     // REQUIRES: IsOk().
     [[nodiscard]] T& operator*() { return std::get<0>(content_); }

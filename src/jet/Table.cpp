@@ -8,10 +8,6 @@
 namespace jet {
 namespace {
 
-std::string TableText(const std::string& name) {
-    return "table \"" + name + "\"";
-}
-
 /// Makes sure that a page is a data page of the table.
 Result<DataPage> OpenOwned(const FileContext& file, Result<PageRef> ref, PageNo number,
                            PageNo table) {
@@ -22,6 +18,15 @@ Result<DataPage> OpenOwned(const FileContext& file, Result<PageRef> ref, PageNo 
         return Status::Corrupt(PageText(number) + " belongs to another table");
     }
     return page;
+}
+
+/// True when a page that is none of the table's may have been one: it has been freed, and may
+/// serve something else. Otherwise it is damaged.
+bool MayBeGone(const FileContext& file, PageNo number) {
+    constexpr std::uint8_t kGreatestType = 9;
+    if (Raw(number) >= file.cache.PageCount()) return true;
+    const Result<PageRef> ref = file.cache.Read(number);
+    return ref.IsOk() && LoadU8(ref->Bytes(), 0) <= kGreatestType;
 }
 
 /// The bytes of the row that a moved slot points to; `page` becomes the page that holds them.
@@ -42,6 +47,10 @@ Result<Bytes> FollowMove(const FileContext& file, PageNo table, const Slot& slot
 
 }  // namespace
 
+std::string TableText(const std::string& name) {
+    return "table \"" + name + "\"";
+}
+
 Result<Value> Row::Get(std::size_t column) const {
     Value value;
     JET_TRY(Read(column, value));
@@ -49,6 +58,9 @@ Result<Value> Row::Get(std::size_t column) const {
 }
 
 Status Row::Read(std::size_t column, Value& value) const {
+    if (column >= def_->columns.size()) {
+        return Status::BadArgument("there is no column number " + std::to_string(column));
+    }
     const Column& def = def_->columns[column];
     const bool bit = view_.HasBit(def);
     if (def.type == ColumnType::Boolean) {
@@ -66,9 +78,12 @@ Status Row::Read(std::size_t column, Value& value) const {
 }
 
 Result<bool> RowCursor::NextPage() {
+    JET_TRY(Reopen());
     Result<std::optional<PageNo>> next = pages_.Next(nextPage_);
     if (!next.IsOk()) {
-        atEnd_ = true;
+        const std::optional<PageNo> behind = pages_.BehindDamage();
+        atEnd_ = !behind;
+        if (behind) nextPage_ = *behind;
         return next.GetStatus();
     }
     if (!*next) {
@@ -81,6 +96,18 @@ Result<bool> RowCursor::NextPage() {
     JET_ASSIGN(page_, OpenOwned(*file_, file_->cache.ReadOnce(**next), **next, row_.def_->page));
     nextSlot_ = 0;
     return true;
+}
+
+/// Reads the table's map again when another program has changed the file.
+Status RowCursor::Reopen() {
+    atEnd_ = true;  // unless it succeeds
+    JET_TRY(file_->cache.Revalidate());
+    if (generation_ != file_->cache.Generation()) {
+        JET_ASSIGN(pages_, UsageMap::Open(file_->cache, file_->format, row_.def_->ownedMap));
+        generation_ = file_->cache.Generation();
+    }
+    atEnd_ = false;
+    return {};
 }
 
 Result<bool> RowCursor::Next() {
@@ -128,6 +155,10 @@ Status Table::Refresh() {
     if (def_ && generation_ == file_.cache.Generation()) return {};
     Result<TableDef> def = ReadTableDef(file_.cache, file_.format, file_.codePage, page_);
     if (!def.IsOk()) return Named(def.GetStatus());
+    if (def_ && !SameStructure(*def_, *def)) {
+        return Named(Status(StatusCode::Conflict,
+                            "another program has changed its columns or indexes; open it again"));
+    }
     def_ = std::make_shared<const TableDef>(std::move(*def));
     generation_ = file_.cache.Generation();
     return {};
@@ -143,9 +174,7 @@ Result<Row> Table::Fetch(RowId id) {
     row.def_ = def_;
     row.codePage_ = file_.codePage;
     Result<DataPage> page = OpenOwned(file_, file_.cache.Read(id.page), id.page, page_);
-    if (!page.IsOk()) {
-        return page.GetStatus().Code() == StatusCode::Io ? Named(page.GetStatus()) : gone();
-    }
+    if (!page.IsOk()) return MayBeGone(file_, id.page) ? gone() : Named(page.GetStatus());
     row.page_ = *page;
     if (id.row >= page->SlotCount()) return gone();
     Result<Slot> slot = page->At(id.row);
@@ -167,9 +196,6 @@ Result<RowCursor> Table::Scan() {
     cursor.tableName_ = name_;
     cursor.row_.def_ = def_;
     cursor.row_.codePage_ = file_.codePage;
-    Result<UsageMap> pages = UsageMap::Open(file_.cache, file_.format, def_->ownedMap);
-    if (!pages.IsOk()) return Named(pages.GetStatus());
-    cursor.pages_ = std::move(*pages);
     return cursor;
 }
 
@@ -184,7 +210,10 @@ bool Table::CanSeek(std::size_t realIndex) const {
 }
 
 Result<std::string> Table::MakeKey(std::size_t realIndex, std::span<const Value> values) const {
-    const RealIndex& index = def_->realIndexes.at(realIndex);
+    if (realIndex >= def_->realIndexes.size()) {
+        return Named(Status::BadArgument("it has no index " + std::to_string(realIndex)));
+    }
+    const RealIndex& index = def_->realIndexes[realIndex];
     std::string key;
     for (std::size_t i = 0; i < values.size() && i < index.columns.size(); ++i) {
         const Column& column = def_->columns[index.columns[i].column];
@@ -196,20 +225,20 @@ Result<std::string> Table::MakeKey(std::size_t realIndex, std::span<const Value>
     return key;
 }
 
-Result<IndexCursor> Table::Seek(std::size_t realIndex, std::string from) {
+Result<IndexCursor> Table::Seek(std::size_t realIndex, const std::string& from) {
     JET_TRY(Refresh());
     if (!CanSeek(realIndex)) {
         return Named(Status::Unsupported("its index " + std::to_string(realIndex) +
                                          " cannot be used for look-ups"));
     }
     Result<IndexCursor> cursor =
-        IndexCursor::Seek(file_.cache, page_, def_->realIndexes[realIndex].root, std::move(from));
+        IndexCursor::Seek(file_.cache, page_, def_->realIndexes[realIndex].root, from);
     if (!cursor.IsOk()) return Named(cursor.GetStatus());
     return cursor;
 }
 
 LongValueReader Table::OpenLongValue(const LongValue& value) const {
-    return {file_.cache, file_.format, value};
+    return {file_.cache, file_.format, value, TableText(name_)};
 }
 
 MemoReader Table::OpenMemo(const LongValue& value) const {
@@ -221,7 +250,7 @@ Result<std::u16string> Table::ReadMemo(const LongValue& value) const {
     std::u16string text;
     for (;;) {
         Result<std::u16string_view> piece = reader.Next();
-        if (!piece.IsOk()) return Named(piece.GetStatus());
+        if (!piece.IsOk()) return piece.GetStatus();
         if (piece->empty()) return text;
         text += *piece;
     }
@@ -232,7 +261,7 @@ Result<Binary> Table::ReadBinary(const LongValue& value) const {
     Binary bytes;
     for (;;) {
         Result<Bytes> piece = reader.Next();
-        if (!piece.IsOk()) return Named(piece.GetStatus());
+        if (!piece.IsOk()) return piece.GetStatus();
         if (piece->empty()) return bytes;
         bytes.insert(bytes.end(), piece->begin(), piece->end());
     }

@@ -16,6 +16,9 @@
 
 namespace jet {
 
+/// How messages name a table.
+[[nodiscard]] std::string TableText(const std::string& name);
+
 /// One row as it was when it was read. Keeps its page and its table's definition alive; whatever
 /// happens to the file or the table later, it does not change.
 class Row {
@@ -27,7 +30,8 @@ public:
     /// The value of a column by its position in TableDef::columns. Memo and OLE values come as
     /// LongValue. Corrupt when the value does not fit the row.
     [[nodiscard]] Result<Value> Get(std::size_t column) const;
-    /// The same into `value`, whose memory is used again: for loops over many rows.
+    /// The same into `value`, whose memory is used again: for loops over many rows. BadArgument
+    /// when there is no such column.
     Status Read(std::size_t column, Value& value) const;
 
 private:
@@ -59,10 +63,12 @@ public:
 private:
     friend class Table;
     [[nodiscard]] Result<bool> NextPage();
+    Status Reopen();
 
     const FileContext* file_ = nullptr;
     std::string tableName_;
     UsageMap pages_;
+    std::uint64_t generation_ = 0;  // of the page cache when pages_ was read; 0: not yet
     PageNo nextPage_{};
     DataPage page_;
     int nextSlot_ = 0;
@@ -81,8 +87,8 @@ public:
     /// As of the last Refresh().
     [[nodiscard]] const TableDef& Definition() const { return *def_; }
 
-    /// Reads the definition again when another program has changed the file. Every operation
-    /// below does this first.
+    /// Reads the definition again when another program has changed the file. Fetch, Scan and Seek
+    /// do this first. Conflict when columns or indexes are no longer what they were.
     Status Refresh();
 
     /// NotFound when there is no row at this address (any more).
@@ -97,8 +103,10 @@ public:
                                               std::span<const Value> values) const;
     /// Stands in front of the first entry that is not below `from` (key bytes; empty = the first
     /// entry). REQUIRES: CanSeek(realIndex).
-    [[nodiscard]] Result<IndexCursor> Seek(std::size_t realIndex, std::string from);
+    [[nodiscard]] Result<IndexCursor> Seek(std::size_t realIndex, const std::string& from);
 
+    // A long value's place is only good as long as nobody changes its row: fetch the row again
+    // before reading a value from it after a while.
     [[nodiscard]] LongValueReader OpenLongValue(const LongValue& value) const;
     [[nodiscard]] MemoReader OpenMemo(const LongValue& value) const;
     /// The whole text of a memo.

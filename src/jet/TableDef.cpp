@@ -35,6 +35,16 @@ bool SameName(std::string_view a, std::string_view b) {
     return keyA == keyB;
 }
 
+bool SameStructure(const TableDef& a, const TableDef& b) {
+    const auto sameIndex = [](const RealIndex& x, const RealIndex& y) {
+        return x.columns == y.columns && x.root == y.root && x.flags == y.flags;
+    };
+    return a.columns == b.columns && a.highestColumnCount == b.highestColumnCount &&
+           a.variableColumnCount == b.variableColumnCount &&
+           std::equal(a.realIndexes.begin(), a.realIndexes.end(), b.realIndexes.begin(),
+                      b.realIndexes.end(), sameIndex);
+}
+
 std::optional<std::size_t> TableDef::FindColumn(std::string_view name) const {
     for (std::size_t i = 0; i < columns.size(); ++i) {
         if (SameName(columns[i].name, name)) return i;

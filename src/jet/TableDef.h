@@ -28,6 +28,8 @@ struct Column {
     std::uint32_t freeMap = 0;
 
     // The storage class follows from the flag alone, whatever the type.
+    [[nodiscard]] bool operator==(const Column&) const = default;
+
     [[nodiscard]] bool IsFixed() const { return (flags & 0x01) != 0; }
     [[nodiscard]] bool IsAutoNumber() const { return (flags & 0x44) != 0; }
     [[nodiscard]] bool MayCompress() const { return (extraFlags & 0x01) != 0; }
@@ -43,6 +45,7 @@ struct Column {
 struct IndexColumn {
     std::size_t column = 0;  // position in TableDef::columns
     bool ascending = true;
+    [[nodiscard]] bool operator==(const IndexColumn&) const = default;
 };
 
 /// A B-tree. One or more logical indexes may share it.
@@ -89,6 +92,10 @@ struct TableDef {
     /// Position in realIndexes; empty when the table has no primary key.
     [[nodiscard]] std::optional<std::size_t> PrimaryKey() const;
 };
+
+/// True when two definitions have the same columns and indexes in the same places, so that
+/// positions found in one hold in the other. Counters may differ.
+[[nodiscard]] bool SameStructure(const TableDef& a, const TableDef& b);
 
 /// True when two names of tables or columns mean the same to the file.
 [[nodiscard]] bool SameName(std::string_view a, std::string_view b);

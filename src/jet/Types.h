@@ -58,7 +58,7 @@ inline constexpr std::size_t kMaxPageSize = kPageSizeJet4;
     return format == Format::Jet3 ? kPageSizeJet3 : kPageSizeJet4;
 }
 
-/// Pages of the system catalog and of the global map, the same in every file.
+/// Definition of the system catalog, on the same page in every file.
 inline constexpr PageNo kCatalogPage{2};
 
 }  // namespace jet

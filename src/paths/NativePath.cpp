@@ -28,6 +28,12 @@ fs::path SpelledAsStored(const fs::path& folder, const fs::path& name) {
     return found.empty() ? name : found;
 }
 
+/// Stations that write such paths ignore blanks and dots at the end of a name.
+std::string WithoutTrail(const std::string& name) {
+    const std::size_t last = name.find_last_not_of(" .");
+    return last == std::string::npos ? name : name.substr(0, last + 1);
+}
+
 }  // namespace
 
 std::string ToNative(std::string_view path) {
@@ -51,7 +57,7 @@ std::string ToNative(std::string_view path) {
         if (part == "/") {
             if (native.empty()) native = "/";
         } else if (!part.empty()) {
-            native /= SpelledAsStored(native, part);
+            native /= SpelledAsStored(native, WithoutTrail(part.string()));
         }
     }
     return native.string();

@@ -13,7 +13,8 @@ namespace paths {
 /// A path without a backslash and without a drive letter is native already. Otherwise backslashes
 /// become slashes, and a drive letter becomes what the environment variable KV_DRIVE_<letter>
 /// names, or the root when it is not set. A part that does not exist as it is written but exists
-/// once in other capitals is taken in those capitals, as the station that wrote it would.
+/// once in other capitals is taken in those capitals, and blanks and dots at the end of a part do
+/// not count, as on the station that wrote it.
 [[nodiscard]] std::string ToNative(std::string_view path);
 
 /// The form with backslashes of a native path. A backslash inside a native name cannot be

@@ -48,7 +48,7 @@ TEST_F(ConnectionTest, OpensByNativeAndByProjectPath) {
     otherCase.replace(otherCase.find("Plant"), 5, "PLANT");
     ::setenv("KV_DRIVE_P", folder_.c_str(), 1);
     const std::string onDrive = "P:\\Anlage;Nord\\Plant.kvs";
-    for (const std::string& path : {native, project, otherCase, onDrive}) {
+    for (const std::string& path : {native, project, otherCase, onDrive, onDrive + " "}) {
         SCOPED_TRACE(path);
         connection_.Open(ConnectionString(path), "", "", -1);
         EXPECT_EQ(connection_.State(), ObjectState::Open);

@@ -46,6 +46,8 @@ TEST_F(CriteriaTest, SelectsRowsAsTheCallersWriteThem) {
         {"TchrArchives", "ID = 99999999999", {}},
         {"TalmClasses", "Since > #2001-01-01# AND ID = 1", {u"1"}},
         {"TalmClasses", "Since < #1/1/2001# AND ID = 1", {}},
+        {"TchrArchives", "'nan' = ID", {}},
+        {"TchrArchives", "TchrArchives.ID = 4", {u"4"}},
         {"TidxGroups", "Delete = True AND Type = -2", {}},
         {"TidxGroups", "Delete = 0 AND ID < 3", {u"1", u"2"}},
     };
@@ -71,6 +73,7 @@ TEST_F(CriteriaTest, RefusesWhatItCannotRead) {
         {"Name = 'open", ErrorNumber::kSyntax},
         {"ID = 5)", ErrorNumber::kSyntax},
         {"ID ! 5", ErrorNumber::kSyntax},
+        {"ID IN (1)", ErrorNumber::kSyntax},
         {"Since = #2001-13-01#", ErrorNumber::kSyntax},
         {"Nothing = 5", ErrorNumber::kItemNotFound},
         {std::string(100'000, '('), ErrorNumber::kSyntax},

@@ -1,3 +1,7 @@
+#include <unistd.h>
+
+#include <filesystem>
+#include <functional>
 #include <random>
 
 #include "Harvest.h"
@@ -62,6 +66,75 @@ TEST(DamageTest, AFileThatEndsTooEarlyStaysReadableUpToThere) {
     EXPECT_GT(harvest.rows, 0U);
     EXPECT_LT(harvest.rows, allRows);
     EXPECT_FALSE(harvest.damage.empty());
+}
+
+std::size_t OffsetOf(RowId row, const std::vector<std::byte>& bytes) {
+    const std::size_t page = Raw(row.page) * kPageSizeJet4;
+    return page + (LoadU16(bytes, page + 14 + 2 * std::size_t{row.row}) & 0x1FFF);
+}
+
+// Page numbers behind the greatest one must not come round to the first.
+TEST(DamageTest, AMapThatBeginsNearTheLastNumberEnds) {
+    std::vector<std::byte> bytes = ReadWhole(Example("Brauerei.kvs"));
+    std::uint32_t pointer = 0;
+    {
+        auto whole = OpenBytes(bytes);
+        pointer = Must(whole->OpenTable("TchrTrends"))->Definition().ownedMap;
+    }
+    const std::uint32_t start = 0xFFFFFFF8;
+    const std::size_t row = OffsetOf(RowId::FromPointer(pointer), bytes);
+    std::memcpy(bytes.data() + row + 1, &start, sizeof start);
+    auto damaged = OpenBytes(bytes);
+    auto table = Must(damaged->OpenTable("TchrTrends"));
+    RowCursor cursor = Must(table->Scan());
+    EXPECT_EQ(StatusOf(cursor.Next()).Code(), StatusCode::Corrupt);
+    EXPECT_FALSE(Must(cursor.Next()));
+}
+
+// Row numbers are bytes: a page with more slots would give two rows the same address.
+TEST(DamageTest, APageWithTooManySlotsIsRefused) {
+    std::vector<std::byte> bytes = ReadWhole(Example("Brauerei.kvs"));
+    auto whole = OpenBytes(bytes);
+    const PageNo page = PagesOf(*whole, "TchrTrends")[1];
+    const std::uint16_t slots = 300;
+    std::memcpy(bytes.data() + Raw(page) * kPageSizeJet4 + 12, &slots, sizeof slots);
+    auto damaged = OpenBytes(bytes);
+    EXPECT_THAT(ReadEverything(*damaged).damage.at(0).Text(), testing::HasSubstr("300 rows"));
+}
+
+TEST(DamageTest, AFileThatIsReplacedWhileItIsOpenIsNoticed) {
+    namespace fs = std::filesystem;
+    std::string folder = (fs::temp_directory_path() / "kv-jet-XXXXXX").string();
+    ASSERT_NE(::mkdtemp(folder.data()), nullptr);
+    const std::string path = folder + "/project.kvs";
+    struct Case {
+        const char* how;
+        std::function<void()> replace;
+    };
+    const Case cases[] = {
+        {"renamed over",
+         [&] {
+             fs::copy_file(TestData("Leer.kvs"), folder + "/new.kvs");
+             fs::rename(folder + "/new.kvs", path);
+         }},
+        {"removed", [&] { fs::remove(path); }},
+        {"overwritten",
+         [&] {
+             std::ofstream(path, std::ios::binary)
+                 << std::ifstream(TestData("overflowTestV2000.mdb"), std::ios::binary).rdbuf();
+         }},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.how);
+        fs::copy_file(Example("Brauerei.kvs"), path, fs::copy_options::overwrite_existing);
+        auto database = Must(Database::Open(path));
+        auto table = Must(database->OpenTable("TchrArchives"));
+        const RowId row = AllRows(*table).front().Id();
+        c.replace();
+        EXPECT_EQ(StatusOf(table->Fetch(row)).Code(), StatusCode::Conflict);
+        EXPECT_EQ(StatusOf(database->OpenTable("TchrArchives")).Code(), StatusCode::Conflict);
+    }
+    fs::remove_all(folder);
 }
 
 // Whatever stands in the file, reading ends, stays inside its memory and says what is wrong.

@@ -81,7 +81,7 @@ TEST(LongValueTest, EndsAChainThatRunsInACircle) {
     const std::size_t row = page + (LoadU16(bytes, slot) & 0x1FFF);
     const std::uint32_t self = chain.first.Pointer();
     std::memcpy(bytes.data() + row, &self, sizeof self);
-    chain.length = 0x3FFFFFFF;
+    chain.length = 300'000;
     auto database = OpenBytes(bytes);
     auto table = Must(database->OpenTable("TalmClasses"));
     const Status status = StatusOf(table->ReadBinary(chain));

@@ -23,7 +23,9 @@ public:
                     into.begin());
         return into.size();
     }
-    Result<FileStamp> Stamp() const override { return FileStamp{content_.size(), changes_}; }
+    Result<FileStamp> Stamp() const override {
+        return FileStamp{content_.size(), changes_, changes_, true};
+    }
 
     mutable int reads = 0;
 
@@ -40,6 +42,7 @@ TEST(PageCacheTest, KeepsThePagesUsedLastWithinItsSize) {
     CountingFile file(10);
     PageCache cache(file, 3 * kPageSizeJet4);
     ASSERT_OK(cache.Revalidate());
+    file.reads = 0;
     for (const std::uint32_t page : {1U, 2U, 3U, 1U, 4U, 1U, 3U}) {
         EXPECT_EQ(MarkOf(cache, page), static_cast<int>(page));
     }

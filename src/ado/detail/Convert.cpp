@@ -55,7 +55,10 @@ std::optional<double> ParseNumber(std::u16string_view text) {
     double number = 0;
     const char* end = digits.data() + digits.size();
     const auto parsed = std::from_chars(digits.data() + begin, end, number);
-    if (parsed.ec != std::errc() || parsed.ptr != end) return std::nullopt;
+    // "nan" and "inf" are texts, not numbers.
+    if (parsed.ec != std::errc() || parsed.ptr != end || !std::isfinite(number)) {
+        return std::nullopt;
+    }
     return number;
 }
 
@@ -143,13 +146,13 @@ std::optional<jet::Value> ToStored(const jet::Column& column, const Value& value
             if (!number || static_cast<double>(static_cast<float>(*number)) != *number) {
                 return std::nullopt;
             }
-            return jet::Value(static_cast<float>(*number));
+            return jet::Value(static_cast<float>(*number) + 0.0F);
         case jet::ColumnType::Double:
             if (!number) return std::nullopt;
-            return jet::Value(*number);
+            return jet::Value(*number + 0.0);  // never -0, whose key is another
         case jet::ColumnType::DateTime:
             if (!number) return std::nullopt;
-            return jet::Value(jet::Date{*number});
+            return jet::Value(jet::Date{*number + 0.0});
         case jet::ColumnType::Text:
         case jet::ColumnType::Memo:
             return Exactly<std::u16string>(value);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <optional>
 #include <utility>
 
@@ -88,7 +89,7 @@ private:
         for (const auto& [symbol, op] : kOperators) {
             if (lexer_.TakeSymbol(symbol)) return op;
         }
-        lexer_.ExpectKeyword("LIKE");
+        if (!lexer_.TakeKeyword("LIKE")) lexer_.Fail("a missing operator");
         return Operator::Like;
     }
 
@@ -172,6 +173,12 @@ int CompareTexts(std::u16string_view a, std::u16string_view b) {
 template <typename T>
 int Order(const T& a, const T& b) {
     return a < b ? -1 : b < a ? 1 : 0;
+}
+
+/// What is no number comes before all numbers and equals itself, so that there is an order.
+int OrderOfNumbers(double a, double b) {
+    if (std::isnan(a) || std::isnan(b)) return Order(!std::isnan(a), !std::isnan(b));
+    return Order(a, b);
 }
 
 /// True, false, or nothing when Null takes part.
@@ -273,7 +280,7 @@ int CompareValues(const Value& a, const Value& b) {
     if (textA == nullptr || textB == nullptr) {
         const std::optional<double> numberA = AsNumber(a);
         const std::optional<double> numberB = AsNumber(b);
-        if (numberA && numberB) return Order(*numberA, *numberB);
+        if (numberA && numberB) return OrderOfNumbers(*numberA, *numberB);
         if (a.index() == b.index()) {
             if (const auto* bytes = std::get_if<Binary>(&a)) {
                 return Order(*bytes, std::get<Binary>(b));

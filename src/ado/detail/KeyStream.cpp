@@ -1,6 +1,8 @@
 #include "ado/detail/KeyStream.h"
 
+#include <algorithm>
 #include <unordered_map>
+#include <utility>
 
 #include "ado/detail/Convert.h"
 #include "ado/detail/ProviderError.h"
@@ -43,23 +45,49 @@ private:
     std::optional<jet::RowCursor> cursor_;
 };
 
-/// The rows whose entries in an index start with a key, in the index's order.
+/// The rows whose entries in an index start with a key, in the index's order. When the index turns
+/// out to be damaged, all other rows of the table follow as they are stored: an index is a way to
+/// the rows, and none must be lost because it is broken. The conditions are checked again anyway.
 class IndexStream final : public TableStream {
 public:
     IndexStream(jet::Table& table, const std::string& file, std::size_t index, std::string prefix)
         : TableStream(table, file), index_(index), prefix_(std::move(prefix)) {}
 
     bool Next(RowKey& key) override {
-        if (!cursor_) cursor_ = Check(table_.Seek(index_, prefix_), file_);
-        if (!Check(cursor_->Next(), file_) || !cursor_->KeyStartsWith(prefix_)) return false;
+        if (scan_) return NextOther(key);
+        if (!cursor_) {
+            auto cursor = table_.Seek(index_, prefix_);
+            if (!cursor.IsOk()) return GiveUp(cursor.GetStatus(), key);
+            cursor_ = std::move(*cursor);
+        }
+        const auto found = cursor_->Next();
+        if (!found.IsOk()) return GiveUp(found.GetStatus(), key);
+        if (!*found || !cursor_->KeyStartsWith(prefix_)) return false;
         key = KeyOf(cursor_->Row());
+        given_.push_back(key);
         return true;
     }
 
 private:
+    bool GiveUp(const jet::Status& status, RowKey& key) {
+        if (status.Code() != jet::StatusCode::Corrupt) ThrowStatus(status, file_);
+        std::sort(given_.begin(), given_.end());
+        scan_.emplace(table_, file_);
+        return NextOther(key);
+    }
+
+    bool NextOther(RowKey& key) {
+        while (scan_->Next(key)) {
+            if (!std::binary_search(given_.begin(), given_.end(), key)) return true;
+        }
+        return false;
+    }
+
     std::size_t index_;
     std::string prefix_;
     std::optional<jet::IndexCursor> cursor_;
+    std::vector<RowKey> given_;       // rows handed out so far
+    std::optional<ScanStream> scan_;  // the index is damaged
 };
 
 /// A column that must equal a value.
@@ -182,13 +210,18 @@ public:
 
     [[nodiscard]] bool HasIndex() const { return index_.has_value(); }
 
+    /// Reads what has to be read before the first look-up.
+    void Prepare() {
+        if (!index_) Hash();
+    }
+
     /// A superset of the rows whose column equals `value`.
     std::vector<jet::RowId> Find(const Value& value) {
         std::vector<jet::RowId> found;
         if (IsNull(value)) return found;
         const auto stored = ToStored(table_.Definition().columns[column_], value);
         if (!index_ || !stored) {
-            if (!hashed_) Hash();
+            Hash();
             const auto [begin, end] = rows_.equal_range(HashKey(value));
             for (auto i = begin; i != end; ++i) found.push_back(i->second);
             return found;
@@ -202,20 +235,35 @@ public:
 private:
     /// Equal for all values that compare as equal.
     static std::string HashKey(const Value& value) {
-        if (const auto number = AsNumber(value)) return std::to_string(*number);
+        if (const auto number = AsNumber(value)) return std::to_string(*number + 0.0);
         std::string key;
         jet::AppendTextKey(ToText(value), true, key);
         return key;
     }
 
+    /// Reads the whole table once. Rows that cannot be read are left out; the first time, the
+    /// failure is thrown when all others are there.
     void Hash() {
-        hashed_ = true;
+        if (std::exchange(hashed_, true)) return;
         jet::RowCursor cursor = Check(table_.Scan(), file_);
-        while (Check(cursor.Next(), file_)) {
-            const jet::Value stored = Check(cursor.Current().Get(column_), file_);
-            const Value value = Check(FromStored(table_, stored), file_);
-            if (!IsNull(value)) rows_.emplace(HashKey(value), cursor.Current().Id());
+        jet::Status damage;
+        for (;;) {
+            const auto found = cursor.Next();
+            if (found.IsOk() && !*found) break;
+            jet::Status status = found.GetStatusOrOk();
+            if (status.IsOk()) status = Add(cursor.Current());
+            if (!status.IsOk() && damage.IsOk()) damage = std::move(status);
         }
+        Check(damage, file_);
+    }
+
+    jet::Status Add(const jet::Row& row) {
+        const auto stored = row.Get(column_);
+        if (!stored.IsOk()) return stored.GetStatus();
+        const auto value = FromStored(table_, *stored);
+        if (!value.IsOk()) return value.GetStatus();
+        if (!IsNull(*value)) rows_.emplace(HashKey(*value), row.Id());
+        return {};
     }
 
     jet::Table& table_;
@@ -236,6 +284,8 @@ public:
           inner_(rows.Table(1 - on.outer), rows.File(), on.innerColumn) {}
 
     bool Next(RowKey& key) override {
+        // Before the first outer row is taken: a failure here must not cost that row.
+        inner_.Prepare();
         while (next_ >= found_.size()) {
             RowKey outer = 0;
             if (!outer_->Next(outer)) return false;

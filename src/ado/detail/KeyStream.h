@@ -8,7 +8,8 @@
 namespace ado {
 
 /// Hands out the rows of a row set one by one. Everything is read when it is asked for; a failure
-/// concerns one row, and the next call goes on behind it.
+/// concerns one row or one page of rows, and the next call goes on behind it. A damaged index is
+/// no failure: the rows are then found without it.
 class KeyStream {
 public:
     virtual ~KeyStream() = default;

@@ -5,9 +5,14 @@
 #include <tuple>
 
 namespace ado {
+namespace {
+
+constexpr std::size_t kSortedUnits = 255;  // UTF-16 units
+
+}  // namespace
 
 void RowList::Restart(const Expression* filter, std::vector<SortColumn> sort) {
-    keys_.clear();
+    Clear();
     sort_ = std::move(sort);
     stream_ = OpenStream(rows_, filter);
 }
@@ -30,11 +35,24 @@ std::size_t RowList::Count() {
     return keys_.size();
 }
 
+void RowList::Clear() {
+    stream_.reset();
+    keys_.clear();
+    lastFound_ = 0;
+}
+
 std::optional<std::size_t> RowList::Find(RowKey key) {
-    for (std::size_t i = 0; Has(i); ++i) {
-        if (keys_[i] == key) return i;
+    // Who looks for rows mostly looks for them in their order.
+    const auto found = [&](std::size_t i) { return keys_[i] == key; };
+    std::size_t i = lastFound_;
+    while (Has(i) && !found(i)) ++i;
+    if (i >= keys_.size()) {
+        i = 0;
+        while (i < lastFound_ && !found(i)) ++i;
+        if (i >= lastFound_) return std::nullopt;
     }
-    return std::nullopt;
+    lastFound_ = i;
+    return i;
 }
 
 void RowList::Sort() {
@@ -47,6 +65,10 @@ void RowList::Sort() {
         std::vector<Value>& row = values.emplace_back();
         for (const SortColumn& column : sort_) {
             row.push_back(reader.Get(column.origin.table, column.origin.column));
+            if (auto* text = std::get_if<std::u16string>(&row.back())) {
+                // What the text indexes of the file order by; a memo may be very long.
+                if (text->size() > kSortedUnits) text->assign(*text, 0, kSortedUnits);
+            }
         }
     }
     std::vector<std::size_t> order(keys.size());

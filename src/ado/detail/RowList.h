@@ -24,6 +24,9 @@ public:
     /// Starts again: `filter` (borrowed, may be null) and the columns to sort by.
     void Restart(const Expression* filter, std::vector<SortColumn> sort);
 
+    /// Lets go of the filter and forgets all rows.
+    void Clear();
+
     /// True when there is a row at this position, counted from 0.
     [[nodiscard]] bool Has(std::size_t position);
     /// REQUIRES: Has(position).
@@ -40,6 +43,7 @@ private:
     std::unique_ptr<KeyStream> stream_;  // null when everything has been fetched
     std::vector<SortColumn> sort_;
     std::vector<RowKey> keys_;
+    std::size_t lastFound_ = 0;  // position; at most keys_.size()
 };
 
 }  // namespace ado

@@ -45,15 +45,20 @@ RowSet RowSet::OfTable(jet::Database& database, const std::string& file, std::st
 }
 
 std::optional<RowSet::Origin> RowSet::FindColumn(const ColumnRef& ref) const {
+    std::optional<Origin> found;
     for (std::size_t table = 0; table < tables_.size(); ++table) {
         const bool fits =
             ref.qualifier.empty() || jet::SameName(ref.qualifier, tables_[table].alias);
-        if (!fits) continue;
-        if (const auto column = Table(table).Definition().FindColumn(ref.name)) {
-            return Origin{table, *column};
+        const auto column = fits ? Table(table).Definition().FindColumn(ref.name) : std::nullopt;
+        if (!column) continue;
+        if (found) {
+            throw AdoError(ErrorNumber::kSyntax, "The column \"" + ref.name +
+                                                     "\" stands in more than one table of the "
+                                                     "query; write its table in front.");
         }
+        found = Origin{table, *column};
     }
-    return std::nullopt;
+    return found;
 }
 
 RowSet RowSet::OfQuery(jet::Database& database, const std::string& file, std::string_view statement,
@@ -140,6 +145,10 @@ std::size_t RowSet::FieldIndex(std::string_view name) const {
     for (std::size_t i = 0; i < fields_.size(); ++i) {
         if (jet::SameName(fields_[i].name, name)) return i;
     }
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+        const std::string& table = tables_[origins_[i].table].alias;
+        if (jet::SameName(table + "." + fields_[i].baseColumn, name)) return i;
+    }
     throw AdoError(ErrorNumber::kItemNotFound,
                    "There is no column \"" + std::string(name) + "\" in this recordset.");
 }
@@ -171,8 +180,13 @@ bool RowReader::Load(RowKey key) {
 }
 
 Value RowReader::Get(std::size_t table, std::size_t column) const {
-    const jet::Table& source = rows_.Table(table);
-    const jet::Value stored = Check(current_.at(table).Get(column), rows_.File());
+    jet::Table& source = rows_.Table(table);
+    jet::Value stored = Check(current_.at(table).Get(column), rows_.File());
+    if (std::holds_alternative<jet::LongValue>(stored)) {
+        // Its place may have changed since the row was read, and the row with it.
+        const jet::Row now = Check(source.Fetch(current_.at(table).Id()), rows_.File());
+        stored = Check(now.Get(column), rows_.File());
+    }
     return Check(FromStored(source, stored), rows_.File());
 }
 

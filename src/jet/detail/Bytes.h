@@ -37,6 +37,19 @@ template <typename T>
     return __builtin_bswap32(LoadU32(bytes, offset));
 }
 
+using MutableBytes = std::span<std::byte>;
+
+template <typename T>
+inline void Store(MutableBytes bytes, std::size_t offset, T value) {
+    std::memcpy(bytes.data() + offset, &value, sizeof value);
+}
+inline void StoreU16(MutableBytes bytes, std::size_t offset, std::size_t value) {
+    Store(bytes, offset, static_cast<std::uint16_t>(value));
+}
+inline void StoreU32(MutableBytes bytes, std::size_t offset, std::size_t value) {
+    Store(bytes, offset, static_cast<std::uint32_t>(value));
+}
+
 [[nodiscard]] inline std::string PageText(PageNo page) {
     return "page " + std::to_string(Raw(page));
 }

@@ -5,6 +5,8 @@
 namespace jet {
 namespace {
 
+// A row number is a byte. So many slots fit a page of either size.
+constexpr int kMostSlots = 255;
 constexpr std::uint16_t kOffsetMask = 0x1FFF;
 constexpr std::uint16_t kMovedFlag = 0x4000;
 constexpr std::uint16_t kTargetFlag = 0x8000;
@@ -28,7 +30,7 @@ Result<DataPage> DataPage::Open(PageRef page, Format format) {
                                std::to_string(LoadU8(bytes, 0)) + ")");
     }
     view.slotCount_ = LoadU16(bytes, SlotTable(format) - 2);
-    if (SlotTable(format) + 2 * static_cast<std::size_t>(view.slotCount_) > bytes.size()) {
+    if (view.slotCount_ > kMostSlots) {
         return Status::Corrupt(name + " claims " + std::to_string(view.slotCount_) + " rows");
     }
     view.page_ = std::move(page);

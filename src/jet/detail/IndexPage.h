@@ -20,6 +20,7 @@ namespace jet {
 /// most significant byte first.
 class IndexPage {
 public:
+    IndexPage() = default;
     /// Fails when the page is no index page of `table` or its mask is impossible.
     [[nodiscard]] static Result<IndexPage> Open(PageRef page, PageNo table);
 

@@ -1,12 +1,14 @@
 #include "jet/detail/PageCache.h"
 
 #include <algorithm>
+#include <cstring>
+#include <utility>
 
 #include "jet/detail/Bytes.h"
 
 namespace jet {
 
-PageCache::PageCache(const File& file, std::size_t capacity) : file_(file), capacity_(capacity) {}
+PageCache::PageCache(File& file, std::size_t capacity) : file_(file), capacity_(capacity) {}
 
 void PageCache::SetFormat(Format format) {
     pageSize_ = jet::PageSize(format);
@@ -17,9 +19,12 @@ void PageCache::SetFormat(Format format) {
 }
 
 Status PageCache::Revalidate() {
+    // Nobody else may write while this program does.
+    if (inTransaction_) return {};
     FileStamp stamp;
     JET_ASSIGN(stamp, file_.Stamp());
-    if (generation_ != 0 && stamp == stamp_) return {};
+    if (generation_ != 0 && stamp == stamp_ && stamp.isSettled) return {};
+    JET_TRY(CheckIdentity());
     stamp_ = stamp;
     ++generation_;
     pageCount_ =
@@ -29,7 +34,23 @@ Status PageCache::Revalidate() {
     return {};
 }
 
+/// The beginning of a database never changes while it is the same one.
+Status PageCache::CheckIdentity() {
+    std::vector<std::byte> begin(kIdentity);
+    std::size_t count = 0;
+    JET_ASSIGN(count, file_.Read(0, begin));
+    begin.resize(count);
+    if (generation_ != 0 && begin != identity_) {
+        return {StatusCode::Conflict, "another database has taken its place; open it again"};
+    }
+    identity_ = std::move(begin);
+    return {};
+}
+
 std::shared_ptr<const PageRef::Image> PageCache::Cached(PageNo page) {
+    if (const auto changed = changed_.find(Raw(page)); changed != changed_.end()) {
+        return changed->second;
+    }
     const auto found = index_.find(Raw(page));
     if (found == index_.end()) return nullptr;
     entries_.splice(entries_.begin(), entries_, found->second);
@@ -52,13 +73,17 @@ Result<PageRef> PageCache::Read(PageNo page) {
     if (auto cached = Cached(page)) return PageRef(page, std::move(cached), pageSize_);
     auto image = std::make_shared_for_overwrite<PageRef::Image>();
     JET_TRY(ReadInto(page, *image));
+    Remember(page, image);
+    return PageRef(page, std::move(image), pageSize_);
+}
+
+void PageCache::Remember(PageNo page, std::shared_ptr<const PageRef::Image> image) {
     while (!entries_.empty() && (entries_.size() + 1) * pageSize_ > capacity_) {
         index_.erase(Raw(entries_.back().page));
         entries_.pop_back();
     }
-    entries_.push_front({page, image});
+    entries_.push_front({page, std::move(image)});
     index_[Raw(page)] = entries_.begin();
-    return PageRef(page, std::move(image), pageSize_);
 }
 
 Result<PageRef> PageCache::ReadOnce(PageNo page) {
@@ -69,6 +94,86 @@ Result<PageRef> PageCache::ReadOnce(PageNo page) {
     }
     JET_TRY(ReadInto(page, *passing_));
     return PageRef(page, passing_, pageSize_);
+}
+
+void PageCache::Begin() {
+    inTransaction_ = true;
+    BeginStep();
+}
+
+void PageCache::BeginStep() {
+    stepBefore_.clear();
+    stepPageCount_ = pageCount_;
+}
+
+void PageCache::UndoStep() {
+    for (auto& [page, image] : stepBefore_) {
+        if (image != nullptr) {
+            changed_[page] = std::move(image);
+        } else {
+            changed_.erase(page);
+            before_.erase(page);
+        }
+    }
+    pageCount_ = stepPageCount_;
+    stepBefore_.clear();
+}
+
+Result<std::span<std::byte>> PageCache::Edit(PageNo page) {
+    auto changed = changed_.find(Raw(page));
+    if (!stepBefore_.contains(Raw(page))) {
+        // The image that readers, and UndoStep, may still hold stays as it is.
+        auto copy = std::make_shared_for_overwrite<PageRef::Image>();
+        PageRef current;
+        JET_ASSIGN(current, Read(page));
+        std::memcpy(copy->data(), current.Bytes().data(), pageSize_);
+        if (changed == changed_.end()) {
+            stepBefore_.emplace(Raw(page), nullptr);
+            before_.emplace(Raw(page), current.Shared());
+            changed = changed_.emplace(Raw(page), std::move(copy)).first;
+        } else {
+            stepBefore_.emplace(Raw(page), std::exchange(changed->second, std::move(copy)));
+        }
+    } else if (changed->second.use_count() > 1) {
+        changed->second = std::make_shared<PageRef::Image>(*changed->second);
+    }
+    return std::span(changed->second->data(), pageSize_);
+}
+
+Result<PageNo> PageCache::AddPage() {
+    constexpr std::uint64_t kLargestFile = std::uint64_t{2} << 30;  // bytes
+    if ((std::uint64_t{pageCount_} + 1) * pageSize_ > kLargestFile) {
+        return Status(StatusCode::Full, "the file cannot grow beyond 2 GB; compact it");
+    }
+    const PageNo page{pageCount_++};
+    stepBefore_.emplace(Raw(page), nullptr);
+    changed_[Raw(page)] = std::make_shared<PageRef::Image>();
+    return page;
+}
+
+Status PageCache::WriteChanges() {
+    for (const auto& [page, image] : changed_) {
+        JET_TRY(file_.Write(std::uint64_t{page} * pageSize_, {image->data(), pageSize_})
+                    .In(PageText(PageNo{page})));
+    }
+    return file_.Sync();
+}
+
+Status PageCache::End(bool committed) {
+    for (auto& [page, image] : changed_) {
+        if (const auto old = index_.find(page); old != index_.end()) {
+            entries_.erase(old->second);
+            index_.erase(old);
+        }
+        if (committed) Remember(PageNo{page}, std::move(image));
+    }
+    changed_.clear();
+    before_.clear();
+    stepBefore_.clear();
+    inTransaction_ = false;
+    if (!committed) return Revalidate();
+    JET_ASSIGN(stamp_, file_.Stamp());
+    return {};
 }
 
 }  // namespace jet

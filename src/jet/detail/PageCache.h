@@ -2,8 +2,10 @@
 
 #include <array>
 #include <list>
+#include <map>
 #include <memory>
 #include <unordered_map>
+#include <vector>
 
 #include "jet/File.h"
 #include "jet/Status.h"
@@ -23,6 +25,7 @@ public:
     [[nodiscard]] PageNo Number() const { return number_; }
     [[nodiscard]] jet::Bytes Bytes() const { return {image_->data(), size_}; }
     [[nodiscard]] explicit operator bool() const { return image_ != nullptr; }
+    [[nodiscard]] const std::shared_ptr<const Image>& Shared() const { return image_; }
 
 private:
     PageNo number_{};
@@ -30,11 +33,20 @@ private:
     std::shared_ptr<const Image> image_;
 };
 
-/// The pages of one file that were read last, at most `capacity` bytes of them.
+/// The pages of one file that were read last, at most `capacity` bytes of them, and the pages that
+/// a transaction has changed and not yet committed.
+///
+/// A transaction keeps its changed pages in memory until it is committed; the file is not touched
+/// before. Inside it a step can be taken back: from BeginStep() on, so that a change that fails
+/// half way leaves nothing behind in a transaction that goes on.
 class PageCache {
 public:
+    /// What the pages of a transaction were before it, by their numbers. Pages that it has added
+    /// are not among them.
+    using Images = std::map<std::uint32_t, std::shared_ptr<const PageRef::Image>>;
+
     /// `file` is borrowed and must outlive the cache.
-    PageCache(const File& file, std::size_t capacity);
+    PageCache(File& file, std::size_t capacity);
 
     /// Pages are of the size for Jet 4 until the header has told otherwise. Forgets every page.
     void SetFormat(Format format);
@@ -44,16 +56,38 @@ public:
     [[nodiscard]] Result<PageRef> Read(PageNo page);
 
     /// The same for a page that is read in passing, as in a scan: it does not push other pages
-    /// out of the cache.
+    /// out of the cache. Its memory is used again by the next such call unless somebody holds it.
     [[nodiscard]] Result<PageRef> ReadOnce(PageNo page);
 
     /// Asks the file whether another program has changed it since the last call, and forgets all
-    /// pages when it has. Generation() is then a new number.
+    /// pages when it may have. Generation() is then a new number. Conflict when it is another
+    /// file now.
     Status Revalidate();
     [[nodiscard]] std::uint64_t Generation() const { return generation_; }
 
     /// Whole pages in the file at the last Revalidate().
     [[nodiscard]] std::uint32_t PageCount() const { return pageCount_; }
+
+    [[nodiscard]] bool InTransaction() const { return inTransaction_; }
+    /// REQUIRES: !InTransaction().
+    void Begin();
+
+    // REQUIRES for the rest: InTransaction().
+    void BeginStep();
+    void UndoStep();
+    /// The page's bytes to be changed; they stay valid until the next BeginStep or the end of the
+    /// transaction. PageRefs of the page that somebody holds keep the old bytes.
+    [[nodiscard]] Result<std::span<std::byte>> Edit(PageNo page);
+    /// Adds a page of zeros at the end of the file and returns its number.
+    [[nodiscard]] Result<PageNo> AddPage();
+
+    [[nodiscard]] const Images& Before() const { return before_; }
+    /// Bytes of the file before the transaction.
+    [[nodiscard]] std::uint64_t SizeBefore() const { return stamp_.size; }
+    /// Writes the changed pages and syncs the file. When it fails the file may hold some of them.
+    Status WriteChanges();
+    /// Ends the transaction: `committed` keeps the changed pages, otherwise they are dropped.
+    Status End(bool committed);
 
 private:
     struct Entry {
@@ -64,17 +98,29 @@ private:
 
     /// The cached image of a page, null when there is none.
     [[nodiscard]] std::shared_ptr<const PageRef::Image> Cached(PageNo page);
+    Status CheckIdentity();
+    void Remember(PageNo page, std::shared_ptr<const PageRef::Image> image);
     Status ReadInto(PageNo page, PageRef::Image& image) const;
 
-    const File& file_;
+    using Changed = std::map<std::uint32_t, std::shared_ptr<PageRef::Image>>;
+
+    File& file_;
     std::size_t capacity_;  // bytes
     std::size_t pageSize_ = kPageSizeJet4;
     std::uint32_t pageCount_ = 0;
     std::uint64_t generation_ = 0;
     FileStamp stamp_;
+    static constexpr std::size_t kIdentity = 0x98;  // bytes: version, dates, language, password
+    std::vector<std::byte> identity_;
     Entries entries_;  // the last used in front
     std::unordered_map<std::uint32_t, Entries::iterator> index_;
     std::shared_ptr<PageRef::Image> passing_;  // of the last ReadOnce, for the next one
+
+    bool inTransaction_ = false;
+    Changed changed_;
+    Images before_;
+    Changed stepBefore_;  // pages that this step has changed; null: not changed before it
+    std::uint32_t stepPageCount_ = 0;
 };
 
 }  // namespace jet

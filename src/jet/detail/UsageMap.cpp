@@ -37,16 +37,12 @@ Result<UsageMap> UsageMap::Open(PageCache& cache, Format format, std::uint32_t p
     return map;
 }
 
-std::optional<std::uint32_t> UsageMap::NextBit(Bytes bits, std::uint32_t first,
-                                               std::uint32_t from) {
-    std::uint32_t bit = from > first ? from - first : 0;
+std::optional<std::uint64_t> UsageMap::NextBit(Bytes bits, std::uint64_t first,
+                                               std::uint64_t from) {
+    std::uint64_t bit = from > first ? from - first : 0;
     while (bit / 8 < bits.size()) {
         const unsigned rest = LoadU8(bits, bit / 8) >> (bit % 8);
-        if (rest != 0) {
-            const std::uint32_t page =
-                first + bit + static_cast<std::uint32_t>(std::countr_zero(rest));
-            return page;
-        }
+        if (rest != 0) return first + bit + static_cast<std::uint64_t>(std::countr_zero(rest));
         bit = (bit / 8 + 1) * 8;
     }
     return std::nullopt;
@@ -64,26 +60,38 @@ Result<Bytes> UsageMap::BitmapPage(std::uint32_t index) {
     return bitmap_.Bytes().subspan(kBitmapHeader);
 }
 
+std::uint64_t UsageMap::Share() const {
+    return (cache_->PageSize() - kBitmapHeader) * 8;
+}
+
 Result<std::optional<PageNo>> UsageMap::Next(PageNo from) {
     if (row_.empty()) return std::optional<PageNo>();
-    std::optional<std::uint32_t> page;
+    std::optional<std::uint64_t> page;
     if (LoadU8(row_, 0) == kInline) {
         page = NextBit(row_.subspan(5), LoadU32(row_, 1), Raw(from));
     } else {
-        const auto share = static_cast<std::uint32_t>((cache_->PageSize() - kBitmapHeader) * 8);
         const auto shares = static_cast<std::uint32_t>((row_.size() - 1) / 4);
-        for (std::uint32_t i = Raw(from) / share; i < shares && !page; ++i) {
+        for (auto i = static_cast<std::uint32_t>(Raw(from) / Share()); i < shares && !page; ++i) {
+            reading_ = i;
             Bytes bits;
             JET_ASSIGN(bits, BitmapPage(i));
-            page = NextBit(bits, i * share, Raw(from));
+            page = NextBit(bits, i * Share(), Raw(from));
         }
     }
     if (!page) return std::optional<PageNo>();
     if (*page >= cache_->PageCount()) {
-        return Status::Corrupt("the usage map on " + PageText(page_.Number()) + " names " +
-                               PageText(PageNo{*page}) + ", which lies behind the end of the file");
+        return Status::Corrupt("the usage map on " + PageText(page_.Number()) + " names page " +
+                               std::to_string(*page) + ", which lies behind the end of the file");
     }
-    return std::optional(PageNo{*page});
+    return std::optional(PageNo{static_cast<std::uint32_t>(*page)});
+}
+
+std::optional<PageNo> UsageMap::BehindDamage() const {
+    const std::uint64_t next = (std::uint64_t{reading_} + 1) * Share();
+    if (row_.empty() || LoadU8(row_, 0) == kInline || next >= cache_->PageCount()) {
+        return std::nullopt;
+    }
+    return PageNo{static_cast<std::uint32_t>(next)};
 }
 
 }  // namespace jet

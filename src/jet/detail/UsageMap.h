@@ -23,18 +23,25 @@ public:
     /// the file.
     [[nodiscard]] Result<std::optional<PageNo>> Next(PageNo from);
 
+    /// Where to go on after a failure of Next(): the first page that the next bitmap page speaks
+    /// of. Empty when there is none.
+    [[nodiscard]] std::optional<PageNo> BehindDamage() const;
+
     /// The map's row as it is stored, at least five bytes; empty for "no map".
     [[nodiscard]] Bytes Stored() const { return row_; }
 
 private:
-    [[nodiscard]] static std::optional<std::uint32_t> NextBit(Bytes bits, std::uint32_t first,
-                                                              std::uint32_t from);
+    [[nodiscard]] static std::optional<std::uint64_t> NextBit(Bytes bits, std::uint64_t first,
+                                                              std::uint64_t from);
+    /// Pages that one bitmap page speaks of.
+    [[nodiscard]] std::uint64_t Share() const;
     [[nodiscard]] Result<Bytes> BitmapPage(std::uint32_t index);
 
     PageCache* cache_ = nullptr;
     DataPage page_;  // keeps row_ alive
     Bytes row_;
-    PageRef bitmap_;  // reference maps: the bitmap page read last
+    PageRef bitmap_;             // reference maps: the bitmap page read last
+    std::uint32_t reading_ = 0;  // its place among them
 };
 
 }  // namespace jet

@@ -14,7 +14,7 @@ constexpr std::size_t kMostKeyUnits = 255;  // of a text
 
 /// As much of a memo's text as its key depends on.
 Status ReadKeyText(PageCache& cache, const LongValue& value, std::u16string& text) {
-    MemoReader reader(LongValueReader(cache, Format::Jet4, value), nullptr);
+    MemoReader reader(LongValueReader(cache, Format::Jet4, value, "a memo"), nullptr);
     while (text.size() < kMostKeyUnits) {
         Result<std::u16string_view> piece = reader.Next();
         if (!piece.IsOk()) return piece.GetStatus();

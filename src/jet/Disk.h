@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "jet/File.h"
+
+namespace jet {
+
+enum class OpenMode { Read, ReadWrite };
+
+/// The files that a database consists of, by their paths: the database itself and its journal.
+/// Tests put one in place whose power can be cut.
+class Disk {
+public:
+    virtual ~Disk() = default;
+
+    /// Opens an existing regular file. Refuses a folder, a device and a file that is not there or
+    /// not accessible, and changes nothing in any case.
+    [[nodiscard]] virtual Result<std::unique_ptr<File>> Open(const std::string& path,
+                                                             OpenMode mode) = 0;
+    /// Makes a new, empty file; fails when there is one. The name is durable on return.
+    [[nodiscard]] virtual Result<std::unique_ptr<File>> Create(const std::string& path) = 0;
+    /// Removes a file durably; no failure when there is none.
+    [[nodiscard]] virtual Status Remove(const std::string& path) = 0;
+};
+
+/// The files of the operating system.
+[[nodiscard]] Disk& SystemDisk();
+
+}  // namespace jet

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <vector>
+
+#include "jet/detail/Bytes.h"
+#include "jet/detail/PageAllocator.h"
+#include "jet/Status.h"
+
+namespace jet {
+
+/// Changes a usage map of a table, an index or a long-value column; see UsageMap for its layout.
+/// Works inside a transaction of the cache, which is borrowed.
+class UsageMapEditor {
+public:
+    /// `pointer` is the map's row pointer and not 0.
+    UsageMapEditor(PageCache& cache, std::uint32_t pointer) : cache_(cache), pointer_(pointer) {}
+
+    /// Adds a page; no harm when it is in the map already. A map that cannot reach the page moves
+    /// its window, or becomes a list of bitmap pages when the window is too small.
+    Status Add(PageNo page);
+    /// Removes a page; no harm when it is not in the map.
+    Status Remove(PageNo page);
+
+private:
+    [[nodiscard]] Result<MutableBytes> Row();
+    [[nodiscard]] Result<std::vector<PageNo>> Pages();
+    Status AddToReference(PageNo page);
+    Status MoveWindow(PageNo page);
+    Status SetReferenceBit(PageNo page, bool isSet);
+
+    PageCache& cache_;
+    std::uint32_t pointer_;
+};
+
+}  // namespace jet
