@@ -92,6 +92,7 @@ bench: ## Measure: Google Benchmark programs, and kvs dump beside mdb-export
 	@bench/compare_dump.sh '$(PROJECT)' '$(TABLE)'
 
 install: build ## Install under PREFIX
+	@scripts/install-packages.sh run
 	@cmake --install $(BUILD) --prefix '$(PREFIX)'
 
 clean: ## Remove everything that was built

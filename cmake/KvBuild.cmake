@@ -8,9 +8,12 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 # Add-ins are looked for in the folder `addins` beside the studio's program.
 set(KV_ADDIN_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin/addins")
-# Where `cmake --install` puts them; the studio looks there too.
+# Where `cmake --install` puts them. The studio looks there too, by the way from its own program:
+# `cmake --install --prefix` may choose another prefix than the build knew.
 include(GNUInstallDirs)
 set(KV_ADDIN_INSTALL_DIRECTORY "${CMAKE_INSTALL_LIBDIR}/korvala/addins")
+file(RELATIVE_PATH KV_ADDINS_FROM_PROGRAM "${CMAKE_INSTALL_FULL_BINDIR}"
+  "${CMAKE_INSTALL_FULL_LIBDIR}/korvala/addins")
 
 add_library(kv_flags INTERFACE)
 target_compile_options(kv_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow

@@ -44,7 +44,9 @@ int TakeScreenshot(StudioWindow& window, const QString& project, const QString& 
     if (!project.isEmpty()) {
         if (!window.OpenProject(project)) return 1;
         const QString root = window.FirstAddInNode();
-        if (!root.isEmpty()) {
+        if (root.isEmpty()) {
+            std::fputs("kvstudio: no add-in shows anything of the project\n", stderr);
+        } else {
             window.Tree().ExpandAsUser(root);
             WaitUntilPainted(window);
             const auto children = window.Host().ChildKeys(root);

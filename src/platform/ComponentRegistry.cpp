@@ -21,8 +21,9 @@ ComponentRegistry::ComponentRegistry(QStringList folders) : folders_(std::move(f
 QStringList ComponentRegistry::DefaultFolders() {
     QStringList folders =
         qEnvironmentVariable("KV_ADDINS").split(QDir::listSeparator(), Qt::SkipEmptyParts);
-    folders += QCoreApplication::applicationDirPath() + u"/addins"_s;
-    folders += QStringLiteral(KV_ADDIN_INSTALL_FOLDER);
+    const QDir programFolder(QCoreApplication::applicationDirPath());
+    folders += programFolder.filePath(u"addins"_s);
+    folders += QDir::cleanPath(programFolder.filePath(QStringLiteral(KV_ADDINS_FROM_PROGRAM)));
     return folders;
 }
 

@@ -37,7 +37,7 @@ public:
     explicit ComponentRegistry(QStringList folders = DefaultFolders());
 
     /// The folders that the environment variable KV_ADDINS names (separated by ':'), the folder
-    /// `addins` beside the program, and the one that the installation uses, in this order.
+    /// `addins` beside the program, and where an installation has them, in this order.
     [[nodiscard]] static QStringList DefaultFolders();
 
     /// Looks through the folders again.
