@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QFontDatabase>
 #include <QLocale>
 #include <QStyleFactory>
 #include <QTemporaryDir>
@@ -9,10 +8,11 @@
 // The start of every test program that needs Qt: the same style, font and locale everywhere, and
 // nothing of the user's own settings.
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     const QTemporaryDir home;
     qputenv("XDG_CONFIG_HOME", home.path().toUtf8());
     qputenv("XDG_DATA_HOME", home.path().toUtf8());
+    qputenv("XDG_STATE_HOME", home.filePath(QStringLiteral("state")).toUtf8());
     qputenv("KV_REGISTRY", home.filePath(QStringLiteral("machine.reg")).toUtf8());
     qunsetenv("KV_ADDINS");
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
