@@ -82,6 +82,9 @@ TEST(CommandTest, TellsSuccessFailureAndWrongUsageApart) {
         {{"dump", "a", "b", "--format=xml"}, kUsage, "'xml'"},
         {{"dump", "a", "b", "--format"}, kUsage, "--format"},
         {{"tables", "--nonsense"}, kUsage, "--nonsense"},
+        {{"check"}, kUsage, "FILE"},
+        {{"check", "a", "--format=csv"}, kUsage, "--format"},
+        {{"check", std::string(KV_TEST_DATA) + "/test2V1997.mdb"}, kFailure, "only Jet 4"},
         {{"tables", "/nonexistent/x.kvs"}, kFailure, "/nonexistent/x.kvs"},
         {{"tables", KV_EXAMPLES}, kFailure, "folder"},
         {{"dump", kBrewery, "Nothing"}, kFailure, "\"Nothing\""},
@@ -123,6 +126,25 @@ TEST(CommandTest, WritesWhatADamagedFileStillHolds) {
                                             HasSubstr("page")));
     EXPECT_LT(damaged.out.size(), whole.out.size());
     EXPECT_GT(damaged.out.size(), whole.out.size() / 2);
+}
+
+TEST(CommandTest, ChecksAFile) {
+    const Outcome whole = RunTool({"check", kBrewery});
+    EXPECT_EQ(whole.status, kSuccess);
+    EXPECT_EQ(whole.out + whole.err, "");
+    const Outcome untidy = RunTool({"check", std::string(KV_TEST_DATA) + "/bigIndexTestV2000.mdb"});
+    EXPECT_EQ(untidy.status, kSuccess);
+    EXPECT_THAT(untidy.out, StartsWith("warning: page 26: "));
+
+    std::string name = std::filesystem::temp_directory_path() / "kvs-check-XXXXXX";
+    ::close(::mkstemp(name.data()));
+    std::filesystem::copy_file(kBrewery, name, std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::resize_file(name, std::filesystem::file_size(name) + 1);
+    const Outcome damaged = RunTool({"check", name});
+    std::filesystem::remove(name);
+    EXPECT_EQ(damaged.status, kFailure);
+    EXPECT_THAT(damaged.out, StartsWith("error: the file's size of "));
+    EXPECT_EQ(damaged.err, "");
 }
 
 TEST(CommandTest, ReportsAnOutputThatTakesNoMore) {
