@@ -112,8 +112,9 @@ void Connect::FirstUse() {
     platform::SetScreenPointer(Pointer::Hourglass);
     // The hourglass stays: the project is not open yet, and the next click tries again.
     if (!ConnectToDataBase(project_.projectPath)) return;
+    projectdb::RowFailures unreadable;
     try {
-        OpenEditor();
+        OpenEditor(unreadable);
     } catch (...) {
         projectdb::ShowFailure(u"Connect: FirstUse"_s);
         RemoveArchiveNodes();
@@ -125,6 +126,10 @@ void Connect::FirstUse() {
     platform::SetScreenPointer(Pointer::Default);
     host_->ExpandNode(kRootKey);
     host_->SelectNode(kRootKey);
+    if (unreadable.Count() == 0) return;
+    // Last of all: what can be read is there already, and the box has its own event loop.
+    platform::ShowMessage(unreadable.Text(texts_.GetText(MResourceTable::kTextMoreFailures)),
+                          platform::MessageButtons::Ok, u"Connect: FirstUse"_s);
 }
 
 bool Connect::ConnectToDataBase(const QString& databasePath) {
@@ -132,7 +137,7 @@ bool Connect::ConnectToDataBase(const QString& databasePath) {
                  [&] { project_.Environment().OpenConnection(databasePath); });
 }
 
-void Connect::OpenEditor() {
+void Connect::OpenEditor(projectdb::RowFailures& unreadable) {
     ADOArchiv& environment = project_.Environment();
     environment.Open(Command::Archives);
     environment.Open(Command::tabTrends, kNoArchive);
@@ -140,21 +145,24 @@ void Connect::OpenEditor() {
     // Queued: the window must have left its own event when it is deleted.
     connect(editor_, &frmtabGrid::ActualizeRequested, this, &Connect::ActualizeConnection,
             Qt::QueuedConnection);
-    FillArchiveNodes();
+    FillArchiveNodes(unreadable);
     editor_->SetUpColumns();
     editor_->MenuSwitcher(kRootKey, false);
     editor_->MakeMyCaption(kRootKey, {});
     editor_->show();
 }
 
-void Connect::FillArchiveNodes() {
+void Connect::FillArchiveNodes(projectdb::RowFailures& unreadable) {
     ado::Recordset& archives = project_.Environment().Recordset(Command::Archives);
-    if (archives.IsBOF() && archives.IsEOF()) return;
     const std::size_t id = archives.FieldIndex("ID");
     const std::size_t name = archives.FieldIndex("Name");
-    for (archives.MoveFirst(); !archives.IsEOF(); archives.MoveNext()) {
-        host_->AddNode(kRootKey, projectdb::ToQString(ado::ToText(archives.Get(name))),
-                       projectdb::ArchiveNodeKey(ado::ToLong(archives.Get(id))), {}, kIconKey, {});
+    projectdb::RowWalk walk(archives, unreadable);
+    for (bool found = walk.First(); found; found = walk.Next()) {
+        walk.Read([&] {
+            const QString text = projectdb::ToQString(ado::ToText(archives.Get(name)));
+            const QString key = projectdb::ArchiveNodeKey(ado::ToLong(archives.Get(id)));
+            host_->AddNode(kRootKey, text, key, {}, kIconKey, {});
+        });
     }
 }
 

@@ -11,6 +11,7 @@
 #include "platform/HelpFile.h"
 #include "platform/Registry.h"
 #include "projectdb/ProjectContext.h"
+#include "projectdb/RowWalk.h"
 
 /// The class that the host creates, and all it knows of the add-in: receives the host's events,
 /// keeps the archives' branch in the host's tree, opens the project at first use and leads tree
@@ -18,8 +19,9 @@
 ///
 /// Created (root node in the tree) -> opened (database open, editor there, archive nodes filled)
 /// -> terminated; ActualizeConnection goes back to created and at once to opened again. A failed
-/// first use leaves it created, and the next click or expansion tries again. Without a project it
-/// stays passive. After Terminate it can be initialised again.
+/// first use leaves it created, and the next click or expansion tries again; archives that cannot
+/// be read are left out of an opened project, after a message. Without a project it stays passive.
+/// After Terminate it can be initialised again; Initialize terminates what is still there.
 ///
 /// No event lets an exception out.
 class Connect : public QObject, public KV4AddIn::CKV4Extensibility, public IAddIn {
@@ -64,8 +66,8 @@ private:
     void FindHelpFile();
     void FirstUse();
     [[nodiscard]] bool ConnectToDataBase(const QString& databasePath);
-    void OpenEditor();
-    void FillArchiveNodes();
+    void OpenEditor(projectdb::RowFailures& unreadable);
+    void FillArchiveNodes(projectdb::RowFailures& unreadable);
     void RemoveArchiveNodes();
     void OpenNode(const KV4AddIn::Node& node);
     void OpenArchiveNode(const QString& nodeKey);

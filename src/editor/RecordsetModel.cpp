@@ -37,7 +37,7 @@ void RecordsetModel::Bind(ado::Recordset& recordset, std::vector<Column> columns
     }
     idField_ = recordset.FieldIndex("ID");
     columns_ = std::move(columns);
-    complete_ = recordset.IsBOF() && recordset.IsEOF();
+    complete_ = false;  // whether there are rows shows when they are read
     recordset_ = &recordset;
 }
 
@@ -46,6 +46,8 @@ void RecordsetModel::Detach() {
     beginResetModel();
     recordset_ = nullptr;
     rows_.clear();
+    lastRead_.reset();
+    missing_ = {};
     complete_ = true;
     endResetModel();
 }
@@ -100,32 +102,32 @@ bool RecordsetModel::canFetchMore(const QModelIndex& parent) const {
 
 void RecordsetModel::fetchMore(const QModelIndex& parent) {
     if (!canFetchMore(parent)) return;
+    const bool missingBefore = missing_.Count() > 0;
     std::vector<Row> portion;
     // The view calls this while it scrolls: nothing may be thrown into it.
-    if (!projectdb::Guard(u"frmtabGrid"_s, [&] { portion = ReadPortion(); })) complete_ = true;
-    if (portion.empty()) return;
-    const int first = rowCount();
-    beginInsertRows({}, first, first + static_cast<int>(portion.size()) - 1);
-    rows_.insert(rows_.end(), std::make_move_iterator(portion.begin()),
-                 std::make_move_iterator(portion.end()));
-    endInsertRows();
+    projectdb::Guard(u"frmtabGrid"_s, [&] { ReadPortion(portion); });
+    if (!portion.empty()) {
+        const int first = rowCount();
+        beginInsertRows({}, first, first + static_cast<int>(portion.size()) - 1);
+        rows_.insert(rows_.end(), std::make_move_iterator(portion.begin()),
+                     std::make_move_iterator(portion.end()));
+        endInsertRows();
+    }
+    if (!missingBefore && missing_.Count() > 0) emit RowsMissing();
 }
 
-std::vector<RecordsetModel::Row> RecordsetModel::ReadPortion() {
-    if (rows_.empty()) {
-        recordset_->MoveFirst();
-    } else {
-        recordset_->SetBookmark(lastRead_);
-        recordset_->MoveNext();
-    }
-    std::vector<Row> portion;
-    while (portion.size() < kPortion && !recordset_->IsEOF()) {
+void RecordsetModel::ReadPortion(std::vector<Row>& portion) {
+    complete_ = true;  // and stays so when something is thrown
+    if (lastRead_) recordset_->SetBookmark(*lastRead_);
+    projectdb::RowWalk walk(*recordset_, missing_);
+    for (bool found = lastRead_ ? walk.Next() : walk.First(); found; found = walk.Next()) {
+        if (portion.size() == kPortion) {
+            complete_ = false;
+            return;
+        }
         lastRead_ = recordset_->GetBookmark();
-        portion.push_back(ReadRow());
-        recordset_->MoveNext();
+        walk.Read([&] { portion.push_back(ReadRow()); });
     }
-    complete_ = recordset_->IsEOF();
-    return portion;
 }
 
 RecordsetModel::Row RecordsetModel::ReadRow() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <QAbstractTableModel>
 #include <QLocale>
 #include <QString>
@@ -9,13 +10,13 @@
 
 #include "ado/Recordset.h"
 #include "languages/MResources.h"
+#include "projectdb/RowWalk.h"
 
 /// Read-only model over the rows of a recordset, for a table view.
 ///
 /// Rows are read in portions as the view scrolls to them and kept as texts, so that painting asks
 /// the database nothing. Reading moves the recordset's current row. The recordset is borrowed from
-/// Attach to Detach and must stay open all the while. A failure while reading on is shown once and
-/// ends the rows there.
+/// Attach to Detach and must stay open all the while. Rows that cannot be read are left out.
 class RecordsetModel final : public QAbstractTableModel {
     Q_OBJECT
 public:
@@ -35,6 +36,8 @@ public:
     /// The row whose column ID holds `id`, reading on as far as needed; -1 when there is none.
     [[nodiscard]] int RowOf(std::int32_t id);
     [[nodiscard]] std::int32_t IdAt(int row) const;
+    /// What could not be read so far.
+    [[nodiscard]] const projectdb::RowFailures& Missing() const noexcept { return missing_; }
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
@@ -44,6 +47,10 @@ public:
     [[nodiscard]] bool canFetchMore(const QModelIndex& parent) const override;
     void fetchMore(const QModelIndex& parent) override;
 
+signals:
+    /// The first rows that cannot be read have been met.
+    void RowsMissing();
+
 private:
     struct Row {
         std::int32_t id = 0;
@@ -51,7 +58,7 @@ private:
     };
 
     void Bind(ado::Recordset& recordset, std::vector<Column> columns);
-    [[nodiscard]] std::vector<Row> ReadPortion();
+    void ReadPortion(std::vector<Row>& portion);
     [[nodiscard]] Row ReadRow() const;
 
     const MResources::TextTable& texts_;
@@ -61,7 +68,8 @@ private:
     std::vector<bool> rightAligned_;
     std::size_t idField_ = 0;
     std::vector<Row> rows_;
-    ado::Bookmark lastRead_;
+    std::optional<ado::Bookmark> lastRead_;  // empty: nothing has been read yet
+    projectdb::RowFailures missing_;
     bool complete_ = true;
     QLocale locale_;
 };

@@ -14,6 +14,7 @@
 #include "editor/GridColumns.h"
 #include "editor/RecordsetModel.h"
 #include "languages/MResourceTable.h"
+#include "platform/MessageBox.h"
 #include "projectdb/Guard.h"
 #include "projectdb/NodeKey.h"
 
@@ -97,6 +98,9 @@ void frmtabGrid::BuildGrid() {
     grid_->setChildrenCollapsible(false);
     archives_ = new RecordsetModel(texts_, this);
     trends_ = new RecordsetModel(texts_, this);
+    // Queued: a view may be reading in the middle of its layout.
+    connect(trends_, &RecordsetModel::RowsMissing, this, &frmtabGrid::ShowMissingTrends,
+            Qt::QueuedConnection);
     const std::array<RecordsetModel*, 2> models = {archives_, trends_};
     for (std::size_t i = 0; i < splits_.size(); ++i) {
         auto* view = new QTableView(grid_);
@@ -196,8 +200,9 @@ void frmtabGrid::ReleaseTrends() {
 void frmtabGrid::TrendsReloaded() {
     ado::Recordset& trends = project_.Environment().Recordset(ADOArchiv::Command::tabTrends);
     trends_->Attach(trends, GridColumns::OfTrends(trends, texts_));
-    if (trendWidthsSet_ || !trends_->canFetchMore({})) return;
+    if (trendWidthsSet_) return;
     trends_->fetchMore({});
+    if (trends_->rowCount() == 0) return;
     splits_[1]->resizeColumnsToContents();
     for (int i = 0; i < trends_->columnCount(); ++i) {
         if (splits_[1]->columnWidth(i) > kMaximumColumnWidth) {
@@ -205,6 +210,16 @@ void frmtabGrid::TrendsReloaded() {
         }
     }
     trendWidthsSet_ = true;
+}
+
+// Of missing archives the add-in tells, which reads them first.
+void frmtabGrid::ShowMissingTrends() {
+    projectdb::Guard(u"frmtabGrid"_s, [&] {
+        const QString text =
+            trends_->Missing().Text(texts_.GetText(MResourceTable::kTextMoreFailures));
+        if (text.isEmpty()) return;  // another archive has been opened meanwhile
+        platform::ShowMessage(text, platform::MessageButtons::Ok, u"frmtabGrid"_s);
+    });
 }
 
 // Nothing uses the lists of names yet.

@@ -66,6 +66,7 @@ signals:
 
 private slots:
     void ArchiveRowChanged(const QModelIndex& current);
+    void ShowMissingTrends();
 
 private:
     void BuildMenus();

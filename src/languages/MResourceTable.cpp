@@ -75,6 +75,7 @@ constexpr Entry kAll[] = {
 
     {1001, u"Die Hilfedatei '<file>' (Thema <topic>) kann nicht angezeigt werden.",
      u"The help file '<file>' (topic <topic>) cannot be shown."},
+    {1002, u"... und <n> weitere", u"... and <n> more"},
 };
 // clang-format on
 

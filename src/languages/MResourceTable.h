@@ -30,7 +30,8 @@ inline constexpr int kTextFirstPanel = 517;  // the status bar's three panels fo
 inline constexpr int kTextArchivesNode = 550;
 
 /// Texts that have no number of old; from here on upward.
-inline constexpr int kTextNoHelpFile = 1001;  // <file> and <topic> are replaced
+inline constexpr int kTextNoHelpFile = 1001;    // <file> and <topic> are replaced
+inline constexpr int kTextMoreFailures = 1002;  // <n> is replaced
 
 /// Words that every dialog uses; they are entered first.
 extern const std::span<const Entry> kCommonWords;

@@ -13,6 +13,12 @@ namespace projectdb {
 
 using namespace Qt::Literals::StringLiterals;
 
+namespace {
+
+constexpr std::int32_t kOutOfMemory = -2147024882;  // 0x8007000E
+
+}  // namespace
+
 Failure Failure::Current() {
     try {
         throw;
@@ -21,7 +27,7 @@ Failure Failure::Current() {
     } catch (const platform::Error& error) {
         return {error.Number(), error.Description()};
     } catch (const std::bad_alloc&) {
-        return {ado::ErrorNumber::kOutOfMemory, u"Out of memory."_s};
+        return {kOutOfMemory, u"Out of memory."_s};
     } catch (const std::exception& error) {
         return {ado::ErrorNumber::kUnspecified, QString::fromUtf8(error.what())};
     } catch (...) {
@@ -29,11 +35,14 @@ Failure Failure::Current() {
     }
 }
 
+QString Failure::Text() const {
+    return QString::number(number) + u"   "_s + description;
+}
+
 void ShowFailure(const QString& procedure, QWidget* owner) noexcept {
     try {
-        const Failure failure = Failure::Current();
-        platform::ShowMessage(QString::number(failure.number) + u"   "_s + failure.description,
-                              platform::MessageButtons::Ok, procedure, owner);
+        platform::ShowMessage(Failure::Current().Text(), platform::MessageButtons::Ok, procedure,
+                              owner);
     } catch (...) {
         std::fputs("A failure could not be shown.\n", stderr);
     }

@@ -15,10 +15,12 @@ struct Failure {
     QString description;
 
     [[nodiscard]] static Failure Current();
+    /// As it is shown: number, three blanks, description.
+    [[nodiscard]] QString Text() const;
 };
 
-/// Shows the exception that is being handled: number, three blanks, description, under the name of
-/// the procedure that failed. Never throws. REQUIRES: called inside a catch block.
+/// Shows the exception that is being handled under the name of the procedure that failed. Never
+/// throws. REQUIRES: called inside a catch block.
 void ShowFailure(const QString& procedure, QWidget* owner = nullptr) noexcept;
 
 /// Runs `body` and shows what it throws. Stands around every slot and every event of the host, so

@@ -7,6 +7,7 @@
 #include <QTimer>
 
 #include "addin/AddInTest.h"
+#include "addin/DamagedRow.h"
 
 namespace {
 
@@ -286,6 +287,59 @@ TEST_F(ConnectTest, AFailureBehindTheConnectionLeavesNothingHalfOpen) {
         EXPECT_FALSE(host_.ChildKeys(kRoot));
         EXPECT_FALSE(Hourglass());
     }
+}
+
+// One damaged row used to keep all archives from being opened.
+TEST_F(ConnectTest, ArchivesThatCannotBeReadAreLeftOut) {
+    const QString path = Brewery();
+    DamageRow(path, ADOArchiv::Command::Archives, 3);
+    Initialize(path);
+    Click(kRoot);
+    ASSERT_EQ(messages_.size(), 1);
+    EXPECT_EQ(messages_[0].title, u"Connect: FirstUse"_s);
+    EXPECT_TRUE(messages_[0].text.contains(u"TchrArchives"_s)) << messages_[0].text.toStdString();
+    EXPECT_FALSE(messages_[0].text.contains(u"weitere"_s)) << messages_[0].text.toStdString();
+    EXPECT_EQ(host_.ChildTexts(kRoot).size(), 13);
+    EXPECT_EQ(host_.Find(u"ARCH4"_s), nullptr);
+    EXPECT_FALSE(Hourglass());
+    EXPECT_EQ(RowCount(0), 13);
+    Click(u"ARCH5"_s);
+    EXPECT_EQ(Cell(0, Split(0)->currentIndex().row(), u"Name"_s), u"Abfüllung"_s);
+    EXPECT_GT(RowCount(1), 0);
+    QApplication::processEvents();
+    EXPECT_EQ(messages_.size(), 1) << "told once";
+    addIn_->CKV4Extensibility_Terminate();
+
+    messages_.clear();
+    for (const int position : {0, 13}) DamageRow(path, ADOArchiv::Command::Archives, position);
+    Initialize(path);
+    Click(kRoot);
+    ASSERT_EQ(messages_.size(), 1);
+    EXPECT_TRUE(messages_[0].text.endsWith(u"... und 2 weitere"_s))
+        << messages_[0].text.toStdString();
+    EXPECT_EQ(host_.ChildTexts(kRoot).size(), 11);
+}
+
+TEST_F(ConnectTest, TrendsThatCannotBeReadAreLeftOut) {
+    const QString path = Brewery();
+    for (const int position : {0, 5}) DamageRow(path, ADOArchiv::Command::Trends, position);
+    Initialize(path);
+    Click(kRoot);
+    for (int i = 0; i < 2; ++i) {
+        messages_.clear();
+        Click(u"ARCH1"_s);
+        EXPECT_EQ(RowCount(1), 22);
+        EXPECT_THAT(messages_, IsEmpty()) << "a view may be in the middle of its layout";
+        QApplication::processEvents();
+        ASSERT_EQ(messages_.size(), 1);
+        EXPECT_EQ(messages_[0].title, u"frmtabGrid"_s);
+        EXPECT_TRUE(messages_[0].text.contains(u"TchrTrends"_s)) << messages_[0].text.toStdString();
+    }
+    messages_.clear();
+    Click(u"ARCH2"_s);
+    EXPECT_GT(RowCount(1), 0);
+    QApplication::processEvents();
+    EXPECT_THAT(messages_, IsEmpty());
 }
 
 TEST_F(ConnectTest, AProjectNameIsLookedUpInTheRegistry) {

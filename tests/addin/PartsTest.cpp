@@ -5,16 +5,20 @@
 #include <QIcon>
 #include <QImage>
 #include <QTemporaryDir>
+#include <set>
 
 #include "addin/ArchiveIcon.h"
+#include "addin/DamagedRow.h"
 #include "addin/MKVSGlobalEditors.h"
 #include "ado/AdoError.h"
+#include "ado/TrendQuery.h"
 #include "editor/CellText.h"
 #include "editor/GridColumns.h"
 #include "languages/MResources.h"
 #include "platform/Registry.h"
 #include "projectdb/ADOArchiv.h"
 #include "projectdb/NodeKey.h"
+#include "projectdb/RowWalk.h"
 
 namespace {
 
@@ -154,6 +158,51 @@ TEST(RecordsetModelTest, ReadsOnWhereItStopped) {
     model.Detach();
     environment.CloseConnection();
     EXPECT_EQ(trends.State(), ado::ObjectState::Closed);
+}
+
+// What comes behind a damaged row used to be lost, and the good rows of its portion with it.
+TEST(RecordsetModelTest, ReadsOnBehindDamagedRows) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"a.kvs"_s);
+    ASSERT_TRUE(QFile::copy(QStringLiteral(KV_EXAMPLES "/Brauerei.kvs"), path));
+    QFile(path).setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+    // The ends of the table and of the first portion of 200 among them.
+    const std::vector<int> damaged = {0, 1, 100, 199, 201, 227};
+    for (const int position : damaged) DamageRow(path, ADOArchiv::Command::Trends, position);
+    ADOArchiv environment;
+    environment.OpenConnection(path);
+    const MResources::TextTable texts;
+    RecordsetModel model(texts);
+    int told = 0;
+    QObject::connect(&model, &RecordsetModel::RowsMissing, [&told] { ++told; });
+    for (int i = 1; i <= 2; ++i) {  // attaching again begins anew
+        model.Attach(environment.PrepareRecordset(ADOArchiv::Command::Trends),
+                     {{"Name", u"Name"_s}});
+        while (model.canFetchMore({})) model.fetchMore({});
+        EXPECT_EQ(model.rowCount(), 228 - static_cast<int>(damaged.size()));
+        EXPECT_EQ(model.Missing().Count(), static_cast<int>(damaged.size()));
+        EXPECT_EQ(told, i);
+    }
+    std::set<std::int32_t> ids;
+    for (int row = 0; row < model.rowCount(); ++row) ids.insert(model.IdAt(row));
+    EXPECT_EQ(static_cast<int>(ids.size()), model.rowCount()) << "no row stands there twice";
+}
+
+TEST(RowWalkTest, GivesUpWhereNoRowCanBeReached) {
+    ado::Recordset closed;  // every step fails
+    projectdb::RowFailures failures;
+    projectdb::RowWalk walk(closed, failures);
+    EXPECT_EQ(failures.Text(u"+<n>"_s), QString());
+    EXPECT_FALSE(walk.First());
+    EXPECT_EQ(failures.Count(), 1);
+    EXPECT_TRUE(failures.Text(u"+<n>"_s).startsWith(u"3704   "_s));
+    EXPECT_FALSE(walk.Next());
+    EXPECT_TRUE(failures.Text(u"+<n>"_s).endsWith(u"\n+1"_s));
+}
+
+// The statement that the recordsets are tested with is the editor's own.
+TEST(ADOArchivTest, TrendStatement) {
+    EXPECT_EQ(ADOArchiv::DefinitionOf(ADOArchiv::Command::tabTrends).source, kTrendQuery);
 }
 
 TEST(ArchiveIconTest, IsDrawnForEachSize) {

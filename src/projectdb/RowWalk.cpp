@@ -1,0 +1,58 @@
+#include "projectdb/RowWalk.h"
+
+#include "projectdb/Text.h"
+
+namespace projectdb {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+// More failures than this one after another are not rows, of which a page holds fewer.
+constexpr int kMaximumSteps = 256;
+
+}  // namespace
+
+void RowFailures::Note(const ado::AdoError& error, int times) {
+    if (!first_) first_ = Failure{error.Number(), ToQString(error.Description())};
+    count_ += times;
+}
+
+QString RowFailures::Text(QString more) const {
+    if (!first_) return {};
+    QString text = first_->Text();
+    if (count_ > 1) text += u'\n' + more.replace(u"<n>"_s, QString::number(count_ - 1));
+    return text;
+}
+
+bool RowWalk::First() {
+    return Repeat([this] {
+        // An empty recordset has no first row to move to.
+        if (!(recordset_.IsBOF() && recordset_.IsEOF())) recordset_.MoveFirst();
+    });
+}
+
+bool RowWalk::Next() {
+    return Repeat([this] { recordset_.MoveNext(); });
+}
+
+/// A step that fails leaves the recordset where it is, and the same step then leads behind the row
+/// that it has failed for.
+template <typename Step>
+bool RowWalk::Repeat(Step step) {
+    std::optional<ado::AdoError> first;
+    for (int failed = 0; failed < kMaximumSteps; ++failed) {
+        try {
+            step();
+            const bool found = !recordset_.IsEOF();
+            if (first) failures_.Note(*first, failed);
+            return found;
+        } catch (const ado::AdoError& error) {
+            if (!first) first = error;
+        }
+    }
+    failures_.Note(*first);
+    return false;
+}
+
+}  // namespace projectdb

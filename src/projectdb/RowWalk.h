@@ -1,0 +1,63 @@
+#pragma once
+
+#include <optional>
+#include <QString>
+#include <utility>
+
+#include "ado/AdoError.h"
+#include "ado/Recordset.h"
+#include "projectdb/Guard.h"
+
+namespace projectdb {
+
+/// What could not be read of a file that is damaged in places.
+class RowFailures {
+public:
+    void Note(const ado::AdoError& error, int times = 1);
+
+    [[nodiscard]] int Count() const noexcept { return count_; }
+    /// The first failure as it is shown, and behind it `more` when there are others: their number
+    /// takes the place of "<n>". Empty when there is none.
+    [[nodiscard]] QString Text(QString more) const;
+
+private:
+    std::optional<Failure> first_;
+    int count_ = 0;
+};
+
+/// One way forward through the rows of a recordset that passes over those that cannot be read and
+/// notes them. Where the way itself is blocked it is given up, which counts as one failure.
+///
+///     for (bool found = walk.First(); found; found = walk.Next()) {
+///         walk.Read([&] { ... recordset.Get(...) ... });
+///     }
+class RowWalk {
+public:
+    /// Both are borrowed.
+    RowWalk(ado::Recordset& recordset, RowFailures& failures)
+        : recordset_(recordset), failures_(failures) {}
+
+    /// To the first row that can be reached; false when there is none.
+    [[nodiscard]] bool First();
+    /// To the next row that can be reached; false when there is none.
+    [[nodiscard]] bool Next();
+
+    /// Runs `body`, which reads the current row.
+    template <typename Body>
+    void Read(Body&& body) {
+        try {
+            std::forward<Body>(body)();
+        } catch (const ado::AdoError& error) {
+            failures_.Note(error);
+        }
+    }
+
+private:
+    template <typename Step>
+    bool Repeat(Step step);
+
+    ado::Recordset& recordset_;
+    RowFailures& failures_;
+};
+
+}  // namespace projectdb
