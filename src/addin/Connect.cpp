@@ -1,8 +1,11 @@
 #include "addin/Connect.h"
 
+#include <QScopeGuard>
+
 #include "addin/ArchiveIcon.h"
 #include "addin/MKVSGlobalEditors.h"
 #include "languages/MResourceTable.h"
+#include "platform/Error.h"
 #include "platform/MessageBox.h"
 #include "projectdb/Guard.h"
 #include "projectdb/NodeKey.h"
@@ -52,13 +55,15 @@ Connect::~Connect() {
 void Connect::CKV4Extensibility_Initialize(const QString& projectName,
                                            const QString& /*secondName*/, KV4AddIn::IHost* host,
                                            KV4AddIn::IHost* /*secondHost*/) {
-    Guard(u"MResources"_s, [&] { texts_.Initialize(registry_); });
+    // A host that has forgotten to terminate: the project before is let go of first.
+    if (host_ != nullptr) CKV4Extensibility_Terminate();
     Guard(u"Connect: Initialize"_s, [&] {
         projectName_ = projectName;
         project_.projectPath = projectName;
-        host_ = nullptr;
         if (host == nullptr) return;
         if (!MKVSGlobalEditors::ReadCurrentProject(registry_, project_.projectPath)) return;
+        // Behind the look-up, which tells of a registry that cannot be read for itself.
+        Guard(u"MResources"_s, [&] { texts_.Initialize(registry_); });
         host_ = host;
         hostWindow_ = host_->EditorParent();
         Guard(u"Connect: InitTreeView"_s, [&] { InitTreeView(); });
@@ -74,8 +79,13 @@ void Connect::InitTreeView() {
 }
 
 void Connect::FindHelpFile() {
-    helpFile_.SetPath(registry_.ReadString(u"SOFTWARE\\Brantor GmbH", u"Common") +
-                      u"\\helpfiles\\Archivsystem.chm"_s);
+    QString folder;
+    try {
+        folder = registry_.ReadString(u"SOFTWARE\\Brantor GmbH", u"Common");
+    } catch (const platform::Error&) {
+        // It has been told when the interface language was read; help is missed when it is wanted.
+    }
+    helpFile_.SetPath(folder + u"\\helpfiles\\Archivsystem.chm"_s);
 }
 
 void Connect::CKV4Extensibility_Terminate() {
@@ -89,17 +99,18 @@ void Connect::CKV4Extensibility_Terminate() {
     hostWindow_ = nullptr;
 }
 
-/// Takes the editor away and closes the database. The database is closed even when the editor
-/// could not be taken away in good order.
+/// Takes the editor out of the host's window, unloads it, closes the database and deletes the
+/// editor. A step that fails keeps none of the others from being done.
 void Connect::ShutDown() {
     opened_ = false;
-    Guard(u"Connect: ShutDown"_s, [&] {
-        if (!editor_) return;
-        editor_->hide();
-        editor_->Unload();
-        editor_->setParent(nullptr);
+    const auto step = [](const auto& body) { Guard(u"Connect: ShutDown"_s, body); };
+    step([&] {
+        if (editor_) editor_->setParent(nullptr);
     });
-    Guard(u"Connect: ShutDown"_s, [&] { project_.CloseDatabase(); });
+    step([&] {
+        if (editor_) editor_->Unload();
+    });
+    step([&] { project_.CloseDatabase(); });
     project_.currentNodeKey.clear();
     delete editor_.data();
 }
@@ -210,9 +221,11 @@ void Connect::CKV4Extensibility_NodeMouseUp(const Node& node, int button, int /*
     if (button != KV4AddIn::kRightButton || !editor_) return;
     Guard(u"Connect: NodeMouseUp"_s, [&] {
         editor_->MenuSwitcher(node.key, true);
+        const auto popUpEnds = qScopeGuard([&] {
+            // The menu has its own event loop; the window may have gone meanwhile.
+            if (editor_) editor_->MenuSwitcher(node.key, false);
+        });
         if (projectdb::IsOwnNode(node.key)) editor_->PopUpArchiveMenu();
-        // The menu has its own event loop; the window may have gone meanwhile.
-        if (editor_) editor_->MenuSwitcher(node.key, false);
     });
 }
 
@@ -230,7 +243,7 @@ bool Connect::RunKey(const Node& node, int keyCode, int shift) {
         return true;
     }
     if (!editor_) return false;
-    if (keyCode == kShowEditorKey && shift == KV4AddIn::kAlt) {
+    if (keyCode == kShowEditorKey && shift == KV4AddIn::kAlt && projectdb::IsOwnNode(node.key)) {
         ShowEditor();
         return true;
     }

@@ -182,7 +182,7 @@ TEST_F(ConnectTest, AltF6ShowsTheEditorWithTheSelectedArchive) {
     Click(kRoot);
     Editor()->hide();
     host_.selected = u"VARS"_s;
-    EXPECT_FALSE(KeyIsLeft(u"VARS"_s, 117, KV4AddIn::kAlt));
+    EXPECT_TRUE(KeyIsLeft(u"VARS"_s, 117, KV4AddIn::kAlt)) << "the key is another add-in's";
     EXPECT_TRUE(Editor()->isHidden());
 
     host_.selected = u"ARCH4"_s;
@@ -365,13 +365,25 @@ TEST_F(ConnectTest, AnUnknownProjectNameFailsAtOpening) {
     EXPECT_TRUE(messages_[0].text.contains(u"Anlage.kvs"_s));
 }
 
-TEST_F(ConnectTest, AnUnreadableRegistryIsShownAndStopsALookUp) {
+TEST_F(ConnectTest, AnUnreadableRegistryIsShownOnceAndStopsOnlyALookUp) {
     qputenv("KV_REGISTRY", QFile::encodeName(folder_.path()));
     InitializeByName(u"Anlage"_s);
     EXPECT_EQ(host_.nodes.size(), 0);
-    ASSERT_FALSE(messages_.isEmpty());
-    EXPECT_EQ(messages_.last().title, u"MKVSGlobalEditors: ReadCurrentProject"_s);
-    EXPECT_TRUE(messages_.last().text.startsWith(u"75: "_s)) << messages_.last().text.toStdString();
+    ASSERT_EQ(messages_.size(), 1);
+    EXPECT_EQ(messages_[0].title, u"MKVSGlobalEditors: ReadCurrentProject"_s);
+    EXPECT_TRUE(messages_[0].text.startsWith(u"75: "_s)) << messages_[0].text.toStdString();
+
+    messages_.clear();
+    Initialize(Brewery());
+    Click(kRoot);
+    ASSERT_EQ(messages_.size(), 1);
+    EXPECT_EQ(messages_[0].title, u"MResources"_s);
+    EXPECT_EQ(host_.ChildTexts(kRoot).size(), 14);
+    messages_.clear();
+    EXPECT_FALSE(KeyIsLeft(kRoot, 112, 0));
+    ASSERT_EQ(messages_.size(), 1);
+    EXPECT_TRUE(messages_[0].text.contains(u"'\\helpfiles\\Archivsystem.chm'"_s))
+        << messages_[0].text.toStdString();
 }
 
 TEST_F(ConnectTest, AnExtensionInCapitalsNamesAFile) {
@@ -432,6 +444,44 @@ TEST_F(ConnectTest, AfterTerminateNothingIsLeftAndItCanStartAgain) {
         Click(kRoot);
         EXPECT_EQ(Editor(), nullptr);
     }
+    EXPECT_THAT(messages_, IsEmpty());
+}
+
+/// Notes what the archive split holds when the editor leaves its parent.
+class LeavingWatch : public QObject {
+public:
+    explicit LeavingWatch(QTableView* split) : split_(split) {}
+    int rows = -1;
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::ChildRemoved) rows = split_->model()->rowCount();
+        return false;
+    }
+
+private:
+    QTableView* split_;
+};
+
+TEST_F(ConnectTest, TheEditorLeavesTheHostsWindowBeforeItIsUnloaded) {
+    Initialize(Brewery());
+    Click(kRoot);
+    ASSERT_EQ(RowCount(0), 14);
+    LeavingWatch watch(Split(0));
+    host_.container.installEventFilter(&watch);
+    addIn_->CKV4Extensibility_Terminate();
+    EXPECT_EQ(watch.rows, 14);
+}
+
+TEST_F(ConnectTest, InitializedTwiceItLetsGoOfTheProjectBefore) {
+    Initialize(Brewery());
+    Click(kRoot);
+    Click(u"ARCH1"_s);
+    Initialize(CopyProject(QStringLiteral(KV_TEST_DATA "/Leer.kvs"), u"Leer.kvs"_s));
+    EXPECT_EQ(Editor(), nullptr);
+    EXPECT_EQ(host_.nodes.size(), 1) << "the root node alone";
+    Click(kRoot);
+    EXPECT_EQ(RowCount(0), 0);
+    EXPECT_FALSE(host_.ChildKeys(kRoot));
     EXPECT_THAT(messages_, IsEmpty());
 }
 
