@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -44,7 +45,9 @@ bool EditorContainer::eventFilter(QObject* watched, QEvent* event) {
     auto* editor = qobject_cast<QWidget*>(watched);
     if (editor == nullptr || editor->parentWidget() != this || editor->isWindow()) return false;
     if (event->type() == QEvent::ShowToParent) SetCurrent(editor);
-    if (event->type() == QEvent::HideToParent && editor == current_) Leave(editor);
+    if (event->type() == QEvent::HideToParent) Leave(editor);
+    // An editor behind another one is not hidden: its add-in's show() does nothing, raise() does.
+    if (event->type() == QEvent::ZOrderChange && !arranging_) ShowTopmost();
     return false;
 }
 
@@ -63,9 +66,22 @@ void EditorContainer::SetCurrent(QWidget* editor) {
     QWidget* previous = current_;
     current_ = editor;
     editor->setGeometry(rect());
-    if (previous != nullptr) previous->lower();
-    editor->raise();
+    {
+        const QScopedValueRollback arranging(arranging_, true);
+        if (previous != nullptr) previous->lower();
+        editor->raise();
+    }
     emit CurrentChanged();
+}
+
+void EditorContainer::ShowTopmost() {
+    const QObjectList& order = children();  // widgets in the order of the screen, topmost last
+    for (auto child = order.rbegin(); child != order.rend(); ++child) {
+        const auto known = std::find(editors_.begin(), editors_.end(), *child);
+        if (known == editors_.end()) continue;
+        SetCurrent(*known);
+        return;
+    }
 }
 
 void EditorContainer::Leave(QObject* editor) {

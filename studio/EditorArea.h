@@ -12,8 +12,8 @@ namespace studio {
 class StudioTexts;
 
 /// The container that an add-in puts its editor window into. It shows one child at a time, the one
-/// that was shown last, and gives it the whole area. A child that has just been put in is shown,
-/// unless its add-in has hidden it expressly.
+/// that was shown or raised last, and gives it the whole area. A child that has just been put in is
+/// shown, unless its add-in has hidden it expressly.
 class EditorContainer final : public QWidget {
     Q_OBJECT
 public:
@@ -33,10 +33,12 @@ protected:
 private:
     void TakeIn(QWidget& editor);
     void SetCurrent(QWidget* editor);
+    void ShowTopmost();
     void Leave(QObject* editor);
 
     std::vector<QWidget*> editors_;  // in the order in which they were shown, the latest last
     QWidget* current_ = nullptr;     // one of editors_
+    bool arranging_ = false;         // the container itself is changing the order
 };
 
 /// The right side of the studio: the editor container, or what to do when it is empty.

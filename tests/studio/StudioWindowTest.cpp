@@ -175,6 +175,30 @@ TEST_F(StudioWindowTest, EditorFillsTheAreaAndGivesItBack) {
     EXPECT_EQ(area->currentWidget(), empty);
 }
 
+// An editor behind another one is visible for Qt, so that its show() tells nobody.
+TEST_F(StudioWindowTest, AnEditorThatIsRaisedComesToTheFront) {
+    ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
+    window_->Tree().ClickAsUser(u"SMP0"_s);
+    QCoreApplication::processEvents();
+    EditorContainer& container = *window_->findChild<EditorArea*>()->Container();
+    QLabel second(&container);
+    QLabel third(&container);
+    for (QLabel* other : {&second, &third}) other->show();
+    ASSERT_EQ(container.Current(), &third);
+    window_->resize(window_->size() + QSize(100, 50));
+    QCoreApplication::processEvents();
+
+    addIn_.editor->show();
+    addIn_.editor->raise();
+    EXPECT_EQ(container.Current(), addIn_.editor);
+    EXPECT_EQ(container.children().last(), addIn_.editor);
+    EXPECT_EQ(addIn_.editor->geometry(), container.rect());
+
+    second.hide();  // though it is not in front
+    addIn_.editor->hide();
+    EXPECT_EQ(container.Current(), &third);
+}
+
 TEST_F(StudioWindowTest, EverythingHasANameAndAnAccessKeyOfItsOwn) {
     for (const int lcid : {kGerman, kEnglish}) {
         Action(u"mnuSettingsLanguage(%1)"_s.arg(lcid))->trigger();
