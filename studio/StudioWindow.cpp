@@ -14,6 +14,7 @@
 #include <QSettings>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QTimer>
 
 #include "platform/MessageBox.h"
 #include "studio/AddInsDialog.h"
@@ -31,6 +32,7 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int kStatusMs = 8000;
+constexpr int kQuitStepMs = 20;
 const QString kGeometryKey = u"Window/Geometry"_s;
 const QString kSplitterKey = u"Window/Splitter"_s;
 const QString kFolderKey = u"OpenFolder"_s;
@@ -127,6 +129,23 @@ QString StudioWindow::FirstAddInNode() const {
         if (key != kProjectKey) return key;
     }
     return {};
+}
+
+void StudioWindow::Quit() {
+    if (quitting_) return;
+    quitting_ = true;
+    QTimer::singleShot(0, this, &StudioWindow::QuitStep);
+}
+
+void StudioWindow::QuitStep() {
+    if (!isVisible()) return;  // closed
+    // First of all, for what follows may open a dialog with an event loop of its own. A repeating
+    // timer would not run in there.
+    QTimer::singleShot(kQuitStepMs, this, &StudioWindow::QuitStep);
+    QWidget* inFront = QApplication::activePopupWidget();
+    if (inFront == nullptr) inFront = QApplication::activeModalWidget();
+    if (inFront != nullptr && inFront->close()) return;
+    if (isVisible() && !addIns_.InCall()) close();
 }
 
 void StudioWindow::closeEvent(QCloseEvent* event) {

@@ -46,6 +46,10 @@ public:
     bool OpenProject(const QString& project);
     /// False while an add-in is at work.
     bool CloseProject();
+    /// Closes the window without asking anybody: dialogs and menus that are open, add-ins' too, are
+    /// closed first, as the user would by Esc. Returns at once; the window goes as soon as no
+    /// add-in is at work any more.
+    void Quit();
     [[nodiscard]] bool HasProject() const noexcept { return project_.has_value(); }
 
     [[nodiscard]] ProjectTree& Tree() noexcept { return *tree_; }
@@ -87,6 +91,7 @@ private:
     void ApplyProjectState();
     void ShowRecentInEmptyArea();
     void RaiseStartupComplete();
+    void QuitStep();
     void Complain(const QString& message);
     [[nodiscard]] QString RecentCaption(const QString& project) const;
     void RestoreState();
@@ -101,6 +106,7 @@ private:
     QTranslator qtTexts_;  // for the buttons and dialogs that Qt brings
     std::optional<ProjectLocation> project_;
     bool startupPending_ = false;  // StartupComplete waits for the window to be shown
+    bool quitting_ = false;
 
     ProjectTreeModel model_;
     TreeEvents treeEvents_;

@@ -102,7 +102,7 @@ int main(int argc, char** argv) {
     if (screenshot) {
         return studio::TakeScreenshot(window, project, parser.value(screenshotOption));
     }
-    const studio::QuitSignals quitSignals([&window] { window.close(); });
+    const studio::QuitSignals quitSignals([&window] { window.Quit(); });
     window.show();
     if (!project.isEmpty()) window.OpenProject(project);
     return QApplication::exec();

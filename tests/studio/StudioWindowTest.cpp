@@ -8,9 +8,11 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include "platform/MessageBox.h"
 #include "studio/AddInSet.h"
@@ -197,6 +199,34 @@ TEST_F(StudioWindowTest, AnEditorThatIsRaisedComesToTheFront) {
     second.hide();  // though it is not in front
     addIn_.editor->hide();
     EXPECT_EQ(container.Current(), &third);
+}
+
+// A signal that came while an add-in was showing a box used to be lost.
+TEST_F(StudioWindowTest, QuitClosesWhatAnAddInShowsAndThenTheWindow) {
+    ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
+    QStringList closed;
+    addIn_.onClick = [&] {
+        for (const auto buttons :
+             {QMessageBox::StandardButtons(QMessageBox::Ok), QMessageBox::Yes | QMessageBox::No}) {
+            QMessageBox box(QMessageBox::Question, u"Box"_s, u"?"_s, buttons);
+            closed += u"box %1"_s.arg(box.exec());
+        }
+        QMenu menu;
+        menu.addAction(u"entry"_s);
+        if (menu.exec() == nullptr) closed += u"menu"_s;
+        EXPECT_TRUE(window_->isVisible()) << "not while an add-in is at work";
+    };
+    QTimer::singleShot(0, window_.get(), [this] {
+        window_->Quit();
+        window_->Quit();
+    });
+    addIn_.Take();
+    window_->Tree().ClickAsUser(u"SMP0"_s);
+    EXPECT_THAT(closed, ElementsAre(u"box %1"_s.arg(QMessageBox::Ok),
+                                    u"box %1"_s.arg(QMessageBox::No), u"menu"_s));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !window_->isVisible(); }, 5000));
+    EXPECT_FALSE(window_->HasProject());
+    EXPECT_EQ(addIn_.events.last(), u"Terminate"_s);
 }
 
 TEST_F(StudioWindowTest, EverythingHasANameAndAnAccessKeyOfItsOwn) {
