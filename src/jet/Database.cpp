@@ -1,8 +1,10 @@
 #include "jet/Database.h"
 
 #include <array>
+#include <tuple>
 
 #include "jet/detail/FileHeader.h"
+#include "jet/detail/Journal.h"
 #include "jet/Unicode.h"
 
 namespace jet {
@@ -74,6 +76,73 @@ Result<std::unique_ptr<Database>> Database::Open(std::unique_ptr<File> file,
     std::unique_ptr<Database> database(new Database(std::move(file), cacheBytes));
     JET_TRY(database->ReadHeader());
     return database;
+}
+
+Result<std::unique_ptr<Database>> Database::OpenForWriting(Disk& disk, const std::string& path,
+                                                           std::size_t cacheBytes) {
+    const auto named = [&](const Status& status) { return status.In("\"" + path + "\""); };
+    Result<std::unique_ptr<File>> file = disk.Open(path, OpenMode::ReadWrite);
+    if (!file.IsOk()) return named(file.GetStatus());
+    Result<bool> putBack = Journal::RollBack(disk, path, **file);
+    if (!putBack.IsOk()) return named(putBack.GetStatus());
+    Result<std::unique_ptr<Database>> database = Open(std::move(*file), cacheBytes);
+    if (!database.IsOk()) return named(database.GetStatus());
+    (*database)->disk_ = &disk;
+    (*database)->path_ = path;
+    return database;
+}
+
+Status Database::Begin() {
+    if (disk_ == nullptr) {
+        return {StatusCode::Permission, "the database is open for reading only"};
+    }
+    if (context_.format != Format::Jet4) {
+        return Status::Unsupported("only Jet 4 files can be written");
+    }
+    JET_TRY(Status(broken_));
+    if (depth_ == 0) {
+        JET_TRY(cache_.Revalidate());
+        cache_.Begin();
+        isRolledBack_ = false;
+    } else if (isRolledBack_) {
+        return Status::BadArgument("the transaction has been rolled back and not been ended");
+    }
+    ++depth_;
+    return {};
+}
+
+Status Database::Commit() {
+    if (depth_ == 0) return Status::BadArgument("there is no transaction to commit");
+    if (--depth_ > 0) return {};
+    if (isRolledBack_) return Status::BadArgument("the transaction has been rolled back");
+    if (!cache_.HasChanges()) return cache_.End(true);
+    Status status =
+        Journal::Write(*disk_, path_, cache_.PageSize(), cache_.SizeBefore(), cache_.Before());
+    if (!status.IsOk()) {
+        // The database has not been touched, and a journal that stays behind does no harm.
+        std::ignore = Journal::Remove(*disk_, path_);
+        std::ignore = cache_.End(false);
+        return status;
+    }
+    status = cache_.WriteChanges();
+    if (status.IsOk()) status = Journal::Remove(*disk_, path_);
+    if (status.IsOk()) return cache_.End(true);
+    // What has reached the database is put back now, or from the journal when it is opened next.
+    Status putBack = cache_.WriteBack();
+    if (putBack.IsOk()) putBack = Journal::Remove(*disk_, path_);
+    if (!putBack.IsOk()) {
+        broken_ = putBack.In("a failed change could not be taken back; open the file again");
+    }
+    std::ignore = cache_.End(false);  // the failure to be told is the first one
+    return status;
+}
+
+Status Database::Rollback() {
+    if (depth_ == 0) return Status::BadArgument("there is no transaction to roll back");
+    --depth_;
+    if (isRolledBack_) return {};
+    isRolledBack_ = depth_ > 0;
+    return cache_.End(false);
 }
 
 Status Database::ReadHeader() {

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "jet/Disk.h"
 #include "jet/File.h"
 #include "jet/Table.h"
 
@@ -32,6 +33,21 @@ public:
     [[nodiscard]] static Result<std::unique_ptr<Database>> Open(
         std::unique_ptr<File> file, std::size_t cacheBytes = kDefaultCache);
 
+    /// Opens for reading and writing, and first puts back what an interrupted transaction has left.
+    /// `disk` is borrowed and must outlive the database. No other program may have the file open
+    /// for writing at the same time.
+    [[nodiscard]] static Result<std::unique_ptr<Database>> OpenForWriting(
+        Disk& disk, const std::string& path, std::size_t cacheBytes = kDefaultCache);
+
+    // A transaction joins changes to one: all of them are in the file, or none. Begin inside a
+    // transaction joins it, and only the outermost Commit writes; a Rollback takes everything
+    // back, and the outer Commit then fails.
+    Status Begin();
+    /// The order of writes is that of Journal. When it fails, nothing of the transaction is left.
+    Status Commit();
+    Status Rollback();
+    [[nodiscard]] bool InTransaction() const { return depth_ > 0; }
+
     [[nodiscard]] jet::Format FileFormat() const { return context_.format; }
     /// True when the file asks its users for a password. Its content is readable all the same.
     [[nodiscard]] bool HasPassword() const { return hasPassword_; }
@@ -53,6 +69,13 @@ private:
     CodePage codePage_;
     FileContext context_;
     bool hasPassword_ = false;
+
+    // While open for writing.
+    Disk* disk_ = nullptr;
+    std::string path_;
+    int depth_ = 0;              // of joined transactions
+    bool isRolledBack_ = false;  // inside an outer transaction that is still to end
+    Status broken_;              // why nothing more can be written until the file is opened again
 };
 
 }  // namespace jet

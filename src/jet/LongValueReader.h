@@ -12,8 +12,7 @@ namespace jet {
 class LongValueReader {
 public:
     /// `name`, when it is not empty, stands in front of its messages.
-    LongValueReader(PageCache& cache, Format format, const LongValue& value,
-                    std::string name = {});
+    LongValueReader(PageCache& cache, Format format, const LongValue& value, std::string name = {});
 
     /// The next piece; empty at the end. Valid until the next call.
     [[nodiscard]] Result<Bytes> Next();

@@ -36,6 +36,7 @@ public:
 
 private:
     friend class Table;
+    friend class TableWriter;
     friend class RowCursor;
     RowId id_;
     std::shared_ptr<const TableDef> def_;
@@ -115,6 +116,7 @@ public:
     [[nodiscard]] Result<Binary> ReadBinary(const LongValue& value) const;
 
 private:
+    friend class TableWriter;
     Table(const FileContext& file, PageNo page, std::string name);
     [[nodiscard]] Status Named(const Status& status) const;
 

@@ -159,6 +159,14 @@ Status PageCache::WriteChanges() {
     return file_.Sync();
 }
 
+Status PageCache::WriteBack() {
+    for (const auto& [page, image] : before_) {
+        JET_TRY(file_.Write(std::uint64_t{page} * pageSize_, {image->data(), pageSize_}));
+    }
+    JET_TRY(file_.Resize(stamp_.size));
+    return file_.Sync();
+}
+
 Status PageCache::End(bool committed) {
     for (auto& [page, image] : changed_) {
         if (const auto old = index_.find(page); old != index_.end()) {

@@ -81,11 +81,14 @@ public:
     /// Adds a page of zeros at the end of the file and returns its number.
     [[nodiscard]] Result<PageNo> AddPage();
 
+    [[nodiscard]] bool HasChanges() const { return !changed_.empty(); }
     [[nodiscard]] const Images& Before() const { return before_; }
     /// Bytes of the file before the transaction.
     [[nodiscard]] std::uint64_t SizeBefore() const { return stamp_.size; }
     /// Writes the changed pages and syncs the file. When it fails the file may hold some of them.
     Status WriteChanges();
+    /// Writes what the pages were before, cuts the file to its old size and syncs it.
+    Status WriteBack();
     /// Ends the transaction: `committed` keeps the changed pages, otherwise they are dropped.
     Status End(bool committed);
 

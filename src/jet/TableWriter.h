@@ -1,0 +1,78 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "jet/detail/RowEncoder.h"
+#include "jet/Table.h"
+
+namespace jet {
+
+/// A new value for one column: by its position in TableDef::columns. Memo values are texts, OLE
+/// values binaries.
+struct Assignment {
+    std::size_t column = 0;
+    Value value;
+};
+
+/// Changes the rows of a table (Jet 4), inside a transaction of its database. Every index of the
+/// table is kept, and what a failed change has done is taken back before it returns; the
+/// transaction goes on. Borrows the table.
+///
+/// Failures: Unsupported when an index cannot be kept, Duplicate, Required, TooLong, NotFound when
+/// the row is gone, Corrupt.
+class TableWriter {
+public:
+    explicit TableWriter(Table& table) : table_(table), file_(table.file_) {}
+
+    /// Columns that are not assigned are Null, Booleans false; an AutoNumber gets the next number
+    /// unless it is assigned.
+    [[nodiscard]] Result<RowId> Insert(std::span<const Assignment> values);
+    /// Columns that are not assigned stay byte for byte as they are.
+    Status Update(RowId row, std::span<const Assignment> values);
+    Status Delete(RowId row);
+
+private:
+    /// What an index holds of one row.
+    struct Key {
+        std::string bytes;
+        bool hasEntry = true;  // false: all columns Null, and the index leaves such rows out
+        bool allNull = false;
+    };
+    /// Where a row's bytes lie: in its own slot, or in the one that it has moved to.
+    struct Place {
+        RowId own;
+        std::optional<RowId> moved;
+        [[nodiscard]] RowId Bytes() const { return moved.value_or(own); }
+    };
+
+    template <typename Change>
+    [[nodiscard]] Status Step(Change change);
+    [[nodiscard]] Result<RowId> InsertNow(std::span<const Assignment> values);
+    Status UpdateNow(RowId row, std::span<const Assignment> values);
+    Status DeleteNow(RowId row);
+
+    Status CheckWritable() const;
+    [[nodiscard]] Result<std::vector<Value>> ValuesOf(const Row& row) const;
+    [[nodiscard]] Result<std::vector<Key>> KeysOf(std::span<const Value> values) const;
+    Status CheckKey(std::size_t index, const Key& key, const Key* before);
+    [[nodiscard]] Result<bool> HasKey(std::size_t index, const Key& key);
+    Status InsertKeys(const std::vector<Key>& keys, RowId row, const std::vector<Key>* before);
+    Status RemoveKeys(const std::vector<Key>& keys, RowId row, const std::vector<Key>* after);
+
+    Status Assign(RowImage& image, std::vector<Value>& values, const Assignment& assignment);
+    Status NumberRow(RowImage& image, std::vector<Value>& values,
+                     std::span<const Assignment> assigned);
+    [[nodiscard]] Result<RowId> PlaceRow(Bytes row, std::uint16_t flags);
+    [[nodiscard]] Result<Place> Find(RowId row);
+    Status ReplaceRow(const Place& place, Bytes row);
+    Status DeleteSlot(RowId slot);
+    Status Count(int change);
+
+    Table& table_;
+    const FileContext& file_;
+};
+
+}  // namespace jet

@@ -1,0 +1,104 @@
+#include "TestDisk.h"
+
+#include <algorithm>
+
+namespace jet {
+namespace {
+
+Status PowerOff() {
+    return {StatusCode::Io, "the power is off"};
+}
+
+}  // namespace
+
+class TestDisk::Handle final : public File {
+public:
+    Handle(TestDisk& disk, std::shared_ptr<FileContent> content)
+        : disk_(disk), content_(std::move(content)) {}
+
+    Result<std::size_t> Read(std::uint64_t offset, std::span<std::byte> into) const override {
+        const auto& now = content_->now;
+        if (offset >= now.size()) return std::size_t{0};
+        const std::size_t count = std::min<std::size_t>(into.size(), now.size() - offset);
+        std::copy_n(now.begin() + static_cast<std::ptrdiff_t>(offset), count, into.begin());
+        return count;
+    }
+    Result<FileStamp> Stamp() const override {
+        return FileStamp{content_->now.size(), disk_.changes_, disk_.changes_, true};
+    }
+    Status Write(std::uint64_t offset, std::span<const std::byte> bytes) override {
+        const bool fails = disk_.Fails();
+        if (fails && disk_.operations_ > disk_.failFrom_ + 1) return PowerOff();
+        if (fails) bytes = bytes.first(bytes.size() / 2);
+        Do({offset, {bytes.begin(), bytes.end()}, false});
+        return fails ? PowerOff() : Status();
+    }
+    Status Resize(std::uint64_t size) override {
+        if (disk_.Fails()) return PowerOff();
+        Do({size, {}, true});
+        return {};
+    }
+    Status Sync() override {
+        if (disk_.Fails()) return PowerOff();
+        content_->durable = content_->now;
+        content_->pending.clear();
+        return {};
+    }
+
+private:
+    void Do(TestDisk::Write write) {
+        Apply(write, content_->now);
+        content_->pending.push_back(std::move(write));
+        ++disk_.changes_;
+    }
+
+    TestDisk& disk_;
+    std::shared_ptr<FileContent> content_;
+};
+
+void TestDisk::Apply(const Write& write, std::vector<std::byte>& content) {
+    if (write.isResize) {
+        content.resize(write.offset);
+        return;
+    }
+    content.resize(std::max<std::size_t>(content.size(), write.offset + write.bytes.size()));
+    std::copy(write.bytes.begin(), write.bytes.end(),
+              content.begin() + static_cast<std::ptrdiff_t>(write.offset));
+}
+
+Result<std::unique_ptr<File>> TestDisk::Open(const std::string& path, OpenMode /*mode*/) {
+    const auto found = files_.find(path);
+    if (found == files_.end()) return Status::NotFound("no such file");
+    return std::unique_ptr<File>(std::make_unique<Handle>(*this, found->second));
+}
+
+Result<std::unique_ptr<File>> TestDisk::Create(const std::string& path) {
+    if (Fails()) return PowerOff();
+    if (files_.contains(path)) return Status(StatusCode::Io, "the file exists");
+    files_[path] = std::make_shared<FileContent>();
+    return Open(path, OpenMode::ReadWrite);
+}
+
+Status TestDisk::Remove(const std::string& path) {
+    if (Fails()) return PowerOff();
+    files_.erase(path);
+    return {};
+}
+
+void TestDisk::Put(const std::string& path, std::vector<std::byte> content) {
+    files_[path] = std::make_shared<FileContent>(FileContent{content, content, {}});
+}
+
+void TestDisk::CutPower(std::mt19937& random) {
+    for (auto& [path, content] : files_) {
+        std::vector<std::byte> left = content->durable;
+        for (const Write& write : content->pending) {
+            if (random() % 2 == 0) Apply(write, left);
+        }
+        // Handles of before the cut keep what they had.
+        content = std::make_shared<FileContent>(FileContent{left, left, {}});
+    }
+    FailFrom(-1);
+}
+
+}  // namespace jet

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "jet/Disk.h"
+
+namespace jet {
+
+/// Files in memory whose power can be cut: what was written and not synced may then be lost, in
+/// any part. Every write, change of size, sync, making and removing of a file counts as one
+/// operation, and from a chosen one on all of them fail.
+class TestDisk final : public Disk {
+public:
+    Result<std::unique_ptr<File>> Open(const std::string& path, OpenMode mode) override;
+    Result<std::unique_ptr<File>> Create(const std::string& path) override;
+    Status Remove(const std::string& path) override;
+
+    void Put(const std::string& path, std::vector<std::byte> content);
+    [[nodiscard]] const std::vector<std::byte>& Content(const std::string& path) const {
+        return files_.at(path)->now;
+    }
+    [[nodiscard]] bool Has(const std::string& path) const { return files_.contains(path); }
+
+    [[nodiscard]] int Operations() const { return operations_; }
+    /// Operation number `first` and all behind it fail; the write that fails first is done by
+    /// half. Negative: none fails.
+    void FailFrom(int first) {
+        operations_ = 0;
+        failFrom_ = first;
+    }
+    /// What is on the disk when the power comes back: of each write that was not synced, chance
+    /// decides.
+    void CutPower(std::mt19937& random);
+
+private:
+    struct Write {
+        std::uint64_t offset;
+        std::vector<std::byte> bytes;
+        bool isResize = false;  // to `offset` bytes
+    };
+    struct FileContent {
+        std::vector<std::byte> now;
+        std::vector<std::byte> durable;
+        std::vector<Write> pending;
+    };
+    class Handle;
+
+    [[nodiscard]] bool Fails() { return operations_++ >= failFrom_ && failFrom_ >= 0; }
+    static void Apply(const Write& write, std::vector<std::byte>& content);
+
+    std::map<std::string, std::shared_ptr<FileContent>> files_;
+    int operations_ = 0;
+    int failFrom_ = -1;
+    std::int64_t changes_ = 0;
+};
+
+}  // namespace jet
