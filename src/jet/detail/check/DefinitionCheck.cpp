@@ -12,7 +12,7 @@ namespace {
 constexpr std::uint8_t kDefinitionType = 2;
 constexpr std::size_t kPageHeader = 8;
 constexpr std::size_t kLength = 8;
-constexpr std::size_t kMaxLength = 256 * 1024;
+constexpr std::size_t kMaxLength = std::size_t{256} << 10;
 constexpr std::uint32_t kMostLogicalRole = 2;
 
 // Bytes of the parts of a definition.
@@ -83,7 +83,7 @@ void DefinitionCheck::Check(TableEntry& entry) {
         if (!column.IsLongValue()) continue;
         std::ignore = pages_.AddOwner(name + ", column \"" + column.name + "\"");
     }
-    CheckLength(table, stream_);
+    CheckLength(table);
     CheckColumns(table);
     CheckIndexes(table);
     ClaimMaps(table);
@@ -133,12 +133,12 @@ bool DefinitionCheck::CheckChain(const std::string& name, PageNo first, OwnerId 
     return true;
 }
 
-void DefinitionCheck::CheckLength(const CheckedTable& table, const std::vector<std::byte>& stream) {
+void DefinitionCheck::CheckLength(const CheckedTable& table) {
     const std::size_t expected = LengthOf(table.def);
-    if (expected != stream.size()) {
-        Error(table.name, "its definition states " + std::to_string(stream.size()) +
+    if (expected != stream_.size()) {
+        Error(table.name, "its definition states " + std::to_string(stream_.size()) +
                               " bytes and takes " + std::to_string(expected));
-    } else if (LoadU16(stream, stream.size() - kEndMark) != 0xFFFF) {
+    } else if (LoadU16(stream_, stream_.size() - kEndMark) != 0xFFFF) {
         Error(table.name, "its definition lacks the mark at its end");
     }
 }

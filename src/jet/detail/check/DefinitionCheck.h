@@ -51,7 +51,7 @@ private:
     };
 
     [[nodiscard]] bool CheckChain(const std::string& name, PageNo first, OwnerId owner);
-    void CheckLength(const CheckedTable& table, const std::vector<std::byte>& stream);
+    void CheckLength(const CheckedTable& table);
     void CheckColumns(const CheckedTable& table);
     void CheckIndexes(const CheckedTable& table);
     void ClaimMaps(const CheckedTable& table);

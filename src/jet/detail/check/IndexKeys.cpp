@@ -44,7 +44,6 @@ bool CanMakeKeys(const TableDef& def, const RealIndex& index) {
 Status MakeIndexKey(PageCache& cache, const TableDef& def, const RealIndex& index,
                     const RowView& row, IndexKey& key) {
     key.bytes.clear();
-    key.hasNull = false;
     bool hasValue = false;
     Value value;
     for (const IndexColumn& part : index.columns) {
@@ -62,9 +61,7 @@ Status MakeIndexKey(PageCache& cache, const TableDef& def, const RealIndex& inde
             JET_TRY(ReadKeyText(cache, *memo, text));
             value = std::move(text);
         }
-        const bool isNull = std::holds_alternative<Null>(value);
-        key.hasNull = key.hasNull || isNull;
-        hasValue = hasValue || !isNull;
+        hasValue = hasValue || !std::holds_alternative<Null>(value);
         JET_TRY(AppendKey(column, part.ascending, value, key.bytes));
     }
     key.isInIndex = hasValue || !index.IgnoresNulls();

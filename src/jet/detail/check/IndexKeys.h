@@ -27,7 +27,6 @@ struct IndexSum {
 /// The key of a row in one index.
 struct IndexKey {
     std::string bytes;
-    bool hasNull = false;
     bool isInIndex = true;  // false: the index leaves out rows with nothing but Nulls
 };
 

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <bit>
-#include <utility>
 
 #include "jet/detail/Bytes.h"
 #include "jet/detail/check/DataPageCheck.h"
@@ -15,16 +14,23 @@ constexpr std::uint8_t kInline = 0;
 constexpr std::uint8_t kBitmapPageType = 5;
 constexpr std::size_t kBitmapHeader = 4;  // bytes
 constexpr std::uint32_t kBitmapPages = (kPageSizeJet4 - kBitmapHeader) * 8;
-constexpr std::uint8_t kPageTypes = 10;
+constexpr int kUnwritten = 0;
+constexpr int kFormerDefinition = 8;
+constexpr int kFormerData = 9;
+constexpr int kPageTypes = 10;
+
+// What is to be said of a page; a page type says that a free page still has it.
+constexpr int kFine = -1;
+constexpr int kLost = -2;
 
 /// What kind of page a type byte stands for.
-const char* TypeText(std::uint8_t type) {
+const char* TypeText(int type) {
     constexpr std::array<const char*, kPageTypes> kNames = {
         "an unwritten page", "a data page",   "a table definition",
         "an index node",     "an index leaf", "a usage map",
         "unknown",           "unknown",       "a former definition",
         "a former data page"};
-    return type < kNames.size() ? kNames[type] : "unknown";
+    return type < kPageTypes ? kNames[static_cast<std::size_t>(type)] : "unknown";
 }
 
 /// Calls `each` for every set bit, which stands for the page first + its position.
@@ -158,46 +164,45 @@ void MapCheck::CheckFreeSpace(std::uint32_t pointer, OwnerId owner) {
     });
 }
 
-void MapCheck::CheckFreePage(PageNo page) {
+int MapCheck::StateOf(PageNo page) {
+    const OwnerId owner = pages_.OwnerOf(page);
+    if (!isFree_[Raw(page)]) return owner == OwnerId::Nobody ? kLost : kFine;
+    if (owner != OwnerId::Nobody) {
+        report_.Error(Subject::Pages, PageText(page) + ": belongs to " + pages_.NameOf(owner) +
+                                          " and is free at the same time");
+        return kFine;
+    }
     Result<PageRef> ref = cache_.ReadOnce(page);
     if (!ref.IsOk()) {
         report_.Error(Subject::Pages, ref.GetStatus().Text());
-        return;
+        return kFine;
     }
-    const std::uint8_t type = LoadU8(ref->Bytes(), 0);
-    if (type == 0 || type == 8 || type == 9) return;
-    report_.Warn(Subject::Pages, PageText(page) + ": is free and still has type " +
-                                     std::to_string(type) + " (" + TypeText(type) + ")");
+    const int type = LoadU8(ref->Bytes(), 0);
+    return type == kUnwritten || type == kFormerDefinition || type == kFormerData ? kFine : type;
 }
 
 void MapCheck::CheckAccounting() {
     if (isFree_.empty()) return;
-    std::uint32_t lost = 0;  // pages in a row in front of `page` that are neither owned nor free
-    for (std::uint32_t page = 0; page < isFree_.size() && !report_.IsStopped(); ++page) {
-        const OwnerId owner = pages_.OwnerOf(PageNo{page});
-        if (owner == OwnerId::Nobody && !isFree_[page]) {
-            ++lost;
-            continue;
-        }
-        ReportLost(page, std::exchange(lost, 0));
-        if (!isFree_[page]) continue;
-        if (owner == OwnerId::Nobody) {
-            CheckFreePage(PageNo{page});
-        } else {
-            report_.Error(Subject::Pages, PageText(PageNo{page}) + ": belongs to " +
-                                              pages_.NameOf(owner) +
-                                              " and is free at the same time");
-        }
+    // Neighbours of the same state make one finding.
+    int state = kFine;
+    std::uint32_t begin = 0;
+    for (std::uint32_t page = 0; page <= isFree_.size() && !report_.IsStopped(); ++page) {
+        const int next = page < isFree_.size() ? StateOf(PageNo{page}) : kFine;
+        if (next == state) continue;
+        if (state != kFine) WarnOf(begin, page, state);
+        state = next;
+        begin = page;
     }
-    ReportLost(pages_.PageCount(), lost);
 }
 
-void MapCheck::ReportLost(std::uint32_t end, std::uint32_t count) {
-    if (count == 0) return;
+void MapCheck::WarnOf(std::uint32_t begin, std::uint32_t end, int state) {
     const std::string pages =
-        count == 1 ? PageText(PageNo{end - 1})
-                   : "pages " + std::to_string(end - count) + " to " + std::to_string(end - 1);
-    report_.Warn(Subject::Pages, pages + ": neither free nor in use by anything");
+        end - begin == 1 ? PageText(PageNo{begin})
+                         : "pages " + std::to_string(begin) + " to " + std::to_string(end - 1);
+    report_.Warn(Subject::Pages,
+                 pages + (state == kLost ? std::string(": neither free nor in use by anything")
+                                         : ": free, and still of type " + std::to_string(state) +
+                                               " (" + TypeText(state) + ")"));
 }
 
 }  // namespace jet::check

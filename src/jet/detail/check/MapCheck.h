@@ -34,9 +34,9 @@ private:
     void ForEachPage(const UsageMap& map, const std::string& name,
                      const std::function<bool(PageNo)>& each);
     [[nodiscard]] Bytes OpenBitmap(PageNo page, const std::string& name, PageRef& ref);
-    void CheckFreePage(PageNo page);
-    /// The `count` pages in front of `end`.
-    void ReportLost(std::uint32_t end, std::uint32_t count);
+    /// kFine, kLost or the type that a free page still has.
+    [[nodiscard]] int StateOf(PageNo page);
+    void WarnOf(std::uint32_t begin, std::uint32_t end, int state);
 
     PageCache& cache_;
     Reporter& report_;
