@@ -17,8 +17,15 @@ ExitStatus Check(const std::string& file, std::FILE* out, std::FILE* err) {
         output.Append('\n');
         return output.Error().empty();
     };
-    auto opened = jet::OpenFile(paths::ToNative(file));
-    const jet::Status status = opened.IsOk() ? jet::Check(**opened, print) : opened.GetStatus();
+    jet::Status status;
+    if (auto database = OpenFile(file); database.IsOk()) {
+        status = (*database)->WhileQuiet([&](jet::File& f) { return jet::Check(f, print); });
+    } else if (auto plain = jet::OpenFile(paths::ToNative(file)); plain.IsOk()) {
+        // What cannot be opened as a database can still be told to be none.
+        status = jet::Check(**plain, print);
+    } else {
+        status = plain.GetStatus();
+    }
     if (!status.IsOk()) messages.Report(status);
     const ExitStatus exit = messages.Finish(output);
     return hasErrors ? kFailure : exit;

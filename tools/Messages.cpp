@@ -23,9 +23,7 @@ ExitStatus Messages::Finish(TextBuffer& out) {
 }
 
 jet::Result<std::unique_ptr<jet::Database>> OpenFile(const std::string& file) {
-    auto opened = jet::OpenFile(paths::ToNative(file));
-    if (!opened.IsOk()) return opened.GetStatus();
-    return jet::Database::Open(std::move(*opened));
+    return jet::Database::Open(paths::ToNative(file));
 }
 
 }  // namespace tools

@@ -98,13 +98,16 @@ void Connection::Open(std::string_view connectionString, std::string_view /*user
                        "The connection string names no data source.");
     }
     const std::string native = paths::ToNative(source);
-    auto file = jet::OpenFile(native);
-    if (!file.IsOk() && file.GetStatus().Code() == jet::StatusCode::NotFound) {
+    auto database = jet::Database::Open(jet::SystemDisk(), native, jet::OpenMode::ReadWrite);
+    if (!database.IsOk() && database.GetStatus().Code() == jet::StatusCode::Permission) {
+        // What may not be written can still be looked at.
+        database = jet::Database::Open(jet::SystemDisk(), native, jet::OpenMode::Read);
+    }
+    if (!database.IsOk() && database.GetStatus().Code() == jet::StatusCode::NotFound) {
         std::string text = "Could not find file \"" + source + "\"";
         if (native != source) text += " (looked for \"" + native + "\")";
         throw AdoError(ErrorNumber::kUnspecified, text + ".");
     }
-    auto database = jet::Database::Open(Check(std::move(file), source));
     rep_->database = Check(std::move(database), source);
     if (rep_->database->HasPassword()) {
         rep_->database.reset();

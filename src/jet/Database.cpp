@@ -1,6 +1,7 @@
 #include "jet/Database.h"
 
 #include <array>
+#include <chrono>
 #include <tuple>
 
 #include "jet/detail/FileHeader.h"
@@ -14,6 +15,9 @@ constexpr std::uint32_t kFewestPages = 3;           // header, global map, catal
 constexpr std::int32_t kTableObject = 1;            // column Type of the catalog
 constexpr std::uint32_t kSystemFlags = 0x80000002;  // column Flags: made by the system
 constexpr const char* kCatalogName = "MSysObjects";
+
+constexpr std::chrono::milliseconds kWriterWait{5'000};
+constexpr std::chrono::milliseconds kCommitWait{5'000};
 
 /// The columns of the catalog that matter here, by position.
 struct CatalogColumns {
@@ -63,11 +67,17 @@ Database::Database(std::unique_ptr<File> file, std::size_t cacheBytes)
     : file_(std::move(file)), cache_(*file_, cacheBytes), context_{cache_, Format::Jet4, nullptr} {}
 
 Result<std::unique_ptr<Database>> Database::Open(const std::string& path, std::size_t cacheBytes) {
-    Result<std::unique_ptr<File>> file = OpenFile(path);
-    const auto named = [&](const Status& status) { return status.In("\"" + path + "\""); };
-    if (!file.IsOk()) return named(file.GetStatus());
-    Result<std::unique_ptr<Database>> database = Open(std::move(*file), cacheBytes);
-    if (!database.IsOk()) return named(database.GetStatus());
+    return Open(SystemDisk(), path, OpenMode::Read, cacheBytes);
+}
+
+Result<std::unique_ptr<Database>> Database::Open(Disk& disk, const std::string& path, OpenMode mode,
+                                                 std::size_t cacheBytes) {
+    Result<std::unique_ptr<File>> file = disk.Open(path, mode);
+    if (!file.IsOk()) return file.GetStatus();
+    // Before it is known to be a database, nothing is put beside it.
+    std::unique_ptr<Database> database;
+    JET_ASSIGN(database, Open(std::move(*file), cacheBytes));
+    JET_TRY(database->Join(disk, path, mode));
     return database;
 }
 
@@ -78,62 +88,115 @@ Result<std::unique_ptr<Database>> Database::Open(std::unique_ptr<File> file,
     return database;
 }
 
-Result<std::unique_ptr<Database>> Database::OpenForWriting(Disk& disk, const std::string& path,
-                                                           std::size_t cacheBytes) {
-    const auto named = [&](const Status& status) { return status.In("\"" + path + "\""); };
-    Result<std::unique_ptr<File>> file = disk.Open(path, OpenMode::ReadWrite);
-    if (!file.IsOk()) return named(file.GetStatus());
-    Result<bool> putBack = Journal::RollBack(disk, path, **file);
-    if (!putBack.IsOk()) return named(putBack.GetStatus());
-    Result<std::unique_ptr<Database>> database = Open(std::move(*file), cacheBytes);
-    if (!database.IsOk()) return named(database.GetStatus());
-    (*database)->disk_ = &disk;
-    (*database)->path_ = path;
-    return database;
+Status Database::Join(Disk& disk, const std::string& path, OpenMode mode) {
+    disk_ = &disk;
+    path_ = path;
+    mode_ = mode;
+    JET_ASSIGN(locks_, disk.OpenLocks(path, mode));
+    cache_.SetLocks(locks_.get(), [this] { return Recover(); });
+    return Recover().GetStatusOrOk();
+}
+
+Status Database::WhileQuiet(const std::function<Status(File&)>& action) {
+    const ReadScope scope(cache_);
+    JET_TRY(scope.GetStatus());
+    return action(*file_);
+}
+
+std::vector<std::string> Database::OtherUsers() const {
+    return locks_ ? locks_->OtherUsers() : std::vector<std::string>();
+}
+
+/// True when a program that died had left a change, and it has been put back.
+Result<bool> Database::Recover() {
+    bool exists = false;
+    JET_ASSIGN(exists, Journal::Exists(*disk_, path_));
+    // A journal belongs to the program that is writing, if there is one.
+    if (!exists || locks_->IsWriterAtWork()) return false;
+    JET_TRY(locks_->LockWriter(kWriterWait));
+    Result<bool> putBack = RollBackJournal();
+    locks_->UnlockWriter();
+    return putBack;
+}
+
+/// REQUIRES: this program holds the writer lock.
+Result<bool> Database::RollBackJournal() {
+    bool exists = false;
+    JET_ASSIGN(exists, Journal::Exists(*disk_, path_));
+    if (!exists) return false;
+    Result<std::unique_ptr<File>> file = disk_->Open(path_, OpenMode::ReadWrite);
+    if (!file.IsOk()) return file.GetStatus().In("an interrupted change cannot be taken back");
+    JET_TRY(locks_->LockPages({}, kCommitWait));
+    Result<bool> putBack = Journal::RollBack(*disk_, path_, **file);
+    locks_->UnlockPages();
+    return putBack;
 }
 
 Status Database::Begin() {
-    if (disk_ == nullptr) {
+    if (mode_ != OpenMode::ReadWrite) {
         return {StatusCode::Permission, "the database is open for reading only"};
     }
     if (context_.format != Format::Jet4) {
         return Status::Unsupported("only Jet 4 files can be written");
     }
     JET_TRY(Status(broken_));
-    if (depth_ == 0) {
-        JET_TRY(cache_.Revalidate());
-        cache_.Begin();
-        isRolledBack_ = false;
-    } else if (isRolledBack_) {
-        return Status::BadArgument("the transaction has been rolled back and not been ended");
+    if (depth_ > 0) {
+        if (isRolledBack_) {
+            return Status::BadArgument("the transaction has been rolled back and not been ended");
+        }
+        ++depth_;
+        return {};
     }
-    ++depth_;
+    JET_TRY(locks_->LockWriter(kWriterWait));
+    Status status = RollBackJournal().GetStatusOrOk();
+    if (status.IsOk()) status = cache_.Revalidate();
+    if (!status.IsOk()) {
+        locks_->UnlockWriter();
+        return status;
+    }
+    cache_.Begin();
+    isRolledBack_ = false;
+    depth_ = 1;
     return {};
+}
+
+Status Database::EndTransaction(bool committed) {
+    Status status = cache_.End(committed);
+    locks_->UnlockWriter();
+    return status;
 }
 
 Status Database::Commit() {
     if (depth_ == 0) return Status::BadArgument("there is no transaction to commit");
     if (--depth_ > 0) return {};
     if (isRolledBack_) return Status::BadArgument("the transaction has been rolled back");
-    if (!cache_.HasChanges()) return cache_.End(true);
+    Status status = cache_.HasChanges() ? WriteTransaction() : Status();
+    if (status.IsOk()) return EndTransaction(true);
+    std::ignore = EndTransaction(false);  // the failure to be told is the first one
+    return status;
+}
+
+/// The three steps of Journal. After a failure the file is as it was, or broken_ says why not.
+Status Database::WriteTransaction() {
     Status status =
         Journal::Write(*disk_, path_, cache_.PageSize(), cache_.SizeBefore(), cache_.Before());
+    if (status.IsOk()) status = locks_->LockPages(cache_.ChangedPages(), kCommitWait);
     if (!status.IsOk()) {
         // The database has not been touched, and a journal that stays behind does no harm.
         std::ignore = Journal::Remove(*disk_, path_);
-        std::ignore = cache_.End(false);
         return status;
     }
     status = cache_.WriteChanges();
     if (status.IsOk()) status = Journal::Remove(*disk_, path_);
-    if (status.IsOk()) return cache_.End(true);
-    // What has reached the database is put back now, or from the journal when it is opened next.
-    Status putBack = cache_.WriteBack();
-    if (putBack.IsOk()) putBack = Journal::Remove(*disk_, path_);
-    if (!putBack.IsOk()) {
-        broken_ = putBack.In("a failed change could not be taken back; open the file again");
+    if (!status.IsOk()) {
+        // What has reached the database is put back now, or from the journal at the next opening.
+        Status putBack = cache_.WriteBack();
+        if (putBack.IsOk()) putBack = Journal::Remove(*disk_, path_);
+        if (!putBack.IsOk()) {
+            broken_ = putBack.In("a failed change could not be taken back; open the file again");
+        }
     }
-    std::ignore = cache_.End(false);  // the failure to be told is the first one
+    locks_->UnlockPages();
     return status;
 }
 
@@ -142,7 +205,7 @@ Status Database::Rollback() {
     --depth_;
     if (isRolledBack_) return {};
     isRolledBack_ = depth_ > 0;
-    return cache_.End(false);
+    return EndTransaction(false);
 }
 
 Status Database::ReadHeader() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -26,29 +27,36 @@ class Database {
 public:
     static constexpr std::size_t kDefaultCache = std::size_t{16} << 20;  // bytes
 
-    /// Opens for reading and changes nothing. Fails for what is no Jet 3 or Jet 4 file, for an
-    /// encrypted one and for one that is too short to hold a catalog.
+    /// Opens a file that other programs may have open too, as a user among them: see Locks. First
+    /// puts back what a program that died has left. Fails, and has changed nothing, for what is no
+    /// Jet 3 or Jet 4 file, for an encrypted one and for one that is too short to hold a catalog.
+    /// `disk` is borrowed and must outlive the database. The messages do not name the file.
+    [[nodiscard]] static Result<std::unique_ptr<Database>> Open(
+        Disk& disk, const std::string& path, OpenMode mode, std::size_t cacheBytes = kDefaultCache);
+    /// For reading, from the system's files.
     [[nodiscard]] static Result<std::unique_ptr<Database>> Open(
         const std::string& path, std::size_t cacheBytes = kDefaultCache);
+    /// For reading a file that nobody else uses.
     [[nodiscard]] static Result<std::unique_ptr<Database>> Open(
         std::unique_ptr<File> file, std::size_t cacheBytes = kDefaultCache);
-
-    /// Opens for reading and writing, and first puts back what an interrupted transaction has left.
-    /// `disk` is borrowed and must outlive the database. No other program may have the file open
-    /// for writing at the same time.
-    [[nodiscard]] static Result<std::unique_ptr<Database>> OpenForWriting(
-        Disk& disk, const std::string& path, std::size_t cacheBytes = kDefaultCache);
 
     // A transaction joins changes to one: all of them are in the file, or none. Begin inside a
     // transaction joins it, and only the outermost Commit writes; a Rollback takes everything
     // back, and the outer Commit then fails.
+    /// Busy when another program does not end its transaction in time.
     Status Begin();
     /// The order of writes is that of Journal. When it fails, nothing of the transaction is left.
+    /// Busy when another program goes on reading, or holds a page that has to be written.
     Status Commit();
     Status Rollback();
     [[nodiscard]] bool InTransaction() const { return depth_ > 0; }
 
     [[nodiscard]] jet::Format FileFormat() const { return context_.format; }
+    /// Runs `action` while no other program writes the file.
+    Status WhileQuiet(const std::function<Status(File&)>& action);
+    /// Computer names of the other programs that have the file open.
+    [[nodiscard]] std::vector<std::string> OtherUsers() const;
+    [[nodiscard]] bool IsWritable() const { return mode_ == OpenMode::ReadWrite; }
     /// True when the file asks its users for a password. Its content is readable all the same.
     [[nodiscard]] bool HasPassword() const { return hasPassword_; }
 
@@ -63,6 +71,11 @@ public:
 private:
     Database(std::unique_ptr<File> file, std::size_t cacheBytes);
     Status ReadHeader();
+    Status Join(Disk& disk, const std::string& path, OpenMode mode);
+    [[nodiscard]] Result<bool> Recover();
+    [[nodiscard]] Result<bool> RollBackJournal();
+    Status WriteTransaction();
+    Status EndTransaction(bool committed);
 
     std::unique_ptr<File> file_;
     PageCache cache_;
@@ -70,9 +83,11 @@ private:
     FileContext context_;
     bool hasPassword_ = false;
 
-    // While open for writing.
+    // Null for a file that nobody else uses.
     Disk* disk_ = nullptr;
     std::string path_;
+    OpenMode mode_ = OpenMode::Read;
+    std::unique_ptr<Locks> locks_;
     int depth_ = 0;              // of joined transactions
     bool isRolledBack_ = false;  // inside an outer transaction that is still to end
     Status broken_;              // why nothing more can be written until the file is opened again

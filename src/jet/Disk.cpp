@@ -128,6 +128,10 @@ public:
         return std::unique_ptr<File>(std::move(file));
     }
 
+    Result<std::unique_ptr<Locks>> OpenLocks(const std::string& database, OpenMode mode) override {
+        return OpenLockFile(database, mode == OpenMode::ReadWrite);
+    }
+
     Status Remove(const std::string& path) override {
         if (::unlink(path.c_str()) != 0) {
             if (errno == ENOENT) return {};

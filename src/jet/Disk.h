@@ -4,6 +4,7 @@
 #include <string>
 
 #include "jet/File.h"
+#include "jet/Locks.h"
 
 namespace jet {
 
@@ -21,6 +22,9 @@ public:
                                                              OpenMode mode) = 0;
     /// Makes a new, empty file; fails when there is one. The name is durable on return.
     [[nodiscard]] virtual Result<std::unique_ptr<File>> Create(const std::string& path) = 0;
+    /// The locks of the programs that use a database; see Locks.
+    [[nodiscard]] virtual Result<std::unique_ptr<Locks>> OpenLocks(const std::string& database,
+                                                                   OpenMode mode) = 0;
     /// Removes a file durably; no failure when there is none.
     [[nodiscard]] virtual Status Remove(const std::string& path) = 0;
 };

@@ -19,6 +19,7 @@ Result<IndexPage> IndexCursor::Open(PageNo page) {
 Result<IndexCursor> IndexCursor::Seek(PageCache& cache, PageNo table, PageNo root,
                                       const std::string& from) {
     IndexCursor cursor(cache, table, root);
+    cursor.from_ = from;
     JET_TRY(cursor.Descend(from));
     return cursor;
 }
@@ -57,10 +58,14 @@ Result<bool> IndexCursor::Next() {
 }
 
 Status IndexCursor::GoToNextLeaf() {
+    const ReadScope scope(*cache_);
+    JET_TRY(scope.GetStatus());
+    if (generation_ != cache_->Generation()) {
+        // Another program has changed the file: the leaves may hang together in another way.
+        JET_TRY(Descend(entry_.empty() ? from_ : entry_ + std::string(1, '\0')));
+        if (at_ < leaf_->Count()) return {};
+    }
     const PageNo next = leaf_->Next();
-    JET_TRY(cache_->Revalidate());
-    // When another program has changed the file, the leaves may hang together in another way.
-    if (generation_ != cache_->Generation()) return Descend(entry_ + std::string(1, '\0'));
     if (Raw(next) == 0) {
         leaf_.reset();
         return {};

@@ -42,6 +42,7 @@ private:
     PageNo table_;
     PageNo root_;
     std::string name_;
+    std::string from_;
     std::uint64_t generation_ = 0;   // of the page cache when leaf_ was read
     std::optional<IndexPage> leaf_;  // empty at the end
     std::size_t at_ = 0;             // the next entry of leaf_

@@ -22,6 +22,14 @@ Status LongValueReader::Damage(const std::string& what) const {
 }
 
 Result<Bytes> LongValueReader::NextRow(RowId id, std::size_t atLeast) {
+    const ReadScope scope(cache_);
+    JET_TRY(scope.GetStatus());
+    if (generation_ == 0) generation_ = cache_.Generation();
+    if (generation_ != cache_.Generation()) {
+        return Status(StatusCode::Conflict,
+                      "another program has changed the file while the value on " +
+                          RowText(value_.first) + " was read; read it again");
+    }
     const std::string name = "long value on " + RowText(id);
     PageRef ref;
     JET_ASSIGN(ref, cache_.Read(id.page));

@@ -78,7 +78,12 @@ Status Row::Read(std::size_t column, Value& value) const {
 }
 
 Result<bool> RowCursor::NextPage() {
-    JET_TRY(Reopen());
+    const ReadScope scope(file_->cache);
+    Status status = scope.GetStatus();
+    if (status.IsOk()) status = Reopen();
+    // Who was only kept waiting may ask again.
+    if (!status.IsOk()) atEnd_ = status.Code() != StatusCode::Busy;
+    JET_TRY(status);
     Result<std::optional<PageNo>> next = pages_.Next(nextPage_);
     if (!next.IsOk()) {
         const std::optional<PageNo> behind = pages_.BehindDamage();
@@ -100,13 +105,10 @@ Result<bool> RowCursor::NextPage() {
 
 /// Reads the table's map again when another program has changed the file.
 Status RowCursor::Reopen() {
-    atEnd_ = true;  // unless it succeeds
-    JET_TRY(file_->cache.Revalidate());
     if (generation_ != file_->cache.Generation()) {
         JET_ASSIGN(pages_, UsageMap::Open(file_->cache, file_->format, row_.def_->ownedMap));
         generation_ = file_->cache.Generation();
     }
-    atEnd_ = false;
     return {};
 }
 
@@ -127,7 +129,11 @@ Result<bool> RowCursor::Next() {
         row_.id_ = id;
         row_.page_ = page_;
         Result<Bytes> bytes = slot->bytes;
-        if (slot->isMoved) bytes = FollowMove(*file_, row_.def_->page, *slot, row_.page_);
+        if (slot->isMoved) {
+            bytes = MovedBytes(number);
+            // Meanwhile another program has deleted it.
+            if (bytes.GetStatusOrOk().Code() == StatusCode::NotFound) continue;
+        }
         if (!bytes.IsOk()) return named(bytes.GetStatus().In(RowText(id)));
         Result<RowView> view = RowView::Parse(file_->format, *row_.def_, *bytes);
         if (!view.IsOk()) return named(view.GetStatus().In(RowText(id)));
@@ -135,6 +141,20 @@ Result<bool> RowCursor::Next() {
         return true;
     }
     return false;
+}
+
+/// The bytes of a row that lies on two pages, both read at one time.
+Result<Bytes> RowCursor::MovedBytes(int number) {
+    const ReadScope scope(file_->cache);
+    JET_TRY(scope.GetStatus());
+    const PageNo page = page_.Number();
+    JET_ASSIGN(row_.page_, OpenOwned(*file_, file_->cache.Read(page), page, row_.def_->page));
+    if (number >= row_.page_.SlotCount()) return Status::NotFound("it has been deleted");
+    Slot slot;
+    JET_ASSIGN(slot, row_.page_.At(number));
+    if (slot.isDeleted || slot.isTarget) return Status::NotFound("it has been deleted");
+    if (!slot.isMoved) return slot.bytes;
+    return FollowMove(*file_, row_.def_->page, slot, row_.page_);
 }
 
 Table::Table(const FileContext& file, PageNo page, std::string name)
@@ -151,7 +171,8 @@ Status Table::Named(const Status& status) const {
 }
 
 Status Table::Refresh() {
-    JET_TRY(file_.cache.Revalidate());
+    const ReadScope scope(file_.cache);
+    JET_TRY(scope.GetStatus());
     if (def_ && generation_ == file_.cache.Generation()) return {};
     Result<TableDef> def = ReadTableDef(file_.cache, file_.format, file_.codePage, page_);
     if (!def.IsOk()) return Named(def.GetStatus());
@@ -165,6 +186,8 @@ Status Table::Refresh() {
 }
 
 Result<Row> Table::Fetch(RowId id) {
+    const ReadScope scope(file_.cache);
+    JET_TRY(scope.GetStatus());
     JET_TRY(Refresh());
     const auto gone = [&] {
         return Named(Status::NotFound(RowText(id) + ": there is no such row"));
@@ -226,6 +249,8 @@ Result<std::string> Table::MakeKey(std::size_t realIndex, std::span<const Value>
 }
 
 Result<IndexCursor> Table::Seek(std::size_t realIndex, const std::string& from) {
+    const ReadScope scope(file_.cache);
+    JET_TRY(scope.GetStatus());
     JET_TRY(Refresh());
     if (!CanSeek(realIndex)) {
         return Named(Status::Unsupported("its index " + std::to_string(realIndex) +

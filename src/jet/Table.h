@@ -65,6 +65,7 @@ private:
     friend class Table;
     [[nodiscard]] Result<bool> NextPage();
     Status Reopen();
+    [[nodiscard]] Result<Bytes> MovedBytes(int number);
 
     const FileContext* file_ = nullptr;
     std::string tableName_;

@@ -187,7 +187,7 @@ protected:
     }
     void Reopen() {
         database_.reset();
-        database_ = Must(Database::OpenForWriting(disk_, kProject));
+        database_ = Must(Database::Open(disk_, kProject, OpenMode::ReadWrite));
     }
 
     TestDisk disk_;
@@ -336,7 +336,7 @@ TEST_F(TableWriterTest, APowerCutLeavesTheOldRowsOrTheNew) {
     };
     TestDisk complete;
     complete.Put(kProject, start);
-    auto database = Must(Database::OpenForWriting(complete, kProject));
+    auto database = Must(Database::Open(complete, kProject, OpenMode::ReadWrite));
     const auto before = RowsOf(*database, "TidxTexts");
     complete.FailFrom(-1);
     ASSERT_OK(change(*database));
@@ -351,13 +351,13 @@ TEST_F(TableWriterTest, APowerCutLeavesTheOldRowsOrTheNew) {
             TestDisk disk;
             disk.Put(kProject, start);
             {
-                auto running = Must(Database::OpenForWriting(disk, kProject));
+                auto running = Must(Database::Open(disk, kProject, OpenMode::ReadWrite));
                 disk.FailFrom(cut);
                 const Status status = change(*running);
                 EXPECT_EQ(status.IsOk(), cut == operations);
                 disk.CutPower(random);
             }
-            auto recovered = Must(Database::OpenForWriting(disk, kProject));
+            auto recovered = Must(Database::Open(disk, kProject, OpenMode::ReadWrite));
             const auto rows = RowsOf(*recovered, "TidxTexts");
             EXPECT_TRUE(rows == before || rows == after);
             EXPECT_THAT(ErrorsIn(disk), testing::IsEmpty());

@@ -9,6 +9,17 @@ Status PowerOff() {
     return {StatusCode::Io, "the power is off"};
 }
 
+class OneProgram final : public Locks {
+public:
+    Status LockWriter(std::chrono::milliseconds) override { return {}; }
+    void UnlockWriter() override {}
+    bool IsWriterAtWork() override { return false; }
+    Status LockPagesShared(std::chrono::milliseconds) override { return {}; }
+    Status LockPages(std::span<const PageNo>, std::chrono::milliseconds) override { return {}; }
+    void UnlockPages() override {}
+    std::vector<std::string> OtherUsers() override { return {}; }
+};
+
 }  // namespace
 
 class TestDisk::Handle final : public File {
@@ -77,6 +88,10 @@ Result<std::unique_ptr<File>> TestDisk::Create(const std::string& path) {
     if (files_.contains(path)) return Status(StatusCode::Io, "the file exists");
     files_[path] = std::make_shared<FileContent>();
     return Open(path, OpenMode::ReadWrite);
+}
+
+Result<std::unique_ptr<Locks>> TestDisk::OpenLocks(const std::string&, OpenMode) {
+    return std::unique_ptr<Locks>(std::make_unique<OneProgram>());
 }
 
 Status TestDisk::Remove(const std::string& path) {

@@ -19,6 +19,8 @@ public:
     Result<std::unique_ptr<File>> Open(const std::string& path, OpenMode mode) override;
     Result<std::unique_ptr<File>> Create(const std::string& path) override;
     Status Remove(const std::string& path) override;
+    /// There is only one program.
+    Result<std::unique_ptr<Locks>> OpenLocks(const std::string& database, OpenMode mode) override;
 
     void Put(const std::string& path, std::vector<std::byte> content);
     [[nodiscard]] const std::vector<std::byte>& Content(const std::string& path) const {

@@ -7,6 +7,12 @@
 #include "jet/detail/Bytes.h"
 
 namespace jet {
+namespace {
+
+// A commit holds the pages for as long as its writes and one sync take.
+constexpr std::chrono::milliseconds kReadWait{10'000};
+
+}  // namespace
 
 PageCache::PageCache(File& file, std::size_t capacity) : file_(file), capacity_(capacity) {}
 
@@ -32,6 +38,42 @@ Status PageCache::Revalidate() {
     entries_.clear();
     index_.clear();
     return {};
+}
+
+Status PageCache::BeginRead() {
+    if (readers_ > 0 || inTransaction_ || locks_ == nullptr) {
+        JET_TRY(readers_ > 0 ? Status() : Revalidate());
+        ++readers_;
+        return {};
+    }
+    constexpr int kRounds = 3;
+    for (int round = 0; round < kRounds; ++round) {
+        JET_TRY(locks_->LockPagesShared(kReadWait));
+        const std::uint64_t generation = generation_;
+        Status status = Revalidate();
+        if (status.IsOk() && generation == generation_) {
+            ++readers_;
+            return {};
+        }
+        locks_->UnlockPages();
+        JET_TRY(status);
+        // Somebody has changed the file, and may have died while doing so.
+        bool putBack = false;
+        JET_ASSIGN(putBack, recover_());
+        if (putBack) continue;
+        JET_TRY(locks_->LockPagesShared(kReadWait));
+        if (status = Revalidate(); !status.IsOk()) {
+            locks_->UnlockPages();
+            return status;
+        }
+        ++readers_;
+        return {};
+    }
+    return {StatusCode::Busy, "programs that die while they write leave no time to read"};
+}
+
+void PageCache::EndRead() {
+    if (--readers_ == 0 && !inTransaction_ && locks_ != nullptr) locks_->UnlockPages();
 }
 
 /// The beginning of a database never changes while it is the same one.
@@ -149,6 +191,12 @@ Result<PageNo> PageCache::AddPage() {
     stepBefore_.emplace(Raw(page), nullptr);
     changed_[Raw(page)] = std::make_shared<PageRef::Image>();
     return page;
+}
+
+std::vector<PageNo> PageCache::ChangedPages() const {
+    std::vector<PageNo> pages;
+    for (const auto& [page, image] : changed_) pages.push_back(PageNo{page});
+    return pages;
 }
 
 Status PageCache::WriteChanges() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <list>
 #include <map>
 #include <memory>
@@ -8,6 +9,7 @@
 #include <vector>
 
 #include "jet/File.h"
+#include "jet/Locks.h"
 #include "jet/Status.h"
 #include "jet/Types.h"
 
@@ -59,6 +61,18 @@ public:
     /// out of the cache. Its memory is used again by the next such call unless somebody holds it.
     [[nodiscard]] Result<PageRef> ReadOnce(PageNo page);
 
+    /// `locks` (borrowed, may be null) keep other programs' commits out while something is read.
+    /// `recover` is called without a lock when another program has changed the file, and puts back
+    /// what one that died has left; true when there was something.
+    void SetLocks(Locks* locks, std::function<Result<bool>()> recover) {
+        locks_ = locks;
+        recover_ = std::move(recover);
+    }
+    // Between the two nobody changes the file, and what the cache gives is as of BeginRead. Scopes
+    // nest; see ReadScope.
+    Status BeginRead();
+    void EndRead();
+
     /// Asks the file whether another program has changed it since the last call, and forgets all
     /// pages when it may have. Generation() is then a new number. Conflict when it is another
     /// file now.
@@ -81,6 +95,7 @@ public:
     /// Adds a page of zeros at the end of the file and returns its number.
     [[nodiscard]] Result<PageNo> AddPage();
 
+    [[nodiscard]] std::vector<PageNo> ChangedPages() const;
     [[nodiscard]] bool HasChanges() const { return !changed_.empty(); }
     [[nodiscard]] const Images& Before() const { return before_; }
     /// Bytes of the file before the transaction.
@@ -119,11 +134,33 @@ private:
     std::unordered_map<std::uint32_t, Entries::iterator> index_;
     std::shared_ptr<PageRef::Image> passing_;  // of the last ReadOnce, for the next one
 
+    Locks* locks_ = nullptr;
+    std::function<Result<bool>()> recover_;
+    int readers_ = 0;  // nested scopes
+
     bool inTransaction_ = false;
     Changed changed_;
     Images before_;
     Changed stepBefore_;  // pages that this step has changed; null: not changed before it
     std::uint32_t stepPageCount_ = 0;
+};
+
+/// One reading operation.
+class ReadScope {
+public:
+    explicit ReadScope(PageCache& cache) : cache_(cache), status_(cache.BeginRead()) {}
+    ~ReadScope() {
+        if (status_.IsOk()) cache_.EndRead();
+    }
+    ReadScope(const ReadScope&) = delete;
+    ReadScope& operator=(const ReadScope&) = delete;
+
+    /// To be asked before anything is read.
+    [[nodiscard]] const Status& GetStatus() const { return status_; }
+
+private:
+    PageCache& cache_;
+    Status status_;
 };
 
 }  // namespace jet
