@@ -39,12 +39,12 @@ struct Recordset::Rep {
     enum class Place { First, Begin, Row, End };
 
     Rep(Connection& owner, RowSet set)
-        : connection(owner), rows(std::move(set)), list(rows), reader(rows) {}
+        : connection(owner), rows(std::move(set)), reader(rows), list(rows, reader) {}
 
     Connection& connection;
     RowSet rows;
-    RowList list;
     RowReader reader;
+    RowList list;
     std::unique_ptr<Expression> filter;  // null: none
     std::string filterText;
     std::string sortText;

@@ -13,7 +13,9 @@ namespace {
 
 class PosixFile final : public File {
 public:
-    PosixFile(int descriptor, std::string path) : descriptor_(descriptor), path_(std::move(path)) {}
+    /// `own` tells the file that is open.
+    PosixFile(int descriptor, std::string path, const struct stat& own)
+        : descriptor_(descriptor), path_(std::move(path)), device_(own.st_dev), node_(own.st_ino) {}
     ~PosixFile() override { ::close(descriptor_); }
     PosixFile(const PosixFile&) = delete;
     PosixFile& operator=(const PosixFile&) = delete;
@@ -36,10 +38,8 @@ public:
     Result<FileStamp> Stamp() const override {
         // By the path: a program that replaces the file leaves this one as it was, but nameless.
         struct stat named {};
-        struct stat own {};
-        if (::fstat(descriptor_, &own) != 0) return Status::FromErrno(errno, "reading its size");
-        if (::stat(path_.c_str(), &named) != 0 || named.st_ino != own.st_ino ||
-            named.st_dev != own.st_dev) {
+        if (::stat(path_.c_str(), &named) != 0 || named.st_ino != node_ ||
+            named.st_dev != device_) {
             return Status(StatusCode::Conflict,
                           "another program has replaced or removed the file; open it again");
         }
@@ -50,9 +50,9 @@ public:
         ::clock_gettime(CLOCK_REALTIME, &now);
         // The clock by which files are stamped may stand still for some milliseconds.
         constexpr std::int64_t kSettled = 20'000'000;
-        const std::int64_t changed = nanoseconds(own.st_ctim);
-        return FileStamp{static_cast<std::uint64_t>(own.st_size), nanoseconds(own.st_mtim), changed,
-                         nanoseconds(now) - changed > kSettled};
+        const std::int64_t changed = nanoseconds(named.st_ctim);
+        return FileStamp{static_cast<std::uint64_t>(named.st_size), nanoseconds(named.st_mtim),
+                         changed, nanoseconds(now) - changed > kSettled};
     }
 
     Status Write(std::uint64_t offset, std::span<const std::byte> bytes) override {
@@ -84,6 +84,8 @@ public:
 private:
     int descriptor_;
     std::string path_;
+    dev_t device_;
+    ino_t node_;
 };
 
 /// Makes the names in the folder of `path` durable.
@@ -110,9 +112,12 @@ public:
         const int descriptor = ::open(path.c_str(), access | O_CLOEXEC | O_NONBLOCK);
         if (descriptor < 0 && errno == EISDIR) return IsFolder();
         if (descriptor < 0) return Status::FromErrno(errno, "it cannot be opened");
-        auto file = std::make_unique<PosixFile>(descriptor, path);
         struct stat info {};
-        if (::fstat(descriptor, &info) != 0) return Status::FromErrno(errno, "it cannot be opened");
+        if (::fstat(descriptor, &info) != 0) {
+            ::close(descriptor);
+            return Status::FromErrno(errno, "it cannot be opened");
+        }
+        auto file = std::make_unique<PosixFile>(descriptor, path, info);
         if (S_ISDIR(info.st_mode)) return IsFolder();
         if (!S_ISREG(info.st_mode)) {
             return Status(StatusCode::BadArgument, "it is not a regular file");
@@ -123,7 +128,12 @@ public:
     Result<std::unique_ptr<File>> Create(const std::string& path) override {
         const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (descriptor < 0) return Status::FromErrno(errno, "\"" + path + "\" cannot be made");
-        auto file = std::make_unique<PosixFile>(descriptor, path);
+        struct stat info {};
+        if (::fstat(descriptor, &info) != 0) {
+            ::close(descriptor);
+            return Status::FromErrno(errno, "\"" + path + "\" cannot be made");
+        }
+        auto file = std::make_unique<PosixFile>(descriptor, path, info);
         if (Status status = SyncFolder(path); !status.IsOk()) return status;
         return std::unique_ptr<File>(std::move(file));
     }

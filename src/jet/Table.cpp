@@ -77,29 +77,45 @@ Status Row::Read(std::size_t column, Value& value) const {
     return status.In(RowText(id_) + ", column \"" + def.name + "\"");
 }
 
-Result<bool> RowCursor::NextPage() {
+/// Reads some pages at once: a look at the file for each would cost more than reading it.
+Status RowCursor::ReadAhead() {
+    constexpr std::size_t kPages = 16;
     const ReadScope scope(file_->cache);
     Status status = scope.GetStatus();
     if (status.IsOk()) status = Reopen();
     // Who was only kept waiting may ask again.
     if (!status.IsOk()) atEnd_ = status.Code() != StatusCode::Busy;
     JET_TRY(status);
-    Result<std::optional<PageNo>> next = pages_.Next(nextPage_);
-    if (!next.IsOk()) {
-        const std::optional<PageNo> behind = pages_.BehindDamage();
-        atEnd_ = !behind;
-        if (behind) nextPage_ = *behind;
-        return next.GetStatus();
+    ahead_.clear();
+    nextAhead_ = 0;
+    while (ahead_.size() < kPages && !atEnd_) {
+        Result<std::optional<PageNo>> next = pages_.Next(nextPage_);
+        if (!next.IsOk()) {
+            const std::optional<PageNo> behind = pages_.BehindDamage();
+            atEnd_ = !behind;
+            if (behind) nextPage_ = *behind;
+            ahead_.emplace_back(next.GetStatus());
+        } else if (!*next) {
+            atEnd_ = true;
+        } else {
+            nextPage_ = PageNo{Raw(**next) + 1};
+            ahead_.push_back(
+                OpenOwned(*file_, file_->cache.ReadOnce(**next), **next, row_.def_->page));
+        }
     }
-    if (!*next) {
-        atEnd_ = true;
-        return false;
+    return {};
+}
+
+Result<bool> RowCursor::NextPage() {
+    if (nextAhead_ >= ahead_.size()) {
+        if (atEnd_) return false;
+        // Rows that the caller keeps hold their pages; the cursor itself lets go of the last ones.
+        row_.page_ = DataPage();
+        JET_TRY(ReadAhead());
+        if (ahead_.empty()) return false;
     }
-    nextPage_ = PageNo{Raw(**next) + 1};
-    // Rows that the caller keeps hold their page; the cursor itself has to let go of the last one.
-    row_.page_ = DataPage();
-    JET_ASSIGN(page_, OpenOwned(*file_, file_->cache.ReadOnce(**next), **next, row_.def_->page));
     nextSlot_ = 0;
+    JET_ASSIGN(page_, std::move(ahead_[nextAhead_++]));
     return true;
 }
 
@@ -114,11 +130,12 @@ Status RowCursor::Reopen() {
 
 Result<bool> RowCursor::Next() {
     const auto named = [&](const Status& status) { return status.In(TableText(tableName_)); };
-    while (!atEnd_) {
+    for (;;) {
         if (nextSlot_ >= page_.SlotCount()) {
             page_ = DataPage();
             Result<bool> found = NextPage();
             if (!found.IsOk()) return named(found.GetStatus());
+            if (!*found) return false;
             continue;
         }
         const int number = nextSlot_++;
@@ -140,7 +157,6 @@ Result<bool> RowCursor::Next() {
         row_.view_ = *view;
         return true;
     }
-    return false;
 }
 
 /// The bytes of a row that lies on two pages, both read at one time.

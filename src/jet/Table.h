@@ -3,6 +3,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "jet/detail/CodePage.h"
 #include "jet/detail/DataPage.h"
@@ -64,6 +65,7 @@ public:
 private:
     friend class Table;
     [[nodiscard]] Result<bool> NextPage();
+    Status ReadAhead();
     Status Reopen();
     [[nodiscard]] Result<Bytes> MovedBytes(int number);
 
@@ -72,9 +74,11 @@ private:
     UsageMap pages_;
     std::uint64_t generation_ = 0;  // of the page cache when pages_ was read; 0: not yet
     PageNo nextPage_{};
+    std::vector<Result<DataPage>> ahead_;  // pages that have been read and not been used yet
+    std::size_t nextAhead_ = 0;
     DataPage page_;
     int nextSlot_ = 0;
-    bool atEnd_ = false;
+    bool atEnd_ = false;  // there are no pages behind those read ahead
     Row row_;
 };
 
@@ -92,6 +96,10 @@ public:
     /// Reads the definition again when another program has changed the file. Fetch, Scan and Seek
     /// do this first. Conflict when columns or indexes are no longer what they were.
     Status Refresh();
+
+    /// While it is there, nobody else changes the file, and several operations see it as it is at
+    /// one time. To be held for as short as possible.
+    [[nodiscard]] ReadScope Hold() const { return ReadScope(file_.cache); }
 
     /// NotFound when there is no row at this address (any more).
     [[nodiscard]] Result<Row> Fetch(RowId id);

@@ -169,8 +169,9 @@ std::unique_ptr<KeyStream> OpenTable(const RowSet& rows, std::size_t number,
 /// Lets through what meets the conditions of the statement and of the filter.
 class FilterStream final : public KeyStream {
 public:
-    FilterStream(const RowSet& rows, const Expression* filter, std::unique_ptr<KeyStream> source)
-        : rows_(rows), filter_(filter), reader_(rows), source_(std::move(source)) {}
+    FilterStream(const RowSet& rows, const Expression* filter, RowReader& reader,
+                 std::unique_ptr<KeyStream> source)
+        : rows_(rows), filter_(filter), reader_(reader), source_(std::move(source)) {}
 
     bool Next(RowKey& key) override {
         while (source_->Next(key)) {
@@ -186,7 +187,7 @@ public:
 private:
     const RowSet& rows_;
     const Expression* filter_;
-    RowReader reader_;
+    RowReader& reader_;
     std::unique_ptr<KeyStream> source_;
 };
 
@@ -380,12 +381,13 @@ Conditions AllConditions(const RowSet& rows, const Expression* filter) {
 
 }  // namespace
 
-std::unique_ptr<KeyStream> OpenStream(const RowSet& rows, const Expression* filter) {
+std::unique_ptr<KeyStream> OpenStream(const RowSet& rows, const Expression* filter,
+                                      RowReader& reader) {
     const Conditions conditions = AllConditions(rows, filter);
     auto stream =
         rows.TableCount() == 1 ? OpenTable(rows, 0, conditions) : OpenJoin(rows, conditions);
     if (rows.Where() == nullptr && filter == nullptr) return stream;
-    return std::make_unique<FilterStream>(rows, filter, std::move(stream));
+    return std::make_unique<FilterStream>(rows, filter, reader, std::move(stream));
 }
 
 std::optional<std::vector<RowKey>> LookUp(const RowSet& rows, const Expression& condition) {

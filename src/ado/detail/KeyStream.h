@@ -18,9 +18,11 @@ public:
 };
 
 /// The rows that meet the row set's own condition and `filter` (may be null). Uses an index for
-/// equalities with constants and for the join where the tables have one. Both arguments are
-/// borrowed and must outlive the stream.
-[[nodiscard]] std::unique_ptr<KeyStream> OpenStream(const RowSet& rows, const Expression* filter);
+/// equalities with constants and for the join where the tables have one. `reader` is used to read
+/// rows that have to be tested, and is left on the row handed out last. All arguments are borrowed
+/// and must outlive the stream.
+[[nodiscard]] std::unique_ptr<KeyStream> OpenStream(const RowSet& rows, const Expression* filter,
+                                                    RowReader& reader);
 
 /// The rows of a one-table row set that an index finds for a condition's equalities; a superset
 /// of the rows that meet it. Empty when no index fits.

@@ -4,6 +4,8 @@
 #include <numeric>
 #include <tuple>
 
+#include "ado/detail/ProviderError.h"
+
 namespace ado {
 namespace {
 
@@ -14,17 +16,25 @@ constexpr std::size_t kSortedUnits = 255;  // UTF-16 units
 void RowList::Restart(const Expression* filter, std::vector<SortColumn> sort) {
     Clear();
     sort_ = std::move(sort);
-    stream_ = OpenStream(rows_, filter);
+    stream_ = OpenStream(rows_, filter, reader_);
 }
 
 bool RowList::Has(std::size_t position) {
-    if (!sort_.empty() && stream_) Sort();
+    if (position < keys_.size() || !stream_) return position < keys_.size();
+    if (!sort_.empty()) Sort();
     RowKey key = 0;
     while (position >= keys_.size() && stream_) {
-        if (stream_->Next(key)) {
-            keys_.push_back(key);
-        } else {
-            stream_.reset();
+        // One look at the file for some rows; not for all, since nobody can write meanwhile.
+        constexpr std::size_t kRows = 64;
+        const jet::ReadScope scope = rows_.Table(0).Hold();
+        Check(scope.GetStatus(), rows_.File());
+        const std::size_t until = std::min(position, keys_.size() + kRows);
+        while (until >= keys_.size() && stream_) {
+            if (stream_->Next(key)) {
+                keys_.push_back(key);
+            } else {
+                stream_.reset();
+            }
         }
     }
     return position < keys_.size();
@@ -58,13 +68,12 @@ std::optional<std::size_t> RowList::Find(RowKey key) {
 void RowList::Sort() {
     std::vector<RowKey> keys;
     std::vector<std::vector<Value>> values;
-    RowReader reader(rows_);
     for (RowKey key = 0; stream_->Next(key);) {
-        if (!reader.Load(key)) continue;
+        if (!reader_.Load(key)) continue;
         keys.push_back(key);
         std::vector<Value>& row = values.emplace_back();
         for (const SortColumn& column : sort_) {
-            row.push_back(reader.Get(column.origin.table, column.origin.column));
+            row.push_back(reader_.Get(column.origin.table, column.origin.column));
             if (auto* text = std::get_if<std::u16string>(&row.back())) {
                 // What the text indexes of the file order by; a memo may be very long.
                 if (text->size() > kSortedUnits) text->assign(*text, 0, kSortedUnits);

@@ -18,8 +18,9 @@ struct SortColumn {
 /// of them; without it a row is known when it or one behind it has been asked for.
 class RowList {
 public:
-    /// Borrows the row set, which must outlive the list.
-    explicit RowList(const RowSet& rows) : rows_(rows) {}
+    /// Borrows both, which must outlive the list. `reader` is left on the row fetched last where
+    /// rows have to be tested.
+    RowList(const RowSet& rows, RowReader& reader) : rows_(rows), reader_(reader) {}
 
     /// Starts again: `filter` (borrowed, may be null) and the columns to sort by.
     void Restart(const Expression* filter, std::vector<SortColumn> sort);
@@ -40,6 +41,7 @@ private:
     void Sort();
 
     const RowSet& rows_;
+    RowReader& reader_;
     std::unique_ptr<KeyStream> stream_;  // null when everything has been fetched
     std::vector<SortColumn> sort_;
     std::vector<RowKey> keys_;

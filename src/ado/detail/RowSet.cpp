@@ -166,6 +166,8 @@ void RowSet::Bind(Expression& expression) const {
 bool RowReader::Load(RowKey key) {
     if (key_ == key) return true;
     key_.reset();
+    const jet::ReadScope scope = rows_.Table(0).Hold();
+    Check(scope.GetStatus(), rows_.File());
     for (std::size_t i = 0; i < rows_.TableCount(); ++i) {
         const auto pointer = static_cast<std::uint32_t>(i == 0 ? key >> 32 : key);
         auto row = rows_.Table(i).Fetch(jet::RowId::FromPointer(pointer));
