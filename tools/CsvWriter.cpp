@@ -65,9 +65,12 @@ void CsvWriter::Begin(const jet::TableDef& def) {
 
 void CsvWriter::Put(std::size_t column, const jet::Value& value) {
     Separate(column);
+    // The kinds that most columns have, first.
     if (const auto* text = std::get_if<std::u16string>(&value)) {
         PutText(*text);
-    } else {
+    } else if (const auto* number = std::get_if<std::int32_t>(&value)) {
+        AppendNumber(*number, out_);
+    } else if (!std::holds_alternative<jet::Null>(value)) {
         std::visit(Appender{out_}, value);
     }
 }

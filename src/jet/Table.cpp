@@ -71,8 +71,9 @@ Status Row::Read(std::size_t column, Value& value) const {
         value = Null{};
         return {};
     }
-    Result<Bytes> bytes = view_.ValueBytes(def);
-    Status status = bytes.IsOk() ? DecodeValue(def, codePage_, *bytes, value) : bytes.GetStatus();
+    Bytes bytes;
+    Status status = view_.Locate(def, bytes) ? DecodeValue(def, codePage_, bytes, value)
+                                             : view_.ValueBytes(def).GetStatus();
     if (status.IsOk()) return {};
     return status.In(RowText(id_) + ", column \"" + def.name + "\"");
 }

@@ -49,19 +49,28 @@ std::size_t RowView::VariableOffset(std::size_t index) const {
     return offset;
 }
 
-Result<Bytes> RowView::ValueBytes(const Column& column) const {
+bool RowView::Locate(const Column& column, Bytes& bytes) const {
     if (column.IsFixed()) {
         const std::size_t start = CountSize(format_) + column.fixedOffset;
-        if (start + column.length > tableEnd_) return Broken("fixed area is too short");
-        return row_.subspan(start, column.length);
+        if (start + column.length > tableEnd_) return false;
+        bytes = row_.subspan(start, column.length);
+        return true;
     }
-    if (column.variableIndex >= variableCount_) return Bytes{};
+    if (column.variableIndex >= variableCount_) {
+        bytes = {};
+        return true;
+    }
     const std::size_t start = VariableOffset(column.variableIndex);
     const std::size_t end = VariableOffset(std::size_t{column.variableIndex} + 1);
-    if (start > end || end > tableEnd_ || start < CountSize(format_)) {
-        return Broken("offsets contradict each other");
-    }
-    return row_.subspan(start, end - start);
+    if (start > end || end > tableEnd_ || start < CountSize(format_)) return false;
+    bytes = row_.subspan(start, end - start);
+    return true;
+}
+
+Result<Bytes> RowView::ValueBytes(const Column& column) const {
+    Bytes bytes;
+    if (Locate(column, bytes)) return bytes;
+    return Broken(column.IsFixed() ? "fixed area is too short" : "offsets contradict each other");
 }
 
 }  // namespace jet

@@ -29,6 +29,8 @@ public:
     }
     /// The stored bytes of a value that is not Null and no Boolean.
     [[nodiscard]] Result<Bytes> ValueBytes(const Column& column) const;
+    /// The same for loops over many values: false when the row's offsets are damaged.
+    [[nodiscard]] bool Locate(const Column& column, Bytes& bytes) const;
 
 private:
     [[nodiscard]] std::size_t VariableOffset(std::size_t index) const;
