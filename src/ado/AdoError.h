@@ -11,6 +11,7 @@ namespace ado {
 namespace ErrorNumber {
 inline constexpr std::int32_t kInvalidArgument = 3001;
 inline constexpr std::int32_t kNoCurrentRecord = 3021;
+inline constexpr std::int32_t kIllegalOperation = 3219;
 inline constexpr std::int32_t kFeatureNotAvailable = 3251;
 inline constexpr std::int32_t kItemNotFound = 3265;
 inline constexpr std::int32_t kTypeMismatch = 3421;
@@ -18,6 +19,9 @@ inline constexpr std::int32_t kObjectClosed = 3704;
 inline constexpr std::int32_t kObjectOpen = 3705;
 inline constexpr std::int32_t kProviderNotFound = 3706;
 inline constexpr std::int32_t kUnspecified = -2147467259;       // 0x80004005
+inline constexpr std::int32_t kWrongType = -2147352571;         // 0x80020005
+inline constexpr std::int32_t kDoesNotFit = -2147217887;        // 0x80040E21
+inline constexpr std::int32_t kIntegrity = -2147217873;         // 0x80040E2F
 inline constexpr std::int32_t kParameterMissing = -2147217904;  // 0x80040E10
 inline constexpr std::int32_t kSyntax = -2147217900;            // 0x80040E14
 inline constexpr std::int32_t kRowNotLocated = -2147217864;     // 0x80040E38

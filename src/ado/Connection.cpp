@@ -108,7 +108,11 @@ void Connection::Open(std::string_view connectionString, std::string_view /*user
         if (native != source) text += " (looked for \"" + native + "\")";
         throw AdoError(ErrorNumber::kUnspecified, text + ".");
     }
-    rep_->database = Check(std::move(database), source);
+    if (!database.IsOk()) {
+        throw AdoError(ErrorNumber::kUnspecified,
+                       "\"" + source + "\": " + database.GetStatus().Text() + ".");
+    }
+    rep_->database = std::move(*database);
     if (rep_->database->HasPassword()) {
         rep_->database.reset();
         throw AdoError(ErrorNumber::kNotAuthorised,
@@ -121,9 +125,27 @@ void Connection::Open(std::string_view connectionString, std::string_view /*user
 
 void Connection::Close() {
     RequireOpen(*this);
-    while (!rep_->recordsets.empty()) rep_->recordsets.back()->Close();
+    while (!rep_->recordsets.empty()) {
+        rep_->recordsets.back()->CancelUpdate();
+        rep_->recordsets.back()->Close();
+    }
     rep_->database.reset();
     rep_->source.clear();
+}
+
+void Connection::BeginTrans() {
+    RequireOpen(*this);
+    Check(rep_->database->Begin(), rep_->source);
+}
+
+void Connection::CommitTrans() {
+    RequireOpen(*this);
+    Check(rep_->database->Commit(), rep_->source);
+}
+
+void Connection::RollbackTrans() {
+    RequireOpen(*this);
+    Check(rep_->database->Rollback(), rep_->source);
 }
 
 ObjectState Connection::State() const noexcept {

@@ -32,6 +32,13 @@ public:
               std::string_view password = {}, int options = -1);
     void Close();  // fails when it is closed already, like every operation below but State
 
+    // Changes between BeginTrans and CommitTrans are in the file all or not at all. A transaction
+    // inside another joins it; its rollback takes the whole back, and the outer one can then only
+    // be rolled back. Without one every Update and Delete is a transaction of its own.
+    void BeginTrans();
+    void CommitTrans();
+    void RollbackTrans();
+
     [[nodiscard]] ObjectState State() const noexcept;
     /// The data source as the connection string gave it; empty while closed.
     [[nodiscard]] const std::string& DataSource() const noexcept;

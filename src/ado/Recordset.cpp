@@ -1,14 +1,18 @@
 #include "ado/Recordset.h"
 
 #include <algorithm>
+#include <array>
+#include <map>
 #include <optional>
 #include <tuple>
 
 #include "ado/AdoError.h"
 #include "ado/detail/ConnectionRep.h"
+#include "ado/detail/Convert.h"
 #include "ado/detail/Lexer.h"
 #include "ado/detail/ProviderError.h"
 #include "ado/detail/RowList.h"
+#include "jet/TableWriter.h"
 
 namespace ado {
 namespace {
@@ -36,7 +40,9 @@ bool IsBlank(std::string_view text) {
 
 struct Recordset::Rep {
     /// First: the first row, if there is one; nothing has been read yet to know.
-    enum class Place { First, Begin, Row, End };
+    /// Added: the row that AddNew and Update have made. Deleted: in front of `position`, where a
+    /// row has been deleted.
+    enum class Place { First, Begin, Row, End, Added, Deleted };
 
     Rep(Connection& owner, RowSet set)
         : connection(owner), rows(std::move(set)), reader(rows), list(rows, reader) {}
@@ -49,7 +55,13 @@ struct Recordset::Rep {
     std::string filterText;
     std::string sortText;
     Place place = Place::First;
-    std::size_t position = 0;  // while place is Row
+    std::size_t position = 0;  // while place is Row or Deleted
+    RowKey addedKey = 0;       // while place is Added
+
+    bool isNew = false;  // AddNew has begun a row
+    // The row of each table as it was when its edit began; what Update compares with.
+    std::array<jet::Row, RowSet::kMostTables> original;
+    std::map<std::size_t, jet::Value> edits;  // by field; not stored yet
 
     void Restart() {
         reader.Forget();
@@ -64,23 +76,116 @@ struct Recordset::Rep {
         position = to;
     }
 
+    /// Puts the place of a row that has been added at its position, for a move from there.
+    void GoToAdded() {
+        position = list.Find(addedKey).value_or(0);
+        place = Place::Row;
+    }
+
     /// The place, with First made out.
     Place Resolve() {
         if (place == Place::First) GoTo(0);
         return place;
     }
 
-    void RequireRow() {
-        if (Resolve() != Place::Row) ThrowNoCurrentRecord();
+    void RequireField(std::size_t field) const {
+        if (field < rows.Fields().size()) return;
+        throw AdoError(ErrorNumber::kItemNotFound,
+                       "There is no column number " + std::to_string(field) + ".");
     }
+
+    void RequireRow() {
+        const Place now = Resolve();
+        if (now != Place::Row && now != Place::Added) ThrowNoCurrentRecord();
+    }
+    [[nodiscard]] RowKey CurrentKey() const {
+        return place == Place::Added ? addedKey : list.At(position);
+    }
+    [[nodiscard]] bool IsEditing() const { return isNew || !edits.empty(); }
 
     void LoadCurrent() {
         RequireRow();
-        if (!reader.Load(list.At(position))) {
+        if (!reader.Load(CurrentKey())) {
             throw AdoError(ErrorNumber::kRowNotLocated,
                            "The row cannot be located: another program has deleted it since it "
                            "was read.");
         }
+    }
+
+    /// Runs `change` in a transaction, or in the one that is going on.
+    template <typename Change>
+    void InTransaction(Change change) {
+        jet::Database& database = *connection.rep_->database;
+        const std::string& file = rows.File();
+        const bool isOwn = !database.InTransaction();
+        if (isOwn) Check(database.Begin(), file);
+        jet::Status status = change();
+        if (!isOwn) return Check(status, file);
+        if (status.IsOk()) return Check(database.Commit(), file);
+        std::ignore = database.Rollback();  // the failure to be told is the first one
+        ThrowStatus(status, file);
+    }
+
+    /// NotFound when the row of a table is no longer as it was read.
+    jet::Status CheckUnchanged(std::size_t number) {
+        jet::Table& table = rows.Table(number);
+        const jet::Row& before = original.at(number);
+        const auto now = table.Fetch(before.Id());
+        if (!now.IsOk()) return now.GetStatus();
+        for (std::size_t i = 0; i < table.Definition().columns.size(); ++i) {
+            const auto old = before.Get(i);
+            const auto stored = now->Get(i);
+            if (!old.IsOk()) return old.GetStatus();
+            if (!stored.IsOk()) return stored.GetStatus();
+            if (*old != *stored) {
+                return jet::Status::NotFound(
+                    "the row cannot be located: another program has changed it since it was read");
+            }
+        }
+        return {};
+    }
+
+    void BeginEdit() {
+        LoadCurrent();
+        for (std::size_t i = 0; i < rows.TableCount(); ++i) original.at(i) = reader.Current(i);
+    }
+
+    [[nodiscard]] std::vector<jet::Assignment> EditsOf(std::size_t table) const {
+        std::vector<jet::Assignment> assignments;
+        for (const auto& [field, value] : edits) {
+            const RowSet::Origin origin = rows.OriginOf(field);
+            if (origin.table == table) assignments.push_back({origin.column, value});
+        }
+        return assignments;
+    }
+
+    void StoreNew() {
+        jet::RowId row;
+        InTransaction([&]() -> jet::Status {
+            auto inserted = jet::TableWriter(rows.Table(0)).Insert(EditsOf(0));
+            if (!inserted.IsOk()) return inserted.GetStatus();
+            row = *inserted;
+            return {};
+        });
+        addedKey = RowKey{row.Pointer()} << 32;
+        list.Add(addedKey);
+        place = Place::Added;
+    }
+
+    void StoreEdits() {
+        InTransaction([&]() -> jet::Status {
+            for (std::size_t table = 0; table < rows.TableCount(); ++table) {
+                const auto assignments = EditsOf(table);
+                if (assignments.empty()) continue;
+                jet::Status status = CheckUnchanged(table);
+                if (status.IsOk()) {
+                    status = jet::TableWriter(rows.Table(table))
+                                 .Update(original.at(table).Id(), assignments);
+                }
+                if (!status.IsOk()) return status;
+            }
+            return {};
+        });
     }
 
     /// True when the row at a position meets a criterion. `candidates` holds the rows that an index
@@ -98,7 +203,9 @@ struct Recordset::Rep {
 Recordset::Recordset() = default;
 
 Recordset::~Recordset() {
-    if (rep_) Close();
+    if (!rep_) return;
+    CancelUpdate();
+    Close();
 }
 
 void Recordset::Open(std::string_view source, Connection& connection, CommandType type,
@@ -123,6 +230,11 @@ void Recordset::Open(std::string_view source, Connection& connection, CommandTyp
 }
 
 void Recordset::Close() {
+    if (Opened().IsEditing()) {
+        throw AdoError(ErrorNumber::kIllegalOperation,
+                       "The recordset cannot be closed while a row is being edited; store or drop "
+                       "the edit first.");
+    }
     std::erase(Opened().connection.rep_->recordsets, this);
     rep_.reset();
 }
@@ -149,13 +261,91 @@ std::size_t Recordset::FieldIndex(std::string_view name) const {
 
 Value Recordset::Get(std::size_t field) const {
     Rep& rep = Opened();
-    if (field >= rep.rows.Fields().size()) {
-        throw AdoError(ErrorNumber::kItemNotFound,
-                       "There is no column number " + std::to_string(field) + ".");
+    rep.RequireField(field);
+    const RowSet::Origin origin = rep.rows.OriginOf(field);
+    if (const auto edit = rep.edits.find(field); edit != rep.edits.end()) {
+        return Check(FromStored(rep.rows.Table(origin.table), edit->second), rep.rows.File());
+    }
+    if (rep.isNew) {
+        const bool isBoolean = rep.rows.Fields()[field].type == DataType::Boolean;
+        return isBoolean ? Value(false) : Value();
     }
     rep.LoadCurrent();
-    const RowSet::Origin origin = rep.rows.OriginOf(field);
     return rep.reader.Get(origin.table, origin.column);
+}
+
+void Recordset::AddNew() {
+    Rep& rep = Opened();
+    StorePending();
+    if (rep.rows.TableCount() != 1 || rep.rows.Where() != nullptr) {
+        throw AdoError(ErrorNumber::kFeatureNotAvailable,
+                       "New rows are added to a table, not to a query.");
+    }
+    rep.isNew = true;
+}
+
+void Recordset::Set(std::size_t field, const Value& value) {
+    Rep& rep = Opened();
+    rep.RequireField(field);
+    if (!rep.IsEditing()) rep.BeginEdit();
+    const RowSet::Origin origin = rep.rows.OriginOf(field);
+    const jet::Column& column = rep.rows.Table(origin.table).Definition().columns[origin.column];
+    rep.edits[field] = ForAssignment(column, value);
+}
+
+void Recordset::Set(std::string_view name, const Value& value) {
+    Set(FieldIndex(name), value);
+}
+
+void Recordset::Update() {
+    Rep& rep = Opened();
+    if (!rep.IsEditing()) return;
+    if (rep.isNew) {
+        rep.StoreNew();
+    } else {
+        rep.StoreEdits();
+    }
+    CancelUpdate();  // nothing is pending any more
+    rep.reader.Forget();
+}
+
+void Recordset::CancelUpdate() {
+    Rep& rep = Opened();
+    rep.isNew = false;
+    rep.edits.clear();
+}
+
+ado::EditMode Recordset::EditMode() const {
+    const Rep& rep = Opened();
+    if (rep.isNew) return ado::EditMode::Add;
+    return rep.edits.empty() ? ado::EditMode::None : ado::EditMode::InProgress;
+}
+
+void Recordset::Delete() {
+    Rep& rep = Opened();
+    if (rep.isNew) return CancelUpdate();
+    CancelUpdate();
+    if (rep.rows.TableCount() != 1) {
+        throw AdoError(ErrorNumber::kFeatureNotAvailable,
+                       "Rows are deleted from a table, not from a query.");
+    }
+    rep.BeginEdit();
+    rep.InTransaction([&]() -> jet::Status {
+        jet::Status status = rep.CheckUnchanged(0);
+        if (!status.IsOk()) return status;
+        return jet::TableWriter(rep.rows.Table(0)).Delete(rep.original[0].Id());
+    });
+    rep.reader.Forget();
+    if (rep.place == Rep::Place::Added) {
+        // Its place is behind all others, which only now have to be known.
+        rep.position = rep.list.Find(rep.addedKey).value_or(0);
+    }
+    rep.list.Remove(rep.position);
+    rep.place = Rep::Place::Deleted;
+}
+
+void Recordset::StorePending() {
+    if (Opened().IsEditing()) Update();
 }
 
 Value Recordset::Get(std::string_view name) const {
@@ -176,12 +366,14 @@ bool Recordset::IsEOF() const {
 
 void Recordset::MoveFirst() {
     Rep& rep = Opened();
+    StorePending();
     if (!rep.list.Has(0)) ThrowNoCurrentRecord();
     rep.GoTo(0);
 }
 
 void Recordset::MoveLast() {
     Rep& rep = Opened();
+    StorePending();
     const std::size_t count = rep.list.Count();
     if (count == 0) ThrowNoCurrentRecord();
     rep.GoTo(count - 1);
@@ -189,13 +381,26 @@ void Recordset::MoveLast() {
 
 void Recordset::MoveNext() {
     Rep& rep = Opened();
+    StorePending();
     if (IsEOF()) ThrowNoCurrentRecord();
-    rep.GoTo(rep.place == Rep::Place::Begin ? 0 : rep.position + 1);
+    switch (rep.place) {
+        case Rep::Place::Begin:
+            return rep.GoTo(0);
+        case Rep::Place::Deleted:
+            return rep.GoTo(rep.position);
+        case Rep::Place::Added:
+            rep.GoToAdded();
+            [[fallthrough]];
+        default:
+            return rep.GoTo(rep.position + 1);
+    }
 }
 
 void Recordset::MovePrevious() {
     Rep& rep = Opened();
+    StorePending();
     if (IsBOF()) ThrowNoCurrentRecord();
+    if (rep.place == Rep::Place::Added) rep.GoToAdded();
     const std::size_t from = rep.place == Rep::Place::End ? rep.list.Count() : rep.position;
     if (from == 0) {
         rep.place = Rep::Place::Begin;
@@ -207,11 +412,12 @@ void Recordset::MovePrevious() {
 Bookmark Recordset::GetBookmark() const {
     Rep& rep = Opened();
     rep.RequireRow();
-    return {rep.list.At(rep.position)};
+    return {rep.CurrentKey()};
 }
 
 void Recordset::SetBookmark(Bookmark bookmark) {
     Rep& rep = Opened();
+    StorePending();
     const auto position = rep.list.Find(bookmark.row);
     if (!position) {
         throw AdoError(ErrorNumber::kInvalidArgument,
@@ -231,6 +437,7 @@ void Recordset::SetFilter(std::string_view criteria) {
         filter = ParseCriteria(criteria);
         rep.rows.Bind(*filter);
     }
+    StorePending();
     rep.list.Clear();  // it uses the filter that goes now
     rep.filter = std::move(filter);
     rep.filterText = criteria;
@@ -244,6 +451,7 @@ const std::string& Recordset::Filter() const {
 void Recordset::SetSort(std::string_view columns) {
     Rep& rep = Opened();
     std::ignore = ParseSort(rep.rows, columns);  // throws before anything has changed
+    StorePending();
     rep.sortText = columns;
     rep.Restart();
 }
@@ -266,7 +474,11 @@ void Recordset::Find(std::string_view criterion, int skip, SearchDirection direc
     std::optional<std::vector<RowKey>> candidates = LookUp(rep.rows, *condition);
     if (candidates) std::sort(candidates->begin(), candidates->end());
     const bool nothing = candidates && candidates->empty();
-    const Rep::Place place = rep.Resolve();
+    StorePending();
+    if (rep.place == Rep::Place::Added) rep.GoToAdded();
+    Rep::Place place = rep.Resolve();
+    // From where a row has been deleted, as from the row behind it.
+    if (place == Rep::Place::Deleted) place = Rep::Place::Row;
 
     if (direction == SearchDirection::Forward) {
         auto at = place == Rep::Place::Row ? static_cast<std::ptrdiff_t>(rep.position) + skip : 0;
@@ -290,11 +502,13 @@ void Recordset::Find(std::string_view criterion, int skip, SearchDirection direc
 }
 
 void Recordset::Requery() {
+    CancelUpdate();
     Opened().Restart();
 }
 
 void Recordset::Resync() {
     Rep& rep = Opened();
+    CancelUpdate();
     rep.reader.Forget();
     rep.LoadCurrent();
 }

@@ -21,6 +21,7 @@ struct Field {
     bool autoNumber = false;
 };
 
+enum class EditMode : int { None = 0, InProgress = 1, Add = 2 };
 enum class CommandType { Table, Text };
 enum class SearchDirection : int { Forward = 1, Backward = -1 };
 
@@ -93,9 +94,33 @@ public:
     void Find(std::string_view criterion, int skip = 0,
               SearchDirection direction = SearchDirection::Forward);
 
-    /// Runs the source again and moves to the first row. Filter and sort stay.
+    // Editing. A row is edited by assigning its fields; nothing is stored before Update. Moving
+    // to another row, searching, filtering and sorting store a pending edit first; Close refuses
+    // while there is one. Assigning converts as the provider does: kWrongType for what cannot be
+    // converted, kDoesNotFit for a text that is too long and a number out of range.
+
+    /// Begins a new row, which becomes the current one. Tables only.
+    void AddNew();
+    /// Assigns a field of the current row. Null is a value like any other.
+    void Set(std::size_t field, const Value& value);
+    void Set(std::string_view name, const Value& value);
+    /// Stores the pending edit; each field goes to the table it came from. Afterwards a new row is
+    /// the current row, the last one until the next Requery. kRowNotLocated when another program
+    /// has changed or deleted the row since it was read; kIntegrity for a key that exists already
+    /// or a value that must not be Null. When it fails nothing is stored and the edit is pending.
+    void Update();
+    /// Drops the pending edit, a new row with it. Does nothing when there is none.
+    void CancelUpdate();
+    [[nodiscard]] ado::EditMode EditMode() const;
+    /// Deletes the current row. There is then no current row until the next move. Tables only;
+    /// kRowNotLocated as for Update.
+    void Delete();
+
+    /// Runs the source again and moves to the first row. Filter and sort stay; a pending edit is
+    /// dropped.
     void Requery();
-    /// Reads the current row again; kRowNotLocated when it has been deleted.
+    /// Drops a pending edit and reads the current row again; kRowNotLocated when it has been
+    /// deleted.
     void Resync();
 
 private:
@@ -103,6 +128,7 @@ private:
     struct Rep;
     /// Throws when the recordset is closed.
     [[nodiscard]] Rep& Opened() const;
+    void StorePending();
 
     std::unique_ptr<Rep> rep_;  // null while closed
 };

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <limits>
 
+#include "ado/AdoError.h"
 #include "jet/Unicode.h"
 
 namespace ado {
@@ -160,6 +162,97 @@ std::optional<jet::Value> ToStored(const jet::Column& column, const Value& value
             return Exactly<Binary>(value);
         default:
             return std::nullopt;
+    }
+}
+
+namespace {
+
+[[noreturn]] void ThrowWrongType(const jet::Column& column) {
+    throw AdoError(ErrorNumber::kWrongType,
+                   "The value has a type that column \"" + column.name + "\" cannot take.");
+}
+
+/// Rounded to the nearest whole number, halves to the even one.
+std::int64_t Whole(const jet::Column& column, double number, double lowest, double highest) {
+    const double rounded = std::nearbyint(number);
+    if (!(rounded >= lowest && rounded <= highest)) {
+        throw AdoError(ErrorNumber::kDoesNotFit,
+                       "The number is out of the range of column \"" + column.name + "\".");
+    }
+    return static_cast<std::int64_t>(rounded);
+}
+
+jet::Value TextFor(const jet::Column& column, const Value& value) {
+    const bool isBytes =
+        std::holds_alternative<Binary>(value) || std::holds_alternative<Guid>(value);
+    if (isBytes) ThrowWrongType(column);
+    std::u16string text = ToText(value);
+    const std::size_t most = column.length / 2;
+    if (column.type == jet::ColumnType::Text && text.size() > most) {
+        throw AdoError(ErrorNumber::kDoesNotFit, "The text has " + std::to_string(text.size()) +
+                                                     " characters; column \"" + column.name +
+                                                     "\" takes " + std::to_string(most) + ".");
+    }
+    return text;
+}
+
+}  // namespace
+
+jet::Value ForAssignment(const jet::Column& column, const Value& value) {
+    const auto whole = [&](double lowest, double highest) {
+        const std::optional<double> number = AsNumber(value);
+        if (!number) ThrowWrongType(column);
+        return Whole(column, *number, lowest, highest);
+    };
+    const auto real = [&]() -> double {
+        const std::optional<double> number = AsNumber(value);
+        if (!number) ThrowWrongType(column);
+        return *number;
+    };
+    // A Boolean has no Null.
+    if (column.type == jet::ColumnType::Boolean) return IsNull(value) ? false : real() != 0;
+    if (IsNull(value)) return jet::Null{};
+    switch (column.type) {
+        case jet::ColumnType::Byte:
+            return static_cast<std::int32_t>(whole(0, 255));
+        case jet::ColumnType::Integer:
+            return static_cast<std::int32_t>(whole(-32768, 32767));
+        case jet::ColumnType::Long:
+            return static_cast<std::int32_t>(whole(-2147483648.0, 2147483647.0));
+        case jet::ColumnType::Currency:
+            if (const auto* exact = std::get_if<Currency>(&value)) {
+                return jet::Currency{exact->tenThousandths};
+            }
+            return jet::Currency{Whole(column, real() * 10000, -9.2e18, 9.2e18)};
+        case jet::ColumnType::Single: {
+            const double number = real();
+            if (std::abs(number) > std::numeric_limits<float>::max()) {
+                Whole(column, number, 1, 0);  // out of every range
+            }
+            return static_cast<float>(number);
+        }
+        case jet::ColumnType::Double:
+            return real();
+        case jet::ColumnType::DateTime:
+            return jet::Date{real()};
+        case jet::ColumnType::Text:
+        case jet::ColumnType::Memo:
+            return TextFor(column, value);
+        case jet::ColumnType::Binary:
+        case jet::ColumnType::Ole:
+            if (const auto* bytes = std::get_if<Binary>(&value)) return *bytes;
+            ThrowWrongType(column);
+        case jet::ColumnType::Guid:
+            if (const auto* guid = std::get_if<Guid>(&value)) return jet::Guid{guid->bytes};
+            ThrowWrongType(column);
+        case jet::ColumnType::Numeric:
+            if (const auto* decimal = std::get_if<Decimal>(&value);
+                decimal != nullptr && decimal->scale == column.scale) {
+                return jet::Decimal{decimal->negative, decimal->scale, decimal->magnitude};
+            }
+            ThrowWrongType(column);
+        default:
+            ThrowWrongType(column);
     }
 }
 

@@ -17,6 +17,11 @@ namespace ado {
 /// there, so that the index cannot tell which values compare as equal. Null stays Null.
 [[nodiscard]] std::optional<jet::Value> ToStored(const jet::Column& column, const Value& value);
 
+/// The value as it is stored when it is assigned to the column: numbers are rounded to whole ones
+/// where the column holds those, texts are read as numbers and numbers written as texts. Throws
+/// kWrongType when it cannot be converted, kDoesNotFit when it is out of the column's range.
+[[nodiscard]] jet::Value ForAssignment(const jet::Column& column, const Value& value);
+
 /// The number that a value stands for in a comparison: True is -1, a text is read as a number as
 /// a whole. Empty for what is no number.
 [[nodiscard]] std::optional<double> AsNumber(const Value& value);

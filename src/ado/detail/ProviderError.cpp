@@ -3,7 +3,28 @@
 namespace ado {
 
 void ThrowStatus(const jet::Status& status, const std::string& file) {
-    throw AdoError(ErrorNumber::kUnspecified, "\"" + file + "\": " + status.Text() + ".");
+    std::int32_t number = ErrorNumber::kUnspecified;
+    switch (status.Code()) {
+        case jet::StatusCode::BadArgument:
+            number = ErrorNumber::kWrongType;
+            break;
+        case jet::StatusCode::TooLong:
+            number = ErrorNumber::kDoesNotFit;
+            break;
+        case jet::StatusCode::Duplicate:
+        case jet::StatusCode::Required:
+            number = ErrorNumber::kIntegrity;
+            break;
+        case jet::StatusCode::NotFound:
+            number = ErrorNumber::kRowNotLocated;
+            break;
+        case jet::StatusCode::Unsupported:
+            number = ErrorNumber::kFeatureNotAvailable;
+            break;
+        default:
+            break;
+    }
+    throw AdoError(number, "\"" + file + "\": " + status.Text() + ".");
 }
 
 void ThrowNoCurrentRecord() {

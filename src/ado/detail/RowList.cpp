@@ -20,6 +20,7 @@ void RowList::Restart(const Expression* filter, std::vector<SortColumn> sort) {
 }
 
 bool RowList::Has(std::size_t position) {
+    if (!stream_) AppendAdded();
     if (position < keys_.size() || !stream_) return position < keys_.size();
     if (!sort_.empty()) Sort();
     RowKey key = 0;
@@ -30,14 +31,26 @@ bool RowList::Has(std::size_t position) {
         Check(scope.GetStatus(), rows_.File());
         const std::size_t until = std::min(position, keys_.size() + kRows);
         while (until >= keys_.size() && stream_) {
-            if (stream_->Next(key)) {
-                keys_.push_back(key);
-            } else {
+            if (!stream_->Next(key)) {
                 stream_.reset();
+                break;
             }
+            // The stream may come upon rows that have been added since it began.
+            if (std::find(added_.begin(), added_.end(), key) == added_.end()) keys_.push_back(key);
         }
     }
+    if (!stream_) AppendAdded();
     return position < keys_.size();
+}
+
+void RowList::AppendAdded() {
+    keys_.insert(keys_.end(), added_.begin(), added_.end());
+    added_.clear();
+}
+
+void RowList::Remove(std::size_t position) {
+    keys_.erase(keys_.begin() + static_cast<std::ptrdiff_t>(position));
+    lastFound_ = 0;
 }
 
 std::size_t RowList::Count() {
@@ -48,6 +61,7 @@ std::size_t RowList::Count() {
 void RowList::Clear() {
     stream_.reset();
     keys_.clear();
+    added_.clear();
     lastFound_ = 0;
 }
 

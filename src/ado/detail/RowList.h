@@ -32,6 +32,11 @@ public:
     [[nodiscard]] bool Has(std::size_t position);
     /// REQUIRES: Has(position).
     [[nodiscard]] RowKey At(std::size_t position) const { return keys_[position]; }
+    /// Adds a row behind all others without fetching them.
+    void Add(RowKey key) { added_.push_back(key); }
+    /// Takes a row out; those behind it move up. REQUIRES: Has(position).
+    void Remove(std::size_t position);
+
     /// Fetches everything.
     [[nodiscard]] std::size_t Count();
     /// Position of a row; empty when it is not in the list.
@@ -39,12 +44,14 @@ public:
 
 private:
     void Sort();
+    void AppendAdded();
 
     const RowSet& rows_;
     RowReader& reader_;
     std::unique_ptr<KeyStream> stream_;  // null when everything has been fetched
     std::vector<SortColumn> sort_;
     std::vector<RowKey> keys_;
+    std::vector<RowKey> added_;  // not among keys_ before everything has been fetched
     std::size_t lastFound_ = 0;  // position; at most keys_.size()
 };
 

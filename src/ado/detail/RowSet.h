@@ -74,6 +74,8 @@ public:
     /// Reads the row; false when it does not exist (any more).
     [[nodiscard]] bool Load(RowKey key);
     void Forget() { key_.reset(); }
+    /// The row of one table as it was read. REQUIRES: Load has returned true.
+    [[nodiscard]] const jet::Row& Current(std::size_t table) const { return current_.at(table); }
     [[nodiscard]] Value Get(std::size_t table, std::size_t column) const;
     [[nodiscard]] bool Holds(const Expression& condition) const;
 

@@ -1,0 +1,226 @@
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "AdoTesting.h"
+#include "jet/Check.h"
+#include "jet/File.h"
+#include "TrendQuery.h"
+
+namespace ado {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Two connections to a copy of the brewery, as two programs would have them.
+class EditTest : public testing::Test {
+protected:
+    void SetUp() override {
+        std::string pattern = (fs::temp_directory_path() / "kv-ado-XXXXXX").string();
+        folder_ = ::mkdtemp(pattern.data());
+        path_ = (folder_ / "project.kvs").string();
+        fs::copy_file(Example("Brauerei.kvs"), path_);
+        connection_.Open(ConnectionString(path_));
+        other_.Open(ConnectionString(path_));
+    }
+    void TearDown() override {
+        connection_.Close();
+        other_.Close();
+        auto file = jet::OpenFile(path_);
+        const auto status = jet::Check(**file, [](const jet::Finding& finding) {
+            EXPECT_NE(finding.severity, jet::Finding::Severity::Error) << finding.text;
+            return true;
+        });
+        EXPECT_TRUE(status.IsOk());
+        fs::remove_all(folder_);
+    }
+
+    static std::u16string Text(Recordset& rows, std::string_view field) {
+        return ToText(rows.Get(field));
+    }
+    /// The names of the archives as the other program sees them.
+    std::vector<std::u16string> StoredNames() {
+        Recordset rows;
+        rows.Open("TchrArchives", other_, CommandType::Table);
+        return Column(rows, "Name");
+    }
+
+    fs::path folder_;
+    std::string path_;
+    Connection connection_;
+    Connection other_;
+    Recordset rows_;
+};
+
+TEST_F(EditTest, ANewRowGetsItsNumberAndBecomesTheCurrentOne) {
+    rows_.Open("TchrArchives", connection_, CommandType::Table);
+    EXPECT_EQ(rows_.EditMode(), EditMode::None);
+    rows_.AddNew();
+    EXPECT_EQ(rows_.EditMode(), EditMode::Add);
+    EXPECT_TRUE(IsNull(rows_.Get("Name")));
+    rows_.Set("Name", std::u16string(u"@New@"));
+    EXPECT_EQ(Text(rows_, "Name"), u"@New@");
+    EXPECT_EQ(StoredNames().size(), 14U) << "nothing is stored before Update";
+    rows_.Update();
+    EXPECT_EQ(rows_.EditMode(), EditMode::None);
+    EXPECT_EQ(ToLong(rows_.Get("ID")), 15);
+    rows_.Set("Name", std::u16string(u"Neues Archiv"));
+    rows_.Update();
+    EXPECT_EQ(StoredNames().back(), u"Neues Archiv");
+    EXPECT_EQ(rows_.RecordCount(), 15U);
+    rows_.MovePrevious();
+    EXPECT_EQ(ToLong(rows_.Get("ID")), 14);
+    rows_.MoveNext();
+    rows_.MoveNext();
+    EXPECT_TRUE(rows_.IsEOF());
+    rows_.SetFilter("ID = 15");
+    EXPECT_EQ(rows_.RecordCount(), 1U);
+}
+
+TEST_F(EditTest, LeavingARowStoresItsEditAndClosingRefuses) {
+    rows_.Open("TchrArchives", connection_, CommandType::Table);
+    rows_.Set("Comment", std::u16string(u"neu"));
+    EXPECT_EQ(rows_.EditMode(), EditMode::InProgress);
+    EXPECT_EQ(ErrorOf([&] { rows_.Close(); }), ErrorNumber::kIllegalOperation);
+    rows_.MoveNext();
+    rows_.Set("Comment", std::u16string(u"verworfen"));
+    rows_.CancelUpdate();
+    EXPECT_TRUE(IsNull(rows_.Get("Comment")));
+    rows_.MovePrevious();
+    EXPECT_EQ(Text(rows_, "Comment"), u"neu");
+    rows_.AddNew();
+    rows_.CancelUpdate();
+    EXPECT_EQ(Text(rows_, "Comment"), u"neu") << "back on the row of before";
+    rows_.Close();
+}
+
+TEST_F(EditTest, AssignedValuesAreConvertedOrRefused) {
+    struct Case {
+        const char* field;
+        Value value;
+        std::int32_t error;
+        std::u16string stored;
+    };
+    const Case cases[] = {
+        {"ScanTime", std::u16string(u" 250 "), 0, u"250"},
+        {"ScanTime", 2.5, 0, u"2"},
+        {"ScanTime", true, 0, u"-1"},
+        {"ScanTime", Null{}, 0, u""},
+        {"ScanTime", std::u16string(u"fast"), ErrorNumber::kWrongType, u""},
+        {"ScanTime", 3e9, ErrorNumber::kDoesNotFit, u""},
+        {"Type", std::int32_t{32768}, ErrorNumber::kDoesNotFit, u""},
+        {"Name", std::int32_t{17}, 0, u"17"},
+        {"Name", std::u16string(80, u'n'), 0, std::u16string(80, u'n')},
+        {"Name", std::u16string(81, u'n'), ErrorNumber::kDoesNotFit, u""},
+        {"Name", Binary{std::byte{1}}, ErrorNumber::kWrongType, u""},
+        {"Comment", std::u16string(), 0, u""},
+    };
+    rows_.Open("TchrArchives", connection_, CommandType::Table);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.field + std::string(" ") + std::to_string(c.value.index()));
+        EXPECT_EQ(ErrorOf([&] { rows_.Set(c.field, c.value); }), c.error);
+        if (c.error != 0) continue;
+        rows_.Update();
+        rows_.Resync();
+        EXPECT_EQ(Text(rows_, c.field), c.stored);
+    }
+    rows_.Set("ID", std::int32_t{2});
+    EXPECT_EQ(ErrorOf([&] { rows_.Update(); }), ErrorNumber::kIntegrity);
+    EXPECT_EQ(rows_.EditMode(), EditMode::InProgress) << "the edit can be mended";
+    rows_.CancelUpdate();
+    EXPECT_FALSE(IsNull(rows_.Get("Comment"))) << "an empty text is not Null";
+}
+
+TEST_F(EditTest, DeletedRowsLeaveTheirPlaceToTheNext) {
+    rows_.Open("TchrArchives", connection_, CommandType::Table);
+    rows_.Find("ID=3");
+    rows_.Delete();
+    EXPECT_EQ(ErrorOf([&] { std::ignore = rows_.Get("Name"); }), ErrorNumber::kNoCurrentRecord);
+    rows_.MoveNext();
+    EXPECT_EQ(ToLong(rows_.Get("ID")), 4);
+    rows_.Delete();
+    rows_.MovePrevious();
+    EXPECT_EQ(ToLong(rows_.Get("ID")), 2);
+    rows_.AddNew();
+    rows_.Update();
+    rows_.Delete();
+    rows_.MovePrevious();
+    EXPECT_EQ(ToLong(rows_.Get("ID")), 14);
+    EXPECT_EQ(rows_.RecordCount(), 12U);
+    EXPECT_EQ(StoredNames().size(), 12U);
+    rows_.SetFilter("ID = 14");
+    rows_.Delete();
+    rows_.MoveNext();
+    EXPECT_TRUE(rows_.IsEOF());
+    EXPECT_TRUE(rows_.IsBOF());
+}
+
+TEST_F(EditTest, FieldsOfTheTrendQueryGoToTheirOwnTables) {
+    rows_.Open(kTrendQuery, connection_, CommandType::Text, {u"1"});
+    rows_.Set("VMax", 140.5);
+    rows_.Set("L1033", std::u16string(u"Mash temperature"));
+    rows_.Update();
+    EXPECT_EQ(Text(rows_, "VMax"), u"140.5");
+    EXPECT_EQ(Text(rows_, "L1033"), u"Mash temperature");
+    const std::int32_t text = ToLong(rows_.Get("TextID"));
+    Recordset texts;
+    texts.Open("TidxTexts", other_, CommandType::Table);
+    texts.Find("ID=" + std::to_string(text));
+    EXPECT_EQ(Text(texts, "L1033"), u"Mash temperature");
+    EXPECT_EQ(ErrorOf([&] { rows_.AddNew(); }), ErrorNumber::kFeatureNotAvailable);
+    EXPECT_EQ(ErrorOf([&] { rows_.Delete(); }), ErrorNumber::kFeatureNotAvailable);
+}
+
+TEST_F(EditTest, WhatAnotherProgramHasChangedIsNotOverwritten) {
+    rows_.Open("TchrArchives", connection_, CommandType::Table);
+    Recordset theirs;
+    theirs.Open("TchrArchives", other_, CommandType::Table);
+    rows_.Set("Comment", std::u16string(u"ours"));
+    theirs.Set("CacheSize", std::int32_t{777});
+    theirs.Update();
+    EXPECT_EQ(ErrorOf([&] { rows_.Update(); }), ErrorNumber::kRowNotLocated);
+    rows_.Resync();
+    EXPECT_EQ(ToLong(rows_.Get("CacheSize")), 777);
+    EXPECT_NE(Text(rows_, "Comment"), u"ours");
+    rows_.Set("Comment", std::u16string(u"ours"));
+    rows_.Update();
+    theirs.Resync();
+    EXPECT_EQ(Text(theirs, "Comment"), u"ours");
+
+    rows_.MoveNext();
+    theirs.MoveNext();
+    rows_.Set("Comment", std::u16string(u"late"));
+    theirs.Delete();
+    EXPECT_EQ(ErrorOf([&] { rows_.Update(); }), ErrorNumber::kRowNotLocated);
+    rows_.CancelUpdate();
+    EXPECT_EQ(ErrorOf([&] { rows_.Resync(); }), ErrorNumber::kRowNotLocated);
+    EXPECT_EQ(ErrorOf([&] { rows_.Delete(); }), ErrorNumber::kRowNotLocated);
+    rows_.Requery();
+    EXPECT_EQ(rows_.RecordCount(), 13U);
+}
+
+TEST_F(EditTest, ATransactionIsStoredWholeOrNotAtAll) {
+    rows_.Open("TchrArchives", connection_, CommandType::Table);
+    connection_.BeginTrans();
+    rows_.Find("ID=5");
+    rows_.Delete();
+    connection_.BeginTrans();
+    rows_.AddNew();
+    rows_.Set("Name", std::u16string(u"Neu"));
+    rows_.Update();
+    connection_.CommitTrans();
+    EXPECT_EQ(StoredNames().size(), 14U) << "not seen by others before the outer commit";
+    connection_.RollbackTrans();
+    rows_.Requery();
+    EXPECT_EQ(Column(rows_, "Name"), StoredNames());
+    EXPECT_EQ(rows_.RecordCount(), 14U);
+    connection_.BeginTrans();
+    rows_.MoveFirst();
+    rows_.Delete();
+    connection_.CommitTrans();
+    EXPECT_EQ(StoredNames().size(), 13U);
+    EXPECT_NE(ErrorOf([&] { connection_.CommitTrans(); }), 0);
+}
+
+}  // namespace
+}  // namespace ado
