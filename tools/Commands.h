@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
 namespace tools {
 
@@ -24,6 +25,23 @@ enum class DumpFormat { Csv, Json };
 /// A line for each fault of a Jet 4 file, "error: ..." or "warning: ...". kSuccess when there are
 /// no errors.
 [[nodiscard]] ExitStatus Check(const std::string& file, std::FILE* out, std::FILE* err);
+
+// The commands that change a table, through recordsets: all of it in one transaction or nothing.
+// They write the number of rows to `out`.
+
+/// Appends the rows of a CSV file (- = standard input) with a heading row, in the form of Dump.
+/// Columns that it does not name are Null, an AutoNumber gets the next number.
+[[nodiscard]] ExitStatus Load(const std::string& file, const std::string& table,
+                              const std::string& csv, std::FILE* out, std::FILE* err);
+/// Assigns columns in all rows that meet the criteria; an assignment is COLUMN=VALUE, the value in
+/// the form of Dump.
+[[nodiscard]] ExitStatus Set(const std::string& file, const std::string& table,
+                             const std::string& criteria,
+                             const std::vector<std::string>& assignments, std::FILE* out,
+                             std::FILE* err);
+/// Deletes all rows that meet the criteria.
+[[nodiscard]] ExitStatus Delete(const std::string& file, const std::string& table,
+                                const std::string& criteria, std::FILE* out, std::FILE* err);
 
 /// Runs the program: argument 0 is its name.
 [[nodiscard]] ExitStatus Run(int argc, char** argv, std::FILE* out, std::FILE* err);

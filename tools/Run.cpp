@@ -18,6 +18,13 @@ constexpr const char* kHelp =
     "  dump FILE TABLE            all rows of a table\n"
     "    --format csv|json          CSV after RFC 4180 (default) or JSON\n"
     "  check FILE                 a line for each fault of the file (Jet 4)\n"
+    "  load FILE TABLE CSV        append the rows of a CSV file as dump writes it; - = standard "
+    "input\n"
+    "  set FILE TABLE CRITERIA COLUMN=VALUE...\n"
+    "                             change all rows that meet the criteria, such as \"ID = 7\"; a "
+    "VALUE\n"
+    "                             is as in CSV: nothing is Null, \"\" an empty text\n"
+    "  delete FILE TABLE CRITERIA delete all rows that meet the criteria; \"\" = all rows\n"
     "\n"
     "Options:\n"
     "  -h, --help                 show this text\n"
@@ -52,6 +59,22 @@ ExitStatus RunCommand(const std::vector<std::string>& words, const std::string& 
         }
         return Dump(words[1], words[2], format == "json" ? DumpFormat::Json : DumpFormat::Csv, out,
                     err);
+    }
+    if (command == "load") {
+        if (words.size() != 4) return WrongUsage("load: FILE, TABLE and CSV are needed", err);
+        return Load(words[1], words[2], words[3], out, err);
+    }
+    if (command == "set") {
+        if (words.size() < 5) {
+            return WrongUsage("set: FILE, TABLE, CRITERIA and COLUMN=VALUE are needed", err);
+        }
+        return Set(words[1], words[2], words[3], {words.begin() + 4, words.end()}, out, err);
+    }
+    if (command == "delete") {
+        if (words.size() != 4) {
+            return WrongUsage("delete: FILE, TABLE and CRITERIA are needed", err);
+        }
+        return Delete(words[1], words[2], words[3], out, err);
     }
     if (command == "check") {
         if (!format.empty()) return WrongUsage("check: --format is for dump", err);

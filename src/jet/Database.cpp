@@ -178,6 +178,8 @@ Status Database::Commit() {
 
 /// The three steps of Journal. After a failure the file is as it was, or broken_ says why not.
 Status Database::WriteTransaction() {
+    cache_.BeginStep();
+    JET_TRY(cache_.CountCommit(locks_->User()));
     Status status =
         Journal::Write(*disk_, path_, cache_.PageSize(), cache_.SizeBefore(), cache_.Before());
     if (status.IsOk()) status = locks_->LockPages(cache_.ChangedPages(), kCommitWait);

@@ -102,6 +102,8 @@ public:
         Lock(F_UNLCK, kPagesLock, 1);
     }
 
+    int User() const override { return user_; }
+
     std::vector<std::string> OtherUsers() override {
         std::vector<std::string> users;
         for (int user = 1; user <= kMostUsers; ++user) {
@@ -180,6 +182,7 @@ public:
     Status LockPagesShared(std::chrono::milliseconds) override { return {}; }
     Status LockPages(std::span<const PageNo>, std::chrono::milliseconds) override { return {}; }
     void UnlockPages() override {}
+    int User() const override { return 1; }
     std::vector<std::string> OtherUsers() override { return {}; }
 };
 

@@ -35,6 +35,8 @@ public:
     virtual Status LockPages(std::span<const PageNo> changed, std::chrono::milliseconds wait) = 0;
     virtual void UnlockPages() = 0;
 
+    /// This program's slot, 1..255.
+    [[nodiscard]] virtual int User() const = 0;
     /// Who else has the database open, by computer names.
     [[nodiscard]] virtual std::vector<std::string> OtherUsers() = 0;
 };

@@ -17,6 +17,7 @@ public:
     Status LockPagesShared(std::chrono::milliseconds) override { return {}; }
     Status LockPages(std::span<const PageNo>, std::chrono::milliseconds) override { return {}; }
     void UnlockPages() override {}
+    int User() const override { return 1; }
     std::vector<std::string> OtherUsers() override { return {}; }
 };
 

@@ -147,6 +147,89 @@ TEST(CommandTest, ChecksAFile) {
     EXPECT_EQ(damaged.err, "");
 }
 
+/// A copy of a project that goes with the test.
+class ProjectCopy {
+public:
+    explicit ProjectCopy(const std::string& original) {
+        std::string pattern = std::filesystem::temp_directory_path() / "kvs-XXXXXX";
+        folder_ = ::mkdtemp(pattern.data());
+        std::filesystem::copy_file(original, Path());
+    }
+    ~ProjectCopy() { std::filesystem::remove_all(folder_); }
+    ProjectCopy(const ProjectCopy&) = delete;
+    ProjectCopy& operator=(const ProjectCopy&) = delete;
+
+    [[nodiscard]] std::string Path(const std::string& name = "project.kvs") const {
+        return folder_ / name;
+    }
+
+private:
+    std::filesystem::path folder_;
+};
+
+// What dump writes, load reads: the same rows in another file.
+TEST(CommandTest, LoadedRowsDumpTheSame) {
+    const ProjectCopy target(std::string(KV_TEST_DATA) + "/Leer.kvs");
+    for (const char* table :
+         {"TchrArchives", "TchrTrends", "TidxTexts", "TidxGroups", "TpdbVars", "TalmClasses"}) {
+        SCOPED_TRACE(table);
+        const std::string dump = RunTool({"dump", kBrewery, table}).out;
+        std::ofstream(target.Path("rows.csv"), std::ios::binary) << dump;
+        EXPECT_EQ(RunTool({"delete", target.Path(), table, ""}).status, kSuccess);
+        const Outcome loaded = RunTool({"load", target.Path(), table, target.Path("rows.csv")});
+        EXPECT_EQ(loaded.status, kSuccess) << loaded.err;
+        EXPECT_EQ(RunTool({"dump", target.Path(), table}).out, dump);
+    }
+    EXPECT_EQ(RunTool({"check", target.Path()}).status, kSuccess);
+}
+
+TEST(CommandTest, SetsAndDeletesTheRowsThatMeetTheCriteria) {
+    const ProjectCopy copy(kBrewery);
+    const auto dump = [&](const char* table) { return RunTool({"dump", copy.Path(), table}).out; };
+    EXPECT_EQ(RunTool({"set", copy.Path(), "TchrArchives", "ID <= 2", "Comment=", "CacheSize=7",
+                       "FileName=\"\""})
+                  .out,
+              "2 rows\n");
+    EXPECT_THAT(dump("TchrArchives"),
+                HasSubstr("\r\n1,Sudhaus,1,1,\"\",<ProjectDir>,,1,,500,0,$Day,,,,7,0,,60,102400,"));
+    EXPECT_EQ(RunTool({"delete", copy.Path(), "TchrTrends", "ArchiveID = 3"}).out, "18 rows\n");
+    EXPECT_EQ(
+        RunTool({"set", copy.Path(), "TalmClasses", "ID = 1", "Since=2026-11-21", "Icon=00ff"}).out,
+        "1 row\n");
+    EXPECT_THAT(dump("TalmClasses"), HasSubstr("00ff,2026-11-21T00:00:00"));
+    EXPECT_EQ(RunTool({"check", copy.Path()}).status, kSuccess);
+}
+
+TEST(CommandTest, AChangeThatFailsChangesNothing) {
+    const ProjectCopy copy(kBrewery);
+    const std::string before = RunTool({"dump", copy.Path(), "TcfgLanguages"}).out;
+    struct Case {
+        std::vector<std::string> words;
+        const char* message;
+    };
+    std::ofstream(copy.Path("double.csv")) << "ID,LCID\n7,1036\n8,1040\n1,1034\n";
+    std::ofstream(copy.Path("short.csv")) << "ID,LCID\n7,1036\n8\n";
+    std::ofstream(copy.Path("open.csv")) << "ID,Font\n7,\"Arial\n";
+    std::ofstream(copy.Path("column.csv")) << "ID,Colour\n7,1\n";
+    const Case cases[] = {
+        {{"load", copy.Path(), "TcfgLanguages", copy.Path("double.csv")}, "Line 4"},
+        {{"load", copy.Path(), "TcfgLanguages", copy.Path("short.csv")}, "1 values instead of 2"},
+        {{"load", copy.Path(), "TcfgLanguages", copy.Path("open.csv")}, "closing quote"},
+        {{"load", copy.Path(), "TcfgLanguages", copy.Path("column.csv")}, "Colour"},
+        {{"load", copy.Path(), "TcfgLanguages", copy.Path("none.csv")}, "none.csv"},
+        {{"set", copy.Path(), "TcfgLanguages", "", "LCID=many"}, "LCID"},
+        {{"set", copy.Path(), "TcfgLanguages", "ID >", "LCID=1"}, "ID >"},
+        {{"delete", copy.Path(), "TcfgLanguages", "Colour = 1"}, "Colour"},
+    };
+    for (const Case& c : cases) {
+        const Outcome outcome = RunTool(c.words);
+        SCOPED_TRACE(outcome.err);
+        EXPECT_EQ(outcome.status, kFailure);
+        EXPECT_THAT(outcome.err, HasSubstr(c.message));
+        EXPECT_EQ(RunTool({"dump", copy.Path(), "TcfgLanguages"}).out, before);
+    }
+}
+
 TEST(CommandTest, ReportsAnOutputThatTakesNoMore) {
     std::FILE* full = std::fopen("/dev/full", "w");
     ASSERT_NE(full, nullptr);

@@ -196,6 +196,50 @@ jet::Value TextFor(const jet::Column& column, const Value& value) {
     return text;
 }
 
+/// Exact for a decimal of the column's scale and for texts; other numbers go by their shortest
+/// text.
+jet::Value DecimalFor(const jet::Column& column, const Value& value) {
+    if (const auto* decimal = std::get_if<Decimal>(&value);
+        decimal != nullptr && decimal->scale == column.scale) {
+        return jet::Decimal{decimal->negative, decimal->scale, decimal->magnitude};
+    }
+    const std::u16string text = ToText(value);
+    jet::Decimal result;
+    result.scale = column.scale;
+    std::size_t at = 0;
+    if (!text.empty() && (text[0] == u'-' || text[0] == u'+')) result.negative = text[at++] == u'-';
+    std::size_t digits = 0;
+    std::optional<std::size_t> fraction;  // digits behind the point so far
+    const auto append = [&](unsigned digit) {
+        for (std::size_t i = result.magnitude.size(); i-- > 0;) {
+            digit += 10 * static_cast<unsigned>(result.magnitude[i]);
+            result.magnitude[i] = static_cast<std::byte>(digit & 0xFF);
+            digit >>= 8;
+        }
+    };
+    for (; at < text.size(); ++at) {
+        if (text[at] == u'.' && !fraction) {
+            fraction = 0;
+            continue;
+        }
+        if (text[at] < u'0' || text[at] > u'9') ThrowWrongType(column);
+        if (fraction && ++*fraction > column.scale) continue;  // more places than the column has
+        append(static_cast<unsigned>(text[at] - u'0'));
+        ++digits;
+    }
+    if (digits == 0) ThrowWrongType(column);
+    for (std::size_t i = std::min<std::size_t>(fraction.value_or(0), column.scale);
+         i < column.scale; ++i, ++digits) {
+        append(0);
+    }
+    // The leading zeros of a number count here; a column of 28 digits still takes a usual one.
+    if (digits > 38) {
+        throw AdoError(ErrorNumber::kDoesNotFit,
+                       "The number has too many digits for column \"" + column.name + "\".");
+    }
+    return result;
+}
+
 }  // namespace
 
 jet::Value ForAssignment(const jet::Column& column, const Value& value) {
@@ -246,11 +290,7 @@ jet::Value ForAssignment(const jet::Column& column, const Value& value) {
             if (const auto* guid = std::get_if<Guid>(&value)) return jet::Guid{guid->bytes};
             ThrowWrongType(column);
         case jet::ColumnType::Numeric:
-            if (const auto* decimal = std::get_if<Decimal>(&value);
-                decimal != nullptr && decimal->scale == column.scale) {
-                return jet::Decimal{decimal->negative, decimal->scale, decimal->magnitude};
-            }
-            ThrowWrongType(column);
+            return DecimalFor(column, value);
         default:
             ThrowWrongType(column);
     }

@@ -29,8 +29,18 @@ Status PageCache::Revalidate() {
     if (inTransaction_) return {};
     FileStamp stamp;
     JET_ASSIGN(stamp, file_.Stamp());
-    if (generation_ != 0 && stamp == stamp_ && stamp.isSettled) return {};
-    JET_TRY(CheckIdentity());
+    Head head;
+    if (generation_ != 0 && stamp == stamp_) {
+        if (stamp.isSettled) return {};
+        // A commit within the same tick of the clock leaves the same stamp, but another word.
+        JET_ASSIGN(head, ReadHead());
+        if (head.commits == head_.commits) return {};
+    }
+    JET_ASSIGN(head, ReadHead());
+    if (generation_ != 0 && head.identity != head_.identity) {
+        return {StatusCode::Conflict, "another database has taken its place; open it again"};
+    }
+    head_ = std::move(head);
     stamp_ = stamp;
     ++generation_;
     pageCount_ =
@@ -76,17 +86,19 @@ void PageCache::EndRead() {
     if (--readers_ == 0 && !inTransaction_ && locks_ != nullptr) locks_->UnlockPages();
 }
 
-/// The beginning of a database never changes while it is the same one.
-Status PageCache::CheckIdentity() {
-    std::vector<std::byte> begin(kIdentity);
+Result<PageCache::Head> PageCache::ReadHead() const {
+    std::vector<std::byte> page(pageSize_);
     std::size_t count = 0;
-    JET_ASSIGN(count, file_.Read(0, begin));
-    begin.resize(count);
-    if (generation_ != 0 && begin != identity_) {
-        return {StatusCode::Conflict, "another database has taken its place; open it again"};
-    }
-    identity_ = std::move(begin);
-    return {};
+    JET_ASSIGN(count, file_.Read(0, page));
+    page.resize(count);
+    const auto part = [&](std::size_t begin, std::size_t size) {
+        begin = std::min(begin, page.size());
+        const auto first = page.begin() + static_cast<std::ptrdiff_t>(begin);
+        return std::vector<std::byte>(
+            first, first + static_cast<std::ptrdiff_t>(std::min(size, page.size() - begin)));
+    };
+    const bool isJet3 = pageSize_ == kPageSizeJet3;
+    return Head{part(0, kIdentity), part(isJet3 ? kCommitsJet3 : kCommits, kCommitsSize)};
 }
 
 std::shared_ptr<const PageRef::Image> PageCache::Cached(PageNo page) {
@@ -207,6 +219,16 @@ Status PageCache::WriteChanges() {
     return file_.Sync();
 }
 
+Status PageCache::CountCommit(int user) {
+    std::span<std::byte> page;
+    JET_ASSIGN(page, Edit(PageNo{0}));
+    const std::size_t at = kCommits + 2 * static_cast<std::size_t>(user);
+    // Nothing at all would look like a change that was not ended.
+    const auto next = static_cast<std::uint16_t>(LoadU16(page, at) + 1);
+    StoreU16(page, at, next == 0 ? 1 : next);
+    return {};
+}
+
 Status PageCache::WriteBack() {
     for (const auto& [page, image] : before_) {
         JET_TRY(file_.Write(std::uint64_t{page} * pageSize_, {image->data(), pageSize_}));
@@ -229,6 +251,7 @@ Status PageCache::End(bool committed) {
     inTransaction_ = false;
     if (!committed) return Revalidate();
     JET_ASSIGN(stamp_, file_.Stamp());
+    JET_ASSIGN(head_, ReadHead());
     return {};
 }
 

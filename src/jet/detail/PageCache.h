@@ -100,6 +100,8 @@ public:
     [[nodiscard]] const Images& Before() const { return before_; }
     /// Bytes of the file before the transaction.
     [[nodiscard]] std::uint64_t SizeBefore() const { return stamp_.size; }
+    /// Advances the commit word of a user (1..255) on page 0, so that others notice the change.
+    Status CountCommit(int user);
     /// Writes the changed pages and syncs the file. When it fails the file may hold some of them.
     Status WriteChanges();
     /// Writes what the pages were before, cuts the file to its old size and syncs it.
@@ -116,7 +118,12 @@ private:
 
     /// The cached image of a page, null when there is none.
     [[nodiscard]] std::shared_ptr<const PageRef::Image> Cached(PageNo page);
-    Status CheckIdentity();
+    /// What of page 0 tells which database it is and whether somebody has committed.
+    struct Head {
+        std::vector<std::byte> identity;  // version, dates, language, password: never changes
+        std::vector<std::byte> commits;   // a word a user, advanced with every commit
+    };
+    [[nodiscard]] Result<Head> ReadHead() const;
     void Remember(PageNo page, std::shared_ptr<const PageRef::Image> image);
     Status ReadInto(PageNo page, PageRef::Image& image) const;
 
@@ -128,8 +135,11 @@ private:
     std::uint32_t pageCount_ = 0;
     std::uint64_t generation_ = 0;
     FileStamp stamp_;
-    static constexpr std::size_t kIdentity = 0x98;  // bytes: version, dates, language, password
-    std::vector<std::byte> identity_;
+    static constexpr std::size_t kIdentity = 0x98;  // bytes from the beginning
+    static constexpr std::size_t kCommits = 0xE00;  // offset
+    static constexpr std::size_t kCommitsJet3 = 0x600;
+    static constexpr std::size_t kCommitsSize = 512;  // bytes
+    Head head_;
     Entries entries_;  // the last used in front
     std::unordered_map<std::uint32_t, Entries::iterator> index_;
     std::shared_ptr<PageRef::Image> passing_;  // of the last ReadOnce, for the next one
