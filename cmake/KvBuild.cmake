@@ -63,11 +63,12 @@ function(kv_use_qt target)
   set_target_properties(${target} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
 endfunction()
 
-# kv_optimise_across_files(TARGET): lets the optimiser see all files of a target at once. For the
-# code whose speed is measured; a fifth of the time of a table dump.
+# kv_optimise_across_files(TARGET): lets the optimiser see all files of a target at once and inline
+# more. For the code whose speed is measured; a third of the time of a table dump.
 function(kv_optimise_across_files target)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT KV_SANITIZE
       AND CMAKE_BUILD_TYPE MATCHES "Rel")
     set_target_properties(${target} PROPERTIES INTERPROCEDURAL_OPTIMIZATION ON)
+    target_compile_options(${target} PRIVATE -O3)
   endif()
 endfunction()
