@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# Changes a copy of the brewery with kvs, and lets mdbtools read what came of it.
+#
+#   compare_written.sh KVS BREWERY
+set -euo pipefail
+
+kvs=$1
+brewery=$2
+command -v mdb-export >/dev/null || { echo "SKIPPED: mdbtools is not here"; exit 77; }
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+# The same name: the comparison knows the cells of this file that mdb-export reads wrongly.
+project=$folder/Brauerei.kvs
+cp "$brewery" "$project"
+chmod u+w "$project"
+
+# Rows are added, grow until they have to move, shrink, and go.
+long=$(printf 'Kommentar mit Umläuten äöüß %.0s' 1 2 3 4 5 6)
+"$kvs" dump "$project" TidxTexts | awk -F, 'NR == 1 { print; next }
+    { $1 += 1000; print $1 "," $2 "," $3 ",," $5 "," $6 }' >"$folder/texts.csv"
+"$kvs" load "$project" TidxTexts "$folder/texts.csv"
+"$kvs" set "$project" TchrTrends "ArchiveID = 2 OR ArchiveID = 9" "Comment=$long"
+"$kvs" set "$project" TchrTrends "ArchiveID = 9" "Comment=kurz" "VMax=12.75"
+"$kvs" delete "$project" TchrTrends "ArchiveID = 6"
+"$kvs" delete "$project" TidxTexts "ID > 1100"
+"$kvs" set "$project" TalmClasses "ID = 1" "Description=$long$long$long$long" "Since=2026-11-21T10:20:30"
+"$kvs" check "$project" | grep '^error' && exit 1
+python3 "$here/compare_with_mdbtools.py" "$kvs" "$project"
