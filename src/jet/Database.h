@@ -12,6 +12,8 @@
 
 namespace jet {
 
+struct TableSpec;
+
 /// A table that the catalog lists.
 struct CatalogEntry {
     std::string name;  // UTF-8
@@ -69,6 +71,7 @@ public:
     [[nodiscard]] Result<std::unique_ptr<Table>> OpenTable(const CatalogEntry& entry);
 
 private:
+    friend Status CreateTable(Database& database, const TableSpec& spec);
     Database(std::unique_ptr<File> file, std::size_t cacheBytes);
     Status ReadHeader();
     Status Join(Disk& disk, const std::string& path, OpenMode mode);

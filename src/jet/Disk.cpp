@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <ctime>
 #include <utility>
 
@@ -140,6 +141,21 @@ public:
 
     Result<std::unique_ptr<Locks>> OpenLocks(const std::string& database, OpenMode mode) override {
         return OpenLockFile(database, mode == OpenMode::ReadWrite);
+    }
+
+    Status GiveName(const std::string& from, const std::string& to) override {
+        // Where the file system cannot refuse to overwrite while it renames, it can while it links.
+        if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) != 0) {
+            const bool canNot = errno == EINVAL || errno == ENOSYS;
+            if (!canNot || ::link(from.c_str(), to.c_str()) != 0) {
+                if (errno != EEXIST) return Status::FromErrno(errno, "it cannot be given its name");
+                return {StatusCode::Duplicate, "there is something of this name already"};
+            }
+            ::unlink(from.c_str());
+        }
+        Status status = SyncFolder(to);
+        if (!status.IsOk()) ::unlink(to.c_str());
+        return status;
     }
 
     Status Remove(const std::string& path) override {

@@ -25,6 +25,8 @@ public:
     /// The locks of the programs that use a database; see Locks.
     [[nodiscard]] virtual Result<std::unique_ptr<Locks>> OpenLocks(const std::string& database,
                                                                    OpenMode mode) = 0;
+    /// Renames a file durably. Duplicate when there is something at `to`, which is not touched.
+    [[nodiscard]] virtual Status GiveName(const std::string& from, const std::string& to) = 0;
     /// Removes a file durably; no failure when there is none.
     [[nodiscard]] virtual Status Remove(const std::string& path) = 0;
 };

@@ -69,7 +69,9 @@ Status TableWriter::CheckWritable() const {
     if (file_.format != Format::Jet4) {
         return table_.Named(Status::Unsupported("tables of Jet 3 files are read only"));
     }
-    if (def.isSystem) return table_.Named(Status::Unsupported("it belongs to the system"));
+    if (def.isSystem && !mayWriteSystem_) {
+        return table_.Named(Status::Unsupported("it belongs to the system"));
+    }
     for (std::size_t i = 0; i < def.realIndexes.size(); ++i) {
         if (table_.CanSeek(i)) continue;
         std::string name = std::to_string(i);

@@ -27,6 +27,13 @@ class TableWriter {
 public:
     explicit TableWriter(Table& table) : table_(table), file_(table.file_) {}
 
+    /// For the code that makes databases and tables: writes the system's own tables too.
+    [[nodiscard]] static TableWriter ForCatalog(Table& table) {
+        TableWriter writer(table);
+        writer.mayWriteSystem_ = true;
+        return writer;
+    }
+
     /// Columns that are not assigned are Null, Booleans false; an AutoNumber gets the next number
     /// unless it is assigned.
     [[nodiscard]] Result<RowId> Insert(std::span<const Assignment> values);
@@ -73,6 +80,7 @@ private:
 
     Table& table_;
     const FileContext& file_;
+    bool mayWriteSystem_ = false;
 };
 
 }  // namespace jet

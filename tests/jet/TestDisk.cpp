@@ -95,6 +95,14 @@ Result<std::unique_ptr<Locks>> TestDisk::OpenLocks(const std::string&, OpenMode)
     return std::unique_ptr<Locks>(std::make_unique<OneProgram>());
 }
 
+Status TestDisk::GiveName(const std::string& from, const std::string& to) {
+    if (Fails()) return PowerOff();
+    if (files_.contains(to)) return {StatusCode::Duplicate, "the file exists"};
+    files_[to] = files_.at(from);
+    files_.erase(from);
+    return {};
+}
+
 Status TestDisk::Remove(const std::string& path) {
     if (Fails()) return PowerOff();
     files_.erase(path);

@@ -18,6 +18,7 @@ class TestDisk final : public Disk {
 public:
     Result<std::unique_ptr<File>> Open(const std::string& path, OpenMode mode) override;
     Result<std::unique_ptr<File>> Create(const std::string& path) override;
+    Status GiveName(const std::string& from, const std::string& to) override;
     Status Remove(const std::string& path) override;
     /// There is only one program.
     Result<std::unique_ptr<Locks>> OpenLocks(const std::string& database, OpenMode mode) override;
@@ -27,6 +28,7 @@ public:
         return files_.at(path)->now;
     }
     [[nodiscard]] bool Has(const std::string& path) const { return files_.contains(path); }
+    [[nodiscard]] std::size_t Count() const { return files_.size(); }
 
     [[nodiscard]] int Operations() const { return operations_; }
     /// Operation number `first` and all behind it fail; the write that fails first is done by

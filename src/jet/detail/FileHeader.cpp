@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "jet/detail/Bytes.h"
+#include "jet/TextKey.h"
 
 namespace jet {
 namespace {
@@ -21,6 +23,10 @@ constexpr std::size_t kCodePage = 0x3C;
 constexpr std::size_t kPageKey = 0x3E;
 constexpr std::size_t kPassword = 0x42;
 constexpr std::size_t kCreationDate = 0x72;
+constexpr std::size_t kCollation = 0x6E;
+constexpr std::size_t kConstants = 0x98;
+constexpr std::string_view kVersionText("4.0\0", 4);
+constexpr std::size_t kCommits = 0xE00;  // a word for each user slot, up to the end of the page
 
 /// XORs `bytes` with the RC4 key stream of kMaskKey.
 void ApplyMask(std::span<std::byte> bytes) {
@@ -41,15 +47,18 @@ void ApplyMask(std::span<std::byte> bytes) {
     }
 }
 
+/// What a file without a password holds in its place, again and again.
+std::array<std::uint8_t, 4> DatePattern(double date) {
+    const bool fits = date > -2147483648.0 && date < 2147483648.0;
+    return std::bit_cast<std::array<std::uint8_t, 4>>(static_cast<std::int32_t>(fits ? date : 0));
+}
+
 /// A file without a password holds the pattern that the creation date makes.
 bool HasPassword(Bytes plain, Format format) {
     std::array<std::uint8_t, 4> pattern{};
     std::size_t size = 20;
     if (format == Format::Jet4) {
-        const auto date = Load<double>(plain, kCreationDate);
-        const bool fits = date > -2147483648.0 && date < 2147483648.0;
-        const auto days = static_cast<std::int32_t>(fits ? date : 0);
-        std::memcpy(pattern.data(), &days, sizeof days);
+        pattern = DatePattern(Load<double>(plain, kCreationDate));
         size = 40;
     }
     for (std::size_t i = 0; i < size; ++i) {
@@ -81,6 +90,31 @@ Result<FileHeader> FileHeader::Parse(Bytes page) {
     header.codePage = LoadU16(plain, kCodePage);
     header.hasPassword = HasPassword(plain, header.format);
     return header;
+}
+
+void FileHeader::MakeNew(std::span<std::byte> page, double created) {
+    constexpr std::array<std::uint32_t, 6> kPlaces = {
+        0x100, 0x101,                     // row pointers of the two maps of free pages
+        2,     3,     4, 5};              // definitions of the system's tables
+    constexpr std::size_t kBuild = 9756;  // of a program that made such files
+    std::fill(page.begin(), page.end(), std::byte{0});
+    StoreU32(page, 0, 0x100);
+    std::memcpy(page.data() + 4, kJetName.data(), kJetName.size());
+    StoreU32(page, 0x14, 1);
+    for (std::size_t i = 0; i < kPlaces.size(); ++i) {
+        StoreU32(page, kMaskBegin + 4 * i, kPlaces[i]);
+    }
+    StoreU16(page, kCodePage, 1252);
+    const auto pattern = DatePattern(created);
+    for (std::size_t i = 0; i < 40; ++i) page[kPassword + i] = std::byte{pattern[i % 4]};
+    StoreU32(page, 0x6A, kBuild);
+    StoreU16(page, kCollation, kGeneralLcid);
+    Store(page, kCreationDate, created);
+    ApplyMask(page.subspan(kMaskBegin, kMaskEndJet4 - kMaskBegin));
+    StoreU32(page, kConstants, 0x654);
+    std::memcpy(page.data() + kConstants + 4, kVersionText.data(), kVersionText.size());
+    StoreU16(page, kCommits, 0x101);
+    for (std::size_t at = kCommits + 2; at < page.size(); at += 2) StoreU16(page, at, 0x100);
 }
 
 }  // namespace jet

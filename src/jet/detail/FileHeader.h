@@ -21,6 +21,9 @@ struct FileHeader {
     /// `page` holds at least kPageSizeJet3 bytes, the beginning of the file. Unsupported for an
     /// encrypted file and a later version; BadArgument when the file is no database.
     [[nodiscard]] static Result<FileHeader> Parse(Bytes page);
+    /// Makes page 0 of a new Jet 4 file, without a password. `created` also stands for the
+    /// security identifiers in the catalog; see SystemTables.
+    static void MakeNew(std::span<std::byte> page, double created);
 };
 
 }  // namespace jet

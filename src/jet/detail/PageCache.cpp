@@ -16,10 +16,13 @@ constexpr std::chrono::milliseconds kReadWait{10'000};
 
 PageCache::PageCache(File& file, std::size_t capacity) : file_(file), capacity_(capacity) {}
 
+std::uint32_t PageCache::PagesInFile() const {
+    return static_cast<std::uint32_t>(std::min<std::uint64_t>(stamp_.size / pageSize_, 0x00FFFFFF));
+}
+
 void PageCache::SetFormat(Format format) {
     pageSize_ = jet::PageSize(format);
-    pageCount_ =
-        static_cast<std::uint32_t>(std::min<std::uint64_t>(stamp_.size / pageSize_, 0x00FFFFFF));
+    pageCount_ = PagesInFile();
     entries_.clear();
     index_.clear();
 }
@@ -43,8 +46,7 @@ Status PageCache::Revalidate() {
     head_ = std::move(head);
     stamp_ = stamp;
     ++generation_;
-    pageCount_ =
-        static_cast<std::uint32_t>(std::min<std::uint64_t>(stamp_.size / pageSize_, 0x00FFFFFF));
+    pageCount_ = PagesInFile();
     entries_.clear();
     index_.clear();
     return {};
@@ -249,7 +251,11 @@ Status PageCache::End(bool committed) {
     before_.clear();
     stepBefore_.clear();
     inTransaction_ = false;
-    if (!committed) return Revalidate();
+    if (!committed) {
+        // The file may have kept its stamp, but the pages that were to be added are not there.
+        pageCount_ = PagesInFile();
+        return Revalidate();
+    }
     JET_ASSIGN(stamp_, file_.Stamp());
     JET_ASSIGN(head_, ReadHead());
     return {};

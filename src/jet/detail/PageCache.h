@@ -116,6 +116,8 @@ private:
     };
     using Entries = std::list<Entry>;
 
+    /// Whole pages in the file as of stamp_.
+    [[nodiscard]] std::uint32_t PagesInFile() const;
     /// The cached image of a page, null when there is none.
     [[nodiscard]] std::shared_ptr<const PageRef::Image> Cached(PageNo page);
     /// What of page 0 tells which database it is and whether somebody has committed.
