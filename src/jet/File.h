@@ -20,7 +20,11 @@ struct FileStamp {
     /// False when the file was changed so short a time ago that a further change might leave the
     /// same stamp.
     bool isSettled = true;
-    [[nodiscard]] bool operator==(const FileStamp&) const = default;
+    /// Whether they are settled does not matter.
+    [[nodiscard]] bool operator==(const FileStamp& other) const {
+        return size == other.size && modifiedNanoseconds == other.modifiedNanoseconds &&
+               changedNanoseconds == other.changedNanoseconds;
+    }
 };
 
 /// The one way in which the engine reaches a file. Not thread-safe.

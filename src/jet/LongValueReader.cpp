@@ -24,8 +24,8 @@ Status LongValueReader::Damage(const std::string& what) const {
 Result<Bytes> LongValueReader::NextRow(RowId id, std::size_t atLeast) {
     const ReadScope scope(cache_);
     JET_TRY(scope.GetStatus());
-    if (generation_ == 0) generation_ = cache_.Generation();
-    if (generation_ != cache_.Generation()) {
+    if (changes_ == 0) changes_ = cache_.Changes();
+    if (changes_ != cache_.Changes()) {
         return Status(StatusCode::Conflict,
                       "another program has changed the file while the value on " +
                           RowText(value_.first) + " was read; read it again");

@@ -28,7 +28,7 @@ private:
     std::size_t left_;  // bytes
     RowId next_;
     std::string name_;
-    std::uint64_t generation_ = 0;  // of the page cache at the first piece
+    std::uint64_t changes_ = 0;  // of the page cache at the first piece
     std::uint32_t pieces_ = 0;
     RowId mark_;     // a piece to be met again when the chain runs in a circle
     DataPage page_;  // keeps the piece alive

@@ -36,6 +36,9 @@ Status TableWriter::Step(Change change) {
     if (!file_.cache.InTransaction()) {
         return table_.Named(Status::BadArgument("a change needs a transaction"));
     }
+    // The definition is replaced now or not at all: inside a transaction nobody else changes the
+    // file, and what follows holds on to it.
+    JET_TRY(table_.Refresh());
     JET_TRY(CheckWritable());
     file_.cache.BeginStep();
     Status status = change();

@@ -273,6 +273,27 @@ TEST_F(TableWriterTest, TransactionsNestAndRollBack) {
     EXPECT_FALSE(disk_.Has(std::string(kProject) + "-journal"));
 }
 
+// The definition that a change works with must not be replaced under it when another program has
+// committed just before.
+TEST_F(TableWriterTest, ChangesFollowACommitOfAnotherProgram) {
+    Open(Example("Brauerei.kvs"));
+    auto other = Must(Database::Open(disk_, kProject, OpenMode::ReadWrite));
+    auto table = Must(database_->OpenTable("TchrArchives"));
+    auto theirs = Must(other->OpenTable("TchrArchives"));
+    const std::array<Assignment, 1> name = {Assignment{1, Value(std::u16string(u"Neu"))}};
+    for (int round = 0; round < 5; ++round) {
+        for (Table* each : {table.get(), theirs.get()}) {
+            Database& database = each == table.get() ? *database_ : *other;
+            ASSERT_OK(database.Begin());
+            ASSERT_OK(TableWriter(*each).Insert(name));
+            ASSERT_OK(database.Commit());
+        }
+    }
+    EXPECT_EQ(RowsOf(*database_, "TchrArchives").size(), 24U);
+    EXPECT_EQ(RowsOf(*other, "TchrArchives").size(), 24U);
+    EXPECT_THAT(ErrorsIn(disk_), testing::IsEmpty());
+}
+
 TEST_F(TableWriterTest, RefusesWhatDoesNotFit) {
     Open(Example("Brauerei.kvs"));
     auto table = Must(database_->OpenTable("TchrArchives"));

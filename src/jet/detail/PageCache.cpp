@@ -32,17 +32,17 @@ Status PageCache::Revalidate() {
     if (inTransaction_) return {};
     FileStamp stamp;
     JET_ASSIGN(stamp, file_.Stamp());
+    // What was read under a stamp that was not settled is read once more when it is.
+    const bool isSure = stamp.isSettled && stamp_.isSettled;
+    if (generation_ != 0 && stamp == stamp_ && isSure) return {};
     Head head;
-    if (generation_ != 0 && stamp == stamp_) {
-        if (stamp.isSettled) return {};
-        // A commit within the same tick of the clock leaves the same stamp, but another word.
-        JET_ASSIGN(head, ReadHead());
-        if (head.commits == head_.commits) return {};
-    }
     JET_ASSIGN(head, ReadHead());
     if (generation_ != 0 && head.identity != head_.identity) {
         return {StatusCode::Conflict, "another database has taken its place; open it again"};
     }
+    // While the stamp is so young that a further change may have left the same one, all pages are
+    // read again. That somebody has changed something is certain only with another stamp or word.
+    if (generation_ == 0 || !(stamp == stamp_) || head.commits != head_.commits) ++changes_;
     head_ = std::move(head);
     stamp_ = stamp;
     ++generation_;

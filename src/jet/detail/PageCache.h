@@ -78,6 +78,8 @@ public:
     /// file now.
     Status Revalidate();
     [[nodiscard]] std::uint64_t Generation() const { return generation_; }
+    /// A new number only when somebody certainly has changed the file.
+    [[nodiscard]] std::uint64_t Changes() const { return changes_; }
 
     /// Whole pages in the file at the last Revalidate().
     [[nodiscard]] std::uint32_t PageCount() const { return pageCount_; }
@@ -136,6 +138,7 @@ private:
     std::size_t pageSize_ = kPageSizeJet4;
     std::uint32_t pageCount_ = 0;
     std::uint64_t generation_ = 0;
+    std::uint64_t changes_ = 0;
     FileStamp stamp_;
     static constexpr std::size_t kIdentity = 0x98;  // bytes from the beginning
     static constexpr std::size_t kCommits = 0xE00;  // offset
