@@ -52,52 +52,53 @@ constexpr TypeForm kForms[] = {
     {ColumnType::Guid, true, 16},   {ColumnType::Numeric, true, 17},
 };
 
-Result<Column> MakeColumn(const ColumnSpec& spec) {
+Result<Column> MakeColumn(const ColumnSpec& wanted) {
     const auto wrong = [&](const char* what) {
-        return Status::BadArgument("column \"" + spec.name + "\": " + what);
+        return Status::BadArgument("column \"" + wanted.name + "\": " + what);
     };
-    JET_TRY(CheckName("a column", spec.name));
+    JET_TRY(CheckName("a column", wanted.name));
     const auto* form = std::find_if(std::begin(kForms), std::end(kForms),
-                                    [&](const TypeForm& f) { return f.type == spec.type; });
+                                    [&](const TypeForm& f) { return f.type == wanted.type; });
     if (form == std::end(kForms)) return wrong("no table can be made with this type");
     Column column;
-    column.name = spec.name;
-    column.type = spec.type;
+    column.name = wanted.name;
+    column.type = wanted.type;
     column.length = form->length;
     column.flags = kUpdatable;
     if (form->isFixed) column.flags |= kFixed;
-    if (spec.isAutoNumber) column.flags |= kAutoNumber;
+    if (wanted.isAutoNumber) column.flags |= kAutoNumber;
     if (column.IsText()) {
         column.collationLcid = kGeneralLcid;
         column.collationVersion = kGeneralVersion;
-        if (spec.mayCompress) column.extraFlags = kCompressed;
+        if (wanted.mayCompress) column.extraFlags = kCompressed;
     }
-    const bool isText = spec.type == ColumnType::Text;
-    if (isText || spec.type == ColumnType::Binary) {
-        if (spec.length < 1 || spec.length > (isText ? kMostText : kMostBinary)) {
+    const bool isText = wanted.type == ColumnType::Text;
+    if (isText || wanted.type == ColumnType::Binary) {
+        if (wanted.length < 1 || wanted.length > (isText ? kMostText : kMostBinary)) {
             return wrong("its length is out of range");
         }
-        column.length = static_cast<std::uint16_t>(isText ? 2 * spec.length : spec.length);
+        column.length = static_cast<std::uint16_t>(isText ? 2 * wanted.length : wanted.length);
     }
-    if (spec.type == ColumnType::Numeric) {
-        if (spec.precision < 1 || spec.precision > kMostDigits || spec.scale > spec.precision) {
+    if (wanted.type == ColumnType::Numeric) {
+        if (wanted.precision < 1 || wanted.precision > kMostDigits ||
+            wanted.scale > wanted.precision) {
             return wrong("its number of digits is out of range");
         }
-        column.precision = spec.precision;
-        column.scale = spec.scale;
+        column.precision = wanted.precision;
+        column.scale = wanted.scale;
     }
-    if (spec.isAutoNumber && spec.type != ColumnType::Long)
+    if (wanted.isAutoNumber && wanted.type != ColumnType::Long)
         return wrong("only Long can be counted");
     return column;
 }
 
-Status AddColumns(const TableSpec& spec, TableDef& def) {
-    if (spec.columns.empty() || spec.columns.size() > kMostColumns) {
+Status AddColumns(const TableSpec& wanted, TableDef& def) {
+    if (wanted.columns.empty() || wanted.columns.size() > kMostColumns) {
         return Status::BadArgument("a table has 1 to " + std::to_string(kMostColumns) +
-                                   " columns, not " + std::to_string(spec.columns.size()));
+                                   " columns, not " + std::to_string(wanted.columns.size()));
     }
     int autoNumbers = 0;
-    for (const ColumnSpec& source : spec.columns) {
+    for (const ColumnSpec& source : wanted.columns) {
         if (def.FindColumn(source.name)) {
             return Status::BadArgument("column \"" + source.name + "\" is there twice");
         }
@@ -116,21 +117,22 @@ Status AddColumns(const TableSpec& spec, TableDef& def) {
     return {};
 }
 
-Status AddIndex(const IndexSpec& spec, TableDef& def) {
+Status AddIndex(const IndexSpec& wanted, TableDef& def) {
     const auto wrong = [&](const std::string& what) {
-        return Status::BadArgument("index \"" + spec.name + "\": " + what);
+        return Status::BadArgument("index \"" + wanted.name + "\": " + what);
     };
-    JET_TRY(CheckName("an index", spec.name));
-    const bool isPrimary = spec.kind == IndexSpec::Kind::PrimaryKey;
+    JET_TRY(CheckName("an index", wanted.name));
+    const bool isPrimary = wanted.kind == IndexSpec::Kind::PrimaryKey;
     for (const LogicalIndex& other : def.logicalIndexes) {
-        if (SameName(other.name, spec.name)) return wrong("it is there twice");
+        if (SameName(other.name, wanted.name)) return wrong("it is there twice");
     }
     if (isPrimary && def.PrimaryKey()) return wrong("there is a primary key already");
-    if (spec.keys.empty() || spec.keys.size() > kMostKeys) return wrong("it needs 1 to 10 columns");
+    if (wanted.keys.empty() || wanted.keys.size() > kMostKeys)
+        return wrong("it needs 1 to 10 columns");
     const std::size_t real = def.realIndexes.size();
     RealIndex index;
-    index.flags = isPrimary ? 0x89 : spec.kind == IndexSpec::Kind::Unique ? 0x81 : 0x80;
-    for (const IndexSpec::Key& key : spec.keys) {
+    index.flags = isPrimary ? 0x89 : wanted.kind == IndexSpec::Kind::Unique ? 0x81 : 0x80;
+    for (const IndexSpec::Key& key : wanted.keys) {
         const auto column = def.FindColumn(key.column);
         if (!column) return wrong("there is no column \"" + key.column + "\"");
         const bool isTwice =
@@ -145,20 +147,20 @@ Status AddIndex(const IndexSpec& spec, TableDef& def) {
     def.realIndexes.push_back(std::move(index));
     // Other programs find an index's columns by taking its number for its position.
     def.logicalIndexes.push_back(
-        {spec.name, static_cast<std::uint32_t>(real), real,
+        {wanted.name, static_cast<std::uint32_t>(real), real,
          isPrimary ? LogicalIndex::Role::PrimaryKey : LogicalIndex::Role::Ordinary});
     return {};
 }
 
-Result<TableDef> MakeDefinition(const TableSpec& spec) {
+Result<TableDef> MakeDefinition(const TableSpec& wanted) {
     TableDef def;
-    JET_TRY(CheckName("a table", spec.name));
-    JET_TRY(AddColumns(spec, def));
-    if (spec.indexes.size() > kMostIndexes) {
+    JET_TRY(CheckName("a table", wanted.name));
+    JET_TRY(AddColumns(wanted, def));
+    if (wanted.indexes.size() > kMostIndexes) {
         return Status::BadArgument("a table has at most " + std::to_string(kMostIndexes) +
                                    " indexes");
     }
-    for (const IndexSpec& index : spec.indexes) JET_TRY(AddIndex(index, def));
+    for (const IndexSpec& index : wanted.indexes) JET_TRY(AddIndex(index, def));
     return def;
 }
 
@@ -227,19 +229,19 @@ private:
 
 }  // namespace
 
-Status CreateTable(Database& database, const TableSpec& spec) {
-    const auto named = [&](const Status& status) { return status.In(TableText(spec.name)); };
-    auto def = MakeDefinition(spec);
+Status CreateTable(Database& database, const TableSpec& wanted) {
+    const auto named = [&](const Status& status) { return status.In(TableText(wanted.name)); };
+    auto def = MakeDefinition(wanted);
     if (!def.IsOk()) return named(def.GetStatus());
     CatalogWriter catalog;
     JET_ASSIGN(catalog, CatalogWriter::Open(database.context_));
     bool exists = false;
-    JET_ASSIGN(exists, catalog.HasTable(spec.name));
+    JET_ASSIGN(exists, catalog.HasTable(wanted.name));
     if (exists) return named({StatusCode::Duplicate, "there is one of this name already"});
 
     JET_TRY(database.Begin());
     Status status = TablePages(database.context_.cache, *def).Make();
-    if (status.IsOk()) status = catalog.AddTable(def->page, spec.name);
+    if (status.IsOk()) status = catalog.AddTable(def->page, wanted.name);
     if (status.IsOk()) return database.Commit();
     // Half a table cannot stay in a transaction that goes on.
     std::ignore = database.Rollback();

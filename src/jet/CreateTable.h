@@ -43,6 +43,6 @@ struct TableSpec {
 ///
 /// BadArgument for what the format cannot hold and Duplicate when there is a table of this name
 /// change nothing. After any other failure nothing is left of the whole transaction.
-Status CreateTable(Database& database, const TableSpec& spec);
+Status CreateTable(Database& database, const TableSpec& wanted);
 
 }  // namespace jet

@@ -82,24 +82,24 @@ ColumnSpec Counter() {
 
 /// Every type, and so many memos that their maps need a second page and the definition a third.
 TableSpec WideTable() {
-    TableSpec spec{"Wide \u00C4", {Counter()}, {}};
+    TableSpec wanted{"Wide \u00C4", {Counter()}, {}};
     constexpr ColumnType kTypes[] = {ColumnType::Boolean, ColumnType::Byte,     ColumnType::Integer,
                                      ColumnType::Long,    ColumnType::Currency, ColumnType::Single,
                                      ColumnType::Double,  ColumnType::DateTime, ColumnType::Guid,
                                      ColumnType::Numeric, ColumnType::Ole,      ColumnType::Memo};
     for (const ColumnType type : kTypes) {
-        spec.columns.push_back({"T" + std::to_string(static_cast<int>(type)), type});
+        wanted.columns.push_back({"T" + std::to_string(static_cast<int>(type)), type});
     }
-    spec.columns.push_back({"Text", ColumnType::Text, 255});
-    spec.columns.push_back({"Bytes", ColumnType::Binary, 510});
+    wanted.columns.push_back({"Text", ColumnType::Text, 255});
+    wanted.columns.push_back({"Bytes", ColumnType::Binary, 510});
     for (int i = 0; i < 100; ++i) {
         const std::string number = std::to_string(i);
-        spec.columns.push_back({std::string(40, 'M') + number, ColumnType::Memo});
+        wanted.columns.push_back({std::string(40, 'M') + number, ColumnType::Memo});
     }
-    spec.indexes = {{"Two", Kind::Unique, {{"Text"}, {"T4", false}}},
-                    {"PrimaryKey", Kind::PrimaryKey, {{"ID"}}},
-                    {"Bytes", Kind::Plain, {{"Bytes"}}}};
-    return spec;
+    wanted.indexes = {{"Two", Kind::Unique, {{"Text"}, {"T4", false}}},
+                      {"PrimaryKey", Kind::PrimaryKey, {{"ID"}}},
+                      {"Bytes", Kind::Plain, {{"Bytes"}}}};
+    return wanted;
 }
 
 Status AddWideTable(Database& database) {
@@ -112,12 +112,12 @@ TEST(CreateTest, ATableHasWhatWasAskedFor) {
     EXPECT_THAT(ErrorsIn(disk), IsEmpty());
     auto database = Must(Database::Open(disk, kProject, OpenMode::ReadWrite));
     auto table = Must(database->OpenTable("WIDE \u00E4"));
-    const TableSpec spec = WideTable();
+    const TableSpec wanted = WideTable();
     const TableDef& def = table->Definition();
-    ASSERT_EQ(def.columns.size(), spec.columns.size());
-    for (std::size_t i = 0; i < spec.columns.size(); ++i) {
-        EXPECT_EQ(def.columns[i].name, spec.columns[i].name);
-        EXPECT_EQ(def.columns[i].type, spec.columns[i].type);
+    ASSERT_EQ(def.columns.size(), wanted.columns.size());
+    for (std::size_t i = 0; i < wanted.columns.size(); ++i) {
+        EXPECT_EQ(def.columns[i].name, wanted.columns[i].name);
+        EXPECT_EQ(def.columns[i].type, wanted.columns[i].type);
     }
     ASSERT_EQ(def.logicalIndexes.size(), 3U);
     EXPECT_EQ(def.logicalIndexes[0].name, "Bytes");  // by name, as other programs have them
@@ -145,7 +145,7 @@ TEST(CreateTest, ATableHasWhatWasAskedFor) {
         ASSERT_OK(database->Commit());
         EXPECT_THAT(ErrorsIn(disk), IsEmpty());
     }
-    EXPECT_EQ(RowsOf(*database, spec.name).size(), 400U);
+    EXPECT_EQ(RowsOf(*database, wanted.name).size(), 400U);
 }
 
 TEST(CreateTest, ATableIsAddedToAFileOfAnotherProgram) {
@@ -180,11 +180,11 @@ TEST(CreateTest, ATableIsAddedToAFileOfAnotherProgram) {
 
 TEST(CreateTest, WhatTheFormatCannotHoldIsRefused) {
     const auto columns = [](std::size_t count, ColumnType type, std::size_t length = 0) {
-        TableSpec spec{"T", {}, {}};
+        TableSpec wanted{"T", {}, {}};
         for (std::size_t i = 0; i < count; ++i) {
-            spec.columns.push_back({"C" + std::to_string(i), type, length});
+            wanted.columns.push_back({"C" + std::to_string(i), type, length});
         }
-        return spec;
+        return wanted;
     };
     const auto indexed = [](std::vector<IndexSpec> indexes) {
         return TableSpec{"T", {{"A"}, {"M", ColumnType::Memo}}, std::move(indexes)};
@@ -215,8 +215,8 @@ TEST(CreateTest, WhatTheFormatCannotHoldIsRefused) {
     ASSERT_OK(CreateTable(*database, {std::string(64, 'x'), {{"A"}}, {}}));
     ASSERT_OK(CreateTable(*database, columns(255, ColumnType::Text, 255)));
     const std::vector<std::byte> before = disk.Content(kProject);
-    for (const auto& [spec, words] : cases) {
-        const Status status = CreateTable(*database, spec);
+    for (const auto& [wanted, words] : cases) {
+        const Status status = CreateTable(*database, wanted);
         EXPECT_EQ(status.Code(), StatusCode::BadArgument) << words;
         EXPECT_THAT(status.Text(), HasSubstr(words));
     }
