@@ -13,6 +13,11 @@ enum ExitStatus : int { kSuccess = 0, kFailure = 1, kUsage = 2 };
 // borrowed. Damage concerns single rows or values: the rest is written all the same, the messages
 // name the places, and the status is kFailure.
 
+/// Makes a new project file with texts in these languages, decimal locale ids; in German and
+/// English when there are none. Prints nothing. kUsage for what is no language.
+[[nodiscard]] ExitStatus New(const std::string& file, const std::vector<std::string>& lcids,
+                             std::FILE* err);
+
 /// A line for each user table: name, tab, number of rows.
 [[nodiscard]] ExitStatus Tables(const std::string& file, std::FILE* out, std::FILE* err);
 

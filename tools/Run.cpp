@@ -11,9 +11,12 @@ namespace {
 
 constexpr const char* kHelp =
     "Usage: kvs COMMAND [OPTION]... FILE [ARGUMENT]...\n"
-    "Reads project files (.kvs) and other Jet 3 and Jet 4 databases.\n"
+    "Works on project files (.kvs) and other Jet 3 and Jet 4 databases.\n"
     "\n"
     "Commands:\n"
+    "  new FILE                   make an empty project; FILE must not be there\n"
+    "    --lcid N                   a language of its texts, such as 1031; once for each language\n"
+    "                               (default: 1031 and 1033)\n"
     "  tables FILE                a line for each table: name, tab, number of rows\n"
     "  dump FILE TABLE            all rows of a table\n"
     "    --format csv|json          CSV after RFC 4180 (default) or JSON\n"
@@ -43,12 +46,27 @@ ExitStatus WrongUsage(const std::string& what, std::FILE* err) {
     return kUsage;
 }
 
-ExitStatus RunCommand(const std::vector<std::string>& words, const std::string& format,
-                      std::FILE* out, std::FILE* err) {
+struct Options {
+    std::string format;
+    std::vector<std::string> lcids;
+};
+
+ExitStatus RunCommand(const std::vector<std::string>& words, const Options& options, std::FILE* out,
+                      std::FILE* err) {
     if (words.empty()) return WrongUsage("a command is missing", err);
     const std::string& command = words[0];
+    const std::string& format = options.format;
+    if (!format.empty() && command != "dump") {
+        return WrongUsage(command + ": --format is for dump", err);
+    }
+    if (!options.lcids.empty() && command != "new") {
+        return WrongUsage(command + ": --lcid is for new", err);
+    }
+    if (command == "new") {
+        if (words.size() != 2) return WrongUsage("new: one FILE is needed", err);
+        return New(words[1], options.lcids, err);
+    }
     if (command == "tables") {
-        if (!format.empty()) return WrongUsage("tables: --format is for dump", err);
         if (words.size() != 2) return WrongUsage("tables: one FILE is needed", err);
         return Tables(words[1], out, err);
     }
@@ -77,7 +95,6 @@ ExitStatus RunCommand(const std::vector<std::string>& words, const std::string& 
         return Delete(words[1], words[2], words[3], out, err);
     }
     if (command == "check") {
-        if (!format.empty()) return WrongUsage("check: --format is for dump", err);
         if (words.size() != 2) return WrongUsage("check: one FILE is needed", err);
         return Check(words[1], out, err);
     }
@@ -87,11 +104,12 @@ ExitStatus RunCommand(const std::vector<std::string>& words, const std::string& 
 }  // namespace
 
 ExitStatus Run(int argc, char** argv, std::FILE* out, std::FILE* err) {
-    static constexpr std::array<option, 4> kOptions = {{{"help", no_argument, nullptr, 'h'},
+    static constexpr std::array<option, 5> kOptions = {{{"help", no_argument, nullptr, 'h'},
                                                         {"version", no_argument, nullptr, 'V'},
                                                         {"format", required_argument, nullptr, 'f'},
+                                                        {"lcid", required_argument, nullptr, 'l'},
                                                         {nullptr, 0, nullptr, 0}}};
-    std::string format;
+    Options options;
     optind = 1;
     opterr = 0;
     int found = 0;
@@ -101,9 +119,10 @@ ExitStatus Run(int argc, char** argv, std::FILE* out, std::FILE* err) {
         if (found == '?')
             return WrongUsage(
                 std::string("unknown or incomplete option '") + argv[optind - 1] + "'", err);
-        format = optarg;
+        if (found == 'f') options.format = optarg;
+        if (found == 'l') options.lcids.emplace_back(optarg);
     }
-    return RunCommand({argv + optind, argv + argc}, format, out, err);
+    return RunCommand({argv + optind, argv + argc}, options, out, err);
 }
 
 }  // namespace tools

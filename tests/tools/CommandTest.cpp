@@ -49,6 +49,31 @@ TEST(CommandTest, ListsTheTablesWithTheirRows) {
               "TpdbVars\t398\nTcfgLanguages\t2\nTalmClasses\t2\n");
 }
 
+TEST(CommandTest, MakesANewProject) {
+    const std::string project = testing::TempDir() + "new_" + std::to_string(::getpid()) + ".kvs";
+    for (const char* lcid : {"x", "", "-1", "0", "1031x", "1048576", "99999999999"}) {
+        const Outcome outcome = RunTool({"new", project, "--lcid", "1033", "--lcid", lcid});
+        EXPECT_EQ(outcome.status, kUsage) << lcid;
+        EXPECT_THAT(outcome.err, StartsWith("kvs: new: ")) << lcid;
+    }
+    EXPECT_FALSE(std::filesystem::exists(project));
+
+    EXPECT_EQ(RunTool({"new", "--lcid", "1036", project, "--lcid", "2057"}).status, kSuccess);
+    EXPECT_THAT(RunTool({"dump", project, "TcfgLanguages"}).out, HasSubstr("2,2057,00000809,"));
+    EXPECT_EQ(RunTool({"dump", project, "TidxTexts"}).out,
+              "ID,ParentID,Name,ParamNames,L1036,L2057\r\n");
+    EXPECT_EQ(RunTool({"check", project}).out, "");
+    const Outcome again = RunTool({"new", project});
+    EXPECT_EQ(again.status, kFailure);
+    EXPECT_THAT(again.err, StartsWith("kvs: " + project + ": "));
+    EXPECT_THAT(RunTool({"dump", project, "TidxTexts"}).out, HasSubstr("L1036"));
+    std::filesystem::remove(project);
+
+    EXPECT_EQ(RunTool({"new", project}).status, kSuccess);
+    EXPECT_THAT(RunTool({"dump", project, "TidxTexts"}).out, HasSubstr("L1031,L1033"));
+    std::filesystem::remove(project);
+}
+
 TEST(CommandTest, DumpsATable) {
     const Outcome csv = RunTool({"dump", kBrewery, "TcfgLanguages"});
     EXPECT_EQ(csv.out,

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace projectfile {
+
+/// How the making of a project ended.
+struct [[nodiscard]] Outcome {
+    enum class Kind {
+        Made,
+        BadLanguages,  // nothing was tried
+        Failed,        // the file is there already, the disk is full, ...
+    };
+    Kind kind = Kind::Made;
+    std::string text;  // why there is no project: UTF-8, does not name the file
+};
+
+/// Makes a new, empty project file with texts in the languages `lcids`: Windows locale ids, 1 to
+/// 0xFFFFF, 1 to 251 different ones, in the order in which the project shall list them.
+///
+/// `path` is UTF-8, with slashes or as projects write paths (see paths::ToNative). A file that is
+/// there already is never touched, and after a failure there is none. The new file is durable.
+Outcome CreateProject(const std::string& path, std::span<const std::uint32_t> lcids);
+
+}  // namespace projectfile

@@ -1,0 +1,146 @@
+#include "projectfile/CreateProject.h"
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <numeric>
+#include <random>
+#include <tuple>
+
+#include "jet/Check.h"
+#include "jet/TableWriter.h"
+#include "JetTesting.h"
+
+namespace projectfile {
+namespace {
+
+using jet::Must;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Kind = Outcome::Kind;
+
+class CreateProjectTest : public testing::Test {
+protected:
+    CreateProjectTest() { std::filesystem::create_directory(folder_); }
+    ~CreateProjectTest() override { std::filesystem::remove_all(folder_); }
+
+    [[nodiscard]] std::vector<std::string> Files() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+            names.push_back(entry.path().filename());
+        }
+        return names;
+    }
+    /// Errors and warnings.
+    [[nodiscard]] std::vector<std::string> Findings() const {
+        std::vector<std::string> texts;
+        auto file = Must(jet::OpenFile(project_));
+        const jet::Status status = jet::Check(*file, [&](const jet::Finding& finding) {
+            texts.push_back(finding.text);
+            return true;
+        });
+        if (!status.IsOk()) texts.push_back(status.Text());
+        return texts;
+    }
+
+    const std::string folder_ = testing::TempDir() + "create_" + std::to_string(::getpid());
+    const std::string project_ = folder_ + "/plant.kvs";
+};
+
+/// User tables without the one that belongs to another editor.
+std::vector<std::string> TablesOf(jet::Database& database) {
+    std::vector<std::string> names;
+    for (const jet::CatalogEntry& entry : Must(database.Tables())) {
+        if (entry.isUserTable && entry.name != "TalmClasses") names.push_back(entry.name);
+    }
+    return names;
+}
+
+/// Names, flags and columns of the indexes, by the order of their trees.
+std::vector<std::tuple<std::string, int, std::vector<jet::IndexColumn>>> IndexesOf(
+    const jet::TableDef& def) {
+    std::vector<std::tuple<std::string, int, std::vector<jet::IndexColumn>>> indexes;
+    for (std::size_t i = 0; i < def.realIndexes.size(); ++i) {
+        for (const jet::LogicalIndex& index : def.logicalIndexes) {
+            if (index.real != i) continue;
+            indexes.emplace_back(index.name, def.realIndexes[i].flags, def.realIndexes[i].columns);
+        }
+    }
+    return indexes;
+}
+
+TEST_F(CreateProjectTest, IsLaidOutAsProjectsOfTheStudio) {
+    const std::uint32_t lcids[] = {1031, 1033};
+    ASSERT_EQ(CreateProject(project_, lcids).kind, Kind::Made);
+    EXPECT_THAT(Findings(), IsEmpty());
+    EXPECT_THAT(Files(), ElementsAre("plant.kvs"));
+
+    auto made = Must(jet::Database::Open(project_));
+    auto sample = Must(jet::Database::Open(jet::TestData("Leer.kvs")));
+    ASSERT_EQ(TablesOf(*made), TablesOf(*sample));
+    for (const std::string& name : TablesOf(*made)) {
+        SCOPED_TRACE(name);
+        const auto ours = Must(made->OpenTable(name));
+        const auto theirs = Must(sample->OpenTable(name));
+        EXPECT_EQ(ours->Definition().columns, theirs->Definition().columns);
+        EXPECT_EQ(IndexesOf(ours->Definition()), IndexesOf(theirs->Definition()));
+        EXPECT_EQ(ours->Definition().PrimaryKey(), theirs->Definition().PrimaryKey());
+        const auto rows = AllRows(*ours);
+        const auto theirRows = AllRows(*theirs);
+        ASSERT_EQ(rows.size(), theirRows.size());  // only the languages have any
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            for (std::size_t column = 0; column < 4; ++column) {
+                EXPECT_EQ(Must(rows[i].Get(column)), Must(theirRows[i].Get(column)));
+            }
+        }
+    }
+}
+
+TEST_F(CreateProjectTest, TakesRowsInAsManyLanguagesAsThereMayBe) {
+    std::vector<std::uint32_t> lcids(251);
+    std::iota(lcids.begin(), lcids.end(), 0xFFFFFU - 250);
+    ASSERT_EQ(CreateProject(project_, lcids).kind, Kind::Made);
+    EXPECT_THAT(Findings(), IsEmpty());
+    auto database =
+        Must(jet::Database::Open(jet::SystemDisk(), project_, jet::OpenMode::ReadWrite));
+    auto table = Must(database->OpenTable("TidxTexts"));
+    ASSERT_EQ(table->Definition().columns.size(), 255U);
+    EXPECT_EQ(table->Definition().columns.back().name, "L1048575");
+    std::mt19937 random(3);
+    ASSERT_OK(database->Begin());
+    for (int i = 0; i < 300; ++i) {
+        const std::u16string name = u"Idx" + jet::ToUtf16(std::to_string(random()));
+        std::vector<jet::Assignment> row = {{1, static_cast<std::int32_t>(random() % 9)},
+                                            {2, name}};
+        for (std::size_t column = 4; column < 255; column += 1 + random() % 40) {
+            row.push_back({column, name});
+        }
+        ASSERT_OK(jet::TableWriter(*table).Insert(row));
+    }
+    ASSERT_OK(database->Commit());
+    EXPECT_THAT(Findings(), IsEmpty());
+}
+
+TEST_F(CreateProjectTest, RefusesWhatCannotBeAndLeavesNothing) {
+    std::vector<std::uint32_t> tooMany(252);
+    std::iota(tooMany.begin(), tooMany.end(), 1);
+    for (const auto& lcids : std::vector<std::vector<std::uint32_t>>{
+             {}, {0}, {1031, 0x100000}, {1031, 1033, 1031}, tooMany}) {
+        const Outcome outcome = CreateProject(project_, lcids);
+        EXPECT_EQ(outcome.kind, Kind::BadLanguages);
+        EXPECT_NE(outcome.text, "");
+    }
+    const std::uint32_t german[] = {1031};
+    EXPECT_EQ(CreateProject(folder_ + "/missing/plant.kvs", german).kind, Kind::Failed);
+    EXPECT_EQ(CreateProject(folder_, german).kind, Kind::Failed);
+    EXPECT_THAT(Files(), IsEmpty());
+
+    // A name is taken also by what leads nowhere.
+    std::filesystem::create_symlink("nowhere", project_);
+    EXPECT_EQ(CreateProject(project_, german).kind, Kind::Failed);
+    EXPECT_TRUE(std::filesystem::is_symlink(project_));
+    EXPECT_THAT(Files(), ElementsAre("plant.kvs"));
+}
+
+}  // namespace
+}  // namespace projectfile
