@@ -1,0 +1,174 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QVariant>
+#include <vector>
+
+#include "controls/GridColumn.h"
+#include "controls/GridSource.h"
+
+class CellEdit;
+class ColumnLayout;
+class GridRows;
+class GridView;
+class QTableView;
+class RowMemory;
+
+/// One split of a TDBGrid: a view over a source, with its columns, current cell, row selection,
+/// sort order, filter text and pending edit. Rows are named by id throughout; what stands where
+/// on the screen is the split's own business.
+class GridSplit final : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString Caption READ Caption WRITE SetCaption)
+    Q_PROPERTY(bool RecordSelectors READ RecordSelectors WRITE SetRecordSelectors)
+    Q_PROPERTY(bool AllowColMove READ AllowColMove WRITE SetAllowColMove)
+    Q_PROPERTY(bool Locked READ Locked WRITE SetLocked)
+    Q_PROPERTY(bool DoubleClickEdits READ DoubleClickEdits WRITE SetDoubleClickEdits)
+    Q_PROPERTY(QString FrozenColumn READ FrozenColumn WRITE SetFrozenColumn)
+    Q_PROPERTY(bool DataChanged READ DataChanged)
+    Q_PROPERTY(bool AddingNew READ AddingNew)
+
+public:
+    /// `view` shows the split and outlives it.
+    explicit GridSplit(GridView& view, QObject* parent);
+    ~GridSplit() override;
+
+    /// The view, for its place on the screen and its context menu; not for its model.
+    [[nodiscard]] QTableView* View() const;
+
+    // --- source and columns
+    /// Borrowed; it must outlive the split or be taken away with nullptr.
+    void SetSource(GridSource* source);
+    [[nodiscard]] GridSource* Source() const;
+    /// A column by field name (letter case does not matter) or by 0-based number in the source's
+    /// order; nullptr when there is none.
+    [[nodiscard]] Q_INVOKABLE QObject* Columns(const QVariant& nameOrIndex) const;
+    [[nodiscard]] GridColumn* Column(QStringView field) const;
+    [[nodiscard]] GridColumn* ColumnAt(int column) const;
+    [[nodiscard]] int ColumnIndex(QStringView field) const;  // -1 when there is none
+    [[nodiscard]] int ColumnCount() const;
+    /// Source columns in the order shown, hidden ones included.
+    [[nodiscard]] QList<int> ColumnOrders() const;
+    /// Columns that `columns` does not name follow in their own order; numbers out of range and
+    /// repeated ones are ignored.
+    void SetColumnOrders(const QList<int>& columns);
+
+    /// What assistive tools call the split ("Trends").
+    [[nodiscard]] QString Caption() const;
+    void SetCaption(const QString& caption);
+    [[nodiscard]] bool RecordSelectors() const;
+    void SetRecordSelectors(bool show);
+    [[nodiscard]] bool AllowColMove() const;
+    void SetAllowColMove(bool allow);
+    /// A locked split cannot be edited.
+    [[nodiscard]] bool Locked() const noexcept { return locked_; }
+    void SetLocked(bool locked);
+    /// Whether a double click begins an edit. Off where the window gives it another meaning; the
+    /// signal DblClick comes either way.
+    [[nodiscard]] bool DoubleClickEdits() const noexcept { return doubleClickEdits_; }
+    void SetDoubleClickEdits(bool edits) { doubleClickEdits_ = edits; }
+    /// Field name of the column that stays in view when scrolling sideways; it moves to the first
+    /// place. Empty: none. Moving another column in front of it ends it.
+    [[nodiscard]] QString FrozenColumn() const;
+    void SetFrozenColumn(const QString& field);
+
+    // --- current cell and selection
+    [[nodiscard]] GridRowId CurrentRow() const;  // kNoGridRow: none
+    [[nodiscard]] int CurrentColumn() const;     // -1: none
+    /// Brings the cell into view; `column` -1 keeps the current column. Reads on as far as needed.
+    /// Returns whether the row is shown. kNoGridRow: no current cell.
+    bool SetCurrentCell(GridRowId row, int column = -1);
+    /// Selected rows that are shown, from top to bottom.
+    [[nodiscard]] QList<GridRowId> SelectedRows() const;
+    void SelectRows(const QList<GridRowId>& rows);
+    void SelectAll();
+    void ClearSelection();
+    /// All rows shown, from top to bottom, as far as they have been fetched.
+    [[nodiscard]] QList<GridRowId> ShownRows() const;
+    /// A cell's text as the grid shows it.
+    [[nodiscard]] QString CellText(GridRowId row, int column) const;
+
+    // --- editing
+    /// Whether the cell can be edited.
+    [[nodiscard]] bool CanEdit(GridRowId row, int column) const;
+    /// Opens the current cell's editor.
+    bool BeginEdit();
+    [[nodiscard]] bool Editing() const;
+    /// The pending edit differs from what is stored.
+    [[nodiscard]] bool DataChanged() const;
+    /// The current row is not written yet.
+    [[nodiscard]] bool AddingNew() const;
+    /// Writes the pending edit, and the current row when it is a new one. To be called before
+    /// commands and on deactivation. False when something was refused or failed (the stored value
+    /// is shown again then); true when there was nothing to write.
+    bool CommitPendingEdit();
+    void CancelEdit();
+
+    // --- order and narrowing
+    /// Sorts once, stably; edits and new rows do not move until it is called again, a reset
+    /// applies it anew. Numbers go by value, listed values and texts as the locale sorts what is
+    /// shown, Null first. Current row and selection stay with their rows.
+    void Sort(QStringView field, Qt::SortOrder order = Qt::AscendingOrder);
+    /// As Ctrl+O does: the current column upwards, or downwards when it is sorted upwards.
+    void SortByCurrentColumn();
+    void ClearSort();
+    [[nodiscard]] QString SortField() const;  // empty: in the source's order
+    [[nodiscard]] Qt::SortOrder SortOrder() const;
+    /// Shows only rows in which a visible column contains the text, whatever its letter case.
+    /// Empty: all. A row with a pending edit stays.
+    void SetFilterText(const QString& text);
+    [[nodiscard]] QString FilterText() const;
+    /// Rows that are shown, as far as they have been fetched.
+    [[nodiscard]] int RowCount() const;
+
+signals:
+    /// The current cell is another one (kNoGridRow: none). Not raised when a reset or a sort
+    /// finds the same cell again.
+    void RowColChange(GridRowId row, int column);
+    void SelChange();
+    /// The chooser of a column with a Button is wanted.
+    void ButtonClick(GridRowId row, int column);
+    void DblClick(GridRowId row, int column);
+    void HeadClick(int column);
+    void AfterColUpdate(GridRowId row, int column);
+    /// A commit failed. The editor is closed, the stored value is shown and the cell is current
+    /// again. The grid shows no message of its own.
+    void DataError(int number, const QString& text);
+    /// A row disappeared while `text` was being typed into it.
+    void EditDiscarded(GridRowId row, int column, const QString& text);
+    void EditStateChanged();
+    void SortChanged();
+    void FilterChanged();
+    /// Columns were moved, resized, shown or hidden, by the user or by property.
+    void LayoutChanged();
+    /// A context menu is wanted for a cell (kNoGridRow: beside all rows).
+    void ContextMenu(GridRowId row, int column, const QPoint& globalPosition);
+
+private:
+    friend class CellEdit;
+    friend class GridView;
+
+    void RebuildColumns();
+    void RowsRebuilt();
+    void CurrentCellChanged();
+    bool Report(const GridCommit& commit, GridRowId row, int column);
+    bool CommitNewRow(GridRowId row);
+    [[nodiscard]] QModelIndex IndexOf(GridRowId row, int column) const;
+
+    GridView& view_;
+    std::vector<GridColumn*> columns_;
+    std::unique_ptr<GridRows> rows_;
+    std::unique_ptr<ColumnLayout> layout_;
+    std::unique_ptr<RowMemory> memory_;
+    std::unique_ptr<CellEdit> edit_;
+    GridRowId currentRow_ = kNoGridRow;  // as last raised by RowColChange
+    int currentColumn_ = -1;
+    bool locked_ = false;
+    bool doubleClickEdits_ = true;
+    bool committing_ = false;
+};

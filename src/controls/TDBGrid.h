@@ -1,0 +1,81 @@
+#pragma once
+
+#include <array>
+#include <functional>
+#include <QWidget>
+
+#include "controls/GridSplit.h"
+
+class FontProperties;
+class QSplitter;
+
+/// A data grid with two splits side by side, each over a source of its own, as an engineer uses it
+/// all day: cells are edited in place, rows selected by their record selectors, columns moved and
+/// resized, sorted and narrowed.
+///
+/// Keys, as in a spreadsheet:
+///   typing, Backspace   edit, replacing the value        F2, (double click)  edit the value
+///   Enter, Shift+Enter  commit, down or up                Tab, Shift+Tab      commit, right or
+///   Up, Down            commit, that way                                      left; an edit goes
+///   on Esc                 the stored value again            Del                 clear the cell
+///   Space               the chooser of its column         Alt+Down            the drop-down
+///   Shift+Up/Down       extend the row selection          Shift+Space         select the row
+///   Ctrl+A              select all rows shown             Ctrl+O              sort
+///   Ctrl+PageUp/Down    PageRequested                     F6                  the other split
+/// All other keys go on to the window. Nothing deletes a row.
+///
+/// The grid shows no messages and knows no texts: those it needs are asked of SetTexts.
+class TDBGrid final : public QWidget {
+    Q_OBJECT
+    Q_PROPERTY(QObject* Font READ Font CONSTANT)
+    Q_PROPERTY(QObject* HeadFont READ HeadFont CONSTANT)
+    Q_PROPERTY(bool RecordSelectors READ RecordSelectors WRITE SetRecordSelectors)
+    Q_PROPERTY(int Split READ Split WRITE SetSplit)
+
+public:
+    static constexpr int kSplitCount = 2;
+
+    explicit TDBGrid(QWidget* parent = nullptr);
+    ~TDBGrid() override;
+
+    /// GridSplit 0 or 1; nullptr for other numbers.
+    [[nodiscard]] Q_INVOKABLE QObject* Splits(int split) const;
+    [[nodiscard]] GridSplit& SplitAt(int split) const;
+
+    /// Interface texts by number (1300 to 1305); asked again whenever one is needed.
+    void SetTexts(std::function<QString(int)> texts);
+
+    /// FontProperties of the cells and of the headings. The headings follow the cells until they
+    /// are given a font of their own.
+    [[nodiscard]] QObject* Font() const;
+    [[nodiscard]] QObject* HeadFont() const;
+    [[nodiscard]] bool RecordSelectors() const;
+    void SetRecordSelectors(bool show);
+
+    /// The split that has, or last had, the keyboard.
+    [[nodiscard]] int Split() const noexcept { return split_; }
+    void SetSplit(int split);
+    /// Holds the two views; its handle is the bar between them.
+    [[nodiscard]] QSplitter* Splitter() const noexcept { return splitter_; }
+
+    /// GridSplit::CommitPendingEdit of both.
+    bool CommitPendingEdit();
+
+signals:
+    /// Another split has the keyboard now.
+    void SplitChange(int split);
+    /// Ctrl+PageUp (-1), Ctrl+PageDown (+1): the previous or next archive.
+    void PageRequested(int step);
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void NameViews();
+
+    QSplitter* splitter_ = nullptr;
+    std::array<GridSplit*, kSplitCount> splits_{};
+    FontProperties* font_ = nullptr;
+    FontProperties* headFont_ = nullptr;
+    int split_ = 1;
+};
