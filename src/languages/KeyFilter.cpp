@@ -10,11 +10,12 @@
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QLocale>
 #include <QMenu>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QStringView>
+
+#include "platform/Locale.h"
 
 namespace MResources {
 namespace {
@@ -40,10 +41,6 @@ constexpr std::array<Rule, 10> kRules = {{
     {false, u"/*?<>|\" "},
 }};
 
-QChar DecimalSeparator() {
-    return QLocale().toString(1.1, 'f', 1).at(1);
-}
-
 bool IsControl(QChar c) {
     return c < u' ' || c == QChar(0x7F);
 }
@@ -59,6 +56,17 @@ bool TypesText(const QKeyEvent& event) {
         return false;
     }
     return first.isPrint() || first.category() == QChar::Other_PrivateUse;
+}
+
+/// Paste in the context menu that Qt makes for a line edit. Its entries have neither names nor
+/// texts that can be relied on, but an order: Undo, Redo, Cut, Copy, Paste.
+QAction* PasteAction(const QMenu& menu) {
+    constexpr int kPosition = 4;
+    int position = 0;
+    for (QAction* action : menu.actions()) {
+        if (!action->isSeparator() && position++ == kPosition) return action;
+    }
+    return nullptr;
 }
 
 /// Watches one line edit, and the combo box around it, which hands keys to its line edit directly.
@@ -173,7 +181,7 @@ private:
         if (widget.contextMenuPolicy() != Qt::DefaultContextMenu) return false;
         QMenu* menu = field_.createStandardContextMenu();
         menu->setAttribute(Qt::WA_DeleteOnClose);
-        if (auto* paste = menu->findChild<QAction*>(QStringLiteral("edit-paste"))) {
+        if (QAction* paste = PasteAction(*menu)) {
             paste->disconnect(&field_);
             connect(paste, &QAction::triggered, this, [this] {
                 if (!Insert(QGuiApplication::clipboard()->text())) field_.paste();
@@ -210,7 +218,7 @@ int KeyFilter(int mode, int keyCode) {
     const bool isUnit = keyCode >= 0 && keyCode <= 0xFFFF;
     const QChar character(static_cast<char16_t>(isUnit ? keyCode : 0));
     bool passes = rule.characters.contains(character) == rule.listed;
-    if (mode == kFloatMode) passes = passes || character == DecimalSeparator();
+    if (mode == kFloatMode) passes = passes || character == platform::DecimalSeparator();
     return passes ? keyCode : 0;
 }
 

@@ -32,6 +32,11 @@ inline constexpr int kTextArchivesNode = 550;
 /// Texts that have no number of old; from here on upward.
 inline constexpr int kTextNoHelpFile = 1001;    // <file> and <topic> are replaced
 inline constexpr int kTextMoreFailures = 1002;  // <n> is replaced
+inline constexpr int kTextChooseVariable = 1100;
+inline constexpr int kTextChooseFolder = 1101;
+inline constexpr int kTextEditText = 1102;
+inline constexpr int kTextPicker = 1103;          // caption of a button that opens a chooser
+inline constexpr int kTextCharacterCount = 1104;  // <n> and <max> are replaced
 
 /// Words that every dialog uses; they are entered first.
 extern const std::span<const Entry> kCommonWords;
