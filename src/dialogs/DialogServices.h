@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <QFont>
+#include <QString>
+#include <QStringView>
+
+class QWidget;
+
+namespace MResources {
+class TextTable;
+}
+
+/// The names in use, a list for each group ("Arc" archives, "Trd" trends of the open archive). The
+/// editor window keeps them; the dialogs ask here, so that they need not know the window.
+class INameRegistry {
+public:
+    virtual ~INameRegistry() = default;
+
+    /// True when the name is in use.
+    [[nodiscard]] virtual bool TestNameInGroup(QStringView group, const QString& name) = 0;
+    virtual void ChangeNameInGroup(QStringView group, const QString& oldName,
+                                   const QString& newName) = 0;
+};
+
+/// What the property dialogs borrow of the program around them. The references outlive every
+/// dialog. The functions let no exception out, and may be empty: what needs them then does nothing.
+struct DialogServices {
+    const MResources::TextTable& texts;
+    INameRegistry& names;
+
+    /// The variable browser: shows the variable `current` and returns the name of the chosen one;
+    /// nothing when the user gives up.
+    std::function<std::optional<QString>(QWidget* owner, const QString& current)> chooseVariable;
+    /// Shows a topic of the help by its context number.
+    std::function<void(int topic, QWidget* owner)> showHelp;
+    /// The folder chooser: begins at a native path and returns one; nothing when the user gives
+    /// up. Empty: the desktop's.
+    std::function<std::optional<QString>(QWidget* owner, const QString& start)> chooseFolder;
+
+    /// Folder of the open project in the form with backslashes, with or without one at the end.
+    QString projectFolder;
+    /// For texts in the current language of the project.
+    QFont textFont;
+};
