@@ -53,11 +53,11 @@ void TextTable::Initialize(platform::Registry& registry) {
 
 void TextTable::Fill() {
     texts_.clear();
-    for (const MResourceTable::Entry& entry : MResourceTable::kCommonWords) {
-        AddTexts(entry.id, {entry.german, entry.english});
-    }
-    for (const MResourceTable::Entry& entry : MResourceTable::kTexts) {
-        AddTexts(entry.id, {entry.german, entry.english});
+    for (const auto& entries :
+         {MResourceTable::kCommonWords, MResourceTable::kTexts, MResourceTable::kOwnTexts}) {
+        for (const MResourceTable::Entry& entry : entries) {
+            AddTexts(entry.id, {entry.german, entry.english});
+        }
     }
 }
 
