@@ -31,6 +31,10 @@ enum class DumpFormat { Csv, Json };
 /// no errors.
 [[nodiscard]] ExitStatus Check(const std::string& file, std::FILE* out, std::FILE* err);
 
+/// Rewrites a Jet 4 file without the room that nothing uses and writes both sizes to `out`. Refused
+/// while other programs have the file open.
+[[nodiscard]] ExitStatus Compact(const std::string& file, std::FILE* out, std::FILE* err);
+
 // The commands that change a table, through recordsets: all of it in one transaction or nothing.
 // They write the number of rows to `out`.
 

@@ -71,6 +71,7 @@ public:
     [[nodiscard]] Result<std::unique_ptr<Table>> OpenTable(const CatalogEntry& entry);
 
 private:
+    friend class Compaction;
     friend Status CreateTable(Database& database, const TableSpec& wanted);
     Database(std::unique_ptr<File> file, std::size_t cacheBytes);
     Status ReadHeader();

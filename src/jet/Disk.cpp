@@ -2,11 +2,14 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
+#include <tuple>
 #include <utility>
 
 namespace jet {
@@ -82,6 +85,8 @@ public:
         return {};
     }
 
+    [[nodiscard]] int Descriptor() const { return descriptor_; }
+
 private:
     int descriptor_;
     std::string path_;
@@ -102,6 +107,37 @@ Status SyncFolder(const std::string& path) {
     ::close(descriptor);
     // Some file systems have nothing to sync for a folder.
     if (result != 0 && error != EINVAL) return Status::FromErrno(error, "syncing its folder");
+    return {};
+}
+
+/// Attributes that the system itself sets need not be copied.
+bool IsOwnAttribute(const std::string& name) {
+    return name.rfind("security.", 0) != 0 && name.rfind("trusted.", 0) != 0;
+}
+
+/// Owner, permissions and further attributes (such as lists of those who have access).
+Status CopyAttributes(const std::string& from, const struct stat& info, int to) {
+    const auto failed = [] {
+        return Status::FromErrno(errno, "its owner and permissions cannot be kept");
+    };
+    struct stat made {};
+    if (::fstat(to, &made) != 0) return failed();
+    const bool isOwned = made.st_uid == info.st_uid && made.st_gid == info.st_gid;
+    if (!isOwned && ::fchown(to, info.st_uid, info.st_gid) != 0) return failed();
+    if (::fchmod(to, info.st_mode & 07777) != 0) return failed();
+    const ssize_t size = ::listxattr(from.c_str(), nullptr, 0);
+    if (size <= 0) return size == 0 || errno == ENOTSUP ? Status() : failed();
+    std::string names(static_cast<std::size_t>(size), '\0');
+    if (::listxattr(from.c_str(), names.data(), names.size()) != size) return failed();
+    for (std::size_t at = 0; at < names.size(); at = names.find('\0', at) + 1) {
+        const std::string name = names.c_str() + at;
+        if (!IsOwnAttribute(name)) continue;
+        std::array<char, 65536> value{};  // the most that there can be
+        const ssize_t length = ::getxattr(from.c_str(), name.c_str(), value.data(), value.size());
+        if (length < 0) return failed();
+        const auto bytes = static_cast<std::size_t>(length);
+        if (::fsetxattr(to, name.c_str(), value.data(), bytes, 0) != 0) return failed();
+    }
     return {};
 }
 
@@ -127,16 +163,38 @@ public:
     }
 
     Result<std::unique_ptr<File>> Create(const std::string& path) override {
-        const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (descriptor < 0) return Status::FromErrno(errno, "\"" + path + "\" cannot be made");
+        std::unique_ptr<File> file;
+        JET_ASSIGN(file, Make(path, 0666));
+        return file;
+    }
+
+    Result<std::unique_ptr<File>> CreateLike(const std::string& path,
+                                             const std::string& model) override {
         struct stat info {};
-        if (::fstat(descriptor, &info) != 0) {
-            ::close(descriptor);
-            return Status::FromErrno(errno, "\"" + path + "\" cannot be made");
+        if (::lstat(model.c_str(), &info) != 0) {
+            return Status::FromErrno(errno, "\"" + model + "\" cannot be looked at");
         }
-        auto file = std::make_unique<PosixFile>(descriptor, path, info);
-        if (Status status = SyncFolder(path); !status.IsOk()) return status;
+        if (!S_ISREG(info.st_mode) || info.st_nlink != 1) {
+            return Status::Unsupported(S_ISLNK(info.st_mode)
+                                           ? "it is a link; name the file itself"
+                                           : "it has several names, of which one would be lost");
+        }
+        // Nobody may see what is written before it has the permissions.
+        std::unique_ptr<PosixFile> file;
+        JET_ASSIGN(file, Make(path, 0600));
+        Status status = CopyAttributes(model, info, file->Descriptor());
+        if (!status.IsOk()) {
+            std::ignore = Remove(path);  // the failure to be told is the first one
+            return status;
+        }
         return std::unique_ptr<File>(std::move(file));
+    }
+
+    Status Replace(const std::string& from, const std::string& to) override {
+        if (::rename(from.c_str(), to.c_str()) != 0) {
+            return Status::FromErrno(errno, "it cannot be put in the old file's place");
+        }
+        return SyncFolder(to);
     }
 
     Result<std::unique_ptr<Locks>> OpenLocks(const std::string& database, OpenMode mode) override {
@@ -167,6 +225,19 @@ public:
     }
 
 private:
+    static Result<std::unique_ptr<PosixFile>> Make(const std::string& path, mode_t mode) {
+        const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+        if (descriptor < 0) return Status::FromErrno(errno, "\"" + path + "\" cannot be made");
+        struct stat info {};
+        if (::fstat(descriptor, &info) != 0) {
+            ::close(descriptor);
+            return Status::FromErrno(errno, "\"" + path + "\" cannot be made");
+        }
+        auto file = std::make_unique<PosixFile>(descriptor, path, info);
+        if (Status status = SyncFolder(path); !status.IsOk()) return status;
+        return file;
+    }
+
     static Status IsFolder() {
         return {StatusCode::BadArgument, "it is a folder, not a database file"};
     }

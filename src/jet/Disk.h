@@ -27,6 +27,13 @@ public:
                                                                    OpenMode mode) = 0;
     /// Renames a file durably. Duplicate when there is something at `to`, which is not touched.
     [[nodiscard]] virtual Status GiveName(const std::string& from, const std::string& to) = 0;
+    /// Makes a new file as Create does, with the owner, the permissions and the attributes of the
+    /// file at `model`. Fails when it cannot have them, and when Replace would not do.
+    [[nodiscard]] virtual Result<std::unique_ptr<File>> CreateLike(const std::string& path,
+                                                                   const std::string& model) = 0;
+    /// Renames a file durably to the name of another, which is then gone. There is always one of
+    /// them under that name. Not for a link, nor for a file with several names.
+    [[nodiscard]] virtual Status Replace(const std::string& from, const std::string& to) = 0;
     /// Removes a file durably; no failure when there is none.
     [[nodiscard]] virtual Status Remove(const std::string& path) = 0;
 };

@@ -117,6 +117,11 @@ public:
         return users;
     }
 
+    Status LockAlone() override {
+        if (Lock(F_WRLCK, kUserLock + 1, kMostUsers)) return {};
+        return OthersAreThere(OtherUsers());
+    }
+
 private:
     static struct flock Range(short type, off_t begin, off_t length) {
         struct flock lock {};
@@ -184,9 +189,18 @@ public:
     void UnlockPages() override {}
     int User() const override { return 1; }
     std::vector<std::string> OtherUsers() override { return {}; }
+    Status LockAlone() override {
+        return {StatusCode::Permission, "the file cannot be locked here"};
+    }
 };
 
 }  // namespace
+
+Status OthersAreThere(const std::vector<std::string>& computers) {
+    std::string names;
+    for (const std::string& name : computers) names += (names.empty() ? "" : ", ") + name;
+    return {StatusCode::Busy, "other programs have the file open (on " + names + ")"};
+}
 
 Result<std::unique_ptr<Locks>> OpenLockFile(const std::string& database, bool forWriting) {
     constexpr int kTries = 100;

@@ -39,7 +39,13 @@ public:
     [[nodiscard]] virtual int User() const = 0;
     /// Who else has the database open, by computer names.
     [[nodiscard]] virtual std::vector<std::string> OtherUsers() = 0;
+    /// Makes sure that nobody else has the database open, and that nobody can open it before the
+    /// locks are given up. Busy, naming them, when others are there.
+    virtual Status LockAlone() = 0;
 };
+
+/// Busy, naming the computers.
+[[nodiscard]] Status OthersAreThere(const std::vector<std::string>& computers);
 
 /// Locks in the lock file beside the database, as other programs on it use them. The file is made
 /// by the first and removed by the last. Where it cannot be made, as on read-only media, and only

@@ -78,6 +78,12 @@ Status Row::Read(std::size_t column, Value& value) const {
     return status.In(RowText(id_) + ", column \"" + def.name + "\"");
 }
 
+Result<Bytes> Row::StoredValue(std::size_t column) const {
+    const Column& def = def_->columns[column];
+    if (def.type == ColumnType::Boolean || !view_.HasBit(def)) return Bytes();
+    return view_.ValueBytes(def);
+}
+
 /// Reads some pages at once: a look at the file for each would cost more than reading it.
 Status RowCursor::ReadAhead() {
     constexpr std::size_t kPages = 16;

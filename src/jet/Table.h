@@ -35,6 +35,11 @@ public:
     /// when there is no such column.
     Status Read(std::size_t column, Value& value) const;
 
+    // The row as it is stored, for code that copies it. Valid as long as the row.
+    [[nodiscard]] Bytes Stored() const { return view_.Stored(); }
+    /// The part of it that holds a value; empty for Null and for Booleans.
+    [[nodiscard]] Result<Bytes> StoredValue(std::size_t column) const;
+
 private:
     friend class Table;
     friend class TableWriter;

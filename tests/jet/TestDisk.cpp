@@ -19,6 +19,7 @@ public:
     void UnlockPages() override {}
     int User() const override { return 1; }
     std::vector<std::string> OtherUsers() override { return {}; }
+    Status LockAlone() override { return {}; }
 };
 
 }  // namespace
@@ -36,7 +37,7 @@ public:
         return count;
     }
     Result<FileStamp> Stamp() const override {
-        return FileStamp{content_->now.size(), disk_.changes_, disk_.changes_, true};
+        return FileStamp{content_->now.size(), content_->changes, content_->changes, true};
     }
     Status Write(std::uint64_t offset, std::span<const std::byte> bytes) override {
         const bool fails = disk_.Fails();
@@ -61,7 +62,7 @@ private:
     void Do(TestDisk::Write write) {
         Apply(write, content_->now);
         content_->pending.push_back(std::move(write));
-        ++disk_.changes_;
+        ++content_->changes;
     }
 
     TestDisk& disk_;
@@ -103,6 +104,17 @@ Status TestDisk::GiveName(const std::string& from, const std::string& to) {
     return {};
 }
 
+Result<std::unique_ptr<File>> TestDisk::CreateLike(const std::string& path, const std::string&) {
+    return Create(path);
+}
+
+Status TestDisk::Replace(const std::string& from, const std::string& to) {
+    if (Fails()) return PowerOff();
+    files_[to] = files_.at(from);
+    files_.erase(from);
+    return {};
+}
+
 Status TestDisk::Remove(const std::string& path) {
     if (Fails()) return PowerOff();
     files_.erase(path);
@@ -110,7 +122,7 @@ Status TestDisk::Remove(const std::string& path) {
 }
 
 void TestDisk::Put(const std::string& path, std::vector<std::byte> content) {
-    files_[path] = std::make_shared<FileContent>(FileContent{content, content, {}});
+    files_[path] = std::make_shared<FileContent>(FileContent{content, content, {}, 0});
 }
 
 void TestDisk::CutPower(std::mt19937& random) {
@@ -120,7 +132,7 @@ void TestDisk::CutPower(std::mt19937& random) {
             if (random() % 2 == 0) Apply(write, left);
         }
         // Handles of before the cut keep what they had.
-        content = std::make_shared<FileContent>(FileContent{left, left, {}});
+        content = std::make_shared<FileContent>(FileContent{left, left, {}, 0});
     }
     FailFrom(-1);
 }

@@ -19,6 +19,9 @@ public:
     Result<std::unique_ptr<File>> Open(const std::string& path, OpenMode mode) override;
     Result<std::unique_ptr<File>> Create(const std::string& path) override;
     Status GiveName(const std::string& from, const std::string& to) override;
+    Result<std::unique_ptr<File>> CreateLike(const std::string& path,
+                                             const std::string& model) override;
+    Status Replace(const std::string& from, const std::string& to) override;
     Status Remove(const std::string& path) override;
     /// There is only one program.
     Result<std::unique_ptr<Locks>> OpenLocks(const std::string& database, OpenMode mode) override;
@@ -51,6 +54,7 @@ private:
         std::vector<std::byte> now;
         std::vector<std::byte> durable;
         std::vector<Write> pending;
+        std::int64_t changes = 0;
     };
     class Handle;
 
@@ -60,7 +64,6 @@ private:
     std::map<std::string, std::shared_ptr<FileContent>> files_;
     int operations_ = 0;
     int failFrom_ = -1;
-    std::int64_t changes_ = 0;
 };
 
 }  // namespace jet

@@ -49,6 +49,19 @@ TEST(CommandTest, ListsTheTablesWithTheirRows) {
               "TpdbVars\t398\nTcfgLanguages\t2\nTalmClasses\t2\n");
 }
 
+TEST(CommandTest, CompactsAFileAndTellsItsSizes) {
+    const std::string project = testing::TempDir() + "big_" + std::to_string(::getpid()) + ".kvs";
+    std::filesystem::copy_file(kBrewery, project);
+    const std::string dump = RunTool({"dump", project, "TchrTrends"}).out;
+    const Outcome outcome = RunTool({"compact", project});
+    EXPECT_EQ(outcome.status, kSuccess) << outcome.err;
+    EXPECT_EQ(outcome.out, "404 KB before, 372 KB after\n");
+    EXPECT_EQ(RunTool({"dump", project, "TchrTrends"}).out, dump);
+    std::filesystem::remove(project);
+    EXPECT_EQ(RunTool({"compact", project}).status, kFailure);
+    EXPECT_EQ(RunTool({"compact"}).status, kUsage);
+}
+
 TEST(CommandTest, MakesANewProject) {
     const std::string project = testing::TempDir() + "new_" + std::to_string(::getpid()) + ".kvs";
     for (const char* lcid : {"x", "", "-1", "0", "1031x", "1048576", "99999999999"}) {

@@ -189,6 +189,9 @@ Result<ByteVector> RowImage::Assemble() const {
         for (auto start = starts.rbegin(); start != starts.rend(); ++start) append(*start);
         append(variable.size());
     }
+    // A row that moves leaves a pointer of four bytes. Only rows of Booleans are shorter, and what
+    // is added must lie in front of the mask.
+    if (variable.empty() && row.size() + mask.size() < 4) row.resize(4 - mask.size());
     row.insert(row.end(), mask.begin(), mask.end());
     if (row.size() > kMostBytes) {
         return Status(StatusCode::TooLong, "the row has " + std::to_string(row.size()) +

@@ -22,6 +22,8 @@ public:
     RowView() = default;
     [[nodiscard]] static Result<RowView> Parse(Format format, const TableDef& def, Bytes row);
 
+    [[nodiscard]] Bytes Stored() const { return row_; }
+
     /// The bit of the null mask: not Null, or for a Boolean its value.
     [[nodiscard]] bool HasBit(const Column& column) const {
         if (column.number >= columnCount_) return false;

@@ -97,6 +97,10 @@ constexpr Layout kJet3 = {.rows = 12,
                           .logicalTable = 13,
                           .logicalRole = 19};
 
+Status DamageOf(PageNo page, const std::string& what) {
+    return Status::Corrupt("the table definition on " + PageText(page) + " " + what);
+}
+
 class Reader {
 public:
     Reader(PageCache& cache, Format format, const CodePage* codePage, PageNo page)
@@ -108,7 +112,7 @@ public:
     }
 
     Result<TableDef> Read() {
-        JET_TRY(ReadStream());
+        JET_ASSIGN(stream_, ReadTableDefStream(cache_, format_, def_.page));
         JET_TRY(ReadFixedPart());
         JET_TRY(ReadCounters());
         JET_TRY(ReadColumns());
@@ -119,33 +123,6 @@ public:
     }
 
 private:
-    /// Joins the pages of the definition to one stream.
-    Status ReadStream() {
-        PageNo page = def_.page;
-        std::size_t length = kPageHeader + 4;
-        for (std::size_t size = 0; size < length; size = stream_.size()) {
-            if (Raw(page) == 0) return Damage("ends before its stated length");
-            PageRef ref;
-            JET_ASSIGN(ref, cache_.Read(page));
-            const Bytes bytes = ref.Bytes();
-            if (LoadU8(bytes, 0) != kTableDefType) {
-                return Status::Corrupt(PageText(page) + " is not a table definition (type " +
-                                       std::to_string(LoadU8(bytes, 0)) + ")");
-            }
-            if (stream_.empty()) {
-                length = LoadU32(bytes, kPageHeader);
-                if (length < layout_.variablePart || length > kMaxLength) {
-                    return Damage("states a length of " + std::to_string(length) + " bytes");
-                }
-            }
-            const Bytes part = bytes.subspan(stream_.empty() ? 0 : kPageHeader);
-            stream_.insert(stream_.end(), part.begin(), part.end());
-            page = PageNo{LoadU32(bytes, 4)};
-        }
-        stream_.resize(length);
-        return {};
-    }
-
     Status ReadFixedPart() {
         const Bytes s = stream_;
         def_.rowCount = LoadU32(s, layout_.rows);
@@ -295,9 +272,7 @@ private:
         return ToUtf8(name);
     }
 
-    Status Damage(const std::string& what) const {
-        return Status::Corrupt("the table definition on " + PageText(def_.page) + " " + what);
-    }
+    Status Damage(const std::string& what) const { return DamageOf(def_.page, what); }
 
     PageCache& cache_;
     const CodePage* codePage_;
@@ -312,6 +287,34 @@ private:
 };
 
 }  // namespace
+
+Result<std::vector<std::byte>> ReadTableDefStream(PageCache& cache, Format format, PageNo page) {
+    const std::size_t shortest = (format == Format::Jet4 ? kJet4 : kJet3).variablePart;
+    const PageNo first = page;
+    std::vector<std::byte> stream;
+    std::size_t length = kPageHeader + 4;
+    for (std::size_t size = 0; size < length; size = stream.size()) {
+        if (Raw(page) == 0) return DamageOf(first, "ends before its stated length");
+        PageRef ref;
+        JET_ASSIGN(ref, cache.Read(page));
+        const Bytes bytes = ref.Bytes();
+        if (LoadU8(bytes, 0) != kTableDefType) {
+            return Status::Corrupt(PageText(page) + " is not a table definition (type " +
+                                   std::to_string(LoadU8(bytes, 0)) + ")");
+        }
+        if (stream.empty()) {
+            length = LoadU32(bytes, kPageHeader);
+            if (length < shortest || length > kMaxLength) {
+                return DamageOf(first, "states a length of " + std::to_string(length) + " bytes");
+            }
+        }
+        const Bytes part = bytes.subspan(stream.empty() ? 0 : kPageHeader);
+        stream.insert(stream.end(), part.begin(), part.end());
+        page = PageNo{LoadU32(bytes, 4)};
+    }
+    stream.resize(length);
+    return stream;
+}
 
 Result<TableDef> ReadTableDef(PageCache& cache, Format format, const CodePage* codePage,
                               PageNo page) {

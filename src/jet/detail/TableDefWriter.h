@@ -31,6 +31,8 @@ Status MakeMaps(TableDef& def,
 class TableDefImage {
 public:
     explicit TableDefImage(const TableDef& def);
+    /// Of a definition that has been read as such a stream.
+    explicit TableDefImage(std::vector<std::byte> stream) : stream_(std::move(stream)) {}
 
     [[nodiscard]] std::size_t Length() const { return stream_.size(); }
     /// Depends on the names and the numbers of columns and indexes only.

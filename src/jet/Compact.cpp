@@ -1,0 +1,141 @@
+#include "jet/Compact.h"
+
+#include <algorithm>
+#include <array>
+#include <tuple>
+
+#include "jet/Check.h"
+#include "jet/Database.h"
+#include "jet/detail/compact/ContentCompare.h"
+#include "jet/detail/compact/TableCopier.h"
+#include "jet/detail/GlobalMap.h"
+
+namespace jet {
+namespace {
+
+Status RequireSound(File& file) {
+    Status status;
+    JET_TRY(Check(file, [&](const Finding& finding) {
+        if (finding.severity == Finding::Severity::Error) status = Status::Corrupt(finding.text);
+        return status.IsOk();
+    }));
+    return status;
+}
+
+}  // namespace
+
+/// One compaction, in a transaction of the old file that changes nothing: it keeps other writers
+/// away.
+class Compaction {
+public:
+    Compaction(Disk& disk, std::string path, Database& database)
+        : disk_(disk),
+          path_(std::move(path)),
+          draftPath_(path_ + "-compact"),
+          database_(database) {}
+
+    Result<CompactSizes> Run() {
+        FileStamp before;
+        JET_ASSIGN(before, database_.file_->Stamp());
+        JET_TRY(RequireSound(*database_.file_).In("it is damaged and must be repaired first"));
+        JET_TRY(RequireNoMore());
+        // A compaction that died may have left one.
+        JET_TRY(disk_.Remove(draftPath_));
+        Status status = WriteDraft();
+        if (status.IsOk()) status = Verify().In("the new file is not as it should be");
+        if (status.IsOk()) status = Swap(before);
+        if (!status.IsOk()) {
+            // The failure to be told is the first one.
+            std::ignore = disk_.Remove(draftPath_);
+            return status;
+        }
+        return CompactSizes{before.size, newSize_};
+    }
+
+private:
+    /// Nobody knows what the second map is for: only an empty one can be made anew.
+    Status RequireNoMore() {
+        UsageMap second;
+        JET_ASSIGN(second, UsageMap::Open(database_.cache_, Format::Jet4,
+                                          RowId{GlobalMap::kPage, 1}.Pointer()));
+        const Bytes row = second.Stored();
+        const bool isEmpty = std::all_of(row.begin() + GlobalMap::kHead, row.end(),
+                                         [](std::byte b) { return b == std::byte{0}; });
+        if (LoadU8(row, 0) == 0 && isEmpty) return {};
+        return Status::Unsupported(
+            "its second map of pages, whose meaning is not known, is not empty");
+    }
+
+    Status WriteDraft() {
+        std::unique_ptr<File> file;
+        JET_ASSIGN(file, disk_.CreateLike(draftPath_, path_));
+        compact::Draft draft(*file);
+        compact::MapPages maps(draft);
+        std::vector<CatalogEntry> tables;
+        JET_ASSIGN(tables, database_.Tables());
+        std::sort(tables.begin(), tables.end(), [](const CatalogEntry& a, const CatalogEntry& b) {
+            return Raw(a.page) < Raw(b.page);
+        });
+        // The maps of the system's own tables share the page behind their definitions.
+        JET_TRY(maps.BeginPage());
+        std::vector<compact::TableCopier> copiers;
+        for (const CatalogEntry& entry : tables) {
+            std::unique_ptr<Table> table;
+            JET_ASSIGN(table, database_.OpenTable(entry));
+            if (Raw(entry.page) >= compact::Draft::kFirst) JET_TRY(maps.BeginPage());
+            copiers.emplace_back(database_.cache_, draft, maps, std::move(table));
+            JET_TRY(copiers.back().Place(moves_));
+        }
+        for (compact::TableCopier& copier : copiers) JET_TRY(copier.Copy(moves_));
+        JET_TRY(maps.Write());
+        JET_TRY(draft.WriteGlobalMaps());
+        PageRef header;
+        JET_ASSIGN(header, database_.cache_.Read(PageNo{0}));
+        JET_TRY(draft.Write(PageNo{0}, header.Bytes()));
+        newSize_ = std::uint64_t{draft.PageCount()} * kPageSizeJet4;
+        return file->Sync();
+    }
+
+    Status Verify() {
+        std::unique_ptr<File> file;
+        JET_ASSIGN(file, disk_.Open(draftPath_, OpenMode::Read));
+        JET_TRY(RequireSound(*file));
+        std::unique_ptr<Database> copy;
+        JET_ASSIGN(copy, Database::Open(std::move(file)));
+        return compact::CompareContent(database_, *copy, moves_);
+    }
+
+    Status Swap(const FileStamp& before) {
+        JET_TRY(database_.locks_->LockAlone());
+        FileStamp now;
+        JET_ASSIGN(now, database_.file_->Stamp());
+        if (!(now == before)) {
+            return {StatusCode::Busy, "another program has changed the file meanwhile"};
+        }
+        return disk_.Replace(draftPath_, path_);
+    }
+
+    Disk& disk_;
+    std::string path_;
+    std::string draftPath_;
+    Database& database_;
+    compact::TableMoves moves_;
+    std::uint64_t newSize_ = 0;  // bytes
+};
+
+Result<CompactSizes> Compact(Disk& disk, const std::string& path) {
+    std::unique_ptr<Database> database;
+    JET_ASSIGN(database, Database::Open(disk, path, OpenMode::ReadWrite));
+    if (database->FileFormat() != Format::Jet4) {
+        return Status::Unsupported("only Jet 4 files can be compacted");
+    }
+    const std::vector<std::string> others = database->OtherUsers();
+    if (!others.empty()) return OthersAreThere(others);
+    JET_TRY(database->Begin());
+    Result<CompactSizes> sizes = Compaction(disk, path, *database).Run();
+    // Nothing has been changed in it, and the file may have another's place now.
+    std::ignore = database->Rollback();
+    return sizes;
+}
+
+}  // namespace jet
