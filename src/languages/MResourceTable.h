@@ -258,11 +258,54 @@ inline constexpr int kLastNumberOfOld = 907;
 // the settings, from 1100 on the dialogs, from 1300 on the grid.
 inline constexpr int kTextNoHelpFile = 1001;    // <file> and <topic> are replaced
 inline constexpr int kTextMoreFailures = 1002;  // <n> is replaced
-inline constexpr int kTextChooseVariable = 1100;
-inline constexpr int kTextChooseFolder = 1101;
-inline constexpr int kTextEditText = 1102;
-inline constexpr int kTextPicker = 1103;          // caption of a button that opens a chooser
-inline constexpr int kTextCharacterCount = 1104;  // <n> and <max> are replaced
+inline constexpr int kTextEditText = 1100;
+inline constexpr int kTextPicker = 1101;          // caption of a button that opens a chooser
+inline constexpr int kTextCharacterCount = 1102;  // <n> and <max> are replaced
+inline constexpr int kTextArchiveSaveMode = 1103;
+inline constexpr int kTextMeaning = 1104;
+
+// What the settings of an archive mean; the word in <> is replaced
+inline constexpr int kTextFileEachYear = 1110;  // seven, in the order of the file-change list
+inline constexpr int kTextNewFileOnTrigger = 1117;
+inline constexpr int kTextNewFileOnVariable = 1118;
+inline constexpr int kTextNewFileAfterRecords = 1119;
+inline constexpr int kTextSingleFile = 1120;
+inline constexpr int kTextOneFile = 1121;
+inline constexpr int kTextFiles = 1122;
+inline constexpr int kTextAtMost = 1123;
+inline constexpr int kTextRecords = 1124;
+inline constexpr int kTextReachesBack = 1125;
+inline constexpr int kTextInMainMemory = 1126;
+inline constexpr int kTextProcessCycles = 1127;
+inline constexpr int kTextMilliseconds = 1128;
+inline constexpr int kTextSeconds =
+    1129;  // of each unit the first text is for one, the next for more
+inline constexpr int kTextMinutes = 1131;
+inline constexpr int kTextHours = 1133;
+inline constexpr int kTextDays = 1135;
+inline constexpr int kTextYears = 1137;
+inline constexpr int kTextKilobytes = 1139;
+inline constexpr int kTextMegabytes = 1140;
+inline constexpr int kTextGigabytes = 1141;
+
+// Editor window
+inline constexpr int kTextNarrow = 1360;
+inline constexpr int kTextCopy = 1361;
+inline constexpr int kTextPaste = 1362;
+inline constexpr int kTextDuplicate = 1363;
+inline constexpr int kTextFreezeName = 1364;
+inline constexpr int kTextToolBar = 1365;
+inline constexpr int kTextLanguageOfTexts = 1366;
+inline constexpr int kTextTrends = 1367;
+inline constexpr int kTextEditDiscarded = 1368;  // <text> is replaced
+inline constexpr int kTextPasteInvalid = 1369;   // <row>, <column> and <text> are replaced
+inline constexpr int kTextPasteNoHeadings = 1370;
+inline constexpr int kTextPasteUnknownColumn = 1371;  // <column> is replaced
+inline constexpr int kTextDeletingTrends = 1372;
+inline constexpr int kTextCopyingTrends = 1373;
+inline constexpr int kTextPastingTrends = 1374;
+inline constexpr int kTextRowChanged = 1375;
+inline constexpr int kTextSettingsNotSaved = 1376;  // the cause follows
 
 /// Words that every dialog uses; they are entered first.
 extern const std::span<const Entry> kCommonWords;
