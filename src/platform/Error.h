@@ -7,9 +7,12 @@ namespace platform {
 
 /// Error numbers of this library. The same cause always has the same number.
 namespace ErrorNumber {
+inline constexpr int kInvalidArgument = 5;
 inline constexpr int kDeviceFault = 57;
+inline constexpr int kDiskFull = 61;
 inline constexpr int kPermissionDenied = 70;
 inline constexpr int kPathNotUsable = 75;
+inline constexpr int kResourceNotFound = 326;
 }  // namespace ErrorNumber
 
 /// What the services of this library throw. `Description` is an English sentence that names the

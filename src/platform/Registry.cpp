@@ -1,17 +1,12 @@
 #include "platform/Registry.h"
 
-#include <sys/stat.h>
-
-#include <cerrno>
-#include <cstring>
 #include <optional>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
-#include <QSaveFile>
 
 #include "platform/detail/RegFile.h"
+#include "platform/detail/WholeFile.h"
 #include "platform/Error.h"
 
 namespace platform {
@@ -23,39 +18,6 @@ Q_LOGGING_CATEGORY(registryLog, "korvala.registry")
 
 constexpr QStringView kSoftware = u"SOFTWARE\\";
 constexpr QStringView kSoftware32 = u"SOFTWARE\\WOW6432Node\\";
-
-[[noreturn]] void Fail(const QString& file, const QString& action, int cause) {
-    const int number = cause == EACCES || cause == EPERM     ? ErrorNumber::kPermissionDenied
-                       : cause == EISDIR || cause == ENOTDIR ? ErrorNumber::kPathNotUsable
-                                                             : ErrorNumber::kDeviceFault;
-    throw Error(number, u"The registry file '%1' cannot be %2: %3."_s.arg(
-                            file, action, QString::fromLocal8Bit(std::strerror(cause))));
-}
-
-/// What tells one state of a file from another. A file that was replaced has another number, one
-/// that was written in place another time or size.
-struct FileState {
-    ino_t number = 0;
-    off_t size = 0;
-    timespec changed{};
-
-    bool operator==(const FileState& other) const {
-        return number == other.number && size == other.size &&
-               changed.tv_sec == other.changed.tv_sec && changed.tv_nsec == other.changed.tv_nsec;
-    }
-};
-
-/// nullopt when there is no such file.
-std::optional<FileState> StateOf(const QString& file) {
-    struct stat status {};
-    if (file.isEmpty()) return std::nullopt;
-    if (stat(QFile::encodeName(file).constData(), &status) != 0) {
-        if (errno == ENOENT || errno == ENOTDIR) return std::nullopt;
-        Fail(file, u"read"_s, errno);
-    }
-    if (!S_ISREG(status.st_mode)) Fail(file, u"read"_s, EISDIR);
-    return FileState{status.st_ino, status.st_size, status.st_mtim};
-}
 
 std::optional<QString> AsText(const RegFile::Data* data) {
     if (data == nullptr) return std::nullopt;
@@ -89,8 +51,8 @@ RegistryFiles RegistryFiles::FromEnvironment() {
 struct Registry::Rep {
     std::optional<RegistryFiles> fixed;
     RegFile content;
-    QString file;                    // that `content` was read from
-    std::optional<FileState> state;  // of `file` then
+    QString file;                           // that `content` was read from
+    std::optional<WholeFile::State> state;  // of `file` then
     bool loaded = false;
 
     [[nodiscard]] RegistryFiles Files() const {
@@ -104,22 +66,15 @@ struct Registry::Rep {
 void Registry::Rep::Load() {
     const RegistryFiles files = Files();
     QString wanted = files.user;
-    std::optional<FileState> now = StateOf(files.user);
+    std::optional<WholeFile::State> now = WholeFile::StateOf(files.user);
     if (!now) {
-        now = StateOf(files.system);
+        now = WholeFile::StateOf(files.system);
         if (now) wanted = files.system;
     }
     if (loaded && wanted == file && now == state) return;
 
     RegFile read;
-    if (now) {
-        QFile source(wanted);
-        errno = 0;
-        if (!source.open(QIODevice::ReadOnly)) Fail(wanted, u"read"_s, errno != 0 ? errno : EIO);
-        const QByteArray bytes = source.readAll();
-        if (source.error() != QFileDevice::NoError) Fail(wanted, u"read"_s, EIO);
-        read = RegFile::Parse(bytes);
-    }
+    if (now) read = RegFile::Parse(WholeFile::Read(wanted).value_or(QByteArray()));
     content = std::move(read);
     file = wanted;
     state = now;
@@ -141,8 +96,15 @@ const RegFile::Data* Registry::Rep::Find(QStringView key, QStringView valueName)
 }
 
 void Registry::Rep::Write(QStringView key, QStringView valueName, const RegFile::Data& data) {
-    Load();
     const QString target = Files().user;
+    const QString folder = QFileInfo(target).absolutePath();
+    if (!QDir().mkpath(folder)) {
+        throw Error(ErrorNumber::kPathNotUsable,
+                    u"The folder '%1' of the registry file cannot be made."_s.arg(folder));
+    }
+    const WholeFile::Lock lock(target);
+    loaded = false;  // another program may have been faster than the clock of the file system
+    Load();
     // A copy: what is remembered must not run ahead of the file when writing fails.
     RegFile changed = content;
     QString place = key.toString();
@@ -150,24 +112,10 @@ void Registry::Rep::Write(QStringView key, QStringView valueName, const RegFile:
         place = kSoftware32.toString() + key.mid(kSoftware.size()).toString();
     }
     changed.Set(place, valueName, data);
-
-    const QString folder = QFileInfo(target).absolutePath();
-    if (!QDir().mkpath(folder)) {
-        throw Error(ErrorNumber::kPathNotUsable,
-                    u"The folder '%1' of the registry file cannot be made."_s.arg(folder));
-    }
-    QSaveFile save(target);
-    const QByteArray bytes = changed.Serialize();
-    if (!save.open(QIODevice::WriteOnly) || save.write(bytes) != bytes.size() || !save.commit()) {
-        throw Error(
-            save.error() == QFileDevice::PermissionsError || save.error() == QFileDevice::OpenError
-                ? ErrorNumber::kPermissionDenied
-                : ErrorNumber::kDeviceFault,
-            u"The registry file '%1' cannot be written: %2."_s.arg(target, save.errorString()));
-    }
+    WholeFile::Replace(target, changed.Serialize());
     content = std::move(changed);
     file = target;
-    state = StateOf(target);
+    state = WholeFile::StateOf(target);
 }
 
 Registry::Registry() : rep_(std::make_unique<Rep>()) {}

@@ -15,12 +15,12 @@ constexpr std::array<char16_t, 32> kUpperControls = {
 }  // namespace
 
 QString FromWindows1252(QByteArrayView bytes) {
-    QString text;
-    text.reserve(bytes.size());
+    QString text(bytes.size(), Qt::Uninitialized);
+    QChar* to = text.data();
     for (const char c : bytes) {
         const auto byte = static_cast<unsigned char>(c);
         const bool moved = byte >= 0x80 && byte < 0xA0;
-        text += QChar(moved ? kUpperControls[byte - 0x80U] : static_cast<char16_t>(byte));
+        *to++ = QChar(moved ? kUpperControls[byte - 0x80U] : static_cast<char16_t>(byte));
     }
     return text;
 }
@@ -30,14 +30,13 @@ std::optional<QByteArray> ToWindows1252(QStringView text) {
     bytes.reserve(text.size());
     for (const QChar c : text) {
         const char16_t code = c.unicode();
-        const auto* moved = std::find(kUpperControls.begin(), kUpperControls.end(), code);
-        if (moved != kUpperControls.end()) {
-            bytes += static_cast<char>(0x80 + (moved - kUpperControls.begin()));
-        } else if (code < 0x80 || (code >= 0xA0 && code <= 0xFF)) {
+        if (code < 0x80 || (code >= 0xA0 && code <= 0xFF)) {
             bytes += static_cast<char>(code);
-        } else {
-            return std::nullopt;
+            continue;
         }
+        const auto* moved = std::find(kUpperControls.begin(), kUpperControls.end(), code);
+        if (moved == kUpperControls.end()) return std::nullopt;
+        bytes += static_cast<char>(0x80 + (moved - kUpperControls.begin()));
     }
     return bytes;
 }

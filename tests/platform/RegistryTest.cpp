@@ -61,6 +61,7 @@ TEST_F(RegistryTest, ReadsEveryWrittenFormOfAValue) {
         {"expandable text in hex over two lines",
          u"\"Common\"=hex(2):44,00,3a,00,\\\r\n  5c,00,4b,00,00,00\r\n\"b\"=\"2\""_s, u"Common"_s,
          u"D:\\K"_s, 0},
+        {"number as bytes", u"\"LCID\"=hex(4):09,04,00,00"_s, u"lcid"_s, u"1033"_s, 0},
         {"binary is no text", u"\"a\"=hex:01,02,\\\r\n  03"_s, u"a"_s, u"-"_s, 0},
         {"value behind a binary", u"\"a\"=hex:01,\\\r\n  02\r\n\"b\"=\"2\""_s, u"b"_s, u"2"_s, 0},
         {"blanks and a comment", u"  \"a\" = \"1\" ; one"_s, u"a"_s, u"1"_s, 0},
@@ -149,6 +150,28 @@ TEST_F(RegistryTest, OldExportTakesCharactersBeyondItsCodePage) {
     Registry fresh(RegistryFiles{named_, {}});
     EXPECT_EQ(fresh.ReadString(u"SOFTWARE\\X", u"a"), u"ü"_s);
     EXPECT_EQ(fresh.ReadString(u"SOFTWARE\\X", u"b"), u"Łódź"_s);
+}
+
+TEST_F(RegistryTest, TextsWithLineEndsDoNotBreakTheFile) {
+    for (const QByteArray& header : {kVersion5.toUtf8(), QByteArray("REGEDIT4\r\n\r\n")}) {
+        Put(named_, header);
+        registry_.WriteString(u"SOFTWARE\\X", u"a", u"ü\r\n[b]"_s);
+        registry_.WriteString(u"SOFTWARE\\X", u"b", u"2"_s);
+        Registry fresh(RegistryFiles{named_, {}});
+        EXPECT_EQ(fresh.ReadString(u"SOFTWARE\\X", u"a"), u"ü\r\n[b]"_s);
+        EXPECT_EQ(fresh.ReadString(u"SOFTWARE\\X", u"b"), u"2"_s);
+    }
+}
+
+TEST_F(RegistryTest, ManyDeletedKeysTakeTheirTimeOnly) {
+    QString text = kVersion5;
+    for (int i = 0; i < 30'000; ++i) {
+        text += u"[HKEY_LOCAL_MACHINE\\SOFTWARE\\K%1\\A]\r\n"_s.arg(i);
+    }
+    for (int i = 0; i < 30'000; ++i) text += u"[-HKEY_LOCAL_MACHINE\\NONE]\r\n"_s;
+    text += u"[-HKEY_LOCAL_MACHINE\\SOFTWARE\\K1]\r\n"_s + kSection + u"\"a\"=\"1\"\r\n"_s;
+    Put(named_, Utf16(text));
+    EXPECT_EQ(registry_.ReadString(kKey, u"a"), u"1"_s);
 }
 
 TEST_F(RegistryTest, AValueOf32BitProgramsIsWrittenWhereItIs) {

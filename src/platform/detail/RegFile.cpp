@@ -2,7 +2,9 @@
 
 #include <QStringDecoder>
 #include <QStringEncoder>
+#include <QtEndian>
 
+#include "platform/Fold.h"
 #include "platform/Windows1252.h"
 
 namespace platform {
@@ -15,22 +17,13 @@ constexpr QStringView kOldHeader = u"REGEDIT4";
 constexpr QStringView kHive = u"HKEY_LOCAL_MACHINE";
 constexpr QStringView kShortHive = u"HKLM";
 
-/// Character by character, as the registry does: full folding would make one name of "Maß" and
-/// "Mass".
-QString Fold(QStringView name) {
-    QString folded;
-    folded.reserve(name.size());
-    for (const QChar c : name) folded += c.toUpper();
-    return folded;
-}
-
 /// The key of a path with its hive; nullopt for another hive.
 std::optional<QString> WithoutHive(QStringView path) {
     for (const QStringView hive : {kHive, kShortHive}) {
         if (!path.startsWith(hive, Qt::CaseInsensitive)) continue;
         const QStringView rest = path.mid(hive.size());
         if (rest.isEmpty()) return QString();
-        if (rest.front() == u'\\') return Fold(rest.mid(1));
+        if (rest.front() == u'\\') return FoldName(rest.mid(1));
     }
     return std::nullopt;
 }
@@ -67,6 +60,18 @@ QString Quoted(QStringView text) {
     return result + u'"';
 }
 
+/// A text with line ends would break its line; such texts are exported as bytes.
+QString Written(const QString& text, bool ansi) {
+    if (!text.contains(u'\n') && !text.contains(u'\r')) return Quoted(text);
+    QByteArray bytes;
+    if (ansi) {
+        bytes = ToWindows1252(text).value_or(text.toLatin1()) + '\0';
+    } else {
+        bytes = QByteArray(QStringEncoder(QStringEncoder::Utf16LE)(text + QChar(0)));
+    }
+    return u"hex(1):"_s + QString::fromLatin1(bytes.toHex(','));
+}
+
 bool NothingButComment(QStringView rest) {
     const QStringView trimmed = rest.trimmed();
     return trimmed.isEmpty() || trimmed.startsWith(u';');
@@ -98,31 +103,25 @@ QString TextOfBytes(const QByteArray& bytes, bool ansi) {
 
 }  // namespace
 
-RegFile::RegFile() : lines_{kHeader.toString() + u'\r'}, carriageReturns_(true) {}
+RegFile::RegFile() : lines_{kHeader.toString() + u'\r'}, carriageReturns_(true) {
+    form_.encoding = FileText::Encoding::Utf8;
+}
 
 RegFile RegFile::Parse(const QByteArray& bytes) {
     RegFile file;
     if (bytes.isEmpty()) return file;
+    const bool old = bytes.startsWith("REGEDIT4");
+    file.form_ = FileText::Decode(
+        bytes, old ? FileText::WithoutMark::Ansi : FileText::WithoutMark::Utf8OrAnsi);
     file.lines_.clear();
-    file.SplitLines(Decode(bytes, file.encoding_));
+    file.SplitLines(file.form_.text);
+    // What is all ASCII may become either; the newer form never was in the code page.
+    const bool ascii = file.form_.encoding == FileText::Encoding::Ansi && !old &&
+                       file.form_.text.toUtf8().size() == file.form_.text.size();
+    if (ascii) file.form_.encoding = FileText::Encoding::Utf8;
+    file.form_.text.clear();
     file.Interpret();
     return file;
-}
-
-QString RegFile::Decode(const QByteArray& bytes, Encoding& encoding) {
-    if (bytes.startsWith("\xFF\xFE")) {
-        encoding = Encoding::Utf16;
-        return QStringDecoder(QStringDecoder::Utf16LE)(bytes.mid(2));
-    }
-    const bool marked = bytes.startsWith("\xEF\xBB\xBF");
-    if (marked || !bytes.startsWith("REGEDIT4")) {
-        QStringDecoder decoder(QStringDecoder::Utf8);
-        QString text = decoder(marked ? bytes.mid(3) : bytes);
-        encoding = marked ? Encoding::Utf8WithMark : Encoding::Utf8;
-        if (!decoder.hasError()) return text;
-    }
-    encoding = Encoding::Windows1252;
-    return FromWindows1252(bytes);
 }
 
 void RegFile::SplitLines(const QString& text) {
@@ -173,9 +172,12 @@ void RegFile::OpenKey(QStringView header, qsizetype line, QString& current) {
     const std::optional<QString> key = WithoutHive(path);
     if (!key) return;
     if (remove) {
+        keys_.erase(*key);
         const QString below = *key + u'\\';
-        keys_.removeIf(
-            [&](auto entry) { return entry.key() == *key || entry.key().startsWith(below); });
+        auto last = keys_.lower_bound(below);
+        const auto first = last;
+        while (last != keys_.end() && last->first.startsWith(below)) ++last;
+        keys_.erase(first, last);
         return;
     }
     current = *key;
@@ -212,9 +214,9 @@ qsizetype RegFile::ReadValue(const QString& current, qsizetype line) {
 
     Key* key = current.isNull() ? nullptr : &keys_[current];
     if (rest.startsWith(u'-') && NothingButComment(rest.mid(1))) {
-        if (key != nullptr) key->values.remove(Fold(*name));
+        if (key != nullptr) key->values.remove(FoldName(*name));
     } else if (const std::optional<Data> data = ParseData(rest)) {
-        if (key != nullptr) key->values.insert(Fold(*name), Entry{*data, line, count});
+        if (key != nullptr) key->values.insert(FoldName(*name), Entry{*data, line, count});
     } else {
         Report(line);
     }
@@ -243,6 +245,9 @@ std::optional<RegFile::Data> RegFile::ParseData(QStringView text) const {
     if (!kind.startsWith(u"hex"_s)) return std::nullopt;
     const std::optional<QByteArray> bytes = HexBytes(digits);
     if (!bytes) return std::nullopt;
+    if (kind == u"hex(4)"_s && bytes->size() == 4) {
+        return Data(qFromLittleEndian<std::uint32_t>(bytes->constData()));
+    }
     if (kind == u"hex(1)"_s || kind == u"hex(2)"_s) return Data(TextOfBytes(*bytes, ansiHex_));
     return Data();
 }
@@ -252,10 +257,10 @@ void RegFile::Report(qsizetype line) {
 }
 
 const RegFile::Data* RegFile::Find(QStringView key, QStringView valueName) const {
-    const auto found = keys_.constFind(Fold(key));
+    const auto found = keys_.find(FoldName(key));
     if (found == keys_.cend()) return nullptr;
-    const auto value = found->values.constFind(Fold(valueName));
-    return value == found->values.cend() ? nullptr : &value->data;
+    const auto value = found->second.values.constFind(FoldName(valueName));
+    return value == found->second.values.cend() ? nullptr : &value->data;
 }
 
 void RegFile::Set(QStringView key, QStringView valueName, const Data& data) {
@@ -263,7 +268,7 @@ void RegFile::Set(QStringView key, QStringView valueName, const Data& data) {
     if (const auto* number = std::get_if<std::uint32_t>(&data)) {
         line += u"dword:%1"_s.arg(*number, 8, 16, QChar(u'0'));
     } else if (const auto* text = std::get_if<QString>(&data)) {
-        line += Quoted(*text);
+        line += Written(*text, ansiHex_);
     }
 
     const QString end = carriageReturns_ ? u"\r"_s : QString();
@@ -271,21 +276,18 @@ void RegFile::Set(QStringView key, QStringView valueName, const Data& data) {
     if (!lines_.isEmpty() && !lastLineEnded_) lines_.last() += end;
     lastLineEnded_ = true;
 
-    const auto found = keys_.constFind(Fold(key));
+    const auto found = keys_.find(FoldName(key));
     if (found == keys_.cend()) {
         if (!lines_.isEmpty() && !lines_.last().trimmed().isEmpty()) lines_ += end;
         lines_ += u"[%1\\%2]"_s.arg(kHive, key) + end;
         lines_ += line;
-    } else if (const auto value = found->values.constFind(Fold(valueName));
-               value != found->values.cend()) {
+    } else if (const auto value = found->second.values.constFind(FoldName(valueName));
+               value != found->second.values.cend()) {
         const Entry& old = *value;
         lines_.remove(old.firstLine, old.lineCount);
         lines_.insert(old.firstLine, line);
     } else {
-        lines_.insert(found->lastLine + 1, line);
-    }
-    if (encoding_ == Encoding::Windows1252 && !ToWindows1252(lines_.join(u'\n'))) {
-        encoding_ = Encoding::Utf16;
+        lines_.insert(found->second.lastLine + 1, line);
     }
     // Line numbers have moved.
     keys_.clear();
@@ -296,18 +298,9 @@ void RegFile::Set(QStringView key, QStringView valueName, const Data& data) {
 QByteArray RegFile::Serialize() const {
     QString text = lines_.join(u'\n');
     if (lastLineEnded_) text += u'\n';
-    switch (encoding_) {
-        case Encoding::Utf16:
-            return QByteArray("\xFF\xFE") +
-                   QByteArray(QStringEncoder(QStringEncoder::Utf16LE)(text));
-        case Encoding::Utf8WithMark:
-            return QByteArray("\xEF\xBB\xBF") + text.toUtf8();
-        case Encoding::Windows1252:
-            return ToWindows1252(text).value_or(text.toUtf8());
-        case Encoding::Utf8:
-            break;
-    }
-    return text.toUtf8();
+    FileText file = form_;
+    file.text = text;
+    return file.Encode();
 }
 
 }  // namespace platform

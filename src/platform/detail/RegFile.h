@@ -1,12 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <QByteArray>
 #include <QHash>
 #include <QList>
 #include <QString>
 #include <variant>
+
+#include "platform/detail/FileText.h"
 
 namespace platform {
 
@@ -39,8 +42,6 @@ public:
     [[nodiscard]] const QList<Problem>& Problems() const noexcept { return problems_; }
 
 private:
-    enum class Encoding { Utf16, Utf8WithMark, Utf8, Windows1252 };
-
     struct Entry {
         Data data;
         qsizetype firstLine = 0;
@@ -51,7 +52,6 @@ private:
         qsizetype lastLine = 0;        // behind it a new value is put
     };
 
-    [[nodiscard]] static QString Decode(const QByteArray& bytes, Encoding& encoding);
     void SplitLines(const QString& text);
     void Interpret();
     void OpenKey(QStringView header, qsizetype line, QString& current);
@@ -62,9 +62,9 @@ private:
     QList<QString> lines_;  // with their carriage return where they have one
     bool carriageReturns_ = false;
     bool lastLineEnded_ = true;
-    Encoding encoding_ = Encoding::Utf8;
-    bool ansiHex_ = false;      // the older export form: hex texts are bytes of the code page
-    QHash<QString, Key> keys_;  // by folded name, without the hive
+    FileText form_;                // of the file, without its text, which stands in the lines
+    bool ansiHex_ = false;         // the older export form: hex texts are bytes of the code page
+    std::map<QString, Key> keys_;  // by folded name, without the hive
     QList<Problem> problems_;
 };
 

@@ -1,0 +1,186 @@
+#include "platform/detail/WholeFile.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <QFile>
+#include <QFileInfo>
+#include <thread>
+#include <tuple>
+
+#include "platform/Error.h"
+
+namespace platform::WholeFile {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+constexpr qsizetype kLargestFile = qsizetype{64} << 20;  // bytes
+constexpr auto kLockPatience = 500ms;
+constexpr auto kLockPause = 5ms;
+
+int NumberOf(int cause) {
+    switch (cause) {
+        case EACCES:
+        case EPERM:
+        case EROFS:
+        case EWOULDBLOCK:
+            return ErrorNumber::kPermissionDenied;
+        case EISDIR:
+        case ENOTDIR:
+        case ENOENT:
+        case ENAMETOOLONG:
+        case ELOOP:
+            return ErrorNumber::kPathNotUsable;
+        case ENOSPC:
+        case EDQUOT:
+        case EFBIG:
+            return ErrorNumber::kDiskFull;
+        default:
+            return ErrorNumber::kDeviceFault;
+    }
+}
+
+[[noreturn]] void Fail(const QString& file, const QString& action, int cause,
+                       const QString& words = {}) {
+    throw Error(
+        NumberOf(cause),
+        u"The file '%1' cannot be %2: %3."_s.arg(
+            file, action, words.isEmpty() ? QString::fromLocal8Bit(std::strerror(cause)) : words));
+}
+
+/// A file descriptor that is closed when it is forgotten.
+class Descriptor {
+public:
+    explicit Descriptor(int number) : number_(number) {}
+    ~Descriptor() {
+        // Nothing was promised about it yet: what matters is closed with Close().
+        if (number_ >= 0) std::ignore = close(number_);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    [[nodiscard]] int Number() const noexcept { return number_; }
+    [[nodiscard]] bool Close() { return close(std::exchange(number_, -1)) == 0; }
+
+private:
+    int number_;
+};
+
+/// Writes all bytes to the disk; false with errno when that fails.
+bool WriteDown(int descriptor, const QByteArray& bytes) {
+    const char* from = bytes.constData();
+    qsizetype left = bytes.size();
+    while (left > 0) {
+        const ssize_t written = write(descriptor, from, static_cast<std::size_t>(left));
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return false;
+        from += written;
+        left -= written;
+    }
+    return fsync(descriptor) == 0;
+}
+
+QByteArray FolderOf(const QString& file) {
+    return QFile::encodeName(QFileInfo(file).absolutePath());
+}
+
+}  // namespace
+
+std::optional<State> StateOf(const QString& file) {
+    struct stat status {};
+    if (file.isEmpty()) return std::nullopt;
+    if (stat(QFile::encodeName(file).constData(), &status) != 0) {
+        if (errno == ENOENT || errno == ENOTDIR) return std::nullopt;
+        Fail(file, u"read"_s, errno);
+    }
+    if (!S_ISREG(status.st_mode)) Fail(file, u"read"_s, EISDIR, u"it is not a file"_s);
+    return State{status.st_ino, status.st_size, status.st_mtim};
+}
+
+std::optional<QByteArray> Read(const QString& file) {
+    const std::optional<State> state = StateOf(file);
+    if (!state) return std::nullopt;
+    if (state->size > kLargestFile) Fail(file, u"read"_s, EIO, u"it is too large"_s);
+    const Descriptor source(open(QFile::encodeName(file).constData(), O_RDONLY | O_CLOEXEC));
+    if (source.Number() < 0) {
+        if (errno == ENOENT) return std::nullopt;  // removed a moment ago
+        Fail(file, u"read"_s, errno);
+    }
+    QByteArray bytes(state->size + 1, Qt::Uninitialized);
+    qsizetype filled = 0;
+    while (true) {
+        if (filled == bytes.size()) {
+            if (filled > kLargestFile) Fail(file, u"read"_s, EIO, u"it is too large"_s);
+            bytes.resize(2 * filled);
+        }
+        const ssize_t got = read(source.Number(), bytes.data() + filled,
+                                 static_cast<std::size_t>(bytes.size() - filled));
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) Fail(file, u"read"_s, errno);
+        if (got == 0) break;
+        filled += got;
+    }
+    bytes.truncate(filled);
+    return bytes;
+}
+
+void Replace(const QString& file, const QByteArray& bytes) {
+    const QString real = QFileInfo(file).canonicalFilePath();
+    const QByteArray target = QFile::encodeName(real.isEmpty() ? file : real);
+    struct stat old {};
+    const bool exists = stat(target.constData(), &old) == 0;
+    if (exists && access(target.constData(), W_OK) != 0) Fail(file, u"written"_s, errno);
+
+    QByteArray beside;
+    int number = -1;
+    for (int attempt = 0; number < 0 && attempt < 100; ++attempt) {
+        beside = target + ".new" + QByteArray::number(getpid()) + '-' + QByteArray::number(attempt);
+        number = open(beside.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (number < 0 && errno != EEXIST) break;
+    }
+    if (number < 0) Fail(file, u"written"_s, errno);
+    Descriptor written(number);
+    bool good = WriteDown(number, bytes);
+    if (good && exists) good = fchmod(number, old.st_mode & 07777U) == 0;
+    if (good) good = written.Close();
+    if (good) good = rename(beside.constData(), target.constData()) == 0;
+    if (!good) {
+        const int cause = errno;
+        // The first error is the one to tell.
+        std::ignore = unlink(beside.constData());
+        Fail(file, u"written"_s, cause);
+    }
+    const Descriptor folder(
+        open(FolderOf(QFile::decodeName(target)).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // Some file systems cannot sync a folder; the file is whole in either case.
+    if (folder.Number() >= 0) std::ignore = fsync(folder.Number());
+}
+
+Lock::Lock(const QString& file)
+    : folder_(open(FolderOf(file).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    if (folder_ < 0) Fail(file, u"written"_s, errno);
+    const auto end = std::chrono::steady_clock::now() + kLockPatience;
+    while (flock(folder_, LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EINTR) continue;
+        if (errno != EWOULDBLOCK) return;
+        if (std::chrono::steady_clock::now() >= end) {
+            std::ignore = close(folder_);
+            Fail(file, u"written"_s, EWOULDBLOCK, u"another program is writing it"_s);
+        }
+        std::this_thread::sleep_for(kLockPause);
+    }
+}
+
+Lock::~Lock() {
+    // Closing releases the lock.
+    std::ignore = close(folder_);
+}
+
+}  // namespace platform::WholeFile
