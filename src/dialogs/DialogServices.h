@@ -37,7 +37,9 @@ struct DialogServices {
     std::function<void(int topic, QWidget* owner)> showHelp;
     /// The folder chooser: begins at a native path and returns one; nothing when the user gives
     /// up. Empty: the desktop's.
-    std::function<std::optional<QString>(QWidget* owner, const QString& start)> chooseFolder;
+    std::function<std::optional<QString>(QWidget* owner, const QString& title,
+                                         const QString& start)>
+        chooseFolder;
 
     /// Folder of the open project in the form with backslashes, with or without one at the end.
     QString projectFolder;

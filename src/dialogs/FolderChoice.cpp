@@ -36,13 +36,13 @@ QString FieldTextOf(const QString& chosen, const QString& projectFolder) {
 }  // namespace
 
 std::optional<QString> ChooseFolder(const DialogServices& services, QWidget* owner,
-                                    const QString& fieldText) {
+                                    const QString& title, const QString& fieldText) {
     const QString start = StartOf(fieldText, services.projectFolder);
     QString chosen;
     if (services.chooseFolder) {
-        chosen = services.chooseFolder(owner, start).value_or(QString());
+        chosen = services.chooseFolder(owner, title, start).value_or(QString());
     } else {
-        chosen = QFileDialog::getExistingDirectory(owner, {}, start);
+        chosen = QFileDialog::getExistingDirectory(owner, title, start);
     }
     if (chosen.isEmpty()) return std::nullopt;
     return FieldTextOf(chosen, services.projectFolder);

@@ -9,7 +9,8 @@
 inline constexpr QStringView kProjectDir = u"<ProjectDir>";
 
 /// Lets the user choose a folder, beginning at the one that the field names (in the form with
-/// backslashes, perhaps with kProjectDir). Returns the text for the field: a folder inside the
-/// project begins with kProjectDir, so that the project can move. Nothing when the user gives up.
+/// backslashes, perhaps with kProjectDir), under a title. Returns the text for the field: a folder
+/// inside the project begins with kProjectDir, so that the project can move. Nothing when the user
+/// gives up.
 [[nodiscard]] std::optional<QString> ChooseFolder(const DialogServices& services, QWidget* owner,
-                                                  const QString& fieldText);
+                                                  const QString& title, const QString& fieldText);

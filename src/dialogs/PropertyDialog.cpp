@@ -23,9 +23,6 @@
 
 namespace {
 
-constexpr int kTextHelp = 12;
-constexpr int kTextDoubleName = 225;
-
 bool IsField(const QWidget* control) {
     return qobject_cast<const QLineEdit*>(control) != nullptr ||
            qobject_cast<const QComboBox*>(control) != nullptr ||
@@ -55,7 +52,7 @@ void PropertyDialog::SetUpFrame(const Frame& frame) {
     frame_ = frame;
     frame.cmdOk->setText(Text(MResourceTable::kTextOk));
     frame.cmdCancel->setText(Text(MResourceTable::kTextCancel));
-    frame.cmdHelp->setText(Text(kTextHelp));
+    frame.cmdHelp->setText(Text(MResourceTable::kTextHelp));
     frame.cmdOk->setDefault(true);
     frame.cmdCancel->setAutoDefault(false);
     frame.cmdHelp->setAutoDefault(false);
@@ -114,7 +111,7 @@ void PropertyDialog::PaintField(QWidget* field, bool usable) {
 }
 
 void PropertyDialog::ConnectVariablePicker(QPushButton* button, QLineEdit* field) {
-    AddPicker(button, field, MResourceTable::kTextChooseVariable);
+    AddPicker(button, field, MResourceTable::kTextArchiveChooseVariable);
     connect(button, &QPushButton::clicked, this, [this, field] {
         if (!services_.chooseVariable) return;
         const std::optional<QString> chosen = services_.chooseVariable(this, field->text());
@@ -123,10 +120,11 @@ void PropertyDialog::ConnectVariablePicker(QPushButton* button, QLineEdit* field
     });
 }
 
-void PropertyDialog::ConnectFolderPicker(QPushButton* button, QComboBox* field) {
-    AddPicker(button, field, MResourceTable::kTextChooseFolder);
-    connect(button, &QPushButton::clicked, this, [this, field] {
-        const std::optional<QString> chosen = ChooseFolder(services_, this, field->currentText());
+void PropertyDialog::ConnectFolderPicker(QPushButton* button, QComboBox* field, int title) {
+    AddPicker(button, field, title);
+    connect(button, &QPushButton::clicked, this, [this, field, title] {
+        const std::optional<QString> chosen =
+            ChooseFolder(services_, this, Text(title), field->currentText());
         if (chosen) field->setEditText(*chosen);
         field->setFocus();
     });
@@ -150,8 +148,8 @@ void PropertyDialog::AddPicker(QPushButton* button, QWidget* field, int toolTip)
 void PropertyDialog::cmdOk_Click() {
     const QString name = frame_.txtName->text();
     if (name != openedName_ && services_.names.TestNameInGroup(nameGroup_, name)) {
-        platform::ShowMessage(Text(kTextDoubleName), platform::MessageButtons::Ok, windowTitle(),
-                              this);
+        platform::ShowMessage(Text(MResourceTable::kTextDoubleName), platform::MessageButtons::Ok,
+                              windowTitle(), this);
         for (int page = 0; page < frame_.tabs->count(); ++page) {
             if (frame_.tabs->widget(page)->isAncestorOf(frame_.txtName)) {
                 frame_.tabs->setCurrentIndex(page);

@@ -82,7 +82,8 @@ protected:
 
     // Make a button the picker of the field beside it: caption, tool tip, accessible name, click.
     void ConnectVariablePicker(QPushButton* button, QLineEdit* field);
-    void ConnectFolderPicker(QPushButton* button, QComboBox* field);
+    /// `title`: number of the text that names what is chosen.
+    void ConnectFolderPicker(QPushButton* button, QComboBox* field, int title);
     /// `keyFilter`: what may be typed, as for MResources::RestrictInput; -1: everything.
     void ConnectTextEditor(QPushButton* button, QLineEdit* field, int keyFilter = -1);
 

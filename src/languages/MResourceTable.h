@@ -278,8 +278,8 @@ inline constexpr int kTextReachesBack = 1125;
 inline constexpr int kTextInMainMemory = 1126;
 inline constexpr int kTextProcessCycles = 1127;
 inline constexpr int kTextMilliseconds = 1128;
-inline constexpr int kTextSeconds =
-    1129;  // of each unit the first text is for one, the next for more
+// Of each unit of time the first text is for one, the next number's for more.
+inline constexpr int kTextSeconds = 1129;
 inline constexpr int kTextMinutes = 1131;
 inline constexpr int kTextHours = 1133;
 inline constexpr int kTextDays = 1135;
