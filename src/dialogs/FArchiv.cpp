@@ -1,0 +1,316 @@
+#include "dialogs/FArchiv.h"
+
+#include <span>
+#include <utility>
+
+#include "dialogs/ArchiveSummary.h"
+#include "dialogs/FolderChoice.h"
+#include "help/HelpTopics.h"
+#include "languages/KeyFilter.h"
+#include "languages/MResourceTable.h"
+#include "platform/Locale.h"
+
+namespace {
+
+using namespace MResourceTable;
+
+// List indices of cmbType
+constexpr int kCircularBuffer = 0;
+constexpr int kContinuationFile = 1;
+
+struct ListEntry {
+    int text;
+    int itemData;
+};
+constexpr std::array<ListEntry, 2> kTypes = {
+    {{kTextTypeCircularBuffer, 0}, {kTextTypeContinuationFile, 1}}};
+// Code 5, no recording at all, is valid in a project but not offered.
+constexpr std::array<ListEntry, 6> kSampleModes = {{{kTextSampleSynchronous, 0},
+                                                    {kTextSampleAsynchronous, 1},
+                                                    {kTextSampleXVariable, 2},
+                                                    {kTextSampleTrigger, 3},
+                                                    {kTextSampleAllOnOneChange, 4},
+                                                    {kTextSampleManual, 6}}};
+constexpr std::array<int, 2> kScanTimeUnits = {kTextUnitProcessCycles, kTextUnitMilliseconds};
+
+// The list indices of cmbSampleMode that UpdateSampleModeFields tells apart
+constexpr int kSynchronous = 0;
+constexpr int kAsynchronous = 1;
+constexpr int kOnTrigger = 3;
+
+constexpr std::array<const char16_t*, 7> kClockEvents = {u"$Year", u"$Month",  u"$Week",  u"$Day",
+                                                         u"$Hour", u"$Minute", u"$Second"};
+
+// What may be typed, see MResources::KeyFilter
+constexpr int kNameKeys = 0;
+constexpr int kVariableKeys = 1;
+constexpr int kDigitKeys = 2;
+constexpr int kFileNameKeys = 8;
+constexpr int kPathKeys = 9;
+
+}  // namespace
+
+FArchiv::FArchiv(const DialogServices& services, QStringView nameGroup, QWidget* owner)
+    : PropertyDialog(services, nameGroup, owner) {
+    setupUi(this);
+    CollectArrays();
+    SetUpFrame({tabArchive, cmdOk, cmdCancel, cmdHelp, txtName});
+    SetCaptions();
+    FillLists();
+    RestrictInputs();
+    ConnectControls();
+    ConnectPickers();
+    NameControls();
+    UpdateArchiveEnabling();
+    UpdateSampleModeFields();
+    txtName_Change();
+    ShowSummary();
+}
+
+void FArchiv::SetParamNames(std::optional<QString> names) {
+    paramNames_ = std::move(names);
+}
+
+void FArchiv::SetDisplayTextAvailable(bool available) {
+    SetUsable(txtTextID, available);
+    SetUsable(cmdEditRuntimeName, available);
+}
+
+int FArchiv::HelpTopic(int page) const {
+    return help::kHelpArchiveStandard + page;
+}
+
+void FArchiv::CollectArrays() {
+    optHDRAM = {optHDRAM_0, optHDRAM_1};
+    optSaveFast = {optSaveFast_0, optSaveFast_1};
+    cmdChoose = {cmdChoose_0, cmdChoose_1, cmdChoose_2, cmdChoose_3};
+    cmdChoosePath = {cmdChoosePath_0, cmdChoosePath_1};
+    NameArray(u"optHDRAM", optHDRAM);
+    NameArray(u"optSaveFast", optSaveFast);
+    NameArray(u"cmdChoose", cmdChoose);
+    NameArray(u"cmdChoosePath", cmdChoosePath);
+    optHDRAM[0]->setChecked(true);
+    optSaveFast[0]->setChecked(true);
+    txtTextID->setFont(Services().textFont);
+}
+
+void FArchiv::SetCaptions() {
+    setWindowTitle(Text(kTextArchiveDialogTitle));
+    for (int page = 0; page < tabArchive->count(); ++page) {
+        tabArchive->setTabText(page, Text(kTextArchivePageStandard + page));
+    }
+    fraHD->setTitle(Text(kTextArchiveHardDiskFrame));
+    const std::initializer_list<std::pair<QLabel*, int>> labels = {
+        {lblName, kTextArchiveName},
+        {lblTextID, kTextArchiveDisplayText},
+        {lblType, kTextArchiveType},
+        {lblStorage, kTextArchiveStorage},
+        {lblAuthorizationLevel, kTextArchiveAuthorizationLevel},
+        {lblComment, kTextArchiveComment},
+        {lblSamples, kTextArchiveMaxSamples},
+        {lblFileName, kTextArchiveFileName},
+        {lblFilePath, kTextArchiveFilePath},
+        {lblSaveFast, kTextArchiveSaveMode},
+        {lblCacheSize, kTextArchiveCacheSize},
+        {lblNewFileEvent, kTextArchiveNewFile},
+        {lblNewFileVariable, kTextArchiveFileTrigger},
+        {lblMaxFiles, kTextArchiveMaxFiles},
+        {lblMaxSizekB, kTextArchiveMaxSizeKb},
+        {lblRedundancyFilePath, kTextArchiveRedundancyFilePath},
+        {lblSampleMode, kTextArchiveSampleMode},
+        {lblScanTime, kTextArchiveScanTime},
+        {lblScanTimeUnit, kTextUnitMilliseconds},
+        {lblTrigger, kTextArchiveTrigger},
+        {lblXVar, kTextArchiveXVar},
+        {lblStartStop, kTextArchiveStartStop},
+        {lblReset, kTextArchiveReset},
+    };
+    for (const auto& [label, text] : labels) label->setText(Text(text));
+    const std::initializer_list<std::pair<QAbstractButton*, int>> choices = {
+        {optHDRAM[0], kTextArchiveOnHardDisk},   {optHDRAM[1], kTextArchiveInMemory},
+        {optSaveFast[0], kTextArchiveSaveFast},  {optSaveFast[1], kTextArchiveSaveSafe},
+        {chkRedundancy, kTextArchiveRedundancy},
+    };
+    for (const auto& [choice, text] : choices) choice->setText(Text(text));
+    lblSummary->setAccessibleName(Text(kTextMeaning));
+}
+
+void FArchiv::FillLists() {
+    const auto fill = [this](QComboBox* combo, std::span<const ListEntry> entries) {
+        for (const ListEntry& entry : entries) combo->addItem(Text(entry.text), entry.itemData);
+        combo->setCurrentIndex(-1);  // the record selects
+    };
+    fill(cmbType, kTypes);
+    fill(cmbSampleMode, kSampleModes);
+    for (int entry = FileChange::kTrigger; entry <= FileChange::kNever; ++entry) {
+        cboNewFile->addItem(Text(kTextNewFileTrigger + entry), entry);
+    }
+    cboNewFile->setCurrentIndex(-1);
+    for (QComboBox* path : {cboFilePath, cboRedundancyFilePath}) {
+        path->addItem(kProjectDir.toString());
+        path->setCurrentIndex(-1);
+        path->setInsertPolicy(QComboBox::NoInsert);
+        path->setCompleter(nullptr);  // would change a path's capitals to those of the entry
+    }
+}
+
+void FArchiv::RestrictInputs() {
+    MResources::RestrictInput(*txtName, kNameKeys);
+    MResources::RestrictInput(*txtFileName, kFileNameKeys);
+    for (QComboBox* path : {cboFilePath, cboRedundancyFilePath}) {
+        MResources::RestrictInput(*path, kPathKeys);
+    }
+    for (QLineEdit* variable : {txtTrigger, txtNewFile, txtXVar, txtStartStop, txtReset}) {
+        MResources::RestrictInput(*variable, kVariableKeys);
+    }
+    for (QLineEdit* number : {txtScantime, txtMaxSamples, txtCacheSize, txtAuthorizationLevel,
+                              txtMaxFiles, txtMaxSizekB}) {
+        MResources::RestrictInput(*number, kDigitKeys);
+    }
+}
+
+void FArchiv::ConnectControls() {
+    connect(txtName, &QLineEdit::textChanged, this, &FArchiv::txtName_Change);
+    connect(txtMaxSamples, &QLineEdit::textChanged, this, &FArchiv::txtMaxSamples_Change);
+    connect(txtNewFile, &QLineEdit::textChanged, this, &FArchiv::txtNewFile_Change);
+    connect(cmbType, &QComboBox::currentIndexChanged, this, &FArchiv::cmbType_Click);
+    connect(cboNewFile, &QComboBox::currentIndexChanged, this, &FArchiv::cboNewFile_Click);
+    connect(cmbSampleMode, &QComboBox::currentIndexChanged, this, &FArchiv::UpdateSampleModeFields);
+    connect(optHDRAM[0], &QRadioButton::toggled, this, &FArchiv::UpdateArchiveEnabling);
+    connect(chkRedundancy, &QCheckBox::toggled, this, &FArchiv::UpdateArchiveEnabling);
+
+    // Behind the others: the summary tells what they have brought about.
+    for (const QComboBox* combo : {cmbType, cboNewFile, cmbSampleMode}) {
+        connect(combo, &QComboBox::currentIndexChanged, this, &FArchiv::ShowSummary);
+    }
+    connect(optHDRAM[0], &QRadioButton::toggled, this, &FArchiv::ShowSummary);
+    for (const QLineEdit* text :
+         {txtMaxSamples, txtNewFile, txtMaxFiles, txtMaxSizekB, txtScantime}) {
+        connect(text, &QLineEdit::textChanged, this, &FArchiv::ShowSummary);
+    }
+}
+
+void FArchiv::ConnectPickers() {
+    ConnectTextEditor(cmdEditRuntimeName, txtTextID);
+    ConnectTextEditor(cmdEditFileName, txtFileName, kFileNameKeys);
+    ConnectFolderPicker(cmdChoosePath[0], cboFilePath, kTextArchiveChooseFilePath);
+    ConnectFolderPicker(cmdChoosePath[1], cboRedundancyFilePath,
+                        kTextArchiveChooseRedundancyFilePath);
+    ConnectVariablePicker(cmdChoose[0], txtTrigger);
+    ConnectVariablePicker(cmdChoose[1], txtNewFile);
+    ConnectVariablePicker(cmdChoose[2], txtStartStop);
+    ConnectVariablePicker(cmdChoose[3], txtReset);
+    ConnectVariablePicker(cmdChooseXVar, txtXVar);
+}
+
+bool FArchiv::IsContinuationFile() const {
+    return cmbType->currentIndex() == kContinuationFile;
+}
+
+void FArchiv::UpdateArchiveEnabling() {
+    const bool disk = optHDRAM[0]->isChecked();
+    const bool filesOnDisk = disk && IsContinuationFile();
+    const bool redundancy = disk && chkRedundancy->isChecked();
+    const bool trigger = filesOnDisk && cboNewFile->currentIndex() == FileChange::kTrigger;
+    const bool samples = cmbType->currentIndex() == kCircularBuffer ||
+                         (filesOnDisk && cboNewFile->currentIndex() == FileChange::kCount);
+    const std::initializer_list<std::pair<QWidget*, bool>> rules = {
+        {cboFilePath, disk},
+        {cmdChoosePath[0], disk},
+        {txtFileName, disk},
+        {cmdEditFileName, disk},
+        {optSaveFast[0], disk},
+        {optSaveFast[1], disk},
+        {txtCacheSize, disk},
+        {chkRedundancy, disk},
+        {cboRedundancyFilePath, redundancy},
+        {cmdChoosePath[1], redundancy},
+        {cboNewFile, filesOnDisk},
+        {txtNewFile, trigger},
+        {cmdChoose[1], trigger},
+        {txtMaxSamples, samples},
+        {txtMaxFiles, filesOnDisk},
+        {txtMaxSizekB, filesOnDisk},
+    };
+    for (const auto& [control, usable] : rules) SetUsable(control, usable);
+    // A choice that does not count any more may have emptied the holder.
+    if (samples) lblMaxSamples->setText(txtMaxSamples->text());
+}
+
+void FArchiv::UpdateSampleModeFields() {
+    const int mode = cmbSampleMode->currentIndex();
+    SetUsable(txtTrigger, mode == kOnTrigger);
+    SetUsable(cmdChoose[0], mode == kOnTrigger);
+    const bool timed = mode == kSynchronous || mode == kAsynchronous;
+    SetUsable(txtScantime, timed);
+    SetUsable(lblScanTimeUnit, timed);
+    // The other modes have no unit; the greyed label keeps the last one.
+    if (timed) lblScanTimeUnit->setText(Text(kScanTimeUnits.at(static_cast<std::size_t>(mode))));
+}
+
+void FArchiv::cmbType_Click() {
+    // The size of a circular buffer must not go along as the length of a file.
+    if (IsContinuationFile()) ChooseFileChange();
+    UpdateArchiveEnabling();
+}
+
+void FArchiv::cboNewFile_Click() {
+    ChooseFileChange();
+    UpdateArchiveEnabling();
+}
+
+void FArchiv::ChooseFileChange() {
+    lblMaxSamples->setText(QStringLiteral("0"));
+    const int entry = cboNewFile->currentIndex();
+    if (entry == FileChange::kTrigger) {
+        lblNewFile->setText(txtNewFile->text());
+    } else if (entry == FileChange::kCount) {
+        lblNewFile->clear();
+        lblMaxSamples->setText(txtMaxSamples->text());
+    } else if (entry >= FileChange::kYear && entry <= FileChange::kSecond) {
+        const auto event = static_cast<std::size_t>(entry - FileChange::kYear);
+        lblNewFile->setText(QString::fromUtf16(kClockEvents.at(event)));
+    } else if (entry == FileChange::kNever) {
+        lblNewFile->clear();
+    }
+}
+
+void FArchiv::txtName_Change() {
+    const QString name = txtName->text();
+    // A display text that was never edited apart from the name is renamed with it.
+    if (Loaded() && name != keptName_ && txtTextID->isEnabledTo(this) &&
+        txtTextID->text() == keptName_) {
+        txtTextID->setText(name);
+    }
+    keptName_ = name;
+    cmdOk->setEnabled(!name.trimmed().isEmpty());
+}
+
+void FArchiv::txtMaxSamples_Change() {
+    lblMaxSamples->setText(txtMaxSamples->text());
+}
+
+void FArchiv::txtNewFile_Change() {
+    lblNewFile->setText(txtNewFile->text());
+}
+
+void FArchiv::ShowSummary() {
+    using enum ArchiveSettings::Kind;
+    const auto number = [](const QLineEdit* field) {
+        return platform::LeadingNumber(field->text());
+    };
+    ArchiveSettings settings;
+    if (cmbType->currentIndex() == kCircularBuffer) settings.kind = CircularBuffer;
+    if (IsContinuationFile()) settings.kind = ContinuationFile;
+    settings.onHardDisk = optHDRAM[0]->isChecked();
+    settings.fileChange = cboNewFile->currentIndex();
+    settings.fileTrigger = txtNewFile->text();
+    settings.maxSamples = number(txtMaxSamples);
+    settings.maxFiles = number(txtMaxFiles);
+    settings.maxSizeKb = number(txtMaxSizekB);
+    if (cmbSampleMode->currentIndex() >= 0) {
+        settings.sampleMode = cmbSampleMode->currentData().toInt();
+    }
+    settings.scanTime = number(txtScantime);
+    lblSummary->setText(ArchiveSummary(settings, Services().texts));
+}
