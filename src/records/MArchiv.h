@@ -1,0 +1,43 @@
+#pragma once
+
+#include "ado/Recordset.h"
+#include "dialogs/DialogServices.h"
+#include "platform/Locale.h"
+
+class FArchiv;
+class QWidget;
+
+/// One archive: its row, the index text that holds its display text, and the dialog.
+///
+/// `archive` stands on the archive's row. `indexTexts` is the open recordset of all index texts,
+/// without a filter; loading moves it to the archive's text, or to its end when there is none.
+/// `language` names the column of the display text.
+namespace MArchiv {
+
+struct Rows {
+    ado::Recordset& archive;
+    ado::Recordset& indexTexts;
+    platform::Lcid language;
+};
+
+/// Lets the user edit an archive. True when he has accepted and everything could be written: the
+/// index text is then saved, and the archive's row waits for the caller to save it. False: nothing
+/// has changed; where something failed the user has been told. Throws nothing.
+[[nodiscard]] bool EditArchive(const Rows& rows, const DialogServices& services, QWidget* owner);
+
+/// Fills the dialog. False when a column cannot be read.
+///
+/// An archive whose `TextID` names no index text is opened after a message, without a display text.
+/// Codes that the dialog does not know select nothing and are left as they are by OK.
+[[nodiscard]] bool ArchiveToDialog(const Rows& rows, FArchiv& dialog,
+                                   const MResources::TextTable& texts, QWidget* owner);
+
+/// Assigns the dialog's values to the archive's row and, where `indexTexts` stands on the archive's
+/// text, to that; neither is saved. False when a value cannot be assigned; both rows are then
+/// to be cancelled.
+///
+/// `Type` is assigned only when one of its edited bits has changed; its other bits are then
+/// cleared.
+[[nodiscard]] bool DialogToArchive(const Rows& rows, const FArchiv& dialog);
+
+}  // namespace MArchiv
