@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <QApplication>
 #include <QMessageBox>
+#include <QScopeGuard>
 
 #include "platform/detail/ProcessHook.h"
 
@@ -11,7 +12,9 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
+// Kept with the application: the host and each add-in have a copy of this library.
 constexpr const char* kHourglassShown = "korvalaHourglassShown";
+constexpr const char* kMessagesOpen = "korvalaMessagesOpen";
 
 ProcessHook<MessageResult(const Message&)> AnswerHook() {
     return ProcessHook<MessageResult(const Message&)>("korvalaMessageAnswer");
@@ -54,6 +57,12 @@ MessageResult ResultOf(int button) {
     }
 }
 
+void CountOpenMessages(int change) {
+    if (qApp != nullptr) {
+        qApp->setProperty(kMessagesOpen, qApp->property(kMessagesOpen).toInt() + change);
+    }
+}
+
 bool NobodyCanAnswer() {
     if (qEnvironmentVariableIsSet("KV_NO_DIALOGS")) return true;
     const QString screen = QGuiApplication::platformName();
@@ -65,6 +74,8 @@ bool NobodyCanAnswer() {
 MessageResult ShowMessage(const QString& text, MessageButtons buttons, const QString& title,
                           QWidget* owner) {
     const QString shownTitle = title.isEmpty() ? QCoreApplication::applicationName() : title;
+    CountOpenMessages(+1);
+    const auto closed = qScopeGuard([] { CountOpenMessages(-1); });
     if (const auto* answer = AnswerHook().Get()) return (*answer)({text, buttons, shownTitle});
 
     const ButtonSet set = ButtonsOf(buttons);
@@ -83,6 +94,10 @@ MessageResult ShowMessage(const QString& text, MessageButtons buttons, const QSt
     const int button = box.exec();
     SetScreenPointer(pointer);
     return ResultOf(button);
+}
+
+bool IsMessageOpen() {
+    return qApp != nullptr && qApp->property(kMessagesOpen).toInt() > 0;
 }
 
 MessageAnswer::MessageAnswer(Function answer)

@@ -25,6 +25,10 @@ struct Message {
 MessageResult ShowMessage(const QString& text, MessageButtons buttons, const QString& title,
                           QWidget* owner = nullptr);
 
+/// True while a message is shown or its answer is asked for elsewhere. Windows come and go then
+/// without the user having turned to them.
+[[nodiscard]] bool IsMessageOpen();
+
 /// Answers the message boxes of the whole process, add-ins included, while it lives; then the
 /// answer that was in force before it is again. No box is shown meanwhile.
 class MessageAnswer {
