@@ -18,8 +18,6 @@ constexpr Row kTexts[] = {
     {Text::MenuFile, "&Datei", "&File"},
     {Text::FileNew, "&Neues Projekt...", "&New project..."},
     {Text::FileNewTip, "Ein neues Projekt anlegen", "Create a new project"},
-    {Text::FileNewNotYet, "Neue Projekte kann diese Version noch nicht anlegen",
-     "This version cannot create new projects yet"},
     {Text::FileOpen, "Ö&ffnen...", "&Open..."},
     {Text::FileOpenTip, "Ein Projekt öffnen", "Open a project"},
     {Text::FileRecent, "&Zuletzt geöffnet", "&Recent projects"},
@@ -62,6 +60,11 @@ constexpr Row kTexts[] = {
      "Es ist kein Add-In geladen, daher gibt es nichts zu bearbeiten. Mehr dazu unter "
      "Hilfe > Add-Ins.",
      "No add-in is loaded, so there is nothing to edit. See Help > Add-ins."},
+    {Text::NewTitle, "Neues Projekt", "New project"},
+    {Text::NewFile, "&Projektdatei:", "&Project file:"},
+    {Text::NewBrowse, "&Durchsuchen...", "&Browse..."},
+    {Text::NewLanguages, "&Sprachen der Texte:", "&Languages of the texts:"},
+    {Text::NewOk, "&Anlegen", "&Create"},
     {Text::OpenTitle, "Projekt öffnen", "Open project"},
     {Text::OpenFilter, "Projekte (*.kvs *.KVS);;Alle Dateien (*)",
      "Projects (*.kvs *.KVS);;All files (*)"},
@@ -92,6 +95,13 @@ constexpr Row kTexts[] = {
      "Der Pfad enthält einen umgekehrten Schrägstrich und kann deshalb nicht verwendet "
      "werden:\n%1",
      "The path contains a backslash and can therefore not be used:\n%1"},
+    {Text::ErrorExists,
+     "Unter diesem Namen gibt es schon etwas. Es wird nicht überschrieben; bitte wählen Sie einen "
+     "anderen Namen:\n%1",
+     "There is something of this name already. It will not be overwritten; please choose another "
+     "name:\n%1"},
+    {Text::ErrorNotMade, "Das Projekt konnte nicht angelegt werden (%2):\n%1",
+     "The project could not be created (%2):\n%1"},
     {Text::ErrorLanguage, "Die Sprache konnte nicht gespeichert werden:\n%1",
      "The language could not be saved:\n%1"},
     {Text::ErrorRegistryFile, "Die Registrierungsdatei gibt es nicht: %1",
@@ -100,6 +110,7 @@ constexpr Row kTexts[] = {
     {Text::AddInFileColumn, "Datei", "File"},
     {Text::AddInStateColumn, "Zustand", "State"},
     {Text::AddInLoaded, "geladen", "loaded"},
+    {Text::Cancel, "Abbrechen", "Cancel"},
     {Text::Close, "S&chließen", "&Close"},
 };
 

@@ -187,14 +187,20 @@ void StudioWindow::dropEvent(QDropEvent* event) {
 }
 
 void StudioWindow::mnuFileNew_Click() {
-    if (const std::optional<QString> project = NewProject(*this, texts_)) OpenProject(*project);
+    const std::optional<QString> project = NewProject(*this, texts_, ProjectFolder());
+    if (!project) return;
+    if (state_ != nullptr) state_->setValue(kFolderKey, QFileInfo(*project).path());
+    OpenProject(*project);
+}
+
+QString StudioWindow::ProjectFolder() const {
+    if (project_) return QFileInfo(project_->nativePath).path();
+    return state_ != nullptr ? state_->value(kFolderKey).toString() : QString();
 }
 
 void StudioWindow::mnuFileOpen_Click() {
-    QString folder = project_ ? QFileInfo(project_->nativePath).path() : QString();
-    if (folder.isEmpty() && state_ != nullptr) folder = state_->value(kFolderKey).toString();
-    const QString file = QFileDialog::getOpenFileName(this, texts_(Text::OpenTitle), folder,
-                                                      texts_(Text::OpenFilter));
+    const QString file = QFileDialog::getOpenFileName(this, texts_(Text::OpenTitle),
+                                                      ProjectFolder(), texts_(Text::OpenFilter));
     if (file.isEmpty()) return;
     if (state_ != nullptr) state_->setValue(kFolderKey, QFileInfo(file).path());
     OpenProject(file);

@@ -93,6 +93,8 @@ private:
     void RaiseStartupComplete();
     void QuitStep();
     void Complain(const QString& message);
+    /// Where the user's projects are likely to be; empty when nothing tells.
+    [[nodiscard]] QString ProjectFolder() const;
     [[nodiscard]] QString RecentCaption(const QString& project) const;
     void RestoreState();
     void SaveState();

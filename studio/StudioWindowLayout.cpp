@@ -11,7 +11,6 @@
 
 #include "studio/AddInSet.h"
 #include "studio/EditorArea.h"
-#include "studio/NewProject.h"
 #include "studio/ProjectTree.h"
 #include "studio/StudioRegistry.h"
 #include "studio/StudioWindow.h"
@@ -66,9 +65,7 @@ void StudioWindow::BuildFileMenu() {
     menuBar()->setObjectName(u"mnuMain"_s);
     QMenu& file = *AddMenu(u"mnuFile"_s, Text::MenuFile);
     QAction* create =
-        AddAction(file, u"mnuFileNew"_s, Text::FileNew,
-                  CanCreateProjects() ? Text::FileNewTip : Text::FileNewNotYet, QKeySequence::New);
-    create->setEnabled(CanCreateProjects());
+        AddAction(file, u"mnuFileNew"_s, Text::FileNew, Text::FileNewTip, QKeySequence::New);
     connect(create, &QAction::triggered, this, &StudioWindow::mnuFileNew_Click);
     mnuFileOpen_ =
         AddAction(file, u"mnuFileOpen"_s, Text::FileOpen, Text::FileOpenTip, QKeySequence::Open);
