@@ -67,17 +67,33 @@ private:
     }
 
     Status WriteDraft() {
+        // Once only counted: tables keep the numbers that lie inside the new file or little behind.
+        compact::Draft counted(nullptr);
+        JET_TRY(Fill(counted, 0));
         std::unique_ptr<File> file;
         JET_ASSIGN(file, disk_.CreateLike(draftPath_, path_));
-        compact::Draft draft(*file);
-        compact::MapPages maps(draft);
+        compact::Draft draft(file.get());
+        const std::uint32_t used = counted.UsedCount();
+        JET_TRY(Fill(draft, used + used / 8 + 16));
+        newSize_ = std::uint64_t{draft.PageCount()} * kPageSizeJet4;
+        return file->Sync();
+    }
+
+    /// Definitions of tables stay on pages below `keptBelow`.
+    Status Fill(compact::Draft& draft, std::uint32_t keptBelow) {
         std::vector<CatalogEntry> tables;
         JET_ASSIGN(tables, database_.Tables());
         std::sort(tables.begin(), tables.end(), [](const CatalogEntry& a, const CatalogEntry& b) {
             return Raw(a.page) < Raw(b.page);
         });
+        for (const CatalogEntry& entry : tables) {
+            const std::uint32_t page = Raw(entry.page);
+            if (page >= compact::Draft::kFirst && page < keptBelow) draft.Keep(entry.page);
+        }
+        compact::MapPages maps(draft);
         // The maps of the system's own tables share the page behind their definitions.
         JET_TRY(maps.BeginPage());
+        moves_.clear();
         std::vector<compact::TableCopier> copiers;
         for (const CatalogEntry& entry : tables) {
             std::unique_ptr<Table> table;
@@ -91,9 +107,7 @@ private:
         JET_TRY(draft.WriteGlobalMaps());
         PageRef header;
         JET_ASSIGN(header, database_.cache_.Read(PageNo{0}));
-        JET_TRY(draft.Write(PageNo{0}, header.Bytes()));
-        newSize_ = std::uint64_t{draft.PageCount()} * kPageSizeJet4;
-        return file->Sync();
+        return draft.Write(PageNo{0}, header.Bytes());
     }
 
     Status Verify() {

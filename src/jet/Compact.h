@@ -18,7 +18,8 @@ struct CompactSizes {
 ///
 /// Everything survives: the tables of all programs with rows in their order, the system's own with
 /// queries, relationships, rights and properties, collations, numbers handed out. Only places
-/// change: pages, addresses of rows, and the numbers of tables, which are pages.
+/// change: pages, addresses of rows, and the numbers of tables whose page lay far behind the new
+/// end.
 ///
 /// The old file stays as it is until the moment of the swap, and after any failure. Busy, naming
 /// them, while other programs have the file open; Corrupt for a file that a check finds errors in,

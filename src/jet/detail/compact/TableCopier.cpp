@@ -29,7 +29,7 @@ Status TableCopier::Place(TableMoves& moves) {
     Result<DefinitionCopy> definition = DefinitionCopy::Load(cache_, def.page);
     if (!definition.IsOk()) return definition.GetStatus();
     definition_.push_back(std::move(*definition));
-    if (Raw(def.page) < Draft::kFirst) pages_.push_back(def.page);
+    if (Raw(def.page) < Draft::kFirst || draft_.Keeps(def.page)) pages_.push_back(def.page);
     while (pages_.size() < definition_[0].PageCount()) {
         JET_ASSIGN(pages_.emplace_back(), draft_.Take());
     }

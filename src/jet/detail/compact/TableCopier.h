@@ -26,8 +26,8 @@ public:
     TableCopier(PageCache& cache, Draft& draft, MapPages& maps, std::unique_ptr<Table> table)
         : cache_(cache), draft_(draft), maps_(maps), table_(std::move(table)) {}
 
-    /// Takes pages for the definition, and rows for the maps. The definition of a table of the
-    /// system keeps its page.
+    /// Takes pages for the definition, and rows for the maps. The first page of the definition of a
+    /// table of the system, or one that the draft keeps, stays what it is.
     Status Place(TableMoves& moves);
     Status Copy(const TableMoves& moves);
 
