@@ -288,6 +288,18 @@ inline constexpr int kTextKilobytes = 1139;
 inline constexpr int kTextMegabytes = 1140;
 inline constexpr int kTextGigabytes = 1141;
 
+// Trend dialog: colours and pictures of curves. A word in <> is replaced.
+inline constexpr int kTextChooseColor = 1150;
+inline constexpr int kTextRecentColors = 1151;
+inline constexpr int kTextMoreColors = 1152;
+inline constexpr int kTextNoColor = 1153;
+inline constexpr int kTextSystemColor = 1154;
+inline constexpr int kTextColorParts = 1155;
+inline constexpr int kTextFirstHue = 1156;   // seven, from red to violet
+inline constexpr int kTextFirstTint = 1163;  // three: light, dark, very dark
+inline constexpr int kTextFirstGrey = 1166;  // four, from white to black
+inline constexpr int kTextSampleCurve = 1170;
+
 // Editor window
 inline constexpr int kTextNarrow = 1360;
 inline constexpr int kTextCopy = 1361;
