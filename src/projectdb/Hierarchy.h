@@ -1,8 +1,14 @@
 #pragma once
 
+#include <functional>
 #include <QStringView>
+#include <span>
+#include <vector>
 
+#include "projectdb/CHNds.h"
+#include "projectdb/FunctionCounters.h"
 #include "projectdb/ProjectContext.h"
+#include "projectdb/ProjectRows.h"
 
 namespace projectdb {
 
@@ -24,5 +30,64 @@ public:
 
 /// Fills the trend split for the archive of `currentNodeKey`. The root node has no trends.
 void ReloadTrends(ProjectContext& project, IEditorWindow& editor);
+
+/// Called before each row of a long operation with the number of rows done and of all; false
+/// gives the operation up. It may let the window handle events, but start no other operation.
+using Progress = std::function<bool(int done, int total)>;
+
+/// What a deletion has taken out of the file.
+struct Deletion {
+    std::vector<std::int32_t> archives;  // IDs
+    std::vector<std::int32_t> trends;    // IDs
+    bool cancelled = false;              // given up by the user before everything was deleted
+};
+
+/// The operations on an archive with all that hangs from it: trends, index texts, text groups. The
+/// file declares none of these relations, so they are kept here. One object per editor window.
+///
+/// A cascade is one transaction. It is committed as far as it came when it fails or is cancelled:
+/// what was deleted stays deleted. An archive's own rows go before its trends.
+class Hierarchy {
+public:
+    /// All three are borrowed and outlive the object.
+    Hierarchy(ProjectContext& project, IEditorWindow& window, IStatusPanels& status)
+        : project_(project), window_(window), counters_(status) {}
+
+    /// Asks whether that many trends, or an archive with that many, shall be deleted. An empty
+    /// function agrees.
+    using Confirm = std::function<bool(int trends)>;
+
+    /// Takes the archive of a tree node and its trends into the hierarchy and counts them. Nothing
+    /// when the archive is not there.
+    void CollectArchive(const QString& nodeKey);
+
+    /// False when the user declined: then nothing has changed. Throws what the database throws;
+    /// the window shows what is in the file all the same, and LastDeletion() tells what has gone.
+    bool DeleteArchive(const QString& nodeKey, const Confirm& confirm, const Progress& progress);
+    /// The same for trends, which go in the order given.
+    bool DeleteTrends(std::span<const std::int32_t> trendIds, const Confirm& confirm,
+                      const Progress& progress);
+
+    /// What the last deletion has taken out of the file, also when it failed.
+    [[nodiscard]] const Deletion& LastDeletion() const noexcept { return deletion_; }
+    [[nodiscard]] const CHNds& Nodes() const noexcept { return nodes_; }
+    [[nodiscard]] FunctionCounters& Counters() noexcept { return counters_; }
+
+private:
+    bool Delete(const Confirm& confirm, const Progress& progress);
+    void Cascade(const Progress& progress);
+    bool DeleteNodes(const CHNds& nodes, ProjectRows& rows, const Progress& progress);
+    void DeleteArchiveRows(std::int32_t id, ProjectRows& rows);
+    void DeleteTrendRows(std::int32_t id, ProjectRows& rows);
+    void BringUpToDate();
+
+    ProjectContext& project_;
+    IEditorWindow& window_;
+    FunctionCounters counters_;
+    CHNds nodes_;  // of the operation that ran last
+    Deletion deletion_;
+    int done_ = 0;   // nodes of the deletion so far
+    int total_ = 0;  // all nodes of the deletion
+};
 
 }  // namespace projectdb

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+
+#include "ado/Recordset.h"
+#include "dialogs/DialogServices.h"
+#include "projectdb/ADOArchiv.h"
+
+/// The names in use, a list for each group: projectdb::kArchiveNames for the archives of the
+/// project, projectdb::kTrendNames for the trends of the open archive. Names that the file's text
+/// indexes take for the same are one name here: case and trailing blanks do not count, and
+/// "Straße" is "strasse".
+///
+/// A file made by others may hold a name twice; it is in use until both have gone.
+class NameLists final : public INameRegistry {
+public:
+    /// Builds the list of a group anew from the column Name of all rows, and goes back to the first
+    /// one. Rows that cannot be read are left out: their names are not known.
+    void NamesInGroup(QStringView group, ado::Recordset& rows);
+    /// The same from the group's own recordset, which is opened for it when it is closed.
+    void NamesInGroup(QStringView group, ADOArchiv& environment);
+
+    void AddNameInGroup(QStringView group, const QString& name);
+    void DeleteNameInGroup(QStringView group, const QString& name);
+
+    // INameRegistry
+    [[nodiscard]] bool TestNameInGroup(QStringView group, const QString& name) override;
+    /// Does nothing when the names are equal. Whether the new one is free is for the caller to test
+    /// before: a name may be changed to itself in another case.
+    void ChangeNameInGroup(QStringView group, const QString& oldName,
+                           const QString& newName) override;
+
+    /// True when both are one name in the lists.
+    [[nodiscard]] static bool IsSameName(const QString& a, const QString& b);
+
+private:
+    using Names = QHash<QString, int>;  // by key, how often in use
+
+    QHash<QString, Names> groups_;
+};
