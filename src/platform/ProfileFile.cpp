@@ -63,6 +63,10 @@ ProfileFile::ProfileFile(const QString& path) : rep_(std::make_unique<Rep>()) {
 }
 ProfileFile::~ProfileFile() = default;
 
+bool ProfileFile::IsKey(const QString& key) {
+    return IsUsableName(key, u"=", u";[");
+}
+
 QString ProfileFile::Read(QStringView section, QStringView key, const QString& fallback) {
     if (!rep_->loaded) rep_->Load(rep_->NativePath());
     return rep_->text.Find(section, key).value_or(fallback);
@@ -75,7 +79,7 @@ void ProfileFile::Write(const QString& section, const QString& key, const QStrin
 void ProfileFile::Write(const QString& section, const QList<ProfileEntry>& entries) {
     RequireUsable(IsUsableName(section, u"]", {}), section);
     for (const ProfileEntry& entry : entries) {
-        RequireUsable(IsUsableName(entry.key, u"=", u";["), entry.key);
+        RequireUsable(IsKey(entry.key), entry.key);
     }
     const QString file = rep_->NativePath();
     const WholeFile::Lock lock(file);

@@ -34,13 +34,16 @@ public:
     /// Throws platform::Error when the file is there and cannot be read.
     [[nodiscard]] QString Read(QStringView section, QStringView key, const QString& fallback = {});
 
+    /// Whether a key can stand in such a file: not empty, without blanks at its ends, line ends and
+    /// "=", and not beginning like a comment or a section.
+    [[nodiscard]] static bool IsKey(const QString& key);
+
     /// Writes into the file as it is at this moment, and replaces it as a whole: what other
     /// programs have written to it stays, and nobody ever sees half a file. Line ends in a text
     /// become blanks. Nothing is written when nothing would change.
     ///
     /// Throws platform::Error when the file cannot be written (the old one then stays), is no text,
-    /// or a name cannot stand in such a file: an empty one, one with a line end, a key with "=" or
-    /// one that begins like a comment or a section, a section with "]".
+    /// or a key cannot stand in such a file (the same goes for the section, and "]" in it).
     void Write(const QString& section, const QString& key, const QString& text);
     /// The same for many keys at once.
     void Write(const QString& section, const QList<ProfileEntry>& entries);

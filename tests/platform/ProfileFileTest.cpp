@@ -212,16 +212,17 @@ TEST_F(ProfileFileTest, ProgramsLoseNothingOfEachOthers) {
     Put("; head\r\n");
     for (int program = 0; program < kPrograms; ++program) {
         if (fork() != 0) continue;
-        int failures = 0;
         const QString section = u"S%1"_s.arg(program);
-        for (int i = 0; i < kWrites; ++i) {
+        for (int i = 0; i < kWrites;) {
             try {
                 ProfileFile(path_).Write(section, u"K%1"_s.arg(i), u"v"_s);
-            } catch (const platform::Error&) {
-                ++failures;
+                ++i;
+            } catch (const platform::Error& error) {
+                // On a busy machine the others may keep the file for longer than one waits.
+                if (error.Number() != platform::ErrorNumber::kPermissionDenied) _exit(1);
             }
         }
-        _exit(failures);
+        _exit(0);
     }
     for (int program = 0; program < kPrograms; ++program) {
         int status = -1;

@@ -23,7 +23,7 @@ using namespace std::chrono_literals;
 
 constexpr qsizetype kLargestFile = qsizetype{64} << 20;  // bytes
 constexpr auto kLockPatience = 500ms;
-constexpr auto kLockPause = 5ms;
+constexpr auto kLockPause = 1ms;
 
 int NumberOf(int cause) {
     switch (cause) {
