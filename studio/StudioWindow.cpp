@@ -90,6 +90,7 @@ bool StudioWindow::OpenProject(const QString& project) {
     }
     CloseProject();
     project_ = std::get<ProjectLocation>(std::move(located));
+    variables_.SetProject(project_->nativePath);
     model_.RegisterIcon(kProjectIcon, ProjectIcon());
     model_.AddOwn(project_->shown, kProjectKey.toString(), kProjectIcon);
     tree_->HostSelect(kProjectKey.toString());
@@ -117,6 +118,7 @@ bool StudioWindow::CloseProject() {
     startupPending_ = false;
     model_.Clear();
     project_.reset();
+    variables_.SetProject({});
     // An add-in may have been waiting for a database when it was terminated.
     platform::SetScreenPointer(platform::Pointer::Default);
     ApplyProjectState();

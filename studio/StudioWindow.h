@@ -112,7 +112,7 @@ private:
 
     ProjectTreeModel model_;
     TreeEvents treeEvents_;
-    NoVariables variables_;
+    VariableBrowser variables_{texts_};
     std::unique_ptr<StudioHost> host_;
     std::vector<Caption> captions_;
     QSplitter* splMain_ = nullptr;
