@@ -83,6 +83,12 @@ QString Reach(const Line& line, const ArchiveSettings& settings, double records)
     return {};
 }
 
+/// A long name leaves room for the rest of the line.
+QString Shortened(const QString& name) {
+    constexpr qsizetype kLongest = 40;
+    return name.size() <= kLongest ? name : name.left(kLongest - 1) + QChar(0x2026);
+}
+
 QString FileEvent(const Line& line, const ArchiveSettings& settings) {
     switch (settings.fileChange) {
         case -1:
@@ -90,7 +96,7 @@ QString FileEvent(const Line& line, const ArchiveSettings& settings) {
         case FileChange::kTrigger:
             return settings.fileTrigger.isEmpty()
                        ? line.Text(kTextNewFileOnTrigger)
-                       : line.Text(kTextNewFileOnVariable, settings.fileTrigger);
+                       : line.Text(kTextNewFileOnVariable, Shortened(settings.fileTrigger));
         case FileChange::kCount:
             return line.Number(kTextNewFileAfterRecords, settings.maxSamples);
         case FileChange::kNever:

@@ -41,6 +41,8 @@ constexpr int kOnTrigger = 3;
 constexpr std::array<const char16_t*, 7> kClockEvents = {u"$Year", u"$Month",  u"$Week",  u"$Day",
                                                          u"$Hour", u"$Minute", u"$Second"};
 
+constexpr int kCharactersAcross = 80;
+
 // What may be typed, see MResources::KeyFilter
 constexpr int kNameKeys = 0;
 constexpr int kVariableKeys = 1;
@@ -61,6 +63,8 @@ FArchiv::FArchiv(const DialogServices& services, QStringView nameGroup, QWidget*
     ConnectControls();
     ConnectPickers();
     NameControls();
+    // Usable always, and to be seen to be.
+    for (QWidget* field : {cmbType, cmbSampleMode}) SetUsable(field, true);
     UpdateArchiveEnabling();
     UpdateSampleModeFields();
     txtName_Change();
@@ -133,6 +137,9 @@ void FArchiv::SetCaptions() {
     };
     for (const auto& [choice, text] : choices) choice->setText(Text(text));
     lblSummary->setAccessibleName(Text(kTextMeaning));
+    lblSummary->setMinimumHeight(2 * (lblSummary->fontMetrics().lineSpacing() +
+                                      lblSummary->margin() + lblSummary->frameWidth()));
+    setMinimumWidth(fontMetrics().averageCharWidth() * kCharactersAcross);
 }
 
 void FArchiv::FillLists() {
@@ -313,4 +320,5 @@ void FArchiv::ShowSummary() {
     }
     settings.scanTime = number(txtScantime);
     lblSummary->setText(ArchiveSummary(settings, Services().texts));
+    lblSummary->setToolTip(lblSummary->text());
 }

@@ -1,0 +1,235 @@
+#include "dialogs/FTrend.h"
+
+#include <algorithm>
+#include <cmath>
+#include <initializer_list>
+#include <optional>
+#include <span>
+#include <utility>
+
+#include "help/HelpTopics.h"
+#include "languages/KeyFilter.h"
+#include "languages/MResourceTable.h"
+#include "platform/Locale.h"
+
+namespace {
+
+using namespace MResourceTable;
+
+constexpr int kDigitKeys = 2;  // see MResources::KeyFilter
+
+// Texts of the lists. The position in a list is the code that is stored, and the item data.
+// No hysteresis comes last although its text has the lowest number.
+constexpr std::array kHysteresisModes = {kTextHysteresisAbsolute, kTextHysteresisOfRange,
+                                         kTextHysteresisOfValue, kTextHysteresisNone};
+constexpr std::array kFilters = {kTextFilterNone, kTextFilterAverage, kTextFilterAveraging,
+                                 kTextFilterMaximum, kTextFilterMinimum};
+constexpr std::array kLineStyles = {kTextStyleLine, kTextStyleDashed, kTextStyleDotted};
+constexpr std::array kConfigs = {kTextConfigCurveColor, kTextConfigToleranceLine, kTextConfigBoth};
+// Splines, points and bars are set elsewhere; the dialog does not offer them.
+constexpr std::array kDrawModes = {kTextDrawLines, kTextDrawStairs};
+
+constexpr int kNoFilter = 0;
+
+std::optional<double> NumberIn(const QLineEdit& field) {
+    const QString text = field.text().replace(u',', u'.');
+    qsizetype end = 0;
+    const double number = platform::LeadingNumber(text, &end);
+    return end == 0 ? std::nullopt : std::optional(number);
+}
+
+/// The code that a list shows, as far as a picture needs one.
+template <typename Code>
+Code CodeIn(const QComboBox& list) {
+    return static_cast<Code>(std::max(0, list.currentIndex()));
+}
+
+}  // namespace
+
+FTrend::FTrend(const DialogServices& services, QStringView nameGroup, QWidget* owner)
+    : PropertyDialog(services, nameGroup, owner) {
+    setupUi(this);
+    CollectArrays();
+    SetUpFrame({tabTrend, cmdOk, cmdCancel, cmdHelp, txtName});
+    SetCaptions();
+    SetColorTexts();
+    FillLists();
+    RestrictInputs();
+    ConnectControls();
+    ConnectPickers();
+    NameControls();
+    cmbHysteresisMode_Click();
+    cmbFilter_Click();
+    ShowCurve();
+}
+
+void FTrend::SetDisplayTextAvailable(bool available) {
+    SetUsable(txtTextID, available);
+    SetUsable(cmdEditText, available);
+}
+
+void FTrend::SetOpenedName(const QString& name) {
+    keptName_ = name;
+    PropertyDialog::SetOpenedName(name);
+}
+
+int FTrend::HelpTopic(int page) const {
+    return help::kHelpTrendStandard + page;
+}
+
+void FTrend::CollectArrays() {
+    cmdChoose = {cmdChoose_0, cmdChoose_1, cmdChoose_2, cmdChoose_3,
+                 cmdChoose_4, cmdChoose_5, cmdChoose_6};
+    NameArray(u"cmdChoose", cmdChoose);
+    txtTextID->setFont(Services().textFont);
+}
+
+void FTrend::SetCaptions() {
+    setWindowTitle(Text(kTextTrendDialogTitle));
+    for (int page = 0; page < tabTrend->count(); ++page) {
+        tabTrend->setTabText(page, Text(kTextTrendPageStandard + page));
+    }
+    Frame1->setTitle(Text(kTextTrendDialogDisplayRange));
+    const std::initializer_list<std::pair<QLabel*, int>> labels = {
+        {lblName, kTextTrendDialogName},
+        {lblTextID, kTextTrendDialogDisplayText},
+        {lblTrendVar, kTextTrendDialogTrendVar},
+        {lblUnit, kTextTrendDialogUnit},
+        {lblComment, kTextTrendDialogComment},
+        {lblMaximum, kTextTrendDialogMaximum},
+        {lblMinimum, kTextTrendDialogMinimum},
+        {lblSurrogateMax, kTextTrendDialogSurrogateMax},
+        {lblSurrogateMin, kTextTrendDialogSurrogateMin},
+        {lblErrorValue, kTextTrendDialogErrorValue},
+        {lblHysteresisMode, kTextTrendDialogHysteresisMode},
+        {lblHysteresis, kTextTrendDialogHysteresis},
+        {lblFactor, kTextTrendDialogFactor},
+        {lblOffset, kTextTrendDialogOffset},
+        {lblFilter, kTextTrendDialogFilter},
+        {lblFilterDepth, kTextTrendDialogFilterDepth},
+        {lblVLineColor, kTextTrendDialogVLineColor},
+        {lblVLineWidth, kTextTrendDialogVLineWidth},
+        {lblVLineStyle, kTextTrendDialogVLineStyle},
+        {lblVDrawMode, kTextTrendDialogVDrawMode},
+        {lblVMax, kTextTrendDialogVMax},
+        {lblVMin, kTextTrendDialogVMin},
+        {lblVMaxSamples, kTextTrendDialogVMaxSamples},
+        {lblVUpper, kTextTrendDialogVUpper},
+        {lblVUpperColor, kTextTrendDialogVUpperColor},
+        {lblVLower, kTextTrendDialogVLower},
+        {lblVLowerColor, kTextTrendDialogVLowerColor},
+        {lblVConfig, kTextTrendDialogVConfig},
+    };
+    for (const auto& [label, text] : labels) label->setText(Text(text));
+    for (CurvePreview* picture : {picCurve, picTolerance}) {
+        picture->setAccessibleName(Text(kTextSampleCurve));
+        picture->setToolTip(Text(kTextSampleCurve));
+    }
+}
+
+void FTrend::SetColorTexts() {
+    ColorTexts texts;
+    texts.choose = Text(kTextChooseColor);
+    texts.recent = Text(kTextRecentColors);
+    texts.more = Text(kTextMoreColors);
+    texts.none = Text(kTextNoColor);
+    texts.system = Text(kTextSystemColor);
+    texts.parts = Text(kTextColorParts);
+    const auto fill = [this](std::span<QString> names, int first) {
+        for (QString& name : names) name = Text(first++);
+    };
+    fill(texts.hues, kTextFirstHue);
+    fill(texts.tints, kTextFirstTint);
+    fill(texts.greys, kTextFirstGrey);
+    for (KVColorSelect* selector : {clrVLineColor, clrVUpperColor, clrVLowerColor}) {
+        selector->SetTexts(texts);
+    }
+}
+
+void FTrend::FillLists() {
+    const auto fill = [this](QComboBox* list, std::span<const int> texts) {
+        for (const int text : texts) list->addItem(Text(text), list->count());
+        list->setCurrentIndex(-1);  // the record selects
+    };
+    fill(cmbHysteresisMode, kHysteresisModes);
+    fill(cmbFilter, kFilters);
+    fill(cmbVLineStyle, kLineStyles);
+    fill(cmbVConfig, kConfigs);
+    fill(cmbVDrawMode, kDrawModes);
+}
+
+void FTrend::RestrictInputs() {
+    // On purpose no sign and no decimal separator: display limits and tolerance lines are typed as
+    // whole numbers. What is stored is shown as it is.
+    for (QLineEdit* field :
+         {txtFilterDepth, txtVLineWidth, txtVLower, txtVMax, txtVMaxSamples, txtVMin, txtVUpper}) {
+        MResources::RestrictInput(*field, kDigitKeys);
+    }
+}
+
+void FTrend::ConnectControls() {
+    connect(txtName, &QLineEdit::textChanged, this, &FTrend::txtName_Change);
+    connect(cmbHysteresisMode, &QComboBox::currentIndexChanged, this,
+            &FTrend::cmbHysteresisMode_Click);
+    connect(cmbFilter, &QComboBox::currentIndexChanged, this, &FTrend::cmbFilter_Click);
+
+    for (const QLineEdit* field : {txtVLineWidth, txtVMax, txtVMin, txtVUpper, txtVLower}) {
+        connect(field, &QLineEdit::textChanged, this, &FTrend::ShowCurve);
+    }
+    for (const QComboBox* list : {cmbVLineStyle, cmbVDrawMode, cmbVConfig}) {
+        connect(list, &QComboBox::currentIndexChanged, this, &FTrend::ShowCurve);
+    }
+    for (const KVColorSelect* color : {clrVLineColor, clrVUpperColor, clrVLowerColor}) {
+        connect(color, &KVColorSelect::ColorChanged, this, &FTrend::ShowCurve);
+    }
+}
+
+void FTrend::ConnectPickers() {
+    ConnectTextEditor(cmdEditText, txtTextID);
+    const std::array<QLineEdit*, 7> fields = {txtTrendVar,     txtMaximum,      txtMinimum,
+                                              txtSurrogateMax, txtSurrogateMin, txtErrorValue,
+                                              txtHysteresis};
+    for (std::size_t i = 0; i < fields.size(); ++i) ConnectVariablePicker(cmdChoose[i], fields[i]);
+}
+
+void FTrend::cmbHysteresisMode_Click() {
+    const bool usable = cmbHysteresisMode->currentIndex() != cmbHysteresisMode->count() - 1;
+    SetUsable(txtHysteresis, usable);
+    SetUsable(cmdChoose[6], usable);
+}
+
+void FTrend::cmbFilter_Click() {
+    SetUsable(txtFilterDepth, cmbFilter->currentIndex() != kNoFilter);
+}
+
+void FTrend::txtName_Change() {
+    const QString name = txtName->text();
+    if (!Loaded()) return;
+    // A display text that was never edited apart from the name is renamed with it.
+    if (name != keptName_ && txtTextID->isEnabledTo(this) && txtTextID->text() == keptName_) {
+        txtTextID->setText(name);
+    }
+    keptName_ = name;
+    // A trend whose name has been blank already must be mendable in all else.
+    cmdOk->setEnabled(!name.trimmed().isEmpty() || name == OpenedName());
+}
+
+void FTrend::ShowCurve() {
+    const auto colorOf = [](const KVColorSelect& selector) {
+        return selector.HasColor() ? selector.ShownColor() : selector.palette().text().color();
+    };
+    CurveLook look;
+    look.line = colorOf(*clrVLineColor);
+    look.upperColor = colorOf(*clrVUpperColor);
+    look.lowerColor = colorOf(*clrVLowerColor);
+    look.width = static_cast<int>(std::fmin(NumberIn(*txtVLineWidth).value_or(1), 1000));
+    look.style = CodeIn<CurveLook::Style>(*cmbVLineStyle);
+    look.mode = CodeIn<CurveLook::Mode>(*cmbVDrawMode);
+    look.tolerance = CodeIn<CurveLook::Tolerance>(*cmbVConfig);
+    look.displayMaximum = NumberIn(*txtVMax);
+    look.displayMinimum = NumberIn(*txtVMin);
+    look.upper = NumberIn(*txtVUpper);
+    look.lower = NumberIn(*txtVLower);
+    picCurve->SetLook(look);
+    picTolerance->SetLook(look);
+}

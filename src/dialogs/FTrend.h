@@ -1,0 +1,48 @@
+#pragma once
+
+#include <array>
+#include <QString>
+
+#include "dialogs/PropertyDialog.h"
+#include "ui_FTrend.h"
+
+/// Modal property dialog of one trend. Its controls have their given names; members of control
+/// arrays are those below. The two pages of the appearance show a sample curve as the settings
+/// make it; the pictures are never stored.
+class FTrend final : public PropertyDialog, public Ui::FTrend {
+    Q_OBJECT
+
+public:
+    /// `services` is borrowed and outlives the dialog; `nameGroup` is a literal.
+    FTrend(const DialogServices& services, QStringView nameGroup, QWidget* owner = nullptr);
+
+    /// A trend without a text column in the current language has no display text to edit.
+    void SetDisplayTextAvailable(bool available);
+    /// As PropertyDialog's; call it when the controls have been filled.
+    void SetOpenedName(const QString& name);
+
+    // TrendVar, Maximum, Minimum, SurrogateMax, SurrogateMin, ErrorValue, Hysteresis
+    std::array<QPushButton*, 7> cmdChoose{};
+
+public slots:
+    void cmbHysteresisMode_Click();
+    void cmbFilter_Click();
+
+protected:
+    [[nodiscard]] int HelpTopic(int page) const override;
+
+private slots:
+    void txtName_Change();
+    void ShowCurve();
+
+private:
+    void CollectArrays();
+    void SetCaptions();
+    void SetColorTexts();
+    void FillLists();
+    void RestrictInputs();
+    void ConnectControls();
+    void ConnectPickers();
+
+    QString keptName_;  // the name before the latest change; txtName_Change compares with it
+};
