@@ -106,6 +106,7 @@ private:
     bool visible_ = true;
     bool allowSizing_ = true;
     int order_ = 0;
+    bool placed_ = false;  // has been given its first position
     bool button_ = false;
     bool locked_ = false;
     QString numberFormat_;

@@ -4,7 +4,6 @@
 #include <memory>
 #include <QList>
 #include <QObject>
-#include <QPointer>
 #include <QString>
 #include <QVariant>
 #include <vector>
@@ -29,6 +28,7 @@ class GridSplit final : public QObject {
     Q_PROPERTY(bool AllowColMove READ AllowColMove WRITE SetAllowColMove)
     Q_PROPERTY(bool Locked READ Locked WRITE SetLocked)
     Q_PROPERTY(bool DoubleClickEdits READ DoubleClickEdits WRITE SetDoubleClickEdits)
+    Q_PROPERTY(bool AlwaysCurrent READ AlwaysCurrent WRITE SetAlwaysCurrent)
     Q_PROPERTY(QString FrozenColumn READ FrozenColumn WRITE SetFrozenColumn)
     Q_PROPERTY(bool DataChanged READ DataChanged)
     Q_PROPERTY(bool AddingNew READ AddingNew)
@@ -40,6 +40,9 @@ public:
 
     /// The view, for its place on the screen and its context menu; not for its model.
     [[nodiscard]] QTableView* View() const;
+
+    /// Interface texts by number, see TDBGrid::SetTexts.
+    void SetTexts(std::function<QString(int)> texts);
 
     // --- source and columns
     /// Borrowed; it must outlive the split or be taken away with nullptr.
@@ -72,8 +75,12 @@ public:
     /// signal DblClick comes either way.
     [[nodiscard]] bool DoubleClickEdits() const noexcept { return doubleClickEdits_; }
     void SetDoubleClickEdits(bool edits) { doubleClickEdits_ = edits; }
+    /// Whether there is a current cell as soon as there are rows, also after the current row has
+    /// gone. Off: not until the user or SetCurrentCell picks one.
+    [[nodiscard]] bool AlwaysCurrent() const noexcept { return alwaysCurrent_; }
+    void SetAlwaysCurrent(bool always);
     /// Field name of the column that stays in view when scrolling sideways; it moves to the first
-    /// place. Empty: none. Moving another column in front of it ends it.
+    /// place. Empty: none. Without effect while another column stands in front of it.
     [[nodiscard]] QString FrozenColumn() const;
     void SetFrozenColumn(const QString& field);
 
@@ -154,11 +161,23 @@ private:
     friend class GridView;
 
     void RebuildColumns();
-    void RowsRebuilt();
+    void RowsRebuilt(bool sourceReset);
+    void DiscardLostEdit();
     void CurrentCellChanged();
-    bool Report(const GridCommit& commit, GridRowId row, int column);
+    // What the keys of the view come to.
+    void BeginTyping(const QString& typed);
+    void OpenList();
+    void ClearCell();
+    void PressButton();
+    void CancelNewRow();
+    bool Begin(bool replace, const QString& typed);
+    bool Store(GridRowId row, int column, const QVariant& value);
     bool CommitNewRow(GridRowId row);
-    [[nodiscard]] QModelIndex IndexOf(GridRowId row, int column) const;
+    bool Report(const GridCommit& commit, GridRowId row, int column);
+    /// An edit has been refused within the event that is being handled: whatever else the event
+    /// wanted is off, the grid stays with the cell.
+    void NoteRefusal();
+    [[nodiscard]] bool RefusedJustNow() const noexcept { return refused_; }
 
     GridView& view_;
     std::vector<GridColumn*> columns_;
@@ -166,9 +185,13 @@ private:
     std::unique_ptr<ColumnLayout> layout_;
     std::unique_ptr<RowMemory> memory_;
     std::unique_ptr<CellEdit> edit_;
+    QString caption_;
     GridRowId currentRow_ = kNoGridRow;  // as last raised by RowColChange
     int currentColumn_ = -1;
     bool locked_ = false;
     bool doubleClickEdits_ = true;
-    bool committing_ = false;
+    bool alwaysCurrent_ = false;
+    bool storing_ = false;
+    bool rebuilding_ = false;
+    bool refused_ = false;
 };

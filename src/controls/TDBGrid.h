@@ -71,11 +71,13 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    void ApplyFonts();
     void NameViews();
 
     QSplitter* splitter_ = nullptr;
     std::array<GridSplit*, kSplitCount> splits_{};
     FontProperties* font_ = nullptr;
     FontProperties* headFont_ = nullptr;
+    bool ownHeadFont_ = false;
     int split_ = 1;
 };

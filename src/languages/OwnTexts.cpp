@@ -74,6 +74,14 @@ constexpr Entry kAll[] = {
     {1169, u"Schwarz", u"Black"},
     {1170, u"Beispielkurve", u"Sample curve"},
 
+    // Grid
+    {1300, u"aufsteigend sortiert", u"sorted ascending"},
+    {1301, u"absteigend sortiert", u"sorted descending"},
+    {1302, u"Auswählen ...", u"Choose ..."},
+    {1303, u"Aktuelle Zeile", u"Current row"},
+    {1304, u"Die Zeile wird bearbeitet", u"The row is being edited"},
+    {1305, u"Neue Zeile", u"New row"},
+
     // Editor window
     {1360, u"Eingrenzen (Strg+F)", u"Narrow (Ctrl+F)"},
     {1361, u"&Kopieren\tStrg+C", u"&Copy\tCtrl+C"},

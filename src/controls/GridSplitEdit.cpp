@@ -1,0 +1,127 @@
+// Editing in a GridSplit: from a key to the source and back.
+
+#include <QScopedValueRollback>
+#include <QTimer>
+
+#include "controls/detail/CellEdit.h"
+#include "controls/detail/GridRows.h"
+#include "controls/detail/GridView.h"
+#include "controls/GridSplit.h"
+
+bool GridSplit::CanEdit(GridRowId row, int column) const {
+    const int place = rows_->RowOf(row);
+    if (locked_ || place < 0 || column < 0 || column >= ColumnCount()) return false;
+    return rows_->flags(rows_->index(place, column)) & Qt::ItemIsEditable;
+}
+
+bool GridSplit::Begin(bool replace, const QString& typed) {
+    if (edit_->Active()) return true;
+    if (storing_ || !CanEdit(CurrentRow(), CurrentColumn())) return false;
+    edit_->Begin(view_.currentIndex(), replace ? CellEdit::Mode::Replace : CellEdit::Mode::Change,
+                 typed);
+    return true;
+}
+
+bool GridSplit::BeginEdit() {
+    return Begin(false, {});
+}
+
+void GridSplit::BeginTyping(const QString& typed) {
+    Begin(true, typed);
+}
+
+void GridSplit::OpenList() {
+    const GridColumn* column = ColumnAt(CurrentColumn());
+    if (column == nullptr || column->ValueItems().isEmpty()) return;
+    if (BeginEdit()) edit_->OpenList();
+}
+
+void GridSplit::ClearCell() {
+    const GridRowId row = CurrentRow();
+    const int column = CurrentColumn();
+    // A list accepts its own values only, and nothing is none of them.
+    if (!CanEdit(row, column) || !ColumnAt(column)->ValueItems().isEmpty()) return;
+    const QVariant stored = view_.currentIndex().data(GridRole::kStored);
+    if (stored.isValid() && !stored.isNull()) Store(row, column, {});
+}
+
+void GridSplit::PressButton() {
+    const int column = CurrentColumn();
+    const GridRowId row = CurrentRow();
+    if (!CanEdit(row, column)) return;
+    if (!ColumnAt(column)->Button()) {
+        OpenList();
+        return;
+    }
+    if (CommitPendingEdit()) emit ButtonClick(row, column);
+}
+
+bool GridSplit::Editing() const {
+    return edit_->Active();
+}
+
+bool GridSplit::DataChanged() const {
+    return edit_->Changed();
+}
+
+bool GridSplit::AddingNew() const {
+    const GridSource* source = rows_->Source();
+    const GridRowId row = CurrentRow();
+    return source != nullptr && row != kNoGridRow && source->RowState(row) == GridRowState::New;
+}
+
+bool GridSplit::CommitPendingEdit() {
+    if (storing_) return false;  // called while the user is being told why it does not work
+    if (!edit_->Commit()) return false;
+    return !AddingNew() || CommitNewRow(CurrentRow());
+}
+
+void GridSplit::CancelEdit() {
+    edit_->Cancel();
+}
+
+bool GridSplit::Store(GridRowId row, int column, const QVariant& value) {
+    GridSource* source = rows_->Source();
+    if (source == nullptr || storing_) return false;
+    GridCommit commit;
+    {
+        const QScopedValueRollback storing(storing_, true);
+        commit = source->CommitCell(row, column, value);
+    }
+    if (!Report(commit, row, column)) return false;
+    emit AfterColUpdate(row, column);
+    return true;
+}
+
+bool GridSplit::CommitNewRow(GridRowId row) {
+    GridSource* source = rows_->Source();
+    if (storing_ || source == nullptr || row == kNoGridRow || source->RowOf(row) < 0) return true;
+    if (source->RowState(row) != GridRowState::New) return true;
+    GridCommit commit;
+    {
+        const QScopedValueRollback storing(storing_, true);
+        commit = source->CommitRow(row);
+    }
+    return Report(commit, row, CurrentColumn());
+}
+
+void GridSplit::CancelNewRow() {
+    const QScopedValueRollback storing(storing_, true);
+    if (AddingNew()) rows_->Source()->CancelRow(CurrentRow());
+}
+
+bool GridSplit::Report(const GridCommit& commit, GridRowId row, int column) {
+    if (commit.outcome == GridCommit::Outcome::Stored) return true;
+    // Back onto the row: the user may have clicked elsewhere already.
+    if (const int place = rows_->RowOf(row); place >= 0 && column >= 0) {
+        view_.SetCurrent(rows_->index(place, column));
+    }
+    if (commit.outcome == GridCommit::Outcome::Failed) emit DataError(commit.number, commit.text);
+    NoteRefusal();  // last: a message box has lasted longer than this event
+    return false;
+}
+
+void GridSplit::NoteRefusal() {
+    refused_ = true;
+    QTimer::singleShot(0, this, [this] { refused_ = false; });
+}

@@ -1,0 +1,366 @@
+#include "controls/detail/GridView.h"
+
+#include <algorithm>
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QHelpEvent>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QToolTip>
+
+#include "controls/detail/CellDelegate.h"
+#include "controls/detail/CellEdit.h"
+#include "controls/detail/FrozenView.h"
+#include "controls/detail/GridRows.h"
+#include "controls/detail/GridTexts.h"
+#include "controls/detail/Headers.h"
+#include "controls/GridSplit.h"
+
+namespace {
+
+constexpr int kSpaceAroundRow = 6;  // pixels, above and below together
+
+}  // namespace
+
+GridView::GridView(QWidget* parent) : QTableView(parent) {
+    captions_ = new CaptionHeader(*this, this);
+    setHorizontalHeader(captions_);
+    records_ = new RecordHeader(*this);
+    setVerticalHeader(records_);
+    setItemDelegate(new CellDelegate(*this));
+    setSelectionMode(NoSelection);
+    setSelectionBehavior(SelectRows);
+    setEditTriggers(NoEditTriggers);
+    setHorizontalScrollMode(ScrollPerPixel);
+    setVerticalScrollMode(ScrollPerPixel);
+    setAlternatingRowColors(true);
+    setWordWrap(false);
+    setTabKeyNavigation(true);
+    setCornerButtonEnabled(false);
+    // Qt's tables select columns and rows with these; here a heading selects nothing, and record
+    // selectors know the keys that are held.
+    disconnect(captions_, &QHeaderView::sectionPressed, this, nullptr);
+    disconnect(captions_, &QHeaderView::sectionEntered, this, nullptr);
+    disconnect(records_, &QHeaderView::sectionPressed, this, nullptr);
+    disconnect(records_, &QHeaderView::sectionEntered, this, nullptr);
+    connect(records_, &QHeaderView::sectionPressed, this, &GridView::PressRecordSelector);
+    connect(records_, &QHeaderView::sectionEntered, this, &GridView::DragRecordSelector);
+}
+
+GridView::~GridView() = default;
+
+void GridView::Bind(GridSplit& split, GridRows& rows) {
+    split_ = &split;
+    rows_ = &rows;
+    setModel(&rows);
+    frozen_ = new FrozenView(*this);
+    connect(captions_, &QHeaderView::sectionClicked, &split, &GridSplit::HeadClick);
+    connect(captions_, &QHeaderView::sectionResized, this, &GridView::PlaceFrozen);
+}
+
+CellMarks GridView::Marks() const {
+    const QModelIndex current = currentIndex();
+    return {current.row(), current.column(), hasFocus() || split_->Editing()};
+}
+
+void GridView::SetCurrent(const QModelIndex& cell, bool bringIntoView) {
+    selectionModel()->setCurrentIndex(cell, QItemSelectionModel::NoUpdate);
+    if (bringIntoView && cell.isValid()) scrollTo(cell);
+}
+
+int GridView::FirstColumn() const {
+    const int column = ColumnBeside(-1, +1);
+    return std::max(column, 0);
+}
+
+int GridView::ColumnBeside(int column, int step) const {
+    int visual = column < 0 ? (step > 0 ? -1 : captions_->count()) : captions_->visualIndex(column);
+    for (visual += step; visual >= 0 && visual < captions_->count(); visual += step) {
+        const int logical = captions_->logicalIndex(visual);
+        if (!captions_->isSectionHidden(logical)) return logical;
+    }
+    return -1;
+}
+
+bool GridView::StepRows(int step) {
+    const QModelIndex current = currentIndex();
+    if (!current.isValid()) return false;
+    const int row = current.row() + step;
+    if (row >= rows_->rowCount() && rows_->canFetchMore({})) rows_->fetchMore({});
+    if (row < 0 || row >= rows_->rowCount()) return false;
+    SetCurrent(rows_->index(row, current.column()));
+    return true;
+}
+
+bool GridView::StepCells(int step, bool editableOnly) {
+    int row = currentIndex().row();
+    int column = currentIndex().column();
+    if (row < 0) return false;
+    // Over one row more than this one there is nothing new to find but other rows' flags.
+    for (int rowsSeen = 0; rowsSeen < 3;) {
+        column = ColumnBeside(column, step);
+        if (column < 0) {
+            row += step;
+            ++rowsSeen;
+            if (row >= rows_->rowCount() && rows_->canFetchMore({})) rows_->fetchMore({});
+            if (row < 0 || row >= rows_->rowCount()) return false;
+            continue;
+        }
+        if (editableOnly && !split_->CanEdit(rows_->IdAt(row), column)) continue;
+        SetCurrent(rows_->index(row, column));
+        return true;
+    }
+    return false;
+}
+
+QList<GridRowId> GridView::SelectedRowIds() const {
+    std::vector<int> rows;
+    for (const QItemSelectionRange& range : selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row) rows.push_back(row);
+    }
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    QList<GridRowId> ids;
+    ids.reserve(static_cast<qsizetype>(rows.size()));
+    for (const int row : rows) ids.push_back(rows_->IdAt(row));
+    return ids;
+}
+
+void GridView::SelectRowNumbers(const std::vector<int>& rows) {
+    QItemSelection selection;
+    const int last = rows_->columnCount() - 1;
+    for (std::size_t begin = 0; begin < rows.size();) {
+        std::size_t end = begin + 1;
+        while (end < rows.size() && rows[end] == rows[end - 1] + 1) ++end;
+        selection.append(
+            QItemSelectionRange(rows_->index(rows[begin], 0), rows_->index(rows[end - 1], last)));
+        begin = end;
+    }
+    selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+}
+
+void GridView::SelectRange(int fromRow, int toRow) {
+    const int last = rows_->columnCount() - 1;
+    const QItemSelection range(rows_->index(std::min(fromRow, toRow), 0),
+                               rows_->index(std::max(fromRow, toRow), last));
+    selectionModel()->select(range, QItemSelectionModel::ClearAndSelect);
+}
+
+void GridView::ToggleRow(int row) {
+    const QItemSelection one(rows_->index(row, 0), rows_->index(row, rows_->columnCount() - 1));
+    selectionModel()->select(one, QItemSelectionModel::Toggle);
+}
+
+void GridView::PressRecordSelector(int row) {
+    setFocus(Qt::MouseFocusReason);
+    if (split_->RefusedJustNow()) return;
+    const Qt::KeyboardModifiers keys = QApplication::keyboardModifiers();
+    const int column = currentIndex().isValid() ? currentIndex().column() : FirstColumn();
+    const int anchor = rows_->RowOf(anchor_);
+    SetCurrent(rows_->index(row, column));
+    if (keys & Qt::ShiftModifier && anchor >= 0) {
+        SelectRange(anchor, row);
+        return;
+    }
+    anchor_ = rows_->IdAt(row);
+    if (keys & Qt::ControlModifier) {
+        ToggleRow(row);
+    } else {
+        SelectRange(row, row);
+    }
+}
+
+void GridView::DragRecordSelector(int row) {
+    const int anchor = rows_->RowOf(anchor_);
+    if (!(QApplication::mouseButtons() & Qt::LeftButton) || anchor < 0) return;
+    SetCurrent(rows_->index(row, std::max(currentIndex().column(), 0)));
+    SelectRange(anchor, row);
+}
+
+bool GridView::ButtonHit(const QModelIndex& cell, const QRect& rect, QPoint at) const {
+    return cell == currentIndex() && split_->CanEdit(rows_->IdAt(cell.row()), cell.column()) &&
+           CellDelegate::ButtonRect(*split_->ColumnAt(cell.column()), rect).contains(at);
+}
+
+void GridView::PressCell(const QModelIndex& cell, const QRect& rect, QMouseEvent* event) {
+    event->accept();
+    // The press has ended an edit with an error: the grid has gone back to that cell.
+    if (split_->RefusedJustNow()) return;
+    if (!cell.isValid()) return;
+    if (event->button() == Qt::RightButton) {
+        // A menu for the selection must find it unchanged.
+        if (!selectionModel()->isSelected(cell)) selectionModel()->clearSelection();
+        SetCurrent(cell, false);
+        return;
+    }
+    if (event->button() != Qt::LeftButton) return;
+    if (ButtonHit(cell, rect, event->pos())) {
+        split_->PressButton();
+        return;
+    }
+    const int before = currentIndex().row();
+    SetCurrent(cell);
+    if (event->modifiers() & Qt::ShiftModifier) {
+        const int anchor = rows_->RowOf(anchor_);
+        const int from = anchor >= 0 ? anchor : before >= 0 ? before : cell.row();
+        anchor_ = rows_->IdAt(from);
+        SelectRange(from, cell.row());
+    } else if (event->modifiers() & Qt::ControlModifier) {
+        anchor_ = rows_->IdAt(cell.row());
+        ToggleRow(cell.row());
+    } else {
+        anchor_ = kNoGridRow;
+        selectionModel()->clearSelection();
+    }
+}
+
+void GridView::DoubleClickCell(const QModelIndex& cell, const QRect& rect, QMouseEvent* event) {
+    event->accept();
+    if (!cell.isValid() || event->button() != Qt::LeftButton) return;
+    if (ButtonHit(cell, rect, event->pos())) return;  // its first press was enough
+    const GridRowId id = rows_->IdAt(cell.row());
+    if (split_->DoubleClickEdits()) split_->BeginEdit();
+    emit split_->DblClick(id, cell.column());
+}
+
+void GridView::mousePressEvent(QMouseEvent* event) {
+    const QModelIndex cell = indexAt(event->pos());
+    PressCell(cell, visualRect(cell), event);
+}
+
+// Qt would select by dragging.
+void GridView::mouseMoveEvent(QMouseEvent* /*event*/) {}
+void GridView::mouseReleaseEvent(QMouseEvent* /*event*/) {}
+
+void GridView::mouseDoubleClickEvent(QMouseEvent* event) {
+    const QModelIndex cell = indexAt(event->pos());
+    DoubleClickCell(cell, visualRect(cell), event);
+}
+
+void GridView::contextMenuEvent(QContextMenuEvent* event) {
+    const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
+    const QModelIndex cell = byKey ? currentIndex() : indexAt(event->pos());
+    const QPoint at = byKey && cell.isValid()
+                          ? ViewportOf(cell)->mapToGlobal(CellRect(cell).bottomLeft())
+                          : event->globalPos();
+    emit split_->ContextMenu(rows_->IdAt(cell.row()), cell.column(), at);
+}
+
+bool GridView::viewportEvent(QEvent* event) {
+    if (event->type() == QEvent::ToolTip && rows_ != nullptr) {
+        const auto* help = static_cast<QHelpEvent*>(event);
+        const QModelIndex cell = indexAt(help->pos());
+        if (cell.isValid() && ButtonHit(cell, visualRect(cell), help->pos()) &&
+            split_->ColumnAt(cell.column())->Button()) {
+            QToolTip::showText(help->globalPos(), rows_->Text(gridtexts::kChoose), this);
+            return true;
+        }
+    }
+    return QTableView::viewportEvent(event);
+}
+
+void GridView::focusInEvent(QFocusEvent* event) {
+    if (!currentIndex().isValid() && rows_->rowCount() > 0) {
+        SetCurrent(rows_->index(0, FirstColumn()));
+    }
+    QTableView::focusInEvent(event);
+    UpdateMarks();
+    emit GotKeyboard();
+}
+
+void GridView::focusOutEvent(QFocusEvent* event) {
+    QTableView::focusOutEvent(event);
+    UpdateMarks();
+}
+
+void GridView::UpdateMarks() {
+    records_->viewport()->update();
+    const QModelIndex current = currentIndex();
+    if (!current.isValid()) return;
+    viewport()->update(0, rowViewportPosition(current.row()), viewport()->width(),
+                       rowHeight(current.row()));
+    if (frozen_->isVisible()) frozen_->viewport()->update();
+}
+
+void GridView::LayOutNow() {
+    executeDelayedItemsLayout();
+    updateGeometries();
+}
+
+void GridView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    QTableView::currentChanged(current, previous);
+    if (previous.isValid() && previous.row() != current.row()) {
+        viewport()->update(0, rowViewportPosition(previous.row()), viewport()->width(),
+                           rowHeight(previous.row()));
+    }
+    UpdateMarks();
+    split_->CurrentCellChanged();
+}
+
+void GridView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
+    QTableView::selectionChanged(selected, deselected);
+    emit split_->SelChange();
+}
+
+// --- geometry
+
+void GridView::scrollTo(const QModelIndex& index, ScrollHint hint) {
+    QTableView::scrollTo(index, hint);
+    if (frozenColumn_ < 0 || !index.isValid() || index.column() == frozenColumn_) return;
+    const int hidden = columnWidth(frozenColumn_) - visualRect(index).left();
+    if (hidden > 0) horizontalScrollBar()->setValue(horizontalScrollBar()->value() - hidden);
+}
+
+void GridView::SetRowHeightFor(const QFont& cells, const QFont& headings) {
+    setFont(cells);
+    captions_->setFont(headings);
+    records_->setDefaultSectionSize(QFontMetrics(cells, this).height() + kSpaceAroundRow);
+    SetFrozen(frozenColumn_);
+}
+
+void GridView::SetFrozen(int column) {
+    frozenColumn_ = column;
+    if (frozen_ == nullptr) return;
+    frozen_->ShowColumn(column);
+    PlaceFrozen();
+}
+
+void GridView::PlaceFrozen() {
+    if (frozen_ == nullptr || frozenColumn_ < 0 || frozenColumn_ >= captions_->count()) return;
+    const int width = columnWidth(frozenColumn_);
+    if (frozen_->columnWidth(frozenColumn_) != width) {
+        frozen_->setColumnWidth(frozenColumn_, width);
+    }
+    // Leaves a part of the other columns in view, however wide the strip is.
+    const int shown = std::min(width, viewport()->width() * 3 / 4);
+    const int height = captions_->height() + viewport()->height();
+    frozen_->horizontalHeader()->setFixedHeight(captions_->height());
+    frozen_->setGeometry(viewport()->x(), captions_->y(), shown, height);
+    frozen_->verticalScrollBar()->setValue(verticalScrollBar()->value());
+}
+
+QWidget* GridView::ViewportOf(const QModelIndex& cell) const {
+    const bool inStrip = cell.column() == frozenColumn_ && frozen_->isVisible();
+    return inStrip ? frozen_->viewport() : viewport();
+}
+
+QRect GridView::CellRect(const QModelIndex& cell) const {
+    const bool inStrip = cell.column() == frozenColumn_ && frozen_->isVisible();
+    return inStrip ? frozen_->visualRect(cell) : visualRect(cell);
+}
+
+void GridView::scrollContentsBy(int dx, int dy) {
+    QTableView::scrollContentsBy(dx, dy);
+    emit Scrolled();
+}
+
+void GridView::resizeEvent(QResizeEvent* event) {
+    QTableView::resizeEvent(event);
+    PlaceFrozen();
+}
+
+void GridView::updateGeometries() {
+    QTableView::updateGeometries();
+    PlaceFrozen();
+    emit Scrolled();
+}

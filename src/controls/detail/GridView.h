@@ -1,0 +1,114 @@
+#pragma once
+
+#include <QList>
+#include <QTableView>
+#include <vector>
+
+#include "controls/GridSource.h"
+
+class CaptionHeader;
+class FrozenView;
+class GridRows;
+class GridSplit;
+class RecordHeader;
+
+/// What the view tells the split of its own cell, while it paints: no more than this.
+struct CellMarks {
+    int currentRow = -1;
+    int currentColumn = -1;
+    bool active = false;  // the view has the keyboard
+};
+
+/// The table of one split: cells and headings on the screen, keys and mouse. Selection is of whole
+/// rows and kept apart from the current cell, so Qt's own selection handling is off; Qt's editing
+/// too, see CellEdit.
+class GridView final : public QTableView {
+    Q_OBJECT
+public:
+    explicit GridView(QWidget* parent = nullptr);
+    ~GridView() override;
+
+    /// The split outlives its view's last event. REQUIRES: before anything else.
+    void Bind(GridSplit& split, GridRows& rows);
+    [[nodiscard]] GridSplit& Split() const { return *split_; }
+    [[nodiscard]] GridRows& Rows() const { return *rows_; }
+    [[nodiscard]] CellMarks Marks() const;
+
+    // --- current cell
+    /// `bringIntoView` as with keys; false leaves the scroll bars alone.
+    void SetCurrent(const QModelIndex& cell, bool bringIntoView = true);
+    [[nodiscard]] int FirstColumn() const;  // the first one shown; 0 when all are hidden
+    /// The shown column beside `column`, by `step` -1 or +1; -1 at the edge.
+    [[nodiscard]] int ColumnBeside(int column, int step) const;
+    /// Moves the current cell by rows, reading on when it comes to the last one. False at the
+    /// edge; nothing happens then.
+    bool StepRows(int step);
+    /// To the next or previous cell, at the row's end to the next row. False behind the last.
+    bool StepCells(int step, bool editableOnly);
+
+    // --- selected rows
+    [[nodiscard]] QList<GridRowId> SelectedRowIds() const;
+    void SelectRowNumbers(const std::vector<int>& rows);
+    void SelectRange(int fromRow, int toRow);
+    void ToggleRow(int row);
+    [[nodiscard]] GridRowId Anchor() const { return anchor_; }
+    void SetAnchor(GridRowId row) { anchor_ = row; }
+
+    // --- appearance
+    void SetRowHeightFor(const QFont& cells, const QFont& headings);
+    void SetFrozen(int column);  // -1: none
+    [[nodiscard]] bool ButtonHit(const QModelIndex& cell, const QRect& rect, QPoint at) const;
+    /// Where the cell is shown: the frozen strip's viewport or the view's own, and its place there.
+    [[nodiscard]] QWidget* ViewportOf(const QModelIndex& cell) const;
+    [[nodiscard]] QRect CellRect(const QModelIndex& cell) const;
+    void UpdateMarks();
+    void LayOutNow();
+
+    // Also for the frozen strip, which hands on what happens in it.
+    void PressCell(const QModelIndex& cell, const QRect& rect, QMouseEvent* event);
+    void DoubleClickCell(const QModelIndex& cell, const QRect& rect, QMouseEvent* event);
+    void keyPressEvent(QKeyEvent* event) override;
+    void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
+
+signals:
+    void PageRequested(int step);
+    void OtherSplitRequested();
+    void GotKeyboard();
+    void Scrolled();
+
+protected:
+    bool event(QEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void updateGeometries() override;
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void selectionChanged(const QItemSelection& selected,
+                          const QItemSelection& deselected) override;
+
+private:
+    bool SplitKey(QKeyEvent* event);
+    bool EditKey(QKeyEvent* event);
+    bool SelectKey(QKeyEvent* event);
+    bool MoveKey(QKeyEvent* event);
+    bool TypeKey(QKeyEvent* event);
+    void GoTo(const QModelIndex& cell);
+    void PressRecordSelector(int row);
+    void DragRecordSelector(int row);
+    void PlaceFrozen();
+
+    GridSplit* split_ = nullptr;
+    GridRows* rows_ = nullptr;
+    CaptionHeader* captions_ = nullptr;
+    RecordHeader* records_ = nullptr;
+    FrozenView* frozen_ = nullptr;
+    int frozenColumn_ = -1;
+    GridRowId anchor_ = kNoGridRow;  // where a row selection began
+};

@@ -1,0 +1,125 @@
+#include "controls/detail/Headers.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QPolygonF>
+#include <QStyleOptionHeader>
+#include <QToolTip>
+
+#include "controls/detail/GridRows.h"
+#include "controls/detail/GridTexts.h"
+#include "controls/detail/GridView.h"
+#include "controls/GridSplit.h"
+
+namespace {
+
+constexpr int kSpaceAroundMark = 8;  // pixels, both sides together
+
+/// The mark's shape in a square from (0, 0) to (1, 1).
+QPolygonF Triangle() {
+    return {{0.25, 0.1}, {0.8, 0.5}, {0.25, 0.9}};
+}
+
+QPolygonF Pencil() {
+    return {{0.05, 0.95}, {0.15, 0.6}, {0.7, 0.05}, {0.95, 0.3}, {0.4, 0.85}};
+}
+
+QPolygonF Star() {
+    QPolygonF star;
+    for (int i = 0; i < 12; ++i) {
+        QTransform turn;
+        turn.translate(0.5, 0.5);
+        turn.rotate(i * 30.0);
+        star << turn.map(QPointF(0, i % 2 == 0 ? -0.48 : -0.16));
+    }
+    return star;
+}
+
+}  // namespace
+
+CaptionHeader::CaptionHeader(GridView& grid, QWidget* parent)
+    : QHeaderView(Qt::Horizontal, parent), grid_(grid) {
+    setSectionsClickable(true);
+    setSectionsMovable(true);
+    setHighlightSections(false);
+    setTextElideMode(Qt::ElideRight);
+    setMinimumSectionSize(1);
+    setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+}
+
+void CaptionHeader::initStyleOptionForIndex(QStyleOptionHeader* option, int logicalIndex) const {
+    QHeaderView::initStyleOptionForIndex(option, logicalIndex);
+    if (grid_.Rows().SortColumn() != logicalIndex) return;
+    // Qt's arrows are named by the way that lists grow, not by where they point.
+    option->sortIndicator = grid_.Rows().Order() == Qt::AscendingOrder
+                                ? QStyleOptionHeader::SortDown
+                                : QStyleOptionHeader::SortUp;
+}
+
+RecordHeader::RecordHeader(GridView& grid) : QHeaderView(Qt::Vertical, &grid), grid_(grid) {
+    setSectionsClickable(true);
+    setHighlightSections(false);
+    setSectionResizeMode(QHeaderView::Fixed);
+    setMinimumSectionSize(1);
+}
+
+QSize RecordHeader::sizeHint() const {
+    const int side = fontMetrics().height() + kSpaceAroundMark;
+    return {side, side};
+}
+
+RecordHeader::Mark RecordHeader::MarkOf(int row) const {
+    const GridRows& rows = grid_.Rows();
+    if (row != grid_.Marks().currentRow || rows.Source() == nullptr) return Mark::None;
+    if (grid_.Split().Editing()) return Mark::Edited;
+    return rows.Source()->RowState(rows.IdAt(row)) == GridRowState::New ? Mark::New : Mark::Current;
+}
+
+void RecordHeader::paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const {
+    QHeaderView::paintSection(painter, rect, logicalIndex);
+    QPolygonF shape;
+    switch (MarkOf(logicalIndex)) {
+        case Mark::None:
+            return;
+        case Mark::Current:
+            shape = Triangle();
+            break;
+        case Mark::Edited:
+            shape = Pencil();
+            break;
+        case Mark::New:
+            shape = Star();
+            break;
+    }
+    const qreal side = qMin(rect.width() - kSpaceAroundMark, rect.height() - kSpaceAroundMark);
+    QTransform place;
+    place.translate(rect.center().x() - side / 2 + 0.5, rect.center().y() - side / 2 + 0.5);
+    place.scale(side, side);
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(palette().buttonText());
+    painter->drawPolygon(place.map(shape));
+    painter->restore();
+}
+
+bool RecordHeader::viewportEvent(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) return QHeaderView::viewportEvent(event);
+    const auto* help = static_cast<QHelpEvent*>(event);
+    QString text;
+    switch (MarkOf(logicalIndexAt(help->pos()))) {
+        case Mark::None:
+            break;
+        case Mark::Current:
+            text = grid_.Rows().Text(gridtexts::kCurrentRow);
+            break;
+        case Mark::Edited:
+            text = grid_.Rows().Text(gridtexts::kEditedRow);
+            break;
+        case Mark::New:
+            text = grid_.Rows().Text(gridtexts::kNewRow);
+            break;
+    }
+    QToolTip::showText(help->globalPos(), text, this);
+    return true;
+}

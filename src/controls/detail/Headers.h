@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QHeaderView>
+
+class GridView;
+
+/// The headings of the columns, with the sort order of the grid's own. Qt's sort indicator would
+/// turn with every click on a heading.
+class CaptionHeader final : public QHeaderView {
+    Q_OBJECT
+public:
+    explicit CaptionHeader(GridView& grid, QWidget* parent);
+
+protected:
+    void initStyleOptionForIndex(QStyleOptionHeader* option, int logicalIndex) const override;
+
+private:
+    GridView& grid_;
+};
+
+/// The record selectors: a button for each row that shows whether the row is current, being edited
+/// or new.
+class RecordHeader final : public QHeaderView {
+    Q_OBJECT
+public:
+    explicit RecordHeader(GridView& grid);
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+protected:
+    void paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const override;
+    bool viewportEvent(QEvent* event) override;
+
+private:
+    enum class Mark { None, Current, Edited, New };
+    [[nodiscard]] Mark MarkOf(int row) const;
+
+    GridView& grid_;
+};
