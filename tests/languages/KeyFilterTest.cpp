@@ -177,6 +177,17 @@ TEST_F(RestrictInputTest, EveryWayInIsFilteredAlike) {
     }
 }
 
+TEST_F(RestrictInputTest, MiddleClickIsFilteredWherePlatformsKnowIt) {
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    if (!clipboard->supportsSelection()) GTEST_SKIP() << "not on this platform";
+    MResources::RestrictInput(field_, kDigits);
+    for (const QString& text : {u"a1b2"_s, u"abc"_s, u"34"_s}) {
+        clipboard->setText(text, QClipboard::Selection);
+        QTest::mouseClick(&field_, Qt::MiddleButton, {}, field_.rect().center());
+    }
+    EXPECT_EQ(field_.text(), u"1234"_s);
+}
+
 // Copying cells of a spreadsheet ends in a line break, which no field can hold.
 TEST_F(RestrictInputTest, ControlCharactersNeverComeIn) {
     MResources::RestrictInput(field_, 0);
