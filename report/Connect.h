@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+#include "platform/Registry.h"
+
+namespace report {
+
+class ReportWindow;
+
+/// The report add-in as others call it: by its name "KVProjectReport.Connect" and late bound.
+class Connect : public QObject {
+    Q_OBJECT
+public:
+    explicit Connect(QObject* parent = nullptr);
+    ~Connect() override;
+
+    /// Shows the report of a project in a window of its own. `windowHandle` is the window that
+    /// asks (0: none); the report stays above it and goes with it. `projectPath` is the project
+    /// file, with backslashes or native. `report` names the report: "KVTrend" is the only one. A
+    /// report of the same project that is shown already is read again and brought to the front.
+    /// Throws nothing; what goes wrong is shown to the user.
+    Q_INVOKABLE void Show(qulonglong windowHandle, const QString& projectPath,
+                          const QString& report);
+
+    /// The window shown last, while it is there.
+    [[nodiscard]] ReportWindow* Window() const;
+
+private:
+    void ShowReport(QWidget* owner, const QString& projectPath, const QString& report);
+
+    platform::Registry registry_;
+    QPointer<ReportWindow> window_;
+};
+
+}  // namespace report

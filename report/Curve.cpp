@@ -1,0 +1,90 @@
+#include "report/Curve.h"
+
+#include <algorithm>
+#include <QPainter>
+#include <QStringList>
+#include <QVector>
+
+namespace report {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr auto kPicturePrefix = "curve:"_L1;
+constexpr int kMargin = 4;
+
+/// Lengths of dashes and gaps in pixels; empty for a line.
+QVector<qreal> Dashes(const Curve& curve, int width) {
+    if (curve.style == 1) return {8.0, 5.0};
+    if (curve.style == 2) return {1.0 * std::max(width, 2), 2.0 * std::max(width, 2)};
+    return {};
+}
+
+int ShownWidth(const Curve& curve) {
+    return std::clamp(curve.width, 1, Curve::kMaximumWidth);
+}
+
+}  // namespace
+
+QColor Curve::Colour() const {
+    return QColor(static_cast<int>(colour & 0xFF), static_cast<int>((colour >> 8) & 0xFF),
+                  static_cast<int>((colour >> 16) & 0xFF));
+}
+
+QColor Curve::Ground() const {
+    return qGray(Colour().rgb()) > 215 ? QColor(0x40, 0x40, 0x40) : QColor(Qt::white);
+}
+
+QString Curve::PictureName() const {
+    return kPicturePrefix + QString::number(colour & 0xFFFFFF, 16) + u'-' + QString::number(width) +
+           u'-' + QString::number(style);
+}
+
+std::optional<Curve> Curve::FromPictureName(const QString& name) {
+    if (!name.startsWith(kPicturePrefix)) return std::nullopt;
+    const QStringList parts = name.mid(kPicturePrefix.size()).split(u'-');
+    if (parts.size() < 3) return std::nullopt;
+    return Curve{parts[0].toUInt(nullptr, 16), parts[1].toInt(), parts[2].toInt()};
+}
+
+QImage Curve::Picture(qreal scale) const {
+    QImage image(QSize(kSampleWidth, kSampleHeight) * scale, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Ground());
+    QPainter painter(&image);
+    painter.scale(scale, scale);
+    const int shown = ShownWidth(*this);
+    QPen pen(Colour(), shown, Qt::SolidLine, Qt::FlatCap);
+    QVector<qreal> dashes = Dashes(*this, shown);
+    for (qreal& length : dashes) length /= shown;  // a pen counts in its own width
+    if (!dashes.isEmpty()) pen.setDashPattern(dashes);
+    painter.setPen(pen);
+    // A line of an odd width lies on whole pixels when it runs between them.
+    const qreal middle = kSampleHeight / 2 + (shown % 2) / 2.0;
+    painter.drawLine(QPointF(kMargin, middle), QPointF(kSampleWidth - kMargin, middle));
+    painter.setPen(QPen(QColor(0x90, 0x90, 0x90), 1));
+    painter.drawRect(QRectF(0.5, 0.5, kSampleWidth - 1, kSampleHeight - 1));
+    return image;
+}
+
+QString Curve::Svg() const {
+    const int shown = ShownWidth(*this);
+    QStringList lengths;
+    for (const qreal length : Dashes(*this, shown)) lengths += QString::number(length);
+    return uR"(<svg xmlns="http://www.w3.org/2000/svg" class="curve" width="%1" height="%2">)"
+           uR"(<rect x="0.5" y="0.5" width="%3" height="%4" fill="%5" stroke="#909090"/>)"
+           uR"(<line x1="%6" y1="%7" x2="%8" y2="%7" stroke="%9")"_s.arg(kSampleWidth)
+               .arg(kSampleHeight)
+               .arg(kSampleWidth - 1)
+               .arg(kSampleHeight - 1)
+               .arg(Ground().name())
+               .arg(kMargin)
+               .arg(kSampleHeight / 2 + (shown % 2) / 2.0)
+               .arg(kSampleWidth - kMargin)
+               .arg(ColourName()) +
+           u" stroke-width=\"%1\""_s.arg(shown) +
+           (lengths.isEmpty() ? QString() : u" stroke-dasharray=\"%1\""_s.arg(lengths.join(u' '))) +
+           u"/></svg>"_s;
+}
+
+}  // namespace report

@@ -1,0 +1,56 @@
+#include "report/PortionRunner.h"
+
+#include <utility>
+
+#include "projectdb/Guard.h"
+
+namespace report {
+
+namespace {
+// Between two portions the window answers keys and mouse.
+constexpr std::chrono::milliseconds kPortion(30);
+}  // namespace
+
+PortionRunner::PortionRunner(QObject* parent) : QObject(parent) {
+    timer_.setObjectName(QStringLiteral("tmrPortion"));
+    connect(&timer_, &QTimer::timeout, this, &PortionRunner::Step);
+}
+
+void PortionRunner::Start(std::unique_ptr<Task> task, Finished finished) {
+    task_ = std::move(task);
+    finished_ = std::move(finished);
+    emit Progress(task_->Label(), 0);
+    emit RunningChanged(true);
+    timer_.start(0);
+}
+
+void PortionRunner::Cancel() {
+    if (task_) End(Outcome::Cancelled, {});
+}
+
+void PortionRunner::Step() {
+    QString failure;
+    try {
+        if (task_->Step(kPortion)) {
+            End(Outcome::Done, {});
+        } else {
+            emit Progress(task_->Label(), task_->Permille());
+        }
+        return;
+    } catch (const TaskError& error) {
+        failure = error.text;
+    } catch (...) {
+        failure = projectdb::Failure::Current().Text();
+    }
+    End(Outcome::Failed, failure);
+}
+
+void PortionRunner::End(Outcome outcome, const QString& text) {
+    timer_.stop();
+    const std::unique_ptr<Task> task = std::exchange(task_, nullptr);
+    const Finished finished = std::exchange(finished_, nullptr);
+    emit RunningChanged(false);
+    if (finished) finished(*task, outcome, text);
+}
+
+}  // namespace report

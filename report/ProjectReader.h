@@ -1,0 +1,115 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <QString>
+#include <span>
+#include <vector>
+
+#include "ado/Connection.h"
+#include "ado/Recordset.h"
+#include "report/Rows.h"
+
+namespace report {
+
+/// Something about the project that its engineer should look at.
+struct Problem {
+    enum class Kind { Row, Value, MissingText, MissingArchive, Table };
+    Kind kind = Kind::Row;
+    QString table;
+    qint64 row = 0;  // the row's ID; for Kind::Row its place in the table, from 1
+    QString name;    // of the archive or trend, where it is known
+    QString detail;  // provider's description, column, or the number that leads nowhere
+};
+
+/// Reads a project for the report, in portions, and changes nothing in it.
+///
+/// Collect goes through all rows once and keeps a place for each: eight bytes a trend. The rows
+/// themselves are read again when they are shown, so a project of any size needs little memory.
+/// A row or value that cannot be read becomes a Problem and the reading goes on. For one thread.
+class ProjectReader {
+public:
+    /// Entry of the table of contents.
+    struct Archive {
+        std::int32_t id = 0;
+        QString name;
+        ado::Bookmark row;
+        std::vector<ado::Bookmark> trends;
+    };
+    /// More problems than this are counted but not kept.
+    static constexpr std::size_t kMaximumProblems = 2000;
+
+    ProjectReader();
+    ~ProjectReader();
+    ProjectReader(const ProjectReader&) = delete;
+    ProjectReader& operator=(const ProjectReader&) = delete;
+
+    /// `path` may be in the form with backslashes. Throws ado::AdoError when the file cannot be
+    /// opened or has no archives and trends. REQUIRES: not opened yet.
+    void Open(const QString& path);
+
+    /// Goes on collecting for about `budget`; true when everything has been collected.
+    bool Collect(std::chrono::milliseconds budget);
+    [[nodiscard]] std::size_t RowsDone() const noexcept { return rowsDone_; }
+    /// As far as the file tells; at least 1.
+    [[nodiscard]] std::size_t RowsTotal() const noexcept { return rowsTotal_; }
+
+    // REQUIRES: everything has been collected.
+    [[nodiscard]] const std::vector<Archive>& Archives() const noexcept { return archives_; }
+    /// Trends whose archive does not exist, as the trends of an archive without a row.
+    [[nodiscard]] const Archive& WithoutArchive() const noexcept { return withoutArchive_; }
+    [[nodiscard]] std::size_t TrendCount() const noexcept { return trendCount_; }
+    [[nodiscard]] const std::vector<Problem>& Problems() const noexcept { return problems_; }
+    [[nodiscard]] std::size_t ProblemCount() const noexcept { return problemCount_; }
+
+    // Reading a row never throws; what went wrong stands in it.
+    [[nodiscard]] ArchiveRow ReadArchive(const Archive& archive);
+    [[nodiscard]] TrendRow ReadTrend(ado::Bookmark row);
+
+private:
+    enum class Stage { Texts, Archives, Trends, Done };
+    struct Source {
+        QString table;
+        ado::Recordset rows;
+        std::vector<std::ptrdiff_t> columns;  // positions of the wanted columns; -1: not there
+        qint64 place = 0;                     // of the current row, from 1
+        bool begun = false;
+    };
+
+    void OpenSource(Source& source, std::string_view table,
+                    std::span<const std::string_view> columns);
+    void OpenTexts();
+    bool NextRow(Source& source);
+    void CollectText();
+    void CollectArchive();
+    void CollectTrend();
+    template <typename RowType>
+    void ReadCells(Source& source, RowType& row, bool note);
+    template <typename RowType>
+    void ReadTexts(RowType& row, const Cell& textId);
+    void CheckText(const QString& table, const Cell& id, const QString& name, const Cell& textId);
+    void Note(Problem problem);
+    [[nodiscard]] bool TextExists(std::int32_t id) const;
+
+    ado::Connection connection_;
+    // Behind the connection, which must outlive them.
+    Source archiveRows_;
+    Source trendRows_;
+    Source textRows_;
+    std::vector<int> lcids_;  // of the text columns, from the third column of textRows_ on
+    bool textsReadable_ = false;
+
+    Stage stage_ = Stage::Texts;
+    std::size_t rowsDone_ = 0;
+    std::size_t rowsTotal_ = 1;
+    std::size_t trendCount_ = 0;
+    std::vector<std::int32_t> textIds_;  // ascending once all are collected
+    std::vector<Archive> archives_;
+    std::vector<std::pair<std::int32_t, std::size_t>> archiveById_;  // ascending, likewise
+    Archive withoutArchive_;
+    std::vector<Problem> problems_;
+    std::size_t problemCount_ = 0;
+};
+
+}  // namespace report

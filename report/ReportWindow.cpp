@@ -1,0 +1,404 @@
+#include "report/ReportWindow.h"
+
+#include <QAction>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPrintDialog>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QTextBrowser>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+#include "paths/NativePath.h"
+#include "platform/MessageBox.h"
+#include "projectdb/Guard.h"
+#include "projectdb/Text.h"
+#include "report/ReportDocument.h"
+
+namespace report {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr int kSectionRole = Qt::UserRole;
+
+QString NativePath(const QString& path) {
+    return projectdb::ToQString(paths::ToNative(projectdb::ToUtf8(path)));
+}
+
+QString FileName(const QString& path) {
+    return path.section(u'\\', -1).section(u'/', -1);
+}
+
+}  // namespace
+
+ReportWindow::ReportWindow(platform::Registry& registry, QString projectPath, QWidget* parent)
+    : QMainWindow(parent, Qt::Window), texts_(registry), projectPath_(std::move(projectPath)) {
+    setObjectName(u"frmReport"_s);
+    setWindowTitle(texts_(Text::WindowTitle).arg(FileName(projectPath_)));
+    setAttribute(Qt::WA_DeleteOnClose);
+    resize(1180, 760);
+    BuildActions();
+    BuildBody();
+    BuildStatusBar();
+    connect(&runner_, &PortionRunner::RunningChanged, this, &ReportWindow::SetRunning);
+    connect(&runner_, &PortionRunner::Progress, this, [this](const QString& label, int permille) {
+        lblState_->setText(label);
+        prgState_->setValue(permille);
+    });
+    SetRunning(false);
+}
+
+ReportWindow::~ReportWindow() = default;
+
+QAction* ReportWindow::AddAction(const char* name, Text text, Text tip, const QKeySequence& key,
+                                 void (ReportWindow::*slot)()) {
+    auto* action = new QAction(texts_(text), this);
+    action->setObjectName(QLatin1StringView(name));
+    action->setShortcut(key);
+    QString help = texts_(tip).remove(u'&');
+    if (!key.isEmpty()) help += u" ("_s + key.toString(QKeySequence::NativeText) + u')';
+    action->setToolTip(help);
+    connect(action, &QAction::triggered, this, [this, action, slot] {
+        projectdb::Guard(action->objectName(), [&] { (this->*slot)(); });
+    });
+    addAction(action);
+    actions_ += action;
+    return action;
+}
+
+void ReportWindow::BuildActions() {
+    auto* bar = addToolBar(texts_(Text::ReportTitle));
+    bar->setObjectName(u"tbrReport"_s);
+    bar->setMovable(false);
+    bar->setContextMenuPolicy(Qt::PreventContextMenu);
+    bar->addAction(AddAction("actPrint", Text::Print, Text::PrintTip, QKeySequence::Print,
+                             &ReportWindow::actPrint_Triggered));
+    bar->addAction(
+        AddAction("actPdf", Text::Pdf, Text::PdfTip, {}, &ReportWindow::actPdf_Triggered));
+    bar->addAction(
+        AddAction("actHtml", Text::Html, Text::HtmlTip, {}, &ReportWindow::actHtml_Triggered));
+    bar->addAction(AddAction("actRefresh", Text::Refresh, Text::RefreshTip, Qt::Key_F5,
+                             &ReportWindow::actRefresh_Triggered));
+    bar->addSeparator();
+
+    auto* label = new QLabel(texts_(Text::FindLabel), bar);
+    label->setObjectName(u"lblFind"_s);
+    label->setContentsMargins(8, 0, 4, 0);
+    txtFind_ = new QLineEdit(bar);
+    txtFind_->setObjectName(u"txtFind"_s);
+    txtFind_->setClearButtonEnabled(true);
+    txtFind_->setMaximumWidth(260);
+    label->setBuddy(txtFind_);
+    bar->addWidget(label);
+    bar->addWidget(txtFind_);
+    QAction* next = AddAction("actFindNext", Text::FindNext, Text::FindNext, Qt::Key_F3,
+                              &ReportWindow::FindNext);
+    QAction* previous = AddAction("actFindPrevious", Text::FindPrevious, Text::FindPrevious,
+                                  Qt::SHIFT | Qt::Key_F3, &ReportWindow::FindPrevious);
+    next->setIconText(u"▼"_s);
+    previous->setIconText(u"▲"_s);
+    bar->addAction(previous);
+    bar->addAction(next);
+    connect(txtFind_, &QLineEdit::returnPressed, next, &QAction::trigger);
+
+    auto* focusFind = new QAction(this);
+    focusFind->setObjectName(u"actFind"_s);
+    focusFind->setShortcut(QKeySequence::Find);
+    connect(focusFind, &QAction::triggered, this, [this] {
+        txtFind_->setFocus();
+        txtFind_->selectAll();
+    });
+    addAction(focusFind);
+    auto* close = new QAction(this);
+    close->setObjectName(u"actClose"_s);
+    close->setShortcut(QKeySequence::Close);
+    connect(close, &QAction::triggered, this, &QWidget::close);
+    addAction(close);
+}
+
+void ReportWindow::BuildBody() {
+    auto* left = new QWidget(this);
+    auto* column = new QVBoxLayout(left);
+    column->setContentsMargins(4, 4, 0, 4);
+    txtFilter_ = new QLineEdit(left);
+    txtFilter_->setObjectName(u"txtFilter"_s);
+    txtFilter_->setPlaceholderText(texts_(Text::FilterArchives));
+    txtFilter_->setClearButtonEnabled(true);
+    lstArchives_ = new QListWidget(left);
+    lstArchives_->setObjectName(u"lstArchives"_s);
+    lstArchives_->setAccessibleName(texts_(Text::Contents));
+    lstArchives_->setUniformItemSizes(true);
+    column->addWidget(txtFilter_);
+    column->addWidget(lstArchives_);
+
+    txtReport_ = new QTextBrowser(this);
+    txtReport_->setObjectName(u"txtReport"_s);
+    txtReport_->setAccessibleName(texts_(Text::ReportTitle));
+    auto* document = new ReportDocument(txtReport_);
+    document->setDocumentMargin(12);
+    txtReport_->setDocument(document);
+    txtReport_->setOpenLinks(false);
+
+    auto* splitter = new QSplitter(this);
+    splitter->setObjectName(u"splReport"_s);
+    splitter->addWidget(left);
+    splitter->addWidget(txtReport_);
+    splitter->setStretchFactor(1, 1);
+    splitter->setSizes({230, 950});
+    splitter->setChildrenCollapsible(false);
+    setCentralWidget(splitter);
+
+    connect(txtFilter_, &QLineEdit::textChanged, this, &ReportWindow::FilterArchives);
+    connect(lstArchives_, &QListWidget::currentItemChanged, this, [this](QListWidgetItem* item) {
+        if (item == nullptr || !ready_) return;
+        const Section section = Section::FromAddress(item->data(kSectionRole).toString());
+        if (section.kind != shown_.kind || section.archive != shown_.archive) Show(section);
+    });
+    connect(txtReport_, &QTextBrowser::anchorClicked, this, [this](const QUrl& link) {
+        if (ready_) Show(Section::FromAddress(link.toString()));
+    });
+}
+
+void ReportWindow::BuildStatusBar() {
+    lblState_ = new QLabel(this);
+    lblState_->setObjectName(u"lblState"_s);
+    prgState_ = new QProgressBar(this);
+    prgState_->setObjectName(u"prgState"_s);
+    prgState_->setRange(0, 1000);
+    prgState_->setMaximumWidth(240);
+    cmdCancel_ = new QPushButton(texts_(Text::Cancel), this);
+    cmdCancel_->setObjectName(u"cmdCancel"_s);
+    statusBar()->setObjectName(u"sb"_s);
+    statusBar()->addWidget(lblState_, 1);
+    statusBar()->addPermanentWidget(prgState_);
+    statusBar()->addPermanentWidget(cmdCancel_);
+    connect(cmdCancel_, &QPushButton::clicked, &runner_, &PortionRunner::Cancel);
+}
+
+bool ReportWindow::Read() {
+    runner_.Cancel();
+    ready_ = false;
+    shown_ = {};
+    lstArchives_->clear();
+    txtReport_->clear();
+    writer_.reset();
+    reader_ = std::make_unique<ProjectReader>();
+    try {
+        reader_->Open(projectPath_);
+    } catch (...) {
+        const QString reason = projectdb::Failure::Current().description;
+        reader_.reset();
+        SetRunning(false);
+        lblState_->clear();
+        platform::ShowMessage(texts_(Text::CannotOpen).arg(projectPath_, reason),
+                              platform::MessageButtons::Ok, windowTitle(), this);
+        return false;
+    }
+    writer_ =
+        std::make_unique<HtmlWriter>(*reader_, texts_, projectPath_, HtmlWriter::Target::Screen);
+    runner_.Start(std::make_unique<CollectTask>(*reader_, texts_),
+                  [this](Task&, PortionRunner::Outcome outcome, const QString& text) {
+                      if (outcome == PortionRunner::Outcome::Done) Collected();
+                      if (outcome == PortionRunner::Outcome::Cancelled) {
+                          lblState_->setText(texts_(Text::Cancelled));
+                      }
+                      if (outcome == PortionRunner::Outcome::Failed) {
+                          platform::ShowMessage(texts_(Text::CannotOpen).arg(projectPath_, text),
+                                                platform::MessageButtons::Ok, windowTitle(), this);
+                      }
+                      emit TaskEnded(outcome == PortionRunner::Outcome::Done);
+                  });
+    return true;
+}
+
+void ReportWindow::Collected() {
+    ready_ = true;
+    FillArchives();
+    lblState_->setText(
+        texts_(Text::ArchiveCount)
+            .arg(texts_.Number(static_cast<qint64>(reader_->Archives().size()))) +
+        u", "_s +
+        texts_(Text::TrendCount).arg(texts_.Number(static_cast<qint64>(reader_->TrendCount()))));
+    SetRunning(false);
+    Show({});
+    txtReport_->setFocus();
+}
+
+void ReportWindow::FillArchives() {
+    QString last;
+    for (const Section& section : writer_->Sections()) {
+        if (section.first != 0) continue;
+        auto* item = new QListWidgetItem(writer_->Title(section), lstArchives_);
+        item->setData(kSectionRole, section.Address());
+        if (section.kind == Section::Kind::Archive) continue;
+        QFont font = item->font();
+        font.setBold(true);
+        item->setFont(font);
+    }
+    FilterArchives(txtFilter_->text());
+}
+
+void ReportWindow::FilterArchives(const QString& text) {
+    for (int i = 0; i < lstArchives_->count(); ++i) {
+        QListWidgetItem* item = lstArchives_->item(i);
+        item->setHidden(!item->text().contains(text, Qt::CaseInsensitive));
+    }
+}
+
+void ReportWindow::Show(const Section& section) {
+    if (!ready_) return;
+    const std::vector<Section> sections = writer_->Sections();
+    // An address that leads nowhere leads to the overview.
+    shown_ = std::find(sections.begin(), sections.end(), section) != sections.end() ? section
+                                                                                    : Section{};
+    ShowShown();
+    Section head = shown_;
+    head.first = 0;
+    for (int i = 0; i < lstArchives_->count(); ++i) {
+        QListWidgetItem* item = lstArchives_->item(i);
+        if (item->data(kSectionRole).toString() == head.Address())
+            lstArchives_->setCurrentItem(item);
+    }
+}
+
+void ReportWindow::ShowShown() {
+    txtReport_->document()->setHtml(writer_->Page(shown_, palette()));
+    txtReport_->moveCursor(QTextCursor::Start);
+}
+
+void ReportWindow::FindNext() {
+    Find(false);
+}
+
+void ReportWindow::FindPrevious() {
+    Find(true);
+}
+
+void ReportWindow::Find(bool backward) {
+    const QString needle = txtFind_->text();
+    if (!ready_ || IsBusy() || needle.isEmpty()) return;
+    const QTextDocument::FindFlags flags =
+        backward ? QTextDocument::FindBackward : QTextDocument::FindFlags();
+    if (txtReport_->find(needle, flags)) return;
+    auto task =
+        std::make_unique<FindTask>(*reader_, texts_, projectPath_, needle, shown_, backward);
+    runner_.Start(
+        std::move(task), [this, needle, flags, backward](
+                             Task& ended, PortionRunner::Outcome outcome, const QString& text) {
+            const std::optional<Section> found = static_cast<FindTask&>(ended).Found();
+            lblState_->setText(outcome == PortionRunner::Outcome::Failed ? text : QString());
+            if (outcome == PortionRunner::Outcome::Cancelled) {
+                lblState_->setText(texts_(Text::Cancelled));
+            } else if (found) {
+                if (!(*found == shown_)) Show(*found);
+                txtReport_->moveCursor(backward ? QTextCursor::End : QTextCursor::Start);
+                txtReport_->find(needle, flags);
+            } else if (outcome == PortionRunner::Outcome::Done) {
+                lblState_->setText(texts_(Text::FindNothing).arg(needle));
+            }
+            emit TaskEnded(found.has_value());
+        });
+}
+
+void ReportWindow::Start(std::unique_ptr<Task> task, const QString& doneText) {
+    runner_.Start(std::move(task), [this, doneText](Task&, PortionRunner::Outcome outcome,
+                                                    const QString& text) {
+        const bool done = outcome == PortionRunner::Outcome::Done;
+        lblState_->setText(done ? doneText : texts_(Text::Cancelled));
+        if (outcome == PortionRunner::Outcome::Failed) {
+            lblState_->setText(text);
+            platform::ShowMessage(text, platform::MessageButtons::Ok, windowTitle(), this);
+        }
+        emit TaskEnded(done);
+    });
+}
+
+void ReportWindow::ExportHtml(const QString& file) {
+    if (!ready_ || IsBusy()) return;
+    Start(std::make_unique<HtmlExportTask>(*reader_, texts_, projectPath_, file),
+          texts_(Text::Written).arg(file));
+}
+
+void ReportWindow::ExportPdf(const QString& file) {
+    if (!ready_ || IsBusy()) return;
+    auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+    printer->setOutputFormat(QPrinter::PdfFormat);
+    printer->setOutputFileName(file);
+    printer->setPageSize(QPageSize(QPageSize::A4));
+    printer->setDocName(windowTitle());
+    Start(std::make_unique<PrintTask>(*reader_, texts_, projectPath_, std::move(printer)),
+          texts_(Text::Written).arg(file));
+}
+
+void ReportWindow::actPrint_Triggered() {
+    auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+    printer->setPageSize(QPageSize(QPageSize::A4));
+    printer->setPageOrientation(QPageLayout::Landscape);
+    printer->setDocName(windowTitle());
+    QPrintDialog dialog(printer.get(), this);
+    dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
+    const QPointer<ReportWindow> alive(this);
+    // The window may have gone with its parent while the dialog was open.
+    if (dialog.exec() != QDialog::Accepted || !alive || !ready_ || IsBusy()) return;
+    Start(std::make_unique<PrintTask>(*reader_, texts_, projectPath_, std::move(printer)), {});
+}
+
+QString ReportWindow::SuggestedFile(const QString& extension) const {
+    const QFileInfo project(NativePath(projectPath_));
+    return project.dir().filePath(project.completeBaseName() + u'.' + extension);
+}
+
+void ReportWindow::actPdf_Triggered() {
+    const QString file = QFileDialog::getSaveFileName(
+        this, texts_(Text::SaveAsPdf), SuggestedFile(u"pdf"_s), texts_(Text::PdfFiles));
+    if (!file.isEmpty()) ExportPdf(file);
+}
+
+void ReportWindow::actHtml_Triggered() {
+    const QString file = QFileDialog::getSaveFileName(
+        this, texts_(Text::SaveAsHtml), SuggestedFile(u"html"_s), texts_(Text::HtmlFiles));
+    if (!file.isEmpty()) ExportHtml(file);
+}
+
+void ReportWindow::actRefresh_Triggered() {
+    Read();
+}
+
+void ReportWindow::SetRunning(bool running) {
+    prgState_->setVisible(running);
+    cmdCancel_->setVisible(running);
+    for (QAction* action : actions_) {
+        const bool alone = action->objectName() == "actRefresh"_L1;
+        action->setEnabled(!running && (ready_ || alone));
+    }
+    // A page that is looked at in between would read rows between those that the task reads.
+    lstArchives_->setEnabled(!running);
+    txtReport_->setEnabled(!running || !ready_);
+}
+
+void ReportWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && ready_ && !IsBusy()) ShowShown();
+}
+
+void ReportWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->key() != Qt::Key_Escape) {
+        QMainWindow::keyPressEvent(event);
+    } else if (IsBusy()) {
+        runner_.Cancel();
+    } else {
+        close();
+    }
+}
+
+}  // namespace report

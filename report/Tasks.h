@@ -1,0 +1,140 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <QPrinter>
+#include <QSaveFile>
+#include <QTextDocument>
+#include <vector>
+
+#include "report/HtmlWriter.h"
+
+class QPainter;
+
+namespace report {
+
+/// Work that is done in portions, so that the window stays alive and the user can cancel. A task
+/// that is destroyed before it is done leaves nothing behind. Failures are report::TaskError or
+/// ado::AdoError; a task that has failed is not stepped again.
+class Task {
+public:
+    virtual ~Task() = default;
+
+    /// Goes on for about `budget`; true when the task is done.
+    virtual bool Step(std::chrono::milliseconds budget) = 0;
+    /// What is happening now, for the user.
+    [[nodiscard]] virtual QString Label() const = 0;
+    [[nodiscard]] virtual int Permille() const = 0;
+};
+
+/// Why a task could not be done, in the user's words.
+struct TaskError {
+    QString text;
+};
+
+/// Collects what the report is made of.
+class CollectTask final : public Task {
+public:
+    CollectTask(ProjectReader& reader, const ReportTexts& texts) : reader_(reader), texts_(texts) {}
+    bool Step(std::chrono::milliseconds budget) override { return reader_.Collect(budget); }
+    [[nodiscard]] QString Label() const override { return texts_(Text::Collecting); }
+    [[nodiscard]] int Permille() const override;
+
+private:
+    ProjectReader& reader_;
+    const ReportTexts& texts_;
+};
+
+/// A task that goes through all sections of the report, one after another.
+class SectionTask : public Task {
+public:
+    bool Step(std::chrono::milliseconds budget) final;
+    [[nodiscard]] int Permille() const override;
+
+protected:
+    SectionTask(ProjectReader& reader, const ReportTexts& texts, const QString& projectPath,
+                HtmlWriter::Target target);
+
+    /// Does one section; false ends the task before the last one.
+    virtual bool DoSection(std::size_t index) = 0;
+    /// After the last section. False begins with the first one again.
+    virtual bool Finish() { return true; }
+    [[nodiscard]] std::size_t Position() const noexcept { return position_; }
+
+    const ReportTexts& texts_;
+    HtmlWriter writer_;
+    std::vector<Section> sections_;
+    // The order in which the sections are visited begins here and comes round to it again.
+    std::size_t start_ = 0;
+    bool backward_ = false;
+
+private:
+    std::size_t position_ = 0;  // sections done
+};
+
+/// Looks for a text in the sections behind (or before) one of them, all around.
+class FindTask final : public SectionTask {
+public:
+    FindTask(ProjectReader& reader, const ReportTexts& texts, const QString& projectPath,
+             QString needle, const Section& from, bool backward);
+    [[nodiscard]] QString Label() const override { return texts_(Text::Searching).arg(needle_); }
+    /// The first section that holds it.
+    [[nodiscard]] const std::optional<Section>& Found() const noexcept { return found_; }
+
+private:
+    bool DoSection(std::size_t index) override;
+
+    QString needle_;
+    std::optional<Section> found_;
+};
+
+/// Writes the whole report into one file, which is there when the task is done and not before.
+class HtmlExportTask final : public SectionTask {
+public:
+    HtmlExportTask(ProjectReader& reader, const ReportTexts& texts, const QString& projectPath,
+                   const QString& file);
+    [[nodiscard]] QString Label() const override { return texts_(Text::Exporting); }
+
+private:
+    bool DoSection(std::size_t index) override;
+    bool Finish() override;
+    void Write(const QString& html);
+
+    QSaveFile file_;
+};
+
+/// Prints the whole report, or writes it as PDF, each section beginning on a new page. A PDF file
+/// that has been begun is removed when it does not get done.
+///
+/// A report of at most kTrendsToCount trends is laid out twice: its table of contents has page
+/// numbers. A longer one would take too long for that.
+class PrintTask final : public SectionTask {
+public:
+    static constexpr std::size_t kTrendsToCount = 5000;
+
+    /// The printer is set up but for paper and margins, which the task chooses.
+    PrintTask(ProjectReader& reader, const ReportTexts& texts, const QString& projectPath,
+              std::unique_ptr<QPrinter> printer);
+    ~PrintTask() override;
+    [[nodiscard]] QString Label() const override;
+    [[nodiscard]] int Permille() const override;
+
+private:
+    bool DoSection(std::size_t index) override;
+    bool Finish() override;
+    void Begin();
+    void DrawPage(const QTextDocument& document, int page);
+
+    std::unique_ptr<QPrinter> printer_;
+    std::unique_ptr<QPainter> painter_;
+    QString header_;
+    QSizeF body_;  // at 96 points an inch, like everything that is laid out
+    std::vector<int> firstPages_;
+    int page_ = 0;
+    int pageCount_ = 0;  // 0: not counted
+    bool counting_ = false;
+    bool done_ = false;
+};
+
+}  // namespace report

@@ -1,0 +1,384 @@
+#include "report/Wording.h"
+
+#include <algorithm>
+
+#include "languages/MResources.h"
+
+namespace report {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+using AC = ArchiveColumn;
+using TC = TrendColumn;
+
+// Bits of an archive's type, as they are stored.
+constexpr int kTypeMask = 7;
+constexpr int kTypeCircular = 0;
+constexpr int kTypeContinuation = 1;
+constexpr int kTypeMemory = 8;
+constexpr int kTypeSafe = 16;
+constexpr int kTypeRedundancy = 64;
+constexpr int kTypeKnown = kTypeMask | kTypeMemory | kTypeSafe | kTypeRedundancy;
+
+// The last mode of the list; a larger code counts as it.
+constexpr int kNoHysteresis = 3;
+
+struct FileChangeEvent {
+    QStringView english;
+    QStringView german;
+    Text words;
+};
+constexpr FileChangeEvent kFileChanges[] = {
+    {u"$Year", u"$Jahr", Text::FileChangeYear},
+    {u"$Month", u"$Monat", Text::FileChangeMonth},
+    {u"$Week", u"$Woche", Text::FileChangeWeek},
+    {u"$Day", u"$Tag", Text::FileChangeDay},
+    {u"$Hour", u"$Stunde", Text::FileChangeHour},
+    {u"$Minute", u"$Minute", Text::FileChangeMinute},
+    {u"$Second", u"$Sekunde", Text::FileChangeSecond},
+};
+
+bool IsEmpty(const Cell& cell) {
+    return !cell.damaged && PlainText(cell).isEmpty();
+}
+
+QString LanguageName(int lcid) {
+    if (lcid == static_cast<int>(MResources::kGerman)) return u"de"_s;
+    if (lcid == static_cast<int>(MResources::kEnglish)) return u"en"_s;
+    return QString::number(lcid);
+}
+
+}  // namespace
+
+/// The value in the language's own form of numbers; empty for Null.
+QString Wording::Value(const Cell& cell) const {
+    if (cell.damaged) return texts_(Text::Damaged);
+    if (const auto* number = std::get_if<double>(&cell.value)) {
+        return texts_.Locale().toString(*number, 'g', QLocale::FloatingPointShortest);
+    }
+    if (const auto* number = std::get_if<float>(&cell.value)) {
+        return texts_.Locale().toString(*number, 'g', QLocale::FloatingPointShortest);
+    }
+    if (const auto* number = std::get_if<std::int32_t>(&cell.value)) return texts_.Number(*number);
+    return PlainText(cell);
+}
+
+/// The value, or that there is none.
+QString Wording::Named(const Cell& cell) const {
+    const QString value = Value(cell);
+    return value.isEmpty() ? u'(' + texts_(Text::NotSet) + u')' : value;
+}
+
+Line Wording::Warning(Text text, const QString& filled) const {
+    return {texts_(text).arg(filled), Line::Look::Warning};
+}
+
+/// The words of a code that counts from 0.
+Line Wording::Code(const Cell& cell, std::initializer_list<Text> words) const {
+    if (cell.damaged) return {texts_(Text::Damaged), Line::Look::Warning};
+    const std::optional<int> code = Integer(cell);
+    if (!code) return {texts_(Text::NotSet), Line::Look::Muted};
+    if (*code < 0 || *code >= static_cast<int>(words.size())) {
+        return Warning(Text::UnknownCode, QString::number(*code));
+    }
+    return {texts_(words.begin()[*code])};
+}
+
+Lines Wording::DisplayTexts(const QList<LanguageText>& texts) const {
+    Lines lines;
+    for (const LanguageText& text : texts) {
+        lines += Line{LanguageName(text.lcid) + u": "_s + text.text};
+    }
+    return lines;
+}
+
+QList<Fact> Wording::Archive(const ArchiveRow& row) const {
+    if (!row.failure.isEmpty()) {
+        return {{texts_(Text::Problems), {Warning(Text::RowGone, row.failure)}}};
+    }
+    QList<Fact> facts;
+    const auto add = [&](Text name, Lines lines) {
+        if (!lines.isEmpty()) facts += Fact{texts_(name), std::move(lines)};
+    };
+    const auto addValue = [&](Text name, AC column) {
+        if (!IsEmpty(row[column])) add(name, {Line{Value(row[column])}});
+    };
+    const int type = Integer(row[AC::Type]).value_or(0);
+    const bool onDisk = (type & kTypeMemory) == 0;
+
+    Lines names = DisplayTexts(row.texts);
+    if (row.textMissing) names += Warning(Text::TextMissing, PlainText(row[AC::TextID]));
+    add(Text::DisplayText, names);
+    add(Text::Type, TypeWords(row));
+    add(Text::Storage, StorageWords(row));
+    add(Text::Recording, {RecordingWords(row)});
+    if (onDisk && (type & kTypeMask) == kTypeContinuation) {
+        add(Text::FileChange, {FileChangeWords(row)});
+        add(Text::Limits, LimitWords(row));
+    }
+    if (onDisk) {
+        QString path = PlainText(row[AC::FilePath]);
+        if (!path.isEmpty() && !path.endsWith(u'\\')) path += u'\\';
+        if (const QString file = path + PlainText(row[AC::FileName]); !file.isEmpty()) {
+            add(Text::Files, {Line{file}});
+        }
+        add(Text::Redundancy,
+            {Line{(type & kTypeRedundancy) != 0 ? Named(row[AC::RedundancyFilePath])
+                                                : texts_(Text::NoRedundancy)}});
+    }
+    const std::optional<int> mode = Integer(row[AC::SampleMode]);
+    if (mode != 2) addValue(Text::XVariable, AC::XVar);
+    if (mode != 3) addValue(Text::Trigger, AC::Trigger);
+    addValue(Text::StartStop, AC::StartStop);
+    addValue(Text::Clear, AC::Reset);
+    if (onDisk) addValue(Text::Cache, AC::CacheSize);
+    addValue(Text::Authorization, AC::AuthorizationLevel);
+    addValue(Text::Comment, AC::Comment);
+    return facts;
+}
+
+Lines Wording::TypeWords(const ArchiveRow& row) const {
+    if (row[AC::Type].damaged) return {{texts_(Text::Damaged), Line::Look::Warning}};
+    const std::optional<int> type = Integer(row[AC::Type]);
+    if (!type) return {{texts_(Text::NotSet), Line::Look::Muted}};
+    Lines lines;
+    const int kind = *type & kTypeMask;
+    if (kind == kTypeCircular) {
+        const std::optional<int> size = Integer(row[AC::MaxSamples]);
+        lines +=
+            Line{size.value_or(0) > 0 ? texts_(Text::CircularBufferOf).arg(texts_.Number(*size))
+                                      : texts_(Text::CircularBuffer)};
+    } else if (kind == kTypeContinuation) {
+        lines += Line{texts_(Text::ContinuationFile)};
+    } else {
+        lines += Warning(Text::UnknownType, QString::number(kind));
+    }
+    if (const int others = *type & ~kTypeKnown; others != 0) {
+        lines += Line{texts_(Text::OtherTypeBits).arg(others), Line::Look::Muted};
+    }
+    return lines;
+}
+
+Lines Wording::StorageWords(const ArchiveRow& row) const {
+    const std::optional<int> type = Integer(row[AC::Type]);
+    if (!type) return {};
+    if ((*type & kTypeMemory) != 0) return {Line{texts_(Text::InMainMemory)}};
+    return {Line{texts_(Text::OnHardDisk) + u", "_s +
+                 texts_((*type & kTypeSafe) != 0 ? Text::SavedSafe : Text::SavedFast)}};
+}
+
+QString Wording::TypeInShort(const ArchiveRow& row) const {
+    if (!row.failure.isEmpty()) return texts_(Text::Damaged);
+    QStringList words;
+    for (const Line& line : TypeWords(row) + StorageWords(row)) words += line.text;
+    return words.join(u", "_s);
+}
+
+Line Wording::RecordingWords(const ArchiveRow& row) const {
+    const Line line =
+        Code(row[AC::SampleMode],
+             {Text::SampleSynchronous, Text::SampleAsynchronous, Text::SampleXVar,
+              Text::SampleTrigger, Text::SampleSaveAll, Text::SampleNone, Text::SampleManual});
+    switch (Integer(row[AC::SampleMode]).value_or(-1)) {
+        case 0:
+        case 1:
+            return {line.text.arg(Named(row[AC::ScanTime])), line.look};
+        case 2:
+            return {line.text.arg(Named(row[AC::XVar])), line.look};
+        case 3:
+            return {line.text.arg(Named(row[AC::Trigger])), line.look};
+        default:
+            return line;
+    }
+}
+
+Line Wording::FileChangeWords(const ArchiveRow& row) const {
+    if (row[AC::NewFile].damaged) return {texts_(Text::Damaged), Line::Look::Warning};
+    const QString event = PlainText(row[AC::NewFile]);
+    for (const FileChangeEvent& known : kFileChanges) {
+        if (event == known.english || event == known.german) return {texts_(known.words)};
+    }
+    if (!event.isEmpty()) return {texts_(Text::FileChangeTrigger).arg(event)};
+    const int samples = Integer(row[AC::MaxSamples]).value_or(0);
+    return {samples != 0 ? texts_(Text::FileChangeCount).arg(texts_.Number(samples))
+                         : texts_(Text::FileChangeNever)};
+}
+
+Lines Wording::LimitWords(const ArchiveRow& row) const {
+    Lines lines;
+    const auto add = [&](AC column, Text words) {
+        if (row[column].damaged) lines += Line{texts_(Text::Damaged), Line::Look::Warning};
+        const int limit = Integer(row[column]).value_or(0);
+        if (limit != 0) lines += Line{texts_(words).arg(texts_.Number(limit))};
+    };
+    add(AC::MaxFiles, Text::LimitFiles);
+    add(AC::MaxSizeKb, Text::LimitSize);
+    if (lines.isEmpty()) lines += Line{texts_(Text::NoLimits)};
+    return lines;
+}
+
+TrendCells Wording::Trend(const TrendRow& row) const {
+    TrendCells cells;
+    if (!row.failure.isEmpty()) {
+        cells[0] = {Warning(Text::RowGone, row.failure)};
+        return cells;
+    }
+    const QString variable = Value(row[TC::TrendVar]);
+    cells = {NameWords(row),
+             variable.isEmpty() ? Lines{{texts_(Text::NotSet), Line::Look::Muted}}
+                                : Lines{Line{variable}},
+             RangeWords(row),
+             SubstitutionWords(row),
+             HysteresisWords(row),
+             FilterWords(row),
+             DisplayWords(row),
+             CurveWords(row),
+             ToleranceWords(row)};
+    return cells;
+}
+
+Lines Wording::NameWords(const TrendRow& row) const {
+    Lines lines = {{Named(row[TC::Name]), Line::Look::Strong}};
+    lines += DisplayTexts(row.texts);
+    if (row.textMissing) lines += Warning(Text::TextMissing, PlainText(row[TC::TextID]));
+    if (!IsEmpty(row[TC::Comment])) lines += Line{Value(row[TC::Comment]), Line::Look::Muted};
+    return lines;
+}
+
+Lines Wording::RangeWords(const TrendRow& row) const {
+    Lines lines;
+    if (!IsEmpty(row[TC::Minimum]) || !IsEmpty(row[TC::Maximum])) {
+        QString range = texts_(Text::FromTo).arg(Named(row[TC::Minimum]), Named(row[TC::Maximum]));
+        if (!IsEmpty(row[TC::Unit])) range += u' ' + Value(row[TC::Unit]);
+        lines += Line{range};
+    } else if (!IsEmpty(row[TC::Unit])) {
+        lines += Line{Value(row[TC::Unit])};
+    }
+    const auto* factor = std::get_if<double>(&row[TC::Factor].value);
+    const auto* offset = std::get_if<double>(&row[TC::Offset].value);
+    const bool neutral = (factor == nullptr || *factor == 1.0) &&
+                         (offset == nullptr || *offset == 0.0) && !row[TC::Factor].damaged &&
+                         !row[TC::Offset].damaged;
+    if (!neutral) {
+        lines += Line{texts_(Text::Scaling).arg(Named(row[TC::Factor]), Named(row[TC::Offset]))};
+    }
+    return lines;
+}
+
+Lines Wording::SubstitutionWords(const TrendRow& row) const {
+    Lines lines;
+    const auto add = [&](TC column, Text words) {
+        if (!IsEmpty(row[column])) lines += Line{texts_(words).arg(Value(row[column]))};
+    };
+    add(TC::SurrogateMax, Text::SubstitutionMax);
+    add(TC::SurrogateMin, Text::SubstitutionMin);
+    add(TC::ErrorValue, Text::SubstitutionError);
+    return lines;
+}
+
+/// As the dialog understands it: without an amount there is no hysteresis, and the mode is limited
+/// to its list.
+Lines Wording::HysteresisWords(const TrendRow& row) const {
+    const std::optional<int> mode = Integer(row[TC::HysteresisMode]);
+    if (row[TC::Hysteresis].damaged || row[TC::HysteresisMode].damaged) {
+        return {{texts_(Text::Damaged), Line::Look::Warning}};
+    }
+    const QString amount = Value(row[TC::Hysteresis]);
+    if (amount.isEmpty() || !mode || *mode >= kNoHysteresis) {
+        return {{texts_(Text::HysteresisNone), Line::Look::Muted}};
+    }
+    constexpr std::array words = {Text::HysteresisAbsolute, Text::HysteresisRange,
+                                  Text::HysteresisValue};
+    return {Line{texts_(words[static_cast<std::size_t>(std::max(*mode, 0))]).arg(amount)}};
+}
+
+Lines Wording::FilterWords(const TrendRow& row) const {
+    const Line filter =
+        Code(row[TC::Filter], {Text::FilterNone, Text::FilterAverage, Text::FilterAveraging,
+                               Text::FilterMax, Text::FilterMin});
+    const int code = Integer(row[TC::Filter]).value_or(0);
+    if (code == 0)
+        return {{filter.text, filter.look == Line::Look::Plain ? Line::Look::Muted : filter.look}};
+    Lines lines = {filter};
+    if (!IsEmpty(row[TC::FilterDepth])) {
+        lines += Line{texts_(Text::FilterDepth).arg(Value(row[TC::FilterDepth]))};
+    }
+    return lines;
+}
+
+Lines Wording::DisplayWords(const TrendRow& row) const {
+    Lines lines;
+    if (!IsEmpty(row[TC::VMin]) || !IsEmpty(row[TC::VMax])) {
+        lines += Line{texts_(Text::FromTo).arg(Named(row[TC::VMin]), Named(row[TC::VMax]))};
+    }
+    lines += Code(row[TC::VDrawMode], {Text::DrawLine, Text::DrawStair, Text::DrawSpline,
+                                       Text::DrawPoints, Text::DrawBars});
+    if (Integer(row[TC::VMaxSamples]).value_or(0) > 0 || row[TC::VMaxSamples].damaged) {
+        lines += Line{texts_(Text::Samples).arg(Value(row[TC::VMaxSamples]))};
+    }
+    return lines;
+}
+
+Lines Wording::CurveWords(const TrendRow& row) const {
+    const std::optional<int> colour = Integer(row[TC::VLineColor]);
+    const std::optional<int> width = Integer(row[TC::VLineWidth]);
+    const std::optional<int> style = Integer(row[TC::VLineStyle]);
+    Lines lines;
+    if (colour) {
+        const Curve curve{static_cast<std::uint32_t>(*colour), width.value_or(1),
+                          style.value_or(0)};
+        lines += Line{{}, Line::Look::Plain, curve};
+        lines += Line{curve.ColourName()};
+    }
+    Line form = Code(row[TC::VLineStyle], {Text::StyleLine, Text::StyleDashed, Text::StyleDotted});
+    if (width) form.text = texts_(Text::LineWidth).arg(*width) + u", "_s + form.text;
+    lines += form;
+    return lines;
+}
+
+Lines Wording::ToleranceWords(const TrendRow& row) const {
+    Lines lines;
+    const auto add = [&](TC limit, TC colour, Text words) {
+        if (IsEmpty(row[limit])) return;
+        Line line{texts_(words).arg(Value(row[limit]))};
+        if (const std::optional<int> code = Integer(row[colour])) {
+            line.curve = Curve{static_cast<std::uint32_t>(*code), 1, 0};
+        }
+        lines += line;
+    };
+    add(TC::VUpper, TC::VUpperColor, Text::ToleranceUpper);
+    add(TC::VLower, TC::VLowerColor, Text::ToleranceLower);
+    if (lines.isEmpty()) return lines;
+    Line config =
+        Code(row[TC::VConfig], {Text::ToleranceColour, Text::ToleranceLines, Text::ToleranceBoth});
+    if (config.look == Line::Look::Plain) config.look = Line::Look::Muted;
+    lines += config;
+    return lines;
+}
+
+QString Wording::Place(const Problem& problem) const {
+    QString place = problem.table;
+    if (problem.row != 0) place += u" "_s + QString::number(problem.row);
+    if (!problem.name.isEmpty()) place += u" ("_s + problem.name + u')';
+    return place;
+}
+
+QString Wording::Finding(const Problem& problem) const {
+    switch (problem.kind) {
+        case Problem::Kind::Row:
+            return texts_(Text::ProblemRow).arg(problem.detail);
+        case Problem::Kind::Value:
+            return texts_(Text::ProblemValue).arg(problem.detail);
+        case Problem::Kind::MissingText:
+            return texts_(Text::ProblemText).arg(problem.detail);
+        case Problem::Kind::MissingArchive:
+            return texts_(Text::ProblemArchive).arg(problem.detail);
+        case Problem::Kind::Table:
+            return texts_(Text::ProblemTable).arg(problem.detail);
+    }
+    return {};
+}
+
+}  // namespace report
