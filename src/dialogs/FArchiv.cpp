@@ -41,7 +41,7 @@ constexpr int kOnTrigger = 3;
 constexpr std::array<const char16_t*, 7> kClockEvents = {u"$Year", u"$Month",  u"$Week",  u"$Day",
                                                          u"$Hour", u"$Minute", u"$Second"};
 
-constexpr int kCharactersAcross = 80;
+constexpr int kCharactersShown = 64;
 
 // What may be typed, see MResources::KeyFilter
 constexpr int kNameKeys = 0;
@@ -139,7 +139,7 @@ void FArchiv::SetCaptions() {
     lblSummary->setAccessibleName(Text(kTextMeaning));
     lblSummary->setMinimumHeight(2 * (lblSummary->fontMetrics().lineSpacing() +
                                       lblSummary->margin() + lblSummary->frameWidth()));
-    setMinimumWidth(fontMetrics().averageCharWidth() * kCharactersAcross);
+    txtName->setMinimumWidth(fontMetrics().averageCharWidth() * kCharactersShown);
 }
 
 void FArchiv::FillLists() {

@@ -55,7 +55,7 @@ protected:
         dialog_.cboRedundancyFilePath->setEditText(QStringLiteral("D:\\Redundanz"));
         dialog_.txtCacheSize->setText(QStringLiteral("100"));
         dialog_.txtMaxFiles->setText(QStringLiteral("24"));
-        dialog_.txtMaxSizekB->setText(QStringLiteral("102400"));
+        dialog_.txtMaxSizekB->setText(QStringLiteral("104857600"));
         dialog_.txtStartStop->setText(QStringLiteral("Gaerkeller.Aktiv"));
         dialog_.SetOpenedName(dialog_.txtName->text());
     }
@@ -103,6 +103,11 @@ TEST_P(FArchivLookTest, NoTextIsCutOff) {
             if (control->maximumWidth() < control->sizeHint().width()) continue;
             EXPECT_GE(control->width(), control->sizeHint().width())
                 << control->objectName().toStdString();
+        }
+        for (const QLineEdit* field : dialog_.findChildren<QLineEdit*>()) {
+            if (!field->isVisible()) continue;
+            EXPECT_GE(field->width(), field->fontMetrics().horizontalAdvance(field->text()) + 8)
+                << field->objectName().toStdString();
         }
         for (const QComboBox* combo : dialog_.findChildren<QComboBox*>()) {
             for (int i = 0; i < combo->count() && combo->isVisible(); ++i) {
