@@ -25,11 +25,13 @@ GridSplit::GridSplit(GridView& view, QObject* parent)
     });
     connect(rows_.get(), &GridRows::ColumnsReset, this, &GridSplit::RebuildColumns);
     connect(rows_.get(), &GridRows::Rebuilt, this, &GridSplit::RowsRebuilt);
-    connect(rows_.get(), &GridRows::rowsInserted, this, [this] {
-        // The first rows after an empty while.
-        if (!rebuilding_ && !view_.currentIndex().isValid()) RowsRebuilt(true);
-        edit_->Place();
-    });
+    connect(rows_.get(), &GridRows::rowsInserted, this,
+            [this](const QModelIndex&, int first, int last) {
+                // The first rows after an empty while.
+                const bool all = first == 0 && last == rows_->rowCount() - 1;
+                if (all && !rebuilding_) RowsRebuilt(true);
+                edit_->Place();
+            });
     connect(rows_.get(), &GridRows::rowsRemoved, this, &GridSplit::DiscardLostEdit);
     connect(layout_.get(), &ColumnLayout::Changed, this, [this] {
         edit_->Place();
@@ -39,6 +41,7 @@ GridSplit::GridSplit(GridView& view, QObject* parent)
 }
 
 GridSplit::~GridSplit() {
+    blockSignals(true);  // whoever listens may be half gone himself
     edit_->Cancel();
     view_.setModel(nullptr);
 }

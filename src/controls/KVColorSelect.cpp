@@ -137,6 +137,10 @@ void KVColorSelect::OpenPalette() {
     connect(popup, &controls::ColorPopup::Picked, this, &KVColorSelect::Pick);
     connect(popup, &controls::ColorPopup::MoreWanted, this, &KVColorSelect::OpenDialog,
             Qt::QueuedConnection);
+    connect(popup, &controls::ColorPopup::MoreWanted, this, [this] { dialogWanted_ = true; });
+    connect(popup, &QObject::destroyed, this, [this] {
+        if (!dialogWanted_) emit ChoiceEnded();
+    });
     const QSize size = popup->sizeHint();
     QPoint place = mapToGlobal(QPoint(0, height()));
     const QRect free = screen()->availableGeometry();
@@ -154,6 +158,8 @@ void KVColorSelect::OpenDialog() {
     dialog.setObjectName(u"dlgColor"_s);
     dialog.setWindowTitle(texts_.choose);
     if (dialog.exec() == QDialog::Accepted) Pick(dialog.selectedColor());
+    dialogWanted_ = false;
+    emit ChoiceEnded();
 }
 
 void KVColorSelect::Pick(const QColor& color) {

@@ -58,6 +58,8 @@ public:
 signals:
     /// The number has changed, whoever changed it.
     void ColorChanged(int color);
+    /// The palette, and the dialog that it may have led to, have been closed.
+    void ChoiceEnded();
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -71,4 +73,5 @@ private:
     ColorTexts texts_;
     int color_ = 0;
     bool hasColor_ = true;
+    bool dialogWanted_ = false;  // the palette closes, but the choice goes on
 };
