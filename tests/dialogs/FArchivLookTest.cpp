@@ -152,11 +152,16 @@ TEST_P(FArchivLookTest, GreyedFieldsAreToldApartInEveryPalette) {
         dialog_.setPalette(palette);
         const auto ground = [](QWidget* field) {
             const QImage picture = field->grab().toImage();
-            return qGray(picture.pixel(picture.width() - 8, picture.height() / 2));
+            return qGray(picture.pixel(picture.width() * 3 / 4, picture.height() / 2));
         };
         ASSERT_TRUE(dialog_.txtMaxFiles->isEnabled() && !dialog_.txtMaxSamples->isEnabled());
         EXPECT_GE(std::abs(ground(dialog_.txtMaxFiles) - ground(dialog_.txtMaxSamples)), 10);
         if (palette == DarkPalette()) Keep("-dark");
+        dialog_.tabArchive->setCurrentIndex(1);
+        const int usable = ground(dialog_.cboNewFile);
+        dialog_.cmbType->setCurrentIndex(0);
+        EXPECT_GE(std::abs(usable - ground(dialog_.cboNewFile)), 8);
+        dialog_.cmbType->setCurrentIndex(1);
     }
 }
 
