@@ -109,6 +109,7 @@ void DrawCurve(QPainter& painter, const Scale& scale, const CurveLook& look) {
     const double lower = look.lower ? scale.ToY(*look.lower) : below;
     const auto drawLimit = [&](bool given, const QColor& color, double y) {
         if (!given) return;
+        painter.setRenderHint(QPainter::Antialiasing, false);  // a line of one pixel stays sharp
         painter.setPen(QPen(color, 1));
         painter.drawLine(QPointF(area.left(), y), QPointF(area.right(), y));
     };
@@ -116,6 +117,7 @@ void DrawCurve(QPainter& painter, const Scale& scale, const CurveLook& look) {
         drawLimit(look.upper.has_value(), look.upperColor, upper);
         drawLimit(look.lower.has_value(), look.lowerColor, lower);
     }
+    painter.setRenderHint(QPainter::Antialiasing);
 
     const QPainterPath curve = SampleCurve(area, look.mode);
     const auto drawBetween = [&](const QColor& color, double from, double to) {
@@ -162,7 +164,6 @@ QSize CurvePreview::minimumSizeHint() const {
 void CurvePreview::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     const Scale scale = DrawGround(painter, *this, look_);
-    painter.setRenderHint(QPainter::Antialiasing);
     painter.setClipRect(scale.area);
     DrawCurve(painter, scale, look_);
     painter.setClipping(false);

@@ -1,0 +1,361 @@
+#include "records/MTrend.h"
+
+#include <functional>
+#include <limits>
+#include <QApplication>
+#include <QComboBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <set>
+
+#include "dialogs/DialogTesting.h"
+#include "dialogs/FTrend.h"
+#include "projectdb/ADOArchiv.h"
+#include "projectdb/Text.h"
+#include "records/RecordTesting.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::string_literals;
+using testing::IsEmpty;
+
+const std::u16string kEmptyText(1, u'\0');
+const ado::Value kNull = ado::Null();
+
+ado::Value Text(std::u16string_view text) {
+    return std::u16string(text);
+}
+
+class MTrendTest : public testing::Test {
+protected:
+    explicit MTrendTest(const char* project = KV_TEST_DATA "/Grenzfaelle.kvs",
+                        std::uint32_t interface = MResources::kGerman)
+        : around_(interface), database_(project) {}
+
+    void OpenTrends(std::int32_t archive) {
+        if (trends_.State() == ado::ObjectState::Open) trends_.Close();
+        const auto& query = ADOArchiv::DefinitionOf(ADOArchiv::Command::tabTrends);
+        trends_.Open(query.source, database_.connection, query.type,
+                     {projectdb::ToUtf16(QString::number(archive))});
+    }
+    /// Goes to a trend of the archive that has the awkward ones.
+    void GoTo(const std::string& trend) {
+        OpenTrends(10);
+        trends_.Find("Name = '" + trend + "'");
+        ASSERT_FALSE(trends_.IsEOF()) << trend;
+    }
+
+    /// Edits the current trend as the user does: `act` runs in the dialog, then OK or Cancel.
+    bool Edit(const std::function<void(FTrend&)>& act = {}, bool ok = true,
+              platform::Lcid language = 1031) {
+        shown_ = false;
+        QTimer::singleShot(0, qApp, [&] {
+            auto* dialog = qobject_cast<FTrend*>(QApplication::activeModalWidget());
+            if (dialog == nullptr) return;
+            shown_ = true;
+            if (act) act(*dialog);
+            QTest::mouseClick(ok ? dialog->cmdOk : dialog->cmdCancel, Qt::LeftButton);
+        });
+        const bool changed = MTrend::EditTrend(trends_, language, around_.services, nullptr);
+        if (!shown_) QCoreApplication::processEvents();
+        return changed;
+    }
+
+    [[nodiscard]] Row TrendRow(const std::string& name) {
+        for (Row& row : database_.Rows("TchrTrends")) {
+            if (ado::ToText(row.at("Name")) == projectdb::ToUtf16(QString::fromStdString(name))) {
+                return row;
+            }
+        }
+        ADD_FAILURE() << name;
+        return {};
+    }
+    /// Assigns columns of a trend as another program does.
+    void Assign(const std::string& trend, const Row& values) {
+        ado::Recordset rows;
+        rows.Open("TchrTrends", database_.connection, ado::CommandType::Table);
+        rows.Find("Name = '" + trend + "'");
+        for (const auto& [column, value] : values) rows.Set(column, value);
+        rows.Update();
+    }
+
+    DialogSurroundings around_;
+    DatabaseCopy database_;
+    ado::Recordset trends_;
+    bool shown_ = false;
+};
+
+/// What "load, OK" makes of a row that the user has not changed. Everything else stays.
+Row AfterOk(Row row) {
+    // An empty field is stored as a text of one NUL, or as 0.
+    for (const char* column : {"Name", "TrendVar", "Maximum", "Minimum", "SurrogateMax",
+                               "SurrogateMin", "ErrorValue", "Unit", "Comment"}) {
+        if (row[column] == kNull || row[column] == Text(u"")) row[column] = kEmptyText;
+    }
+    for (const char* column : {"FilterDepth", "VLineWidth", "VMaxSamples"}) {
+        if (row[column] == kNull) row[column] = 0;
+    }
+    for (const char* column : {"Factor", "Offset", "VMax", "VMin", "VUpper", "VLower"}) {
+        if (row[column] == kNull) row[column] = 0.0;
+    }
+    // A trend without a hysteresis gets the mode that says so; unknown modes become the last.
+    if (row["Hysteresis"] == kNull) row["Hysteresis"] = Text(u"");
+    if (row["Hysteresis"] == Text(u"") || ado::ToLong(row["HysteresisMode"]) > 3) {
+        row["HysteresisMode"] = 3;
+    }
+    if (row["HysteresisMode"] == ado::Value(3)) row["Hysteresis"] = Text(u"");
+    return row;
+}
+
+TEST(MTrendRoundTripTest, OkWithoutAChangeLeavesEveryTrendAsItWas) {
+    const struct {
+        const char* project;
+        int trends;  // those that have an index text
+    } cases[] = {{KV_EXAMPLES "/Brauerei.kvs", 228}, {KV_TEST_DATA "/Grenzfaelle.kvs", 6}};
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.project);
+        DialogSurroundings around;
+        DatabaseCopy database(each.project);
+        const std::vector<Row> trendsBefore = database.Rows("TchrTrends");
+        const std::vector<Row> textsBefore = database.Rows("TidxTexts");
+        const std::vector<Row> archives = database.Rows("TchrArchives");
+        int edited = 0;
+        std::set<std::int32_t> editedIds;
+        std::set<std::int32_t> editedTexts;
+        database.connection.BeginTrans();  // one for all is quicker
+        for (const Row& archive : archives) {
+            ado::Recordset trends;
+            const auto& query = ADOArchiv::DefinitionOf(ADOArchiv::Command::tabTrends);
+            trends.Open(query.source, database.connection, query.type,
+                        {ado::ToText(archive.at("ID"))});
+            for (; !trends.IsEOF(); trends.MoveNext()) {
+                FTrend dialog(around.services, u"Trd");
+                ASSERT_TRUE(MTrend::TrendToDialog(trends, dialog, 1031));
+                ASSERT_TRUE(MTrend::DialogToTrend(trends, dialog, 1031));
+                editedIds.insert(ado::ToLong(trends.Get("ID")));
+                editedTexts.insert(ado::ToLong(trends.Get("TextID")));
+                ++edited;
+            }
+        }
+        database.connection.CommitTrans();
+        EXPECT_EQ(edited, each.trends);
+        const std::vector<Row> trendsAfter = database.Rows("TchrTrends");
+        ASSERT_EQ(trendsAfter.size(), trendsBefore.size());
+        for (std::size_t i = 0; i < trendsBefore.size(); ++i) {
+            const Row& before = trendsBefore[i];
+            const bool wasEdited = editedIds.contains(ado::ToLong(before.at("ID")));
+            EXPECT_EQ(trendsAfter[i], wasEdited ? AfterOk(before) : before)
+                << projectdb::ToQString(ado::ToText(before.at("Name"))).toStdString();
+        }
+        const std::vector<Row> textsAfter = database.Rows("TidxTexts");
+        ASSERT_EQ(textsAfter.size(), textsBefore.size());
+        for (std::size_t i = 0; i < textsBefore.size(); ++i) {
+            Row expected = textsBefore[i];
+            if (editedTexts.contains(ado::ToLong(expected["ID"])) &&
+                expected["L1031"] == Text(u"")) {
+                expected["L1031"] = kEmptyText;
+            }
+            EXPECT_EQ(textsAfter[i], expected) << i;
+        }
+        EXPECT_EQ(database.Rows("TchrArchives"), archives);
+        EXPECT_THAT(around.messages, IsEmpty());
+    }
+}
+
+TEST_F(MTrendTest, HysteresisGoesTogetherWithItsMode) {
+    const struct {
+        ado::Value hysteresis;
+        ado::Value mode;
+        int shownMode;
+        QString shownHysteresis;
+        int chosenMode;  // -1: left alone
+        ado::Value storedHysteresis;
+        int storedMode;
+    } cases[] = {
+        {kNull, 0, 3, u""_s, -1, Text(u""), 3},
+        {kNull, kNull, 3, u""_s, -1, Text(u""), 3},
+        {kEmptyText, 1, 3, u""_s, -1, Text(u""), 3},
+        {Text(u"5"), 7, 3, u"5"_s, -1, Text(u""), 3},
+        {Text(u"5"), -1, 0, u"5"_s, -1, Text(u"5"), 0},
+        {Text(u"5"), kNull, 0, u"5"_s, -1, Text(u"5"), 0},
+        {Text(u"0.5"), 2, 2, u"0.5"_s, -1, Text(u"0.5"), 2},
+        {Text(u"Sud.Grenze"), 1, 1, u"Sud.Grenze"_s, 3, Text(u""), 3},
+        {Text(u"5"), 3, 3, u"5"_s, 1, Text(u"5"), 1},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(&each - cases);
+        Assign("Hyst7", {{"Hysteresis", each.hysteresis}, {"HysteresisMode", each.mode}});
+        GoTo("Hyst7");
+        EXPECT_TRUE(Edit([&](FTrend& dialog) {
+            EXPECT_EQ(dialog.cmbHysteresisMode->currentIndex(), each.shownMode);
+            EXPECT_EQ(dialog.txtHysteresis->text(), each.shownHysteresis);
+            if (each.chosenMode >= 0) dialog.cmbHysteresisMode->setCurrentIndex(each.chosenMode);
+        }));
+        const Row stored = TrendRow("Hyst7");
+        EXPECT_EQ(stored.at("Hysteresis"), each.storedHysteresis);
+        EXPECT_EQ(stored.at("HysteresisMode"), ado::Value(each.storedMode));
+    }
+}
+
+TEST_F(MTrendTest, NumbersAreShownAndReadAsTheUserWritesThem) {
+    const struct {
+        const char* locale;
+        const char* column;
+        QLineEdit* Ui_FTrend::*field;
+        ado::Value stored;
+        QString shown;
+        QString typed;
+        ado::Value after;
+    } cases[] = {
+        {"de", "Factor", &Ui_FTrend::txtFactor, 0.25, u"0,25"_s, u"0,5"_s, 0.5},
+        {"de", "Factor", &Ui_FTrend::txtFactor, 0.25, u"0,25"_s, u"1.5"_s, 1.5},
+        {"en", "Factor", &Ui_FTrend::txtFactor, 1234567.5, u"1234567.5"_s, u"0,5 m"_s, 0.5},
+        {"de", "Offset", &Ui_FTrend::txtOffset, -1.25e-07, u"-1,25E-07"_s, u"-1,25E-07"_s,
+         -1.25e-07},
+        {"de", "Offset", &Ui_FTrend::txtOffset, 1.0, u"1"_s, u""_s, 0.0},
+        // More digits than are shown: kept unless the user types something else.
+        {"de", "VLower", &Ui_FTrend::txtVLower, 1.4000000000000001, u"1,4"_s, u"1,4"_s,
+         1.4000000000000001},
+        {"de", "VLower", &Ui_FTrend::txtVLower, 1.4000000000000004, u"1,4"_s, u"1,4"_s,
+         1.4000000000000004},
+        {"de", "VMin", &Ui_FTrend::txtVMin, -5.5, u"-5,5"_s, u"12"_s, 12.0},
+        {"en", "FilterDepth", &Ui_FTrend::txtFilterDepth, 8, u"8"_s, u" 12 Werte"_s, 12},
+        {"en", "FilterDepth", &Ui_FTrend::txtFilterDepth, 8, u"8"_s, u""_s, 0},
+        {"en", "VLineWidth", &Ui_FTrend::txtVLineWidth, 2, u"2"_s, u"3"_s, 3},
+        {"de", "Maximum", &Ui_FTrend::txtMaximum, Text(u"0.5"), u"0.5"_s, u"Sud.Max"_s,
+         Text(u"Sud.Max")},
+        {"de", "Comment", &Ui_FTrend::txtComment, Text(u"alt"), u"alt"_s, u""_s, kEmptyText},
+        {"de", "Comment", &Ui_FTrend::txtComment, kEmptyText, u""_s, u"neu"_s, Text(u"neu")},
+    };
+    const QLocale before;
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.column + " "s + each.shown.toStdString() + " " +
+                     each.typed.toStdString());
+        QLocale::setDefault(QLocale(QLatin1StringView(each.locale)));
+        Assign("Dezimal", {{each.column, each.stored}});
+        GoTo("Dezimal");
+        EXPECT_TRUE(Edit([&](FTrend& dialog) {
+            EXPECT_EQ((dialog.*each.field)->text(), each.shown);
+            (dialog.*each.field)->setText(each.typed);
+        }));
+        EXPECT_EQ(TrendRow("Dezimal").at(each.column), each.after);
+    }
+    QLocale::setDefault(before);
+}
+
+TEST_F(MTrendTest, CodesAndColorsOutsideTheDialogStayUntilTheUserChooses) {
+    const struct {
+        const char* column;
+        QComboBox* Ui_FTrend::*list;
+        ado::Value stored;
+        int shown;
+    } codes[] = {
+        {"VDrawMode", &Ui_FTrend::cmbVDrawMode, 4, -1},
+        {"VDrawMode", &Ui_FTrend::cmbVDrawMode, 1, 1},
+        {"Filter", &Ui_FTrend::cmbFilter, 5, -1},
+        {"Filter", &Ui_FTrend::cmbFilter, kNull, -1},
+        {"VLineStyle", &Ui_FTrend::cmbVLineStyle, -1, -1},
+        {"VConfig", &Ui_FTrend::cmbVConfig, 32767, -1},
+    };
+    for (const auto& each : codes) {
+        SCOPED_TRACE(each.column);
+        Assign("Balken", {{each.column, each.stored}});
+        GoTo("Balken");
+        EXPECT_TRUE(Edit(
+            [&](FTrend& dialog) { EXPECT_EQ((dialog.*each.list)->currentIndex(), each.shown); }));
+        EXPECT_EQ(TrendRow("Balken").at(each.column), each.stored);
+        GoTo("Balken");
+        EXPECT_TRUE(Edit([&](FTrend& dialog) { (dialog.*each.list)->setCurrentIndex(0); }));
+        EXPECT_EQ(TrendRow("Balken").at(each.column), ado::Value(0));
+    }
+    for (const ado::Value& stored :
+         {kNull, ado::Value(static_cast<std::int32_t>(0x80000005)), ado::Value(0x02FFFFFF),
+          ado::Value(std::numeric_limits<std::int32_t>::min())}) {
+        Assign("Balken", {{"VLineColor", stored}});
+        GoTo("Balken");
+        EXPECT_TRUE(Edit());
+        EXPECT_EQ(TrendRow("Balken").at("VLineColor"), stored);
+        GoTo("Balken");
+        EXPECT_TRUE(Edit([](FTrend& dialog) { dialog.clrVLineColor->SetColor(0x0000FF); }));
+        EXPECT_EQ(TrendRow("Balken").at("VLineColor"), ado::Value(255));
+    }
+}
+
+TEST_F(MTrendTest, DisplayTextIsThatOfTheLanguage) {
+    GoTo("Balken");
+    const ado::Value english = trends_.Get("L1033");
+    EXPECT_TRUE(Edit([](FTrend& dialog) {
+        EXPECT_TRUE(dialog.txtTextID->isEnabled());
+        dialog.txtTextID->setText(u"Säulen"_s);
+    }));
+    GoTo("Balken");
+    EXPECT_EQ(trends_.Get("L1031"), Text(u"Säulen"));
+    EXPECT_EQ(trends_.Get("L1033"), english);
+
+    // A language that has been added since has no column yet.
+    EXPECT_TRUE(Edit(
+        [](FTrend& dialog) {
+            EXPECT_EQ(dialog.txtTextID->text(), u"");
+            EXPECT_FALSE(dialog.txtTextID->isEnabled());
+            EXPECT_FALSE(dialog.cmdEditText->isEnabled());
+            dialog.txtName->setText(u"Balken2"_s);
+            EXPECT_EQ(dialog.txtTextID->text(), u"");
+        },
+        true, 1036));
+    GoTo("Balken2");
+    EXPECT_EQ(trends_.Get("L1031"), Text(u"Säulen"));
+    EXPECT_EQ(around_.names.changed.last(), u"Trd Balken>Balken2");
+}
+
+TEST_F(MTrendTest, CancelChangesNothing) {
+    GoTo("Dezimal");
+    const std::vector<Row> before = database_.Rows("TchrTrends");
+    EXPECT_FALSE(Edit([](FTrend& dialog) { dialog.txtUnit->setText(u"bar"_s); }, false));
+    EXPECT_TRUE(shown_);
+    EXPECT_EQ(trends_.EditMode(), ado::EditMode::None);
+    EXPECT_EQ(database_.Rows("TchrTrends"), before);
+}
+
+class MTrendFailureTest : public MTrendTest, public testing::WithParamInterface<std::uint32_t> {
+protected:
+    MTrendFailureTest() : MTrendTest(KV_TEST_DATA "/Grenzfaelle.kvs", GetParam()) {}
+    [[nodiscard]] QString In(const char16_t* german, const char16_t* english) const {
+        return QString::fromUtf16(GetParam() == MResources::kGerman ? german : english);
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Languages, MTrendFailureTest,
+                         testing::Values(MResources::kGerman, MResources::kEnglish));
+
+TEST_P(MTrendFailureTest, ATrendThatCannotBeReadIsNotShown) {
+    EXPECT_FALSE(Edit());  // nothing is open
+    EXPECT_FALSE(shown_);
+    OpenTrends(0);  // no row
+    EXPECT_FALSE(Edit());
+    EXPECT_FALSE(shown_);
+    const QString text =
+        In(u"Initialisierung Trend-Dialog fehlgegangen", u"Error: Initializing Trend Dialog");
+    EXPECT_EQ(around_.messages, QStringList({text, text}));
+}
+
+TEST_P(MTrendFailureTest, ARowThatAnotherProgramChangedIsTakenBack) {
+    GoTo("Dezimal");
+    EXPECT_FALSE(Edit([&](FTrend& dialog) {
+        dialog.txtUnit->setText(u"bar"_s);
+        ado::Connection other;
+        database_.Connect(other);
+        ado::Recordset rows;
+        rows.Open("TchrTrends", other, ado::CommandType::Table);
+        rows.Find("Name = 'Dezimal'");
+        rows.Set("Unit", Text(u"mbar"));
+        rows.Update();
+    }));
+    EXPECT_EQ(around_.messages, QStringList(In(u"Zurückschreiben von Trend-Dialog fehlgegangen",
+                                               u"Error: Write Back Trend Dialog")));
+    EXPECT_EQ(trends_.EditMode(), ado::EditMode::None);
+    EXPECT_EQ(TrendRow("Dezimal").at("Unit"), Text(u"mbar"));
+}
+
+}  // namespace
