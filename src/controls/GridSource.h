@@ -94,6 +94,7 @@ public:
     /// Writes one cell. `value` is of the column's kind: QString, qlonglong or double; invalid
     /// when the cell has been cleared. Checks of the value (an empty name) belong here. On
     /// success the model must emit dataChanged before it returns; the row stays where it is.
+    /// A row that has gone meanwhile is a failure like others.
     /// The call may show a message box, and the model may even be reset within it.
     virtual GridCommit CommitCell(GridRowId row, int column, const QVariant& value) = 0;
 

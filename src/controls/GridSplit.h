@@ -149,6 +149,7 @@ signals:
     /// A row disappeared while `text` was being typed into it.
     void EditDiscarded(GridRowId row, int column, const QString& text);
     void EditStateChanged();
+    /// Also after a reset, which may bring other rows.
     void SortChanged();
     void FilterChanged();
     /// Columns were moved, resized, shown or hidden, by the user or by property.

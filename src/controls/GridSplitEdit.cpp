@@ -4,6 +4,7 @@
 #include <QTimer>
 
 #include "controls/detail/CellEdit.h"
+#include "controls/detail/CellValue.h"
 #include "controls/detail/GridRows.h"
 #include "controls/detail/GridView.h"
 #include "controls/GridSplit.h"
@@ -17,6 +18,9 @@ bool GridSplit::CanEdit(GridRowId row, int column) const {
 bool GridSplit::Begin(bool replace, const QString& typed) {
     if (edit_->Active()) return true;
     if (storing_ || !CanEdit(CurrentRow(), CurrentColumn())) return false;
+    const GridColumn& how = *ColumnAt(CurrentColumn());
+    // A letter in a number's cell must not leave an empty editor behind, which Enter would store.
+    if (how.ValueItems().isEmpty() && !cellvalue::Accepts(typed, how.Kind())) return false;
     edit_->Begin(view_.currentIndex(), replace ? CellEdit::Mode::Replace : CellEdit::Mode::Change,
                  typed);
     return true;

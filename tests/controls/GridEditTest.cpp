@@ -106,6 +106,7 @@ TEST_F(GridKeyTest, KeysDoWhatTheyDoInASpreadsheet) {
         {"decimal comma", kMaximum, {Typed(u"1,5"_s), kEnter}, 1.5, 106, kMaximum, false},
         {"decimal point", kMaximum, {Typed(u"-2.25e1"_s), kEnter}, -22.5, 106, kMaximum, false},
         {"letters are no number", kMaximum, {Typed(u"3abc"_s), kEnter}, 3.0, 106, kMaximum, false},
+        {"a letter opens no number", kMaximum, {Typed(u"x"_s), kEnter}, 37.5, 106, kMaximum, false},
         {"half a number", kMaximum, {Typed(u"-"_s), kEnter}, 37.5, 105, kMaximum, false},
         {"no fraction", kDepth, {Typed(u"1.5"_s), kEnter}, 15, 106, kDepth, false},
         {"a colour", kColour, {Typed(u"#0080FF"_s), kEnter}, 0xFF8000, 106, kColour, false},

@@ -2,6 +2,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QCollator>
+#include <QScrollBar>
 
 #include "controls/GridTest.h"
 
@@ -189,6 +190,10 @@ TEST_F(GridRowsTest, MovesLikeASpreadsheet) {
 TEST_F(GridRowsTest, RowsAreFetchedAsTheyAreNeeded) {
     trends_.Load(Trends(3000), 2);
     EXPECT_EQ(trends_.rowCount(), kPortion) << "opening reads one portion";
+    View()->verticalScrollBar()->setValue(View()->verticalScrollBar()->maximum());
+    EXPECT_EQ(trends_.rowCount(), 2 * kPortion) << "scrolling to the end reads another";
+    EXPECT_GT(View()->verticalScrollBar()->value(), 0) << "and stays there";
+    trends_.Load(Trends(3000), 3);
     split_->SetCurrentCell(100 + kPortion, kName);
     Key(Qt::Key_Down);
     EXPECT_EQ(split_->CurrentRow(), 101 + kPortion);

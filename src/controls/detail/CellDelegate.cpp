@@ -17,7 +17,7 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr int kPadding = 4;         // pixels between a cell's edge and its text
 constexpr int kSpaceAroundRow = 6;  // pixels, above and below together
-constexpr qreal kRowTint = 0.16;    // how much of the highlight the current row shows
+constexpr qreal kRowTint = 0.22;    // how much of the highlight the current row shows
 constexpr int kFrame = 2;           // pixels
 
 QColor Blend(const QColor& below, const QColor& above, qreal part) {

@@ -92,6 +92,13 @@ QString InputPattern(GridKind kind) {
     return {};
 }
 
+bool Accepts(const QString& typed, GridKind kind) {
+    const QString pattern = InputPattern(kind);
+    if (pattern.isEmpty()) return true;
+    const QRegularExpression expression(QRegularExpression::anchoredPattern(pattern));
+    return expression.match(typed, 0, QRegularExpression::PartialPreferCompleteMatch).hasMatch();
+}
+
 std::optional<QVariant> Parse(const QString& text, GridKind kind) {
     if (text.isEmpty()) return QVariant();
     switch (kind) {

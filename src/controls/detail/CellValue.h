@@ -19,6 +19,9 @@ namespace cellvalue {
 /// The characters that an editor of this kind lets through; empty: all.
 [[nodiscard]] QString InputPattern(GridKind kind);
 
+/// Whether an editor of this kind would let `typed` through.
+[[nodiscard]] bool Accepts(const QString& typed, GridKind kind);
+
 /// What `text` means in a cell: an invalid value when it is empty (cleared), nothing when it is no
 /// value of the kind. Numbers are read up to their first character that is none, with "," or "."
 /// before their fraction.

@@ -63,10 +63,18 @@ void ColumnLayout::Apply() {
     }
     shown_ = std::move(order);
     ApplyOrder();
-    for (int i = 0; i < count; ++i) ApplyColumn(i);
+    for (int i = 0; i < count; ++i) ApplySection(i);
+    ApplyFrozen();
+    emit Changed();
 }
 
 void ColumnLayout::ApplyColumn(int column) {
+    ApplySection(column);
+    ApplyFrozen();
+    emit Changed();
+}
+
+void ColumnLayout::ApplySection(int column) {
     const QScopedValueRollback applying(applying_, true);
     QHeaderView* header = view_.horizontalHeader();
     if (column >= header->count()) return;
@@ -79,8 +87,6 @@ void ColumnLayout::ApplyColumn(int column) {
     header->setSectionHidden(column, !visible);
     if (visible) header->resizeSection(column, pixels);
     header->viewport()->update();
-    ApplyFrozen();
-    emit Changed();
 }
 
 void ColumnLayout::ApplyOrder() {

@@ -33,6 +33,7 @@ signals:
 
 private:
     void ApplyColumn(int column);
+    void ApplySection(int column);
     void ApplyOrder();
     void ApplyFrozen();
     void SectionResized(int column, int pixels);

@@ -1,5 +1,6 @@
 // The keys of GridView while no cell is being edited; CellEdit has those of an edit.
 
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 
 #include "controls/detail/CellEdit.h"
@@ -26,6 +27,12 @@ bool GridView::event(QEvent* event) {
         }
     }
     return QTableView::event(event);
+}
+
+// Letters with accents come this way where they are composed of two keys.
+void GridView::inputMethodEvent(QInputMethodEvent* event) {
+    event->accept();
+    if (!event->commitString().isEmpty()) split_->BeginTyping(event->commitString());
 }
 
 void GridView::keyPressEvent(QKeyEvent* event) {

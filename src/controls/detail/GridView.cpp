@@ -305,8 +305,13 @@ void GridView::selectionChanged(const QItemSelection& selected, const QItemSelec
 // --- geometry
 
 void GridView::scrollTo(const QModelIndex& index, ScrollHint hint) {
+    const int sideways = horizontalScrollBar()->value();
     QTableView::scrollTo(index, hint);
-    if (frozenColumn_ < 0 || !index.isValid() || index.column() == frozenColumn_) return;
+    if (frozenColumn_ < 0 || !index.isValid()) return;
+    if (index.column() == frozenColumn_) {  // in view wherever the others are
+        horizontalScrollBar()->setValue(sideways);
+        return;
+    }
     const int hidden = columnWidth(frozenColumn_) - visualRect(index).left();
     if (hidden > 0) horizontalScrollBar()->setValue(horizontalScrollBar()->value() - hidden);
 }

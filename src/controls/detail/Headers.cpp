@@ -76,7 +76,9 @@ RecordHeader::Mark RecordHeader::MarkOf(int row) const {
 }
 
 void RecordHeader::paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const {
+    painter->save();  // styles leave an empty clip behind
     QHeaderView::paintSection(painter, rect, logicalIndex);
+    painter->restore();
     QPolygonF shape;
     switch (MarkOf(logicalIndex)) {
         case Mark::None:

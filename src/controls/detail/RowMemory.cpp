@@ -9,7 +9,8 @@
 #include "controls/detail/GridView.h"
 
 void RowMemory::Remember() {
-    if (rows_.rowCount() == 0) return;  // what was remembered before is still awaited
+    if (rows_.rowCount() == 0 || rows_.Source() == nullptr)
+        return;  // what was remembered before is still awaited
     waiting_ = true;
     key_ = rows_.Source()->ContentKey();
     const QModelIndex current = view_.currentIndex();
