@@ -4,6 +4,8 @@
 
 #include "addin/ArchiveIcon.h"
 #include "addin/MKVSGlobalEditors.h"
+#include "addin/WindowEmbedding.h"
+#include "help/HelpTopics.h"
 #include "languages/MResourceTable.h"
 #include "platform/Error.h"
 #include "platform/MessageBox.h"
@@ -39,8 +41,12 @@ constexpr CommandKey kCommandKeys[] = {
     {46, KV4AddIn::kCtrl, projectdb::kArchiveKind, 2},        // Ctrl+Del Delete
 };
 
-constexpr int kRootTopic = 30002;
-constexpr int kArchiveTopic = 30018;
+int TopicOf(const Node& node) {
+    const QStringView kind = projectdb::NodeKind(node.key);
+    if (kind == projectdb::kRootKind) return help::kHelpArchives;
+    if (kind == projectdb::kArchiveKind) return help::kHelpArchive;
+    return help::kHelpContents;
+}
 
 }  // namespace
 
@@ -105,7 +111,7 @@ void Connect::ShutDown() {
     opened_ = false;
     const auto step = [](const auto& body) { Guard(u"Connect: ShutDown"_s, body); };
     step([&] {
-        if (editor_) editor_->setParent(nullptr);
+        if (editor_) WindowEmbedding::ReleaseEditor(*editor_, nullptr);
     });
     step([&] {
         if (editor_) editor_->Unload();
@@ -152,7 +158,9 @@ void Connect::OpenEditor(projectdb::RowFailures& unreadable) {
     ADOArchiv& environment = project_.Environment();
     environment.Open(Command::Archives);
     environment.Open(Command::tabTrends, kNoArchive);
-    editor_ = new frmtabGrid(project_, texts_, *this, hostWindow_);
+    editor_ = new frmtabGrid(project_, texts_, *this, registry_, hostWindow_);
+    editor_->Load();
+    if (!WindowEmbedding::EmbedEditor(*editor_, *host_)) return;
     // Queued: the window must have left its own event when it is deleted.
     connect(editor_, &frmtabGrid::ActualizeRequested, this, &Connect::ActualizeConnection,
             Qt::QueuedConnection);
@@ -161,6 +169,22 @@ void Connect::OpenEditor(projectdb::RowFailures& unreadable) {
     editor_->MenuSwitcher(kRootKey, false);
     editor_->MakeMyCaption(kRootKey, {});
     editor_->show();
+    WatchEditor();
+}
+
+/// Follows the user's turning to the editor and away from it.
+void Connect::WatchEditor() {
+    auto* watch = new ActivationWatch(*editor_);
+    connect(watch, &ActivationWatch::Activated, this, [this] {
+        Guard(u"Connect: Activate"_s, [&] {
+            if (opened_ && editor_) editor_->Activate();
+        });
+    });
+    connect(watch, &ActivationWatch::Deactivated, this, [this] {
+        Guard(u"Connect: Deactivate"_s, [&] {
+            if (opened_ && editor_) editor_->CommitPendingEdit();
+        });
+    });
 }
 
 void Connect::FillArchiveNodes(projectdb::RowFailures& unreadable) {
@@ -239,7 +263,7 @@ void Connect::CKV4Extensibility_NodeKeyDown(const Node& node, int& keyCode, int&
 bool Connect::RunKey(const Node& node, int keyCode, int shift) {
     if (host_ == nullptr) return false;
     if (keyCode == kHelpKey) {
-        ShowHelp(node);
+        ShowHelpTopic(TopicOf(node), editor_);
         return true;
     }
     if (!editor_) return false;
@@ -257,17 +281,13 @@ bool Connect::RunKey(const Node& node, int keyCode, int shift) {
     return false;
 }
 
-void Connect::ShowHelp(const Node& node) {
-    const QStringView kind = projectdb::NodeKind(node.key);
-    const int topic = kind == projectdb::kRootKind      ? kRootTopic
-                      : kind == projectdb::kArchiveKind ? kArchiveTopic
-                                                        : 0;
-    if (helpFile_.ShowTopic(topic, editor_)) return;
+void Connect::ShowHelpTopic(int topic, QWidget* owner) {
+    if (helpFile_.ShowTopic(topic, owner)) return;
     QString text = texts_.GetText(MResourceTable::kTextNoHelpFile);
     text.replace(u"<topic>"_s, QString::number(topic));
     text.replace(u"<file>"_s, helpFile_.Path());
     platform::ShowMessage(text, platform::MessageButtons::Ok,
-                          texts_.GetText(MResourceTable::kTextEditorTitle), editor_);
+                          texts_.GetText(MResourceTable::kTextEditorTitle), owner);
 }
 
 void Connect::ShowEditor() {
@@ -295,6 +315,31 @@ void Connect::SelectArchive(const QString& nodeKey) {
     host_->SelectNode(nodeKey);
     const std::optional<Node> node = host_->SelectedNode();
     OpenNode(node && node->key == nodeKey ? *node : Node{kRootKey, nodeKey, {}});
+}
+
+QString Connect::SelectedNodeKey() const {
+    if (host_ == nullptr) return {};
+    const std::optional<Node> node = host_->SelectedNode();
+    return node && projectdb::IsOwnNode(node->key) ? node->key : QString();
+}
+
+std::optional<QString> Connect::ChooseVariable(QWidget* owner, const QString& current) {
+    if (host_ == nullptr) return std::nullopt;
+    return host_->ChooseVariable(owner, current);
+}
+
+void Connect::AddArchiveNode(std::int32_t archiveId, const QString& name) {
+    if (host_ == nullptr) return;
+    host_->AddNode(kRootKey, name, projectdb::ArchiveNodeKey(archiveId), {}, kIconKey, {});
+}
+
+void Connect::SetArchiveNodeText(std::int32_t archiveId, const QString& name) {
+    if (host_ == nullptr) return;
+    host_->RefreshNode(projectdb::ArchiveNodeKey(archiveId), name, kIconKey);
+}
+
+void Connect::RemoveArchiveNode(std::int32_t archiveId) {
+    if (host_ != nullptr) host_->RemoveNode(projectdb::ArchiveNodeKey(archiveId));
 }
 
 void Connect::ActualizeConnection() {

@@ -56,7 +56,15 @@ public:
 
     /// Shows the editor when the tree's selected node is one of the add-in's.
     Q_INVOKABLE void ShowEditor() override;
+    // IAddIn
     void SelectArchive(const QString& nodeKey) override;
+    [[nodiscard]] QString SelectedNodeKey() const override;
+    [[nodiscard]] std::optional<QString> ChooseVariable(QWidget* owner,
+                                                        const QString& current) override;
+    void ShowHelpTopic(int topic, QWidget* owner) override;
+    void AddArchiveNode(std::int32_t archiveId, const QString& name) override;
+    void SetArchiveNodeText(std::int32_t archiveId, const QString& name) override;
+    void RemoveArchiveNode(std::int32_t archiveId) override;
     /// Closes the database and the editor and runs first use again. Not for use inside an event of
     /// the editor window, which it deletes.
     Q_INVOKABLE void ActualizeConnection();
@@ -67,12 +75,12 @@ private:
     void FirstUse();
     [[nodiscard]] bool ConnectToDataBase(const QString& databasePath);
     void OpenEditor(projectdb::RowFailures& unreadable);
+    void WatchEditor();
     void FillArchiveNodes(projectdb::RowFailures& unreadable);
     void RemoveArchiveNodes();
     void OpenNode(const KV4AddIn::Node& node);
     void OpenArchiveNode(const QString& nodeKey);
     [[nodiscard]] bool RunKey(const KV4AddIn::Node& node, int keyCode, int shift);
-    void ShowHelp(const KV4AddIn::Node& node);
     void BringEditorUp();
     void ShutDown();
 

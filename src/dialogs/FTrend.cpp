@@ -7,6 +7,7 @@
 #include <span>
 #include <utility>
 
+#include "dialogs/ColourTexts.h"
 #include "help/HelpTopics.h"
 #include "languages/KeyFilter.h"
 #include "languages/MResourceTable.h"
@@ -128,19 +129,7 @@ void FTrend::SetCaptions() {
 }
 
 void FTrend::SetColorTexts() {
-    ColorTexts texts;
-    texts.choose = Text(kTextChooseColor);
-    texts.recent = Text(kTextRecentColors);
-    texts.more = Text(kTextMoreColors);
-    texts.none = Text(kTextNoColor);
-    texts.system = Text(kTextSystemColor);
-    texts.parts = Text(kTextColorParts);
-    const auto fill = [this](std::span<QString> names, int first) {
-        for (QString& name : names) name = Text(first++);
-    };
-    fill(texts.hues, kTextFirstHue);
-    fill(texts.tints, kTextFirstTint);
-    fill(texts.greys, kTextFirstGrey);
+    const ColorTexts texts = ColourTexts(Services().texts);
     for (KVColorSelect* selector : {clrVLineColor, clrVUpperColor, clrVLowerColor}) {
         selector->SetTexts(texts);
     }

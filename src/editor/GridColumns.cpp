@@ -1,60 +1,114 @@
 #include "editor/GridColumns.h"
 
-#include <algorithm>
-#include <string_view>
+#include <initializer_list>
 
-#include "projectdb/Text.h"
+#include "languages/MResourceTable.h"
 
 namespace GridColumns {
 namespace {
 
-struct Definition {
-    std::string_view field;
-    int captionText;  // 0: the field's name
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int kFirstCaption = 101;
+/// Their captions follow each other.
+constexpr QStringView kTrendFields[] = {
+    u"Name",         u"TrendVar",    u"Maximum",     u"Minimum",        u"SurrogateMax",
+    u"SurrogateMin", u"ErrorValue",  u"Hysteresis",  u"HysteresisMode", u"Factor",
+    u"Offset",       u"Filter",      u"FilterDepth", u"Unit",           u"VMax",
+    u"VMin",         u"VUpper",      u"VLower",      u"VLineColor",     u"VLineWidth",
+    u"VLineStyle",   u"VUpperColor", u"VLowerColor", u"VConfig",        u"VDrawMode",
+    u"VMaxSamples",  u"VUnitID",     u"Comment"};
+constexpr int kCommentCaption = kFirstCaption + 27;
+
+/// Columns whose stored numbers stand for texts: code 0, 1, 2 ... is text `first`, first + 1 ...
+struct ValueList {
+    QStringView field;
+    int first;
+    int count;
+};
+constexpr ValueList kValueLists[] = {
+    {u"HysteresisMode", 130, 4}, {u"Filter", 134, 5},    {u"VLineStyle", 140, 3},
+    {u"VConfig", 144, 3},        {u"VDrawMode", 151, 5},
 };
 
-constexpr Definition kArchiveColumns[] = {{"Name", 0}, {"Comment", 128}};
+constexpr QStringView kChoosers[] = {u"TrendVar", u"VLineColor", u"VUpperColor", u"VLowerColor"};
 
-constexpr Definition kTrendName = {"Name", 101};
-constexpr Definition kTrendColumns[] = {
-    {"TrendVar", 102},     {"Maximum", 0},       {"Minimum", 0},      {"SurrogateMax", 105},
-    {"SurrogateMin", 106}, {"ErrorValue", 107},  {"Hysteresis", 108}, {"HysteresisMode", 109},
-    {"Factor", 110},       {"Offset", 0},        {"Filter", 0},       {"FilterDepth", 113},
-    {"Unit", 114},         {"VMax", 115},        {"VMin", 116},       {"VUpper", 117},
-    {"VLower", 118},       {"VLineColor", 119},  {"VLineWidth", 0},   {"VLineStyle", 121},
-    {"VUpperColor", 122},  {"VLowerColor", 123}, {"VConfig", 124},    {"VDrawMode", 125},
-    {"VMaxSamples", 126},  {"VUnitID", 127},     {"Comment", 128},
-};
-
-RecordsetModel::Column Column(const Definition& definition, const MResources::TextTable& texts) {
-    return {std::string(definition.field), definition.captionText == 0
-                                               ? projectdb::ToQString(definition.field)
-                                               : texts.GetText(definition.captionText)};
-}
-
-/// Columns of the project's languages are named "L" and the language's number.
-bool IsLanguageColumn(std::string_view field) {
-    return field.size() > 1 && field.front() == 'L' &&
-           std::all_of(field.begin() + 1, field.end(), [](char c) { return c >= '0' && c <= '9'; });
-}
+constexpr double kArchiveWidth = 3000;  // twips
 
 }  // namespace
 
-std::vector<RecordsetModel::Column> OfArchives(const MResources::TextTable& texts) {
-    std::vector<RecordsetModel::Column> columns;
-    for (const Definition& definition : kArchiveColumns) {
-        columns.push_back(Column(definition, texts));
-    }
-    return columns;
+std::vector<RecordsetModel::Column> OfArchives() {
+    return {{"ID"}, {"Name"}, {"Comment"}};
 }
 
-std::vector<RecordsetModel::Column> OfTrends(const ado::Recordset& trends,
-                                             const MResources::TextTable& texts) {
-    std::vector<RecordsetModel::Column> columns{Column(kTrendName, texts)};
-    for (const ado::Field& field : trends.Fields()) {
-        if (IsLanguageColumn(field.name)) columns.push_back(Column({field.name, 0}, texts));
+void SetUpArchives(GridSplit& archives, const MResources::TextTable& texts) {
+    archives.SetLocked(true);
+    archives.SetDoubleClickEdits(false);
+    archives.SetCaption(texts.GetText(MResourceTable::kTextArchivesNode));
+    // The key keeps its place in front of the name, where the layouts of old have it.
+    if (GridColumn* key = archives.Column(u"ID")) key->SetVisible(false);
+    if (GridColumn* name = archives.Column(u"Name")) {
+        name->SetCaption(texts.GetText(kFirstCaption));
+        name->SetWidth(kArchiveWidth);
     }
-    for (const Definition& definition : kTrendColumns) columns.push_back(Column(definition, texts));
+    if (GridColumn* comment = archives.Column(u"Comment")) {
+        comment->SetCaption(texts.GetText(kCommentCaption));
+        comment->SetWidth(kArchiveWidth);
+    }
+}
+
+void SetUpTrends(GridSplit& trends, const MResources::TextTable& texts) {
+    trends.SetDoubleClickEdits(false);
+    for (int i = 0; i < trends.ColumnCount(); ++i) {
+        GridColumn* column = trends.ColumnAt(i);
+        if (!TrendFields().contains(column->DataField())) column->SetVisible(false);
+        if (column->Kind() == GridKind::Number || column->Kind() == GridKind::Integer) {
+            column->SetNumberFormat(u"General Number"_s);
+        }
+    }
+    int caption = kFirstCaption;
+    for (const QStringView field : kTrendFields) {
+        if (GridColumn* column = trends.Column(field)) column->SetCaption(texts.GetText(caption));
+        ++caption;
+    }
+    for (const ValueList& list : kValueLists) {
+        GridColumn* column = trends.Column(list.field);
+        if (column == nullptr) continue;
+        GridValueItems items;
+        for (int code = 0; code < list.count; ++code) {
+            items.append({code, texts.GetText(list.first + code)});
+        }
+        column->SetValueItems(items);
+    }
+    for (const QStringView field : kChoosers) {
+        if (GridColumn* column = trends.Column(field)) column->SetButton(true);
+    }
+}
+
+QList<QString> TrendFields() {
+    static const QList<QString> fields = [] {
+        QList<QString> names;
+        for (const QStringView field : kTrendFields) names.append(field.toString());
+        return names;
+    }();
+    return fields;
+}
+
+QString FormatOrders(const QList<int>& columns) {
+    QString text;
+    for (const int column : columns) text += u',' + QString::number(column);
+    return text;
+}
+
+QList<int> ParseOrders(QStringView text, int count) {
+    QList<int> columns;
+    for (const QStringView part : text.split(u',', Qt::SkipEmptyParts)) {
+        bool isNumber = false;
+        const int column = part.trimmed().toInt(&isNumber);
+        if (isNumber && column >= 0 && column < count && !columns.contains(column)) {
+            columns.append(column);
+        }
+    }
     return columns;
 }
 

@@ -1,18 +1,33 @@
 #pragma once
 
-#include <vector>
+#include <QList>
+#include <QString>
 
-#include "ado/Recordset.h"
+#include "controls/GridSplit.h"
 #include "editor/RecordsetModel.h"
+#include "languages/MResources.h"
 
-/// Which columns the two splits of the grid show, in which order, and their captions.
+/// The columns of the grid's two splits: captions, formats, lists of values and choosers, and the
+/// order of the trend columns as the settings keep it.
 namespace GridColumns {
 
-[[nodiscard]] std::vector<RecordsetModel::Column> OfArchives(const MResources::TextTable& texts);
+/// The columns of the archives that are shown.
+[[nodiscard]] std::vector<RecordsetModel::Column> OfArchives();
 
-/// The trend's name, its texts in the project's languages (as many as `trends` has), then the
-/// trend's own columns.
-[[nodiscard]] std::vector<RecordsetModel::Column> OfTrends(const ado::Recordset& trends,
-                                                           const MResources::TextTable& texts);
+void SetUpArchives(GridSplit& archives, const MResources::TextTable& texts);
+
+/// Gives the columns of the trend split all that does not change with the rows. Those that are no
+/// setting of a trend (keys and texts) are hidden; the others keep their visibility.
+void SetUpTrends(GridSplit& trends, const MResources::TextTable& texts);
+
+/// Fields of a trend in the order of their captions' numbers.
+[[nodiscard]] QList<QString> TrendFields();
+
+/// A column order as the settings hold it: a comma, so that it is taken for a text, then the
+/// 0-based positions of all columns in the order shown, separated by commas.
+[[nodiscard]] QString FormatOrders(const QList<int>& columns);
+/// Numbers that cannot be positions among `count` columns, repeated ones and what is no number
+/// are left out.
+[[nodiscard]] QList<int> ParseOrders(QStringView text, int count);
 
 }  // namespace GridColumns

@@ -1,15 +1,30 @@
 #pragma once
 
+#include <optional>
 #include <QString>
 
-/// What the editor window asks of the add-in that made it. The add-in outlives the window.
-class IAddIn {
-public:
-    virtual ~IAddIn() = default;
+#include "editor/ArchiveCommands.h"
 
+class QWidget;
+
+/// What the editor window asks of the add-in that made it, and through it of the host. The add-in
+/// outlives the window.
+class IAddIn : public IArchiveTree {
+public:
     /// Shows the editor window, with the archive that is selected in the host's tree.
     virtual void ShowEditor() = 0;
 
-    /// Selects an archive's node in the host's tree and opens that archive.
+    /// Selects a node of the add-in in the host's tree and opens it.
     virtual void SelectArchive(const QString& nodeKey) = 0;
+
+    /// Key of the node that is selected in the host's tree; empty when it is none of the add-in's.
+    [[nodiscard]] virtual QString SelectedNodeKey() const = 0;
+
+    /// The host's variable browser, modal over `owner`, beginning at the variable `current`.
+    /// nullopt: cancelled, or the host has no variables to offer.
+    [[nodiscard]] virtual std::optional<QString> ChooseVariable(QWidget* owner,
+                                                                const QString& current) = 0;
+
+    /// Shows a topic of the help by its context number.
+    virtual void ShowHelpTopic(int topic, QWidget* owner) = 0;
 };

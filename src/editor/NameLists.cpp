@@ -1,7 +1,6 @@
 #include "editor/NameLists.h"
 
 #include "projectdb/Hierarchy.h"
-#include "projectdb/RowWalk.h"
 #include "projectdb/Text.h"
 
 namespace {
@@ -17,11 +16,11 @@ QString KeyOf(const QString& name) {
 
 }  // namespace
 
-void NameLists::NamesInGroup(QStringView group, ado::Recordset& rows) {
+projectdb::RowFailures NameLists::NamesInGroup(QStringView group, ado::Recordset& rows) {
     Names& names = groups_[group.toString()];
     names.clear();
     const std::size_t field = rows.FieldIndex("Name");
-    projectdb::RowFailures unreadable;  // whoever shows the rows tells of them
+    projectdb::RowFailures unreadable;
     projectdb::RowWalk walk(rows, unreadable);
     for (bool found = walk.First(); found; found = walk.Next()) {
         walk.Read([&] {
@@ -30,17 +29,19 @@ void NameLists::NamesInGroup(QStringView group, ado::Recordset& rows) {
         });
     }
     std::ignore = walk.First();
+    return unreadable;
 }
 
-void NameLists::NamesInGroup(QStringView group, ADOArchiv& environment) {
+projectdb::RowFailures NameLists::NamesInGroup(QStringView group, ADOArchiv& environment) {
     const bool isArchives = group == projectdb::kArchiveNames;
     const auto command = isArchives ? ADOArchiv::Command::Archives : ADOArchiv::Command::tabTrends;
     ado::Recordset& rows = environment.Recordset(command);
     const bool opens = rows.State() == ado::ObjectState::Closed;
     if (opens && isArchives) environment.Open(command);
     if (opens && !isArchives) environment.Open(command, {u"0"});
-    NamesInGroup(group, rows);
+    const projectdb::RowFailures unreadable = NamesInGroup(group, rows);
     if (opens) environment.CloseRecordset(command);
+    return unreadable;
 }
 
 void NameLists::AddNameInGroup(QStringView group, const QString& name) {

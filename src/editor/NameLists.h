@@ -6,6 +6,7 @@
 #include "ado/Recordset.h"
 #include "dialogs/DialogServices.h"
 #include "projectdb/ADOArchiv.h"
+#include "projectdb/RowWalk.h"
 
 /// The names in use, a list for each group: projectdb::kArchiveNames for the archives of the
 /// project, projectdb::kTrendNames for the trends of the open archive. Names that the file's text
@@ -16,10 +17,11 @@
 class NameLists final : public INameRegistry {
 public:
     /// Builds the list of a group anew from the column Name of all rows, and goes back to the first
-    /// one. Rows that cannot be read are left out: their names are not known.
-    void NamesInGroup(QStringView group, ado::Recordset& rows);
+    /// one. Rows that cannot be read are left out: their names are not known. They are returned, as
+    /// a recordset tells of such a row only the first time that it comes by.
+    projectdb::RowFailures NamesInGroup(QStringView group, ado::Recordset& rows);
     /// The same from the group's own recordset, which is opened for it when it is closed.
-    void NamesInGroup(QStringView group, ADOArchiv& environment);
+    projectdb::RowFailures NamesInGroup(QStringView group, ADOArchiv& environment);
 
     void AddNameInGroup(QStringView group, const QString& name);
     void DeleteNameInGroup(QStringView group, const QString& name);

@@ -1,7 +1,10 @@
 #include "editor/RecordsetModel.h"
 
+#include <algorithm>
+
 #include "editor/CellText.h"
 #include "projectdb/Guard.h"
+#include "projectdb/Text.h"
 
 namespace {
 
@@ -12,13 +15,15 @@ constexpr std::size_t kPortion = 200;  // rows; some screens full
 }  // namespace
 
 RecordsetModel::RecordsetModel(const MResources::TextTable& texts, QObject* parent)
-    : QAbstractTableModel(parent), texts_(texts) {}
+    : GridSource(parent), texts_(texts) {}
 
-void RecordsetModel::Attach(ado::Recordset& recordset, std::vector<Column> columns) {
+void RecordsetModel::Attach(ado::Recordset& recordset, std::vector<Column> columns,
+                            const QVariant& contentKey) {
     Detach();
     beginResetModel();
     try {
         Bind(recordset, std::move(columns));
+        contentKey_ = contentKey;
     } catch (...) {
         recordset_ = nullptr;
         columns_.clear();
@@ -30,11 +35,7 @@ void RecordsetModel::Attach(ado::Recordset& recordset, std::vector<Column> colum
 
 void RecordsetModel::Bind(ado::Recordset& recordset, std::vector<Column> columns) {
     fields_.clear();
-    rightAligned_.clear();
-    for (const Column& column : columns) {
-        fields_.push_back(recordset.FieldIndex(column.field));
-        rightAligned_.push_back(IsNumber(recordset.Fields()[fields_.back()].type));
-    }
+    for (const Column& column : columns) fields_.push_back(recordset.FieldIndex(column.field));
     idField_ = recordset.FieldIndex("ID");
     columns_ = std::move(columns);
     complete_ = false;  // whether there are rows shows when they are read
@@ -46,25 +47,79 @@ void RecordsetModel::Detach() {
     beginResetModel();
     recordset_ = nullptr;
     rows_.clear();
+    places_.clear();
     lastRead_.reset();
     missing_ = {};
     complete_ = true;
     endResetModel();
 }
 
-int RecordsetModel::RowOf(std::int32_t id) {
-    int row = 0;
-    while (true) {
-        for (; row < rowCount(); ++row) {
-            if (IdAt(row) == id) return row;
-        }
-        if (complete_) return -1;
-        fetchMore({});
-    }
+int RecordsetModel::Locate(GridRowId id) {
+    while (RowOf(id) < 0 && !complete_) fetchMore({});
+    return RowOf(id);
 }
 
-std::int32_t RecordsetModel::IdAt(int row) const {
+GridRowId RecordsetModel::IdAt(int row) const {
     return rows_.at(static_cast<std::size_t>(row)).id;
+}
+
+int RecordsetModel::RowOf(GridRowId id) const {
+    return places_.value(id, -1);
+}
+
+int RecordsetModel::ColumnOf(std::string_view field) const {
+    const auto found = std::find_if(columns_.begin(), columns_.end(),
+                                    [&](const Column& column) { return column.field == field; });
+    return found == columns_.end() ? -1 : static_cast<int>(found - columns_.begin());
+}
+
+const ado::Value& RecordsetModel::ValueAt(int row, int column) const {
+    return rows_.at(static_cast<std::size_t>(row)).values.at(static_cast<std::size_t>(column));
+}
+
+const ado::Field& RecordsetModel::FieldAt(int column) const {
+    return recordset_->Fields()[fields_.at(static_cast<std::size_t>(column))];
+}
+
+QVariant RecordsetModel::Stored(const ado::Value& value) {
+    if (ado::IsNull(value)) return {};
+    if (const auto* text = std::get_if<std::u16string>(&value)) return projectdb::ToQString(*text);
+    if (const auto* flag = std::get_if<bool>(&value)) return *flag ? 1 : 0;
+    if (const auto* number = std::get_if<std::int32_t>(&value)) return *number;
+    if (const auto* single = std::get_if<float>(&value)) return static_cast<double>(*single);
+    if (const auto* number = std::get_if<double>(&value)) return *number;
+    if (const auto* date = std::get_if<ado::Date>(&value)) return date->days;
+    if (std::holds_alternative<ado::Binary>(value)) return {};
+    const QString text = projectdb::ToQString(ado::ToText(value));
+    bool isNumber = false;
+    const double number = text.toDouble(&isNumber);
+    return isNumber ? QVariant(number) : QVariant(text);
+}
+
+void RecordsetModel::MoveTo(int row) {
+    recordset_->SetBookmark(rows_.at(static_cast<std::size_t>(row)).bookmark);
+}
+
+void RecordsetModel::TakeOver(int row) {
+    rows_.at(static_cast<std::size_t>(row)) = ReadRow();
+    emit dataChanged(index(row, 0), index(row, columnCount() - 1));
+}
+
+void RecordsetModel::Forget(int row) {
+    beginRemoveRows({}, row, row);
+    places_.remove(IdAt(row));
+    rows_.erase(rows_.begin() + row);
+    for (int i = row; i < rowCount(); ++i) places_[IdAt(i)] = i;
+    endRemoveRows();
+}
+
+bool RecordsetModel::HasChanged(int row) const {
+    return ReadRow().values != rows_.at(static_cast<std::size_t>(row)).values;
+}
+
+GridCommit RecordsetModel::CommitCell(GridRowId /*row*/, int /*column*/,
+                                      const QVariant& /*value*/) {
+    return GridCommit::Refused();
 }
 
 int RecordsetModel::rowCount(const QModelIndex& parent) const {
@@ -77,23 +132,39 @@ int RecordsetModel::columnCount(const QModelIndex& parent) const {
 
 QVariant RecordsetModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) return {};
-    const auto column = static_cast<std::size_t>(index.column());
-    if (role == Qt::DisplayRole || role == Qt::ToolTipRole) {
-        return rows_.at(static_cast<std::size_t>(index.row())).texts.at(column);
+    switch (role) {
+        case Qt::DisplayRole:
+            return CellText(ValueAt(index.row(), index.column()), locale_, texts_);
+        case GridRole::kStored:
+            return Stored(ValueAt(index.row(), index.column()));
+        default:
+            return {};
     }
-    if (role == Qt::TextAlignmentRole) {
-        const Qt::Alignment side = rightAligned_.at(column) ? Qt::AlignRight : Qt::AlignLeft;
-        return QVariant::fromValue(side | Qt::AlignVCenter);
-    }
-    return {};
 }
 
 QVariant RecordsetModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation == Qt::Horizontal && role == Qt::DisplayRole && section >= 0 &&
-        section < columnCount()) {
-        return columns_[static_cast<std::size_t>(section)].caption;
+    if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) {
+        return GridSource::headerData(section, orientation, role);
     }
-    return QAbstractTableModel::headerData(section, orientation, role);
+    const Column& column = columns_[static_cast<std::size_t>(section)];
+    switch (role) {
+        case Qt::DisplayRole:
+        case GridRole::kField:
+            return projectdb::ToQString(column.field);
+        case GridRole::kKind:
+            return static_cast<int>(column.kind);
+        default:
+            return {};
+    }
+}
+
+Qt::ItemFlags RecordsetModel::flags(const QModelIndex& index) const {
+    if (!index.isValid()) return Qt::NoItemFlags;
+    Qt::ItemFlags flags = Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemNeverHasChildren;
+    if (columns_[static_cast<std::size_t>(index.column())].editable) {
+        flags |= Qt::ItemIsEditable;
+    }
+    return flags;
 }
 
 bool RecordsetModel::canFetchMore(const QModelIndex& parent) const {
@@ -111,6 +182,7 @@ void RecordsetModel::fetchMore(const QModelIndex& parent) {
         beginInsertRows({}, first, first + static_cast<int>(portion.size()) - 1);
         rows_.insert(rows_.end(), std::make_move_iterator(portion.begin()),
                      std::make_move_iterator(portion.end()));
+        for (int row = first; row < rowCount(); ++row) places_[IdAt(row)] = row;
         endInsertRows();
     }
     if (!missingBefore && missing_.Count() > 0) emit RowsMissing();
@@ -133,9 +205,8 @@ void RecordsetModel::ReadPortion(std::vector<Row>& portion) {
 RecordsetModel::Row RecordsetModel::ReadRow() const {
     Row row;
     row.id = ado::ToLong(recordset_->Get(idField_));
-    row.texts.reserve(fields_.size());
-    for (const std::size_t field : fields_) {
-        row.texts.push_back(CellText(recordset_->Get(field), locale_, texts_));
-    }
+    row.bookmark = recordset_->GetBookmark();
+    row.values.reserve(fields_.size());
+    for (const std::size_t field : fields_) row.values.push_back(recordset_->Get(field));
     return row;
 }

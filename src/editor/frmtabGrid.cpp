@@ -1,167 +1,127 @@
 #include "editor/frmtabGrid.h"
 
-#include <QCursor>
-#include <QHeaderView>
+#include <QComboBox>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QScopedValueRollback>
-#include <QSplitter>
 #include <QStatusBar>
-#include <QTableView>
+#include <QToolBar>
 #include <QVBoxLayout>
 
+#include "controls/FontProperties.h"
+#include "controls/TDBGrid.h"
+#include "editor/EditorLayout.h"
 #include "editor/GridColumns.h"
-#include "editor/RecordsetModel.h"
+#include "editor/TrendCommands.h"
+#include "editor/TrendRows.h"
+#include "languages/CDBLanguages.h"
 #include "languages/MResourceTable.h"
 #include "platform/MessageBox.h"
 #include "projectdb/Guard.h"
 #include "projectdb/NodeKey.h"
+#include "settings/CInit.h"
 
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+using projectdb::Guard;
+using Command = ADOArchiv::Command;
 
-constexpr int kSeparator = 3;
-constexpr int kShowEditor = 4;
-
-struct ArchiveCommand {
-    int text;
-    bool available;  // false: shown, but greyed whatever node is selected
-};
-constexpr std::array<ArchiveCommand, 5> kArchiveCommands = {{
-    {MResourceTable::kTextNewArchive, false},
-    {MResourceTable::kTextEditArchive, false},
-    {MResourceTable::kTextDeleteArchive, false},
-    {0, true},
-    {MResourceTable::kTextShowEditor, true},
-}};
-
-constexpr int kPanelCount = 3;
-constexpr int kMaximumColumnWidth = 260;  // pixels; longer texts are shown as tool tip
-
-QString ArrayName(QStringView name, int index) {
-    return u"%1(%2)"_s.arg(name).arg(index);
-}
+constexpr std::size_t kSeparator = 3;
+constexpr std::size_t kShowEditor = 4;
 
 }  // namespace
 
 frmtabGrid::frmtabGrid(projectdb::ProjectContext& project, const MResources::TextTable& texts,
-                       IAddIn& addIn, QWidget* parent)
-    : QWidget(parent), project_(project), texts_(texts), addIn_(addIn) {
+                       IAddIn& addIn, platform::Registry& registry, QWidget* parent)
+    : QWidget(parent),
+      registry_(registry),
+      project_(project),
+      texts_(texts),
+      addIn_(addIn),
+      hierarchy_(project, *this, *this),
+      archiveCommands_(
+          std::make_unique<ArchiveCommands>(project, hierarchy_, names_, texts, addIn)),
+      trendCommands_(std::make_unique<TrendCommands>(project, hierarchy_, *this, names_, texts)),
+      layout_(std::make_unique<EditorLayout>(*this)) {
     setObjectName(u"frmtabGrid"_s);
     setWindowTitle(texts_.GetText(MResourceTable::kTextEditorTitle));
     BuildMenus();
     BuildGrid();
+    BuildToolBar();
     BuildStatusBar();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->setMenuBar(bar_);
-    layout->addWidget(grid_, 1);
+    layout->addWidget(tbrfunc);
+    layout->addWidget(tdbA, 1);
     layout->addWidget(sb);
-    setFocusProxy(splits_[1]);
+    setFocusProxy(tdbA);
+    MenuSwitcher({}, false);
 }
 
 frmtabGrid::~frmtabGrid() = default;
 
-void frmtabGrid::BuildMenus() {
-    bar_ = new QMenuBar(this);
-    bar_->setNativeMenuBar(false);  // the window stands inside the host's
-
-    mnuArchive = bar_->addMenu(texts_.GetText(MResourceTable::kTextMenuArchive));
-    mnuArchive->setObjectName(u"mnuArchive"_s);
-    for (int i = 0; i < static_cast<int>(mnuArchiv.size()); ++i) {
-        const int text = kArchiveCommands[static_cast<std::size_t>(i)].text;
-        QAction* action =
-            text == 0 ? mnuArchive->addSeparator() : mnuArchive->addAction(texts_.GetText(text));
-        action->setObjectName(ArrayName(u"mnuArchiv", i));
-        connect(action, &QAction::triggered, this, [this, i] {
-            projectdb::Guard(u"frmtabGrid: mnuArchiv_Click"_s, [&] { mnuArchiv_Click(i); });
-        });
-        mnuArchiv[static_cast<std::size_t>(i)] = action;
-    }
-
-    mnuExtras = bar_->addMenu(texts_.GetText(MResourceTable::kTextMenuExtras));
-    mnuExtras->setObjectName(u"mnuExtras"_s);
-    QAction* actualize =
-        mnuExtras->addAction(texts_.GetText(MResourceTable::kTextActualizeConnection));
-    actualize->setObjectName(ArrayName(u"mnuExtra", 2));
-    connect(actualize, &QAction::triggered, this, &frmtabGrid::ActualizeRequested);
-
-    MenuSwitcher({}, false);
-}
-
-void frmtabGrid::BuildGrid() {
-    grid_ = new QSplitter(this);
-    grid_->setObjectName(u"tdbA"_s);
-    grid_->setChildrenCollapsible(false);
-    archives_ = new RecordsetModel(texts_, this);
-    trends_ = new RecordsetModel(texts_, this);
-    // Queued: a view may be reading in the middle of its layout.
-    connect(trends_, &RecordsetModel::RowsMissing, this, &frmtabGrid::ShowMissingTrends,
-            Qt::QueuedConnection);
-    const std::array<RecordsetModel*, 2> models = {archives_, trends_};
-    for (std::size_t i = 0; i < splits_.size(); ++i) {
-        auto* view = new QTableView(grid_);
-        view->setObjectName(ArrayName(u"tdbA.Splits", static_cast<int>(i)));
-        view->setModel(models[i]);
-        view->setSelectionBehavior(QAbstractItemView::SelectRows);
-        view->setEditTriggers(QAbstractItemView::NoEditTriggers);
-        view->setAlternatingRowColors(true);
-        view->setWordWrap(false);
-        view->setTabKeyNavigation(false);  // Tab goes on to the other split
-        view->verticalHeader()->hide();
-        view->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-        view->verticalHeader()->setDefaultSectionSize(view->fontMetrics().height() + 6);
-        view->horizontalHeader()->setHighlightSections(false);
-        view->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-        splits_[i] = view;
-    }
-    splits_[0]->setSelectionMode(QAbstractItemView::SingleSelection);
-    splits_[0]->horizontalHeader()->setStretchLastSection(true);
-    grid_->setStretchFactor(0, 0);
-    grid_->setStretchFactor(1, 1);
-    grid_->setSizes({280, 720});
-    connect(splits_[0]->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
-            &frmtabGrid::ArchiveRowChanged);
-}
-
-void frmtabGrid::BuildStatusBar() {
-    sb = new QStatusBar(this);
-    sb->setObjectName(u"sb"_s);
-    sb->setSizeGripEnabled(false);
-    for (int i = 0; i < kPanelCount; ++i) {
-        auto* panel = new QLabel(texts_.GetText(MResourceTable::kTextFirstPanel + i), sb);
-        panel->setObjectName(ArrayName(u"sb.Panels", i + 1));
-        sb->addWidget(panel, i == 0 ? 2 : 1);
-    }
+void frmtabGrid::Load() {
+    ADOArchiv& environment = project_.Environment();
+    archives_->Attach(environment.Recordset(Command::Archives), GridColumns::OfArchives());
+    trends_->AttachTrends(environment.Recordset(Command::tabTrends), {});
+    GridColumns::SetUpArchives(tdbA->SplitAt(0), texts_);
+    GridColumns::SetUpTrends(tdbA->SplitAt(1), texts_);
+    layout_->LoadDefaults();
+    dblangs = new CDBLanguages(registry_, this);
+    dblangs->setObjectName(u"dblangs"_s);
+    dblangs->Init(environment.PrepareRecordset(Command::IdxTexts),
+                  environment.PrepareRecordset(Command::TLanguages), project_.projectPath);
+    environment.PrepareRecordset(Command::IdxTexts);
+    layout_->LoadFile(project_.projectPath);
+    dblangs->InitLanguageComboBox(*cmbLanguage, layout_->CurrentLcid());
+    connect(dblangs, &CDBLanguages::LanguageChanged, this, [this] {
+        Guard(u"frmtabGrid: dblangs_LanguageChanged"_s, [&] { dblangs_LanguageChanged(); });
+    });
+    layout_->Apply();
 }
 
 void frmtabGrid::SetUpColumns() {
-    archives_->Attach(project_.Environment().Recordset(ADOArchiv::Command::Archives),
-                      GridColumns::OfArchives(texts_));
-    splits_[0]->setColumnWidth(0, 110);
-    splits_[0]->setColumnWidth(1, 150);
+    layout_->ApplyColumnOrders();
     TrendsReloaded();
 }
 
 void frmtabGrid::Unload() {
     const QScopedValueRollback marking(marking_, true);
-    archives_->Detach();
-    trends_->Detach();
+    CommitPendingEdit();
+    const auto release = qScopeGuard([&] {
+        archives_->Detach();
+        trends_->Detach();
+    });
+    if (dblangs != nullptr) layout_->Save(CurrentLcid());
 }
 
 void frmtabGrid::MenuSwitcher(const QString& nodeKey, bool popUp) {
+    nodeKey_ = nodeKey;
     const QStringView kind = projectdb::NodeKind(nodeKey);
-    const auto enable = [this](std::size_t index, bool enabled) {
-        mnuArchiv[index]->setEnabled(enabled && kArchiveCommands[index].available);
-    };
-    enable(0, kind == projectdb::kRootKind);
-    enable(1, kind == projectdb::kArchiveKind);
-    enable(2, kind == projectdb::kArchiveKind);
+    mnuArchiv[0]->setEnabled(kind == projectdb::kRootKind);
+    mnuArchiv[1]->setEnabled(kind == projectdb::kArchiveKind);
+    mnuArchiv[2]->setEnabled(kind == projectdb::kArchiveKind);
     mnuArchiv[kSeparator]->setVisible(popUp);
     mnuArchiv[kShowEditor]->setVisible(popUp);
+    UpdateCommands();
+}
+
+/// What the menu of the trends says when it opens holds for the toolbar at any time.
+void frmtabGrid::UpdateCommands() {
+    const bool archive = projectdb::NodeKind(nodeKey_) == projectdb::kArchiveKind;
+    const GridSplit& trends = tdbA->SplitAt(1);
+    const bool selected = archive && !trends.SelectedRows().isEmpty();
+    mnuTrend[0]->setEnabled(archive);
+    mnuTrend[1]->setEnabled(archive && trends.CurrentRow() != kNoGridRow);
+    mnuTrend[2]->setEnabled(selected);
+    mnuPaste->setEnabled(archive);
+    mnuDuplicate->setEnabled(archive);
 }
 
 void frmtabGrid::MakeMyCaption(const QString& nodeKey, const QString& name) {
@@ -173,24 +133,97 @@ void frmtabGrid::MakeMyCaption(const QString& nodeKey, const QString& name) {
 
 void frmtabGrid::MarkArchive(const QString& nodeKey) {
     const QScopedValueRollback marking(marking_, true);
-    int row = -1;
-    if (projectdb::NodeKind(nodeKey) == projectdb::kArchiveKind) {
-        row = archives_->RowOf(projectdb::NodeId(nodeKey));
-    }
-    if (row < 0) {
-        splits_[0]->setCurrentIndex({});
-        splits_[0]->clearSelection();
-    } else if (splits_[0]->currentIndex().row() != row) {
-        splits_[0]->setCurrentIndex(archives_->index(row, 0));
-    }
+    const bool archive = projectdb::NodeKind(nodeKey) == projectdb::kArchiveKind;
+    tdbA->SplitAt(0).SetCurrentCell(archive ? projectdb::NodeId(nodeKey) : kNoGridRow);
 }
 
-void frmtabGrid::mnuArchiv_Click(int index) {
-    if (index == kShowEditor) addIn_.ShowEditor();
+void frmtabGrid::ArchiveRowChanged() {
+    const GridRowId row = tdbA->SplitAt(0).CurrentRow();
+    if (marking_ || row == kNoGridRow) return;
+    const QString key = projectdb::ArchiveNodeKey(static_cast<std::int32_t>(row));
+    if (key != nodeKey_) addIn_.SelectArchive(key);
+}
+
+void frmtabGrid::StepArchive(int step) {
+    const QList<GridRowId> rows = tdbA->SplitAt(0).ShownRows();
+    const qsizetype at = rows.indexOf(tdbA->SplitAt(0).CurrentRow());
+    const qsizetype next = at < 0 ? 0 : at + step;
+    if (next < 0 || next >= rows.size()) return;
+    addIn_.SelectArchive(projectdb::ArchiveNodeKey(static_cast<std::int32_t>(rows[next])));
+}
+
+void frmtabGrid::CommitPendingEdit() {
+    // What cannot be stored has been told and dropped by the grid itself.
+    tdbA->CommitPendingEdit();
+}
+
+void frmtabGrid::Activate() {
+    // A command that runs brings the trends up to date itself.
+    if (busy_ || trendCommands_->IsEditing()) return;
+    projectdb::ReloadTrends(project_, *this);
+}
+
+// The texts of the grid and the menus stay: the interface speaks the station's language. What
+// depends on the project's language is read when it is used, by the dialogs and the commands.
+void frmtabGrid::dblangs_LanguageChanged() {
+    CommitPendingEdit();
+    projectdb::ReloadTrends(project_, *this);
 }
 
 void frmtabGrid::PopUpArchiveMenu() {
     mnuArchive->exec(QCursor::pos());
+}
+
+void frmtabGrid::Arrange() {
+    layout()->activate();
+}
+
+CInit& frmtabGrid::Settings() {
+    return layout_->Settings();
+}
+
+int frmtabGrid::WindowState() const {
+    return layout_->WindowState();
+}
+
+void frmtabGrid::SetWindowState(int state) {
+    layout_->SetWindowState(state);
+}
+
+double frmtabGrid::PosLeft() const {
+    return layout_->Position().x();
+}
+
+void frmtabGrid::SetPosLeft(double twips) {
+    layout_->SetPosition({twips, layout_->Position().y()});
+}
+
+double frmtabGrid::PosTop() const {
+    return layout_->Position().y();
+}
+
+void frmtabGrid::SetPosTop(double twips) {
+    layout_->SetPosition({layout_->Position().x(), twips});
+}
+
+double frmtabGrid::Width() const {
+    return layout_->Size().width();
+}
+
+void frmtabGrid::SetWidth(double twips) {
+    layout_->SetSize({twips, layout_->Size().height()});
+}
+
+double frmtabGrid::Height() const {
+    return layout_->Size().height();
+}
+
+void frmtabGrid::SetHeight(double twips) {
+    layout_->SetSize({layout_->Size().width(), twips});
+}
+
+QObject* frmtabGrid::Font() const {
+    return layout_->Font();
 }
 
 void frmtabGrid::ReleaseTrends() {
@@ -198,36 +231,61 @@ void frmtabGrid::ReleaseTrends() {
 }
 
 void frmtabGrid::TrendsReloaded() {
-    ado::Recordset& trends = project_.Environment().Recordset(ADOArchiv::Command::tabTrends);
-    trends_->Attach(trends, GridColumns::OfTrends(trends, texts_));
-    if (trendWidthsSet_) return;
-    trends_->fetchMore({});
-    if (trends_->rowCount() == 0) return;
-    splits_[1]->resizeColumnsToContents();
-    for (int i = 0; i < trends_->columnCount(); ++i) {
-        if (splits_[1]->columnWidth(i) > kMaximumColumnWidth) {
-            splits_[1]->setColumnWidth(i, kMaximumColumnWidth);
-        }
+    ado::Recordset& trends = project_.Environment().Recordset(Command::tabTrends);
+    trends_->AttachTrends(trends, projectdb::NodeId(project_.currentNodeKey));
+    UpdateCommands();
+    if (unreadable_.Count() > 0) {
+        QMetaObject::invokeMethod(this, &frmtabGrid::ShowMissingTrends, Qt::QueuedConnection);
     }
-    trendWidthsSet_ = true;
 }
 
 // Of missing archives the add-in tells, which reads them first.
 void frmtabGrid::ShowMissingTrends() {
-    projectdb::Guard(u"frmtabGrid"_s, [&] {
-        const QString text =
-            trends_->Missing().Text(texts_.GetText(MResourceTable::kTextMoreFailures));
-        if (text.isEmpty()) return;  // another archive has been opened meanwhile
-        platform::ShowMessage(text, platform::MessageButtons::Ok, u"frmtabGrid"_s);
+    Guard(u"frmtabGrid"_s, [&] {
+        const projectdb::RowFailures& missing =
+            unreadable_.Count() > 0 ? unreadable_ : trends_->Missing();
+        const QString text = missing.Text(texts_.GetText(MResourceTable::kTextMoreFailures));
+        if (!text.isEmpty()) Tell(text);  // or another archive has been opened meanwhile
     });
 }
 
-// Nothing uses the lists of names yet.
-void frmtabGrid::NamesInGroup(QStringView /*group*/) {}
+void frmtabGrid::Tell(const QString& text) {
+    platform::ShowMessage(text, platform::MessageButtons::Ok,
+                          texts_.GetText(MResourceTable::kTextEditorTitle), this);
+}
 
-void frmtabGrid::ArchiveRowChanged(const QModelIndex& current) {
-    if (marking_ || !current.isValid()) return;
-    projectdb::Guard(u"frmtabGrid"_s, [&] {
-        addIn_.SelectArchive(projectdb::ArchiveNodeKey(archives_->IdAt(current.row())));
-    });
+void frmtabGrid::NamesInGroup(QStringView group) {
+    const projectdb::RowFailures unreadable = names_.NamesInGroup(group, project_.Environment());
+    if (group == projectdb::kTrendNames) unreadable_ = unreadable;
+}
+
+QString frmtabGrid::PanelText(int panel) const {
+    return panels_.at(static_cast<std::size_t>(panel - 1))->text();
+}
+
+void frmtabGrid::SetPanelText(int panel, const QString& text) {
+    panels_.at(static_cast<std::size_t>(panel - 1))->setText(text);
+}
+
+void frmtabGrid::keyPressEvent(QKeyEvent* event) {
+    bool used = false;
+    Guard(u"frmtabGrid: KeyDown"_s, [&] { used = RunKey(*event); });
+    if (!used) QWidget::keyPressEvent(event);
+}
+
+bool frmtabGrid::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == cmbLanguage && event->type() == QEvent::Wheel && !cmbLanguage->hasFocus()) {
+        event->ignore();
+        return true;
+    }
+    if (watched == txtFind && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Escape) txtFind->clear();
+        if (key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter ||
+            key == Qt::Key_Down) {
+            tdbA->SetSplit(narrowed_);
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }

@@ -1,37 +1,67 @@
 #pragma once
 
 #include <array>
+#include <memory>
+#include <QPointer>
 #include <QWidget>
 
+#include "dialogs/DialogServices.h"
+#include "editor/ArchiveCommands.h"
 #include "editor/IAddIn.h"
+#include "editor/NameLists.h"
 #include "languages/MResources.h"
+#include "platform/Locale.h"
 #include "projectdb/Hierarchy.h"
 
+class CDBLanguages;
+class CInit;
+class EditorLayout;
+namespace platform {
+class Registry;
+}
 class QAction;
+class QComboBox;
+class QLabel;
+class QLineEdit;
 class QMenu;
 class QMenuBar;
-class QSplitter;
 class QStatusBar;
-class QTableView;
+class QToolBar;
 class RecordsetModel;
+class TDBGrid;
+class TrendCommands;
+class TrendRows;
 
-/// The editor window: the archives (split 0) beside the trends of the current archive (split 1).
-/// Read only; the commands of its menus are not there yet but for showing the editor and opening
-/// the database again.
+/// The editor window: the archives (split 0) beside the trends of the current archive (split 1),
+/// with the commands on both.
 ///
-/// Lives from the add-in's first use to the shut-down. Its models hold on to recordsets of the
-/// data environment: Unload must be called before those are closed.
-class frmtabGrid final : public QWidget, public projectdb::IEditorWindow {
+/// Lives from the add-in's first use to the shut-down: made, then Load, SetUpColumns, and at the
+/// end Unload, which must come before the recordsets of the data environment are closed. Commands
+/// install no handler of their own; every slot shows what they throw.
+class frmtabGrid final : public QWidget,
+                         public projectdb::IEditorWindow,
+                         public projectdb::IStatusPanels {
     Q_OBJECT
+    // What the settings file knows of the window; lengths in twips.
+    Q_PROPERTY(int WindowState READ WindowState WRITE SetWindowState)
+    Q_PROPERTY(double PosLeft READ PosLeft WRITE SetPosLeft)
+    Q_PROPERTY(double PosTop READ PosTop WRITE SetPosTop)
+    Q_PROPERTY(double Width READ Width WRITE SetWidth)
+    Q_PROPERTY(double Height READ Height WRITE SetHeight)
+    Q_PROPERTY(QObject* Font READ Font CONSTANT)
 public:
-    /// All three are borrowed and outlive the window.
+    /// All are borrowed and outlive the window.
     frmtabGrid(projectdb::ProjectContext& project, const MResources::TextTable& texts,
-               IAddIn& addIn, QWidget* parent = nullptr);
+               IAddIn& addIn, platform::Registry& registry, QWidget* parent = nullptr);
     ~frmtabGrid() override;
 
-    /// Binds the grid to the recordsets of archives and trends, which are open.
+    /// Reads the settings beside the project and the project's languages, and applies them.
+    void Load();
+    /// Binds the grid to the recordsets of archives and trends, which are open, and lays its
+    /// columns out as the settings say.
     void SetUpColumns();
-    /// Lets go of all recordsets.
+    /// Writes the settings and lets go of all recordsets. What fails in writing is thrown when the
+    /// recordsets have been let go of.
     void Unload();
 
     /// Sets the menus for a node of the host's tree. `popUp`: while the archive menu is shown as
@@ -41,46 +71,124 @@ public:
     void MakeMyCaption(const QString& nodeKey, const QString& name);
     /// Marks the archive of the node in split 0; none for the root node.
     void MarkArchive(const QString& nodeKey);
-    /// Writes what is being edited in the grid. Nothing can be yet.
-    void CommitPendingEdit() {}
+    /// Writes what is being edited in the grid, or drops it when that fails.
+    void CommitPendingEdit();
+    /// The user has turned to the window: what others have changed meanwhile is shown.
+    void Activate();
     /// Runs an archive command: 0 New, 1 Edit, 2 Delete, 4 Show editor.
     void mnuArchiv_Click(int index);
+    /// Runs a trend command: 0 New, 1 Edit, 2 Delete.
+    void mnuTrend_Click(int index);
+    /// Runs an extra: 0 Statistic, 1 Report, 2 Refresh, 4 Options.
+    void mnuExtra_Click(int index);
+    /// Another language of the project's texts has been chosen.
+    void dblangs_LanguageChanged();
     /// Shows the archive menu at the pointer and returns when it is closed.
     void PopUpArchiveMenu();
+    /// Lays the window's parts out anew after one of them was shown or hidden.
+    void Arrange();
+
+    [[nodiscard]] NameLists& Names() noexcept { return names_; }
+    [[nodiscard]] CInit& Settings();
+    [[nodiscard]] const MResources::TextTable& Texts() const noexcept { return texts_; }
+
+    // Properties of the settings file. The host lays an embedded window out; its state, place and
+    // size are then only kept, so that they go back into the file as they came.
+    [[nodiscard]] int WindowState() const;
+    void SetWindowState(int state);  // 0 normal, 1 minimised, 2 maximised
+    [[nodiscard]] double PosLeft() const;
+    void SetPosLeft(double twips);
+    [[nodiscard]] double PosTop() const;
+    void SetPosTop(double twips);
+    [[nodiscard]] double Width() const;
+    void SetWidth(double twips);
+    [[nodiscard]] double Height() const;
+    void SetHeight(double twips);
+    [[nodiscard]] QObject* Font() const;
 
     // projectdb::IEditorWindow
     void ReleaseTrends() override;
     void TrendsReloaded() override;
     void NamesInGroup(QStringView group) override;
+    // projectdb::IStatusPanels
+    [[nodiscard]] QString PanelText(int panel) const override;
+    void SetPanelText(int panel, const QString& text) override;
 
     // Controls under their given names, objectName() alike.
+    TDBGrid* tdbA = nullptr;
     QMenu* mnuArchive = nullptr;
     std::array<QAction*, 5> mnuArchiv{};  // 3 is a separator
+    QMenu* mnuTrends = nullptr;
+    std::array<QAction*, 3> mnuTrend{};
     QMenu* mnuExtras = nullptr;
+    std::array<QAction*, 5> mnuExtra{};  // 3 is a separator
+    QAction* mnuCopy = nullptr;
+    QAction* mnuPaste = nullptr;
+    QAction* mnuDuplicate = nullptr;
+    QAction* mnuFreeze = nullptr;  // keeps the name column in view
+    QToolBar* tbrfunc = nullptr;
+    QComboBox* cmbLanguage = nullptr;
+    QLineEdit* txtFind = nullptr;
     QStatusBar* sb = nullptr;
+    CDBLanguages* dblangs = nullptr;
 
 signals:
     /// The user wants the database closed and opened again. That takes this window away: connect
     /// it queued.
     void ActualizeRequested();
 
-private slots:
-    void ArchiveRowChanged(const QModelIndex& current);
-    void ShowMissingTrends();
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void BuildMenus();
+    void BuildToolBar();
     void BuildGrid();
     void BuildStatusBar();
+    [[nodiscard]] QAction* AddCommand(QMenu* menu, int text, const QString& name);
 
+    void ArchiveRowChanged();
+    void UpdateCommands();
+    void ShowMissingTrends();
+    void ShowDataError(int number, const QString& text);
+    void ChooseForCell(std::int64_t row, int column);
+    void Tell(const QString& text);
+    void OpenContextMenu(int split, const QPoint& position);
+    void Copy();
+    void Paste();
+    void DuplicateSelection();
+    void StepArchive(int step);
+    [[nodiscard]] bool RunKey(const QKeyEvent& event);
+    void RefreshArchives();
+    void PasteCell(const QString& text);
+    void WriteCell(std::int64_t row, int column, const QVariant& value);
+    void ChooseColour(std::int64_t row, int column, const QVariant& stored);
+    void ShowReport();
+    void ShowOptions();
+    [[nodiscard]] DialogServices Services();
+    [[nodiscard]] AskUser Question();
+    [[nodiscard]] platform::Lcid CurrentLcid() const;
+    [[nodiscard]] QString LanguageColumn() const;
+
+    platform::Registry& registry_;
     projectdb::ProjectContext& project_;
     const MResources::TextTable& texts_;
     IAddIn& addIn_;
+    NameLists names_;
+    projectdb::Hierarchy hierarchy_;
+    std::unique_ptr<ArchiveCommands> archiveCommands_;
+    std::unique_ptr<TrendCommands> trendCommands_;
+    std::unique_ptr<EditorLayout> layout_;
     QMenuBar* bar_ = nullptr;
-    QSplitter* grid_ = nullptr;
-    std::array<QTableView*, 2> splits_{};
+    std::array<QLabel*, 3> panels_{};
     RecordsetModel* archives_ = nullptr;
-    RecordsetModel* trends_ = nullptr;
-    bool marking_ = false;         // the selection in split 0 follows the tree just now
-    bool trendWidthsSet_ = false;  // once: later widths are the user's
+    TrendRows* trends_ = nullptr;
+    projectdb::RowFailures unreadable_;  // trends whose names are not known
+    QPointer<QObject> report_;           // belongs to its library; null before it is first wanted
+    QString nodeKey_;                    // the node that the menus stand for
+    bool marking_ = false;               // the selection in split 0 follows the tree just now
+    int narrowed_ = 1;                   // the split that the find field narrows
+    bool busy_ = false;                  // a command runs
+    bool columnsSetUp_ = false;
 };

@@ -140,7 +140,7 @@ TEST(RecordsetModelTest, ReadsOnWhereItStopped) {
     RecordsetModel model(texts);
     QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
     tester.setUseFetchMore(false);  // it would fetch in the middle of a reset
-    model.Attach(trends, {{"Name", u"Name"_s}, {"VMax", u"VMax"_s}});
+    model.Attach(trends, {{"Name"}, {"VMax", GridKind::Number}});
     ASSERT_TRUE(model.canFetchMore({}));
     model.fetchMore({});
     EXPECT_LT(model.rowCount(), static_cast<int>(count));
@@ -153,7 +153,7 @@ TEST(RecordsetModelTest, ReadsOnWhereItStopped) {
     }
     EXPECT_EQ(model.RowOf(model.IdAt(row - 1)), row - 1);
     EXPECT_EQ(model.RowOf(-1), -1);
-    EXPECT_THROW(model.Attach(trends, {{"None", {}}}), ado::AdoError);
+    EXPECT_THROW(model.Attach(trends, {{"None"}}), ado::AdoError);
     EXPECT_EQ(model.columnCount(), 0);
     model.Detach();
     environment.CloseConnection();
@@ -176,14 +176,13 @@ TEST(RecordsetModelTest, ReadsOnBehindDamagedRows) {
     int told = 0;
     QObject::connect(&model, &RecordsetModel::RowsMissing, [&told] { ++told; });
     for (int i = 1; i <= 2; ++i) {  // attaching again begins anew
-        model.Attach(environment.PrepareRecordset(ADOArchiv::Command::Trends),
-                     {{"Name", u"Name"_s}});
+        model.Attach(environment.PrepareRecordset(ADOArchiv::Command::Trends), {{"Name"}});
         while (model.canFetchMore({})) model.fetchMore({});
         EXPECT_EQ(model.rowCount(), 228 - static_cast<int>(damaged.size()));
         EXPECT_EQ(model.Missing().Count(), static_cast<int>(damaged.size()));
         EXPECT_EQ(told, i);
     }
-    std::set<std::int32_t> ids;
+    std::set<GridRowId> ids;
     for (int row = 0; row < model.rowCount(); ++row) ids.insert(model.IdAt(row));
     EXPECT_EQ(static_cast<int>(ids.size()), model.rowCount()) << "no row stands there twice";
 }

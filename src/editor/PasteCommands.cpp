@@ -1,0 +1,79 @@
+#include "editor/PasteCommands.h"
+
+#include "editor/DuplicateName.h"
+#include "editor/NameLists.h"
+#include "projectdb/NodeKey.h"
+#include "projectdb/Text.h"
+#include "projectdb/Transaction.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using projectdb::ToUtf16;
+
+constexpr std::u16string_view kPlaceholder = u"@New@";
+constexpr qsizetype kTextPrefix = 3;  // "Idx", in front of the name of the index text
+
+std::int32_t AddText(ado::Recordset& texts, std::int32_t group, const QString& trendName) {
+    texts.AddNew();
+    texts.Set("ParentID", group);
+    texts.Set("Name", ToUtf16(u"Idx"_s + trendName));
+    texts.Update();
+    return ado::ToLong(texts.Get("ID"));
+}
+
+}  // namespace
+
+std::vector<std::int32_t> PasteCommands::PasteTrends(std::span<const PastedTrend> pasted,
+                                                     const projectdb::Progress& progress) {
+    const QString& key = project_.currentNodeKey;
+    if (projectdb::NodeKind(key) != projectdb::kArchiveKind) return {};
+    const std::int32_t archive = projectdb::NodeId(key);
+    std::vector<std::int32_t> ids;
+    {
+        ADOArchiv& environment = project_.Environment();
+        projectdb::ProjectRows rows(environment);
+        const projectdb::EditScope trendScope(rows.Trends());
+        const projectdb::EditScope textScope(rows.Texts());
+        // Begun before anything is read: nobody can take a name that is found to be free.
+        projectdb::Transaction transaction(environment.Connection());
+        NameLists names;
+        std::ignore = rows.SeekTrendsOf(archive);
+        names.NamesInGroup(projectdb::kTrendNames, rows.Trends());
+        const std::int32_t group =
+            rows.SeekGroup(archive) ? ado::ToLong(rows.Groups().Get("ID")) : rows.RootGroup();
+        ado::Recordset& trends = rows.Trends();
+        trends.SetFilter("");
+        const qsizetype limit =
+            qMin(trends.Fields()[trends.FieldIndex("Name")].definedSize,
+                 rows.Texts().Fields()[rows.Texts().FieldIndex("Name")].definedSize -
+                     static_cast<int>(kTextPrefix));
+        const auto isInUse = [&](const QString& name) {
+            return names.TestNameInGroup(projectdb::kTrendNames, name);
+        };
+        for (std::size_t i = 0; i < pasted.size(); ++i) {
+            if (progress && !progress(static_cast<int>(i), static_cast<int>(pasted.size()))) {
+                return {};
+            }
+            QString name = pasted[i].name;
+            if (!name.isEmpty() && isInUse(name))
+                name = DuplicateName(name, limit, texts_, isInUse);
+            trends.AddNew();
+            trends.Set("ArchiveID", archive);
+            trends.Set("Name", name.isEmpty() ? std::u16string(kPlaceholder) : ToUtf16(name));
+            for (const auto& [column, value] : pasted[i].values) trends.Set(column, value);
+            trends.Update();
+            ids.push_back(ado::ToLong(trends.Get("ID")));
+            if (name.isEmpty()) {
+                name = u"Trd"_s + QString::number(ids.back());
+                trends.Set("Name", ToUtf16(name));
+            }
+            names.AddNameInGroup(projectdb::kTrendNames, name);
+            trends.Set("TextID", AddText(rows.Texts(), group, name));
+            trends.Update();
+        }
+        transaction.Commit();
+    }
+    projectdb::ReloadTrends(project_, window_);
+    return ids;
+}

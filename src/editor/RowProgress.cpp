@@ -1,0 +1,40 @@
+#include "editor/RowProgress.h"
+
+#include <QProgressDialog>
+
+#include "platform/MessageBox.h"
+
+namespace {
+
+constexpr int kShowAfter = 500;  // milliseconds
+
+}  // namespace
+
+RowProgress::RowProgress(const QString& text, QWidget* owner) : text_(text), owner_(owner) {
+    platform::SetScreenPointer(platform::Pointer::Hourglass);
+}
+
+RowProgress::~RowProgress() {
+    delete dialog_;
+    platform::SetScreenPointer(platform::Pointer::Default);
+}
+
+projectdb::Progress RowProgress::Function() {
+    return [this](int done, int total) { return Step(done, total); };
+}
+
+bool RowProgress::Step(int done, int total) {
+    if (dialog_ == nullptr) {
+        dialog_ = new QProgressDialog(text_, {}, 0, total, owner_);
+        dialog_->setObjectName(QStringLiteral("dlgProgress"));
+        dialog_->setWindowModality(Qt::WindowModal);
+        dialog_->setMinimumDuration(kShowAfter);
+        dialog_->setAutoClose(false);
+        dialog_->setAutoReset(false);
+    }
+    dialog_->setMaximum(total);
+    // Handles events while the dialog is shown, so that Cancel can be pressed; nothing else can,
+    // for the dialog is modal.
+    dialog_->setValue(done);
+    return !dialog_->wasCanceled();
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+
+#include "projectdb/Hierarchy.h"
+
+class QProgressDialog;
+class QWidget;
+
+/// Progress of an operation over many rows: a dialog with Cancel that appears when the operation
+/// takes more than half a second, and the busy pointer from the beginning.
+class RowProgress final {
+public:
+    RowProgress(const QString& text, QWidget* owner);
+    ~RowProgress();
+    RowProgress(const RowProgress&) = delete;
+    RowProgress& operator=(const RowProgress&) = delete;
+
+    /// Valid while the object lives.
+    [[nodiscard]] projectdb::Progress Function();
+
+private:
+    bool Step(int done, int total);
+
+    QString text_;
+    QWidget* owner_;
+    QProgressDialog* dialog_ = nullptr;  // made at the first step
+};

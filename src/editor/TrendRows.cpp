@@ -1,0 +1,116 @@
+#include "editor/TrendRows.h"
+
+#include <algorithm>
+
+#include "editor/NameLists.h"
+#include "languages/MResourceTable.h"
+#include "projectdb/Hierarchy.h"
+#include "projectdb/Text.h"
+
+namespace {
+
+constexpr std::string_view kTrendTable = "TchrTrends";
+constexpr std::string_view kKeys[] = {"ID", "ArchiveID", "TextID", "VUnitID"};
+constexpr std::string_view kColours[] = {"VLineColor", "VUpperColor", "VLowerColor"};
+
+template <typename List>
+bool Contains(const List& list, std::string_view name) {
+    return std::find(std::begin(list), std::end(list), name) != std::end(list);
+}
+
+GridKind KindOf(const ado::Field& field) {
+    using ado::DataType;
+    if (Contains(kColours, field.baseColumn)) return GridKind::Colour;
+    switch (field.type) {
+        case DataType::SmallInt:
+        case DataType::Integer:
+        case DataType::UnsignedTinyInt:
+            return GridKind::Integer;
+        case DataType::Single:
+        case DataType::Double:
+        case DataType::Currency:
+        case DataType::Numeric:
+            return GridKind::Number;
+        default:
+            return GridKind::Text;
+    }
+}
+
+ado::Value ToValue(const QVariant& value) {
+    switch (value.typeId()) {
+        case QMetaType::UnknownType:
+            return ado::Null{};
+        case QMetaType::QString:
+            return projectdb::ToUtf16(value.toString());
+        case QMetaType::Int:
+            return static_cast<std::int32_t>(value.toInt());
+        default:
+            // The field takes what fits into it and refuses the rest.
+            return value.toDouble();
+    }
+}
+
+}  // namespace
+
+TrendRows::TrendRows(const MResources::TextTable& texts, INameRegistry& names, Refusal refuse,
+                     QObject* parent)
+    : RecordsetModel(texts, parent), names_(names), refuse_(std::move(refuse)) {}
+
+void TrendRows::AttachTrends(ado::Recordset& trends, const QVariant& archive) {
+    std::vector<Column> columns;
+    for (const ado::Field& field : trends.Fields()) {
+        const bool editable = field.baseTable == kTrendTable && !Contains(kKeys, field.baseColumn);
+        columns.push_back({field.name, KindOf(field), editable});
+    }
+    Attach(trends, std::move(columns), archive);
+}
+
+GridCommit TrendRows::CommitCell(GridRowId id, int column, const QVariant& value) {
+    const int row = RowOf(id);
+    if (row < 0) return GridCommit::Failed(kRowChanged, {});
+    if (Columns()[static_cast<std::size_t>(column)].field != "Name") {
+        return Write(row, column, ToValue(value));
+    }
+    const QString stored = projectdb::ToQString(ado::ToText(ValueAt(row, column)));
+    const QString name = value.toString();
+    if (!AcceptName(stored, name)) return GridCommit::Refused();
+    const GridCommit commit = Write(row, column, ToValue(value));
+    if (commit.outcome != GridCommit::Outcome::Stored) {
+        names_.ChangeNameInGroup(projectdb::kTrendNames, name, stored);
+    }
+    return commit;
+}
+
+bool TrendRows::AcceptName(const QString& stored, const QString& name) {
+    if (name.trimmed().isEmpty()) {
+        refuse_(MResourceTable::kTextNameRequired);
+        return false;
+    }
+    // Another spelling of the own name is no second use of it.
+    if (!NameLists::IsSameName(name, stored) &&
+        names_.TestNameInGroup(projectdb::kTrendNames, name)) {
+        refuse_(MResourceTable::kTextNameInUse);
+        return false;
+    }
+    names_.ChangeNameInGroup(projectdb::kTrendNames, stored, name);
+    return true;
+}
+
+GridCommit TrendRows::Write(int row, int column, const ado::Value& value) {
+    try {
+        MoveTo(row);
+        if (HasChanged(row)) {
+            TakeOver(row);
+            return GridCommit::Failed(kRowChanged, {});
+        }
+        Rows().Set(Columns()[static_cast<std::size_t>(column)].field, value);
+        Rows().Update();
+        TakeOver(row);
+        return GridCommit::Stored();
+    } catch (const ado::AdoError& error) {
+        Rows().CancelUpdate();
+        const bool changed = error.Number() == ado::ErrorNumber::kRowNotLocated;
+        return GridCommit::Failed(changed ? kRowChanged : error.Number(),
+                                  QString::fromUtf8(error.what()));
+    }
+}

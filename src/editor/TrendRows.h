@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+
+#include "dialogs/DialogServices.h"
+#include "editor/RecordsetModel.h"
+
+/// The trends of the open archive: rows of the trend query that are edited in place. A field goes
+/// to the table it comes from, a row at a time; one that another program has changed meanwhile is
+/// shown as it is now and not overwritten.
+class TrendRows final : public RecordsetModel {
+    Q_OBJECT
+public:
+    /// Number of the data error for a row that is not any more as the grid shows it.
+    static constexpr int kRowChanged = 32;
+
+    /// Tells the user why a name is refused; the text's number.
+    using Refusal = std::function<void(int text)>;
+
+    /// All are borrowed.
+    TrendRows(const MResources::TextTable& texts, INameRegistry& names, Refusal refuse,
+              QObject* parent = nullptr);
+
+    /// Binds to the trend query's rows: every column of it, editable where the table of trends has
+    /// it and it is no key.
+    void AttachTrends(ado::Recordset& trends, const QVariant& archive);
+
+    GridCommit CommitCell(GridRowId row, int column, const QVariant& value) override;
+
+private:
+    [[nodiscard]] bool AcceptName(const QString& stored, const QString& name);
+    [[nodiscard]] GridCommit Write(int row, int column, const ado::Value& value);
+
+    INameRegistry& names_;
+    Refusal refuse_;
+};

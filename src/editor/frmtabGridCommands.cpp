@@ -1,0 +1,390 @@
+// The commands of the editor window.
+
+#include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMenu>
+#include <QScopedValueRollback>
+#include <QTableView>
+
+#include "controls/KVColorSelect.h"
+#include "controls/TDBGrid.h"
+#include "dialogs/ColourTexts.h"
+#include "editor/DuplicateCommands.h"
+#include "editor/frmtabGrid.h"
+#include "editor/GridColumns.h"
+#include "editor/PasteCommands.h"
+#include "editor/RowProgress.h"
+#include "editor/Statistic.h"
+#include "editor/TrendClipboard.h"
+#include "editor/TrendCommands.h"
+#include "editor/TrendRows.h"
+#include "help/HelpTopics.h"
+#include "languages/CDBLanguages.h"
+#include "languages/MResourceTable.h"
+#include "platform/ComponentRegistry.h"
+#include "platform/MessageBox.h"
+#include "projectdb/Guard.h"
+#include "projectdb/NodeKey.h"
+#include "records/MArchiv.h"
+#include "records/MTrend.h"
+#include "settings/CInit.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using projectdb::Guard;
+using Command = ADOArchiv::Command;
+
+constexpr int kNew = 0;
+constexpr int kEdit = 1;
+constexpr int kDelete = 2;
+constexpr int kShowEditor = 4;
+
+constexpr int kStatistic = 0;
+constexpr int kReport = 1;
+constexpr int kRefresh = 2;
+constexpr int kOptions = 4;
+
+std::vector<std::int32_t> Ids(const QList<GridRowId>& rows) {
+    std::vector<std::int32_t> ids;
+    for (const GridRowId row : rows) ids.push_back(static_cast<std::int32_t>(row));
+    return ids;
+}
+
+QList<GridRowId> Rows(const std::vector<std::int32_t>& ids) {
+    return {ids.begin(), ids.end()};
+}
+
+/// The pointer of a busy program while the scope lasts.
+class Busy {
+public:
+    Busy() { platform::SetScreenPointer(platform::Pointer::Hourglass); }
+    ~Busy() { platform::SetScreenPointer(platform::Pointer::Default); }
+    Busy(const Busy&) = delete;
+    Busy& operator=(const Busy&) = delete;
+};
+
+}  // namespace
+
+DialogServices frmtabGrid::Services() {
+    DialogServices services{texts_, names_, {}, {}, {}, {}, {}};
+    services.chooseVariable = [this](QWidget* owner, const QString& current) {
+        return addIn_.ChooseVariable(owner, current);
+    };
+    services.showHelp = [this](int topic, QWidget* owner) { addIn_.ShowHelpTopic(topic, owner); };
+    services.projectFolder = project_.projectPath.left(project_.projectPath.lastIndexOf(u'\\') + 1);
+    if (const CDBLanguage* language = dblangs->Current()) services.textFont = language->font;
+    return services;
+}
+
+platform::Lcid frmtabGrid::CurrentLcid() const {
+    const CDBLanguage* language = dblangs != nullptr ? dblangs->Current() : nullptr;
+    return language != nullptr ? language->lcid : 0;
+}
+
+QString frmtabGrid::LanguageColumn() const {
+    return u'L' + QString::number(CurrentLcid());
+}
+
+AskUser frmtabGrid::Question() {
+    const bool ask = Settings().ReadAValueFromCInits(u"RequestOnDelete"_s, true).AsBoolean(true);
+    if (!ask) return {};
+    return [this](const QString& question) {
+        return platform::ShowMessage(question, platform::MessageButtons::OkCancelDefaultCancel,
+                                     texts_.GetText(MResourceTable::kTextEditorTitle),
+                                     this) == platform::MessageResult::Ok;
+    };
+}
+
+void frmtabGrid::mnuArchiv_Click(int index) {
+    if (index == kShowEditor) return addIn_.ShowEditor();
+    if (busy_) return;
+    const QScopedValueRollback busy(busy_, true);
+    CommitPendingEdit();
+    const QString key = addIn_.SelectedNodeKey();
+    // What is done is shown, even when a later step of the command fails.
+    const auto show = qScopeGuard([&] { Guard(u"frmtabGrid"_s, [&] { RefreshArchives(); }); });
+    switch (index) {
+        case kNew: {
+            const Busy pointer;
+            archiveCommands_->New(LanguageColumn());
+            return;
+        }
+        case kEdit:
+            archiveCommands_->Edit(
+                projectdb::NodeId(key), [&](ado::Recordset& archives, ado::Recordset& texts) {
+                    return MArchiv::EditArchive({archives, texts, CurrentLcid()}, Services(), this);
+                });
+            return;
+        case kDelete: {
+            RowProgress progress(texts_.GetText(MResourceTable::kTextDeletingTrends), this);
+            archiveCommands_->Delete(key, Question(), progress.Function());
+            return;
+        }
+        default:
+            return;
+    }
+}
+
+/// The archives as the file has them now, with the caption of the one that is open.
+void frmtabGrid::RefreshArchives() {
+    const QScopedValueRollback marking(marking_, true);
+    ado::Recordset& archives = project_.Environment().Recordset(Command::Archives);
+    archives_->Detach();
+    if (archives.State() == ado::ObjectState::Open) {
+        archives.Requery();
+    } else {
+        project_.Environment().Open(Command::Archives);
+    }
+    archives_->Attach(archives, GridColumns::OfArchives());
+    const QString& key = project_.currentNodeKey;
+    MarkArchive(key);
+    const int row = archives_->Locate(projectdb::NodeId(key));
+    if (row >= 0) {
+        MakeMyCaption(key, archives_->index(row, archives_->ColumnOf("Name")).data().toString());
+    } else if (projectdb::NodeKind(key) == projectdb::kArchiveKind) {
+        addIn_.SelectArchive(projectdb::kRootKind.toString());  // it has been deleted
+    }
+}
+
+void frmtabGrid::mnuTrend_Click(int index) {
+    if (busy_) return;
+    const QScopedValueRollback busy(busy_, true);
+    CommitPendingEdit();
+    GridSplit& trends = tdbA->SplitAt(1);
+    switch (index) {
+        case kNew: {
+            const Busy pointer;
+            const std::int32_t id = trendCommands_->New();
+            if (id != 0) trends.SetCurrentCell(id);
+            return;
+        }
+        case kEdit: {
+            const GridRowId row = trends.CurrentRow();
+            if (row == kNoGridRow) return;
+            const bool edited =
+                trendCommands_->Edit(static_cast<std::int32_t>(row), [&](ado::Recordset& rows) {
+                    return MTrend::EditTrend(rows, CurrentLcid(), Services(), this);
+                });
+            if (edited) projectdb::ReloadTrends(project_, *this);
+            return;
+        }
+        case kDelete: {
+            RowProgress progress(texts_.GetText(MResourceTable::kTextDeletingTrends), this);
+            trendCommands_->Delete(Ids(trends.SelectedRows()), Question(), progress.Function());
+            return;
+        }
+        default:
+            return;
+    }
+}
+
+void frmtabGrid::mnuExtra_Click(int index) {
+    CommitPendingEdit();
+    switch (index) {
+        case kStatistic:
+            return Statistic::Show(project_.Environment(), hierarchy_.Counters());
+        case kReport:
+            return ShowReport();
+        case kRefresh:
+            emit ActualizeRequested();
+            return;
+        case kOptions:
+            return ShowOptions();
+        default:
+            return;
+    }
+}
+
+void frmtabGrid::ShowReport() {
+    const platform::ComponentRegistry components;
+    if (!report_) report_ = components.Load(u"KVProjectReport.Connect"_s).root;
+    const bool shown =
+        report_ && QMetaObject::invokeMethod(report_, "Show", Q_ARG(qulonglong, effectiveWinId()),
+                                             Q_ARG(QString, project_.projectPath),
+                                             Q_ARG(QString, u"KVTrend"_s));
+    if (!shown) Tell(texts_.GetText(MResourceTable::kTextNoReport));
+}
+
+void frmtabGrid::ShowOptions() {}
+
+void frmtabGrid::DuplicateSelection() {
+    if (busy_) return;
+    const QScopedValueRollback busy(busy_, true);
+    CommitPendingEdit();
+    DuplicateCommands commands(project_, *this, names_, texts_, addIn_);
+    RowProgress progress(texts_.GetText(MResourceTable::kTextCopyingTrends), this);
+    if (tdbA->Split() == 0) {
+        const auto copy =
+            commands.DuplicateArchive(projectdb::NodeId(nodeKey_), progress.Function());
+        if (!copy) return;
+        RefreshArchives();
+        addIn_.SelectArchive(projectdb::ArchiveNodeKey(*copy));
+        return;
+    }
+    GridSplit& trends = tdbA->SplitAt(1);
+    QList<GridRowId> rows = trends.SelectedRows();
+    if (rows.isEmpty() && trends.CurrentRow() != kNoGridRow) rows.append(trends.CurrentRow());
+    const auto copies = commands.DuplicateTrends(Ids(rows), progress.Function());
+    if (copies.empty()) return;
+    trends.SetCurrentCell(copies.front());
+    trends.SelectRows(Rows(copies));
+}
+
+void frmtabGrid::Copy() {
+    const GridSplit& split = tdbA->SplitAt(tdbA->Split());
+    const QList<GridRowId> rows = split.SelectedRows();
+    if (!rows.isEmpty()) {
+        QApplication::clipboard()->setText(TrendClipboard::Copy(split, rows));
+    } else if (split.CurrentRow() != kNoGridRow) {
+        QApplication::clipboard()->setText(
+            split.CellText(split.CurrentRow(), split.CurrentColumn()));
+    }
+}
+
+void frmtabGrid::Paste() {
+    if (busy_ || tdbA->Split() != 1) return;
+    const QScopedValueRollback busy(busy_, true);
+    CommitPendingEdit();
+    GridSplit& trends = tdbA->SplitAt(1);
+    const QString text = QApplication::clipboard()->text();
+    const auto pasted = TrendClipboard::Parse(text, trends, *trends_, QLocale(), texts_);
+    if (!pasted) return PasteCell(text);
+    if (!pasted->refusal.isEmpty()) return Tell(pasted->refusal);
+    RowProgress progress(texts_.GetText(MResourceTable::kTextPastingTrends), this);
+    PasteCommands commands(project_, *this, texts_);
+    const auto ids = commands.PasteTrends(pasted->trends, progress.Function());
+    if (ids.empty()) return;
+    trends.SetCurrentCell(ids.front());
+    trends.SelectRows(Rows(ids));
+}
+
+void frmtabGrid::PasteCell(const QString& text) {
+    const GridSplit& trends = tdbA->SplitAt(1);
+    const GridRowId row = trends.CurrentRow();
+    const int column = trends.CurrentColumn();
+    if (row == kNoGridRow || column < 0 || !trends.CanEdit(row, column)) return;
+    const GridColumn& known = *trends.ColumnAt(column);
+    const auto value = TrendClipboard::ReadCell(text.trimmed(), known, trends_->FieldAt(column),
+                                                QLocale(), texts_);
+    if (!value) {
+        return Tell(TrendClipboard::Refusal(texts_, 1, known.Caption(), text));
+    }
+    WriteCell(row, column, RecordsetModel::Stored(*value));
+}
+
+/// Writes a cell that has not been typed into, telling of a failure as the grid does.
+void frmtabGrid::WriteCell(GridRowId row, int column, const QVariant& value) {
+    const GridCommit commit = trends_->CommitCell(row, column, value);
+    if (commit.outcome == GridCommit::Outcome::Failed) ShowDataError(commit.number, commit.text);
+}
+
+void frmtabGrid::ChooseForCell(GridRowId row, int column) {
+    CommitPendingEdit();
+    GridSplit& trends = tdbA->SplitAt(1);
+    const int place = trends_->RowOf(row);
+    if (place < 0) return;
+    const QVariant stored = trends_->index(place, column).data(GridRole::kStored);
+    if (trends.ColumnAt(column)->Kind() == GridKind::Colour) {
+        return ChooseColour(row, column, stored);
+    }
+    const auto variable = addIn_.ChooseVariable(this, stored.toString());
+    if (variable) WriteCell(row, column, *variable);
+}
+
+/// Opens the palette of a colour selector that stands over the cell until it closes.
+void frmtabGrid::ChooseColour(GridRowId row, int column, const QVariant& stored) {
+    QTableView* view = tdbA->SplitAt(1).View();
+    auto* selector = new KVColorSelect(view->viewport());
+    selector->setObjectName(u"clrCell"_s);
+    selector->SetTexts(ColourTexts(texts_));
+    selector->setGeometry(view->visualRect(view->currentIndex()));
+    if (stored.isValid()) {
+        selector->SetColor(stored.toInt());
+    } else {
+        selector->ClearColor();
+    }
+    connect(selector, &KVColorSelect::ColorChanged, this, [=, this](int color) {
+        Guard(u"frmtabGrid: tdbA"_s, [&] { WriteCell(row, column, color); });
+    });
+    connect(selector, &KVColorSelect::ChoiceEnded, selector, &QObject::deleteLater);
+    selector->show();
+    selector->OpenPalette();
+}
+
+void frmtabGrid::ShowDataError(int number, const QString& text) {
+    QString message = texts_.GetText(MResourceTable::kTextGridError) + QString::number(number);
+    const QString cause =
+        number == TrendRows::kRowChanged ? texts_.GetText(MResourceTable::kTextRowChanged) : text;
+    if (!cause.isEmpty()) message += u"\n\n"_s + cause;
+    Tell(message);
+    if (number != TrendRows::kRowChanged) return;
+    platform::ShowMessage(texts_.GetText(MResourceTable::kTextError) + QString::number(number) +
+                              texts_.GetText(MResourceTable::kTextOutOfStep),
+                          platform::MessageButtons::Ok, u"No way out"_s, this);
+    projectdb::ReloadTrends(project_, *this);
+    const QList<GridRowId> rows = tdbA->SplitAt(1).ShownRows();
+    if (!rows.isEmpty()) tdbA->SplitAt(1).SetCurrentCell(rows.front());
+}
+
+void frmtabGrid::OpenContextMenu(int split, const QPoint& position) {
+    QMenu menu(this);
+    if (split == 0) {
+        menu.addActions({mnuArchiv[0], mnuArchiv[1], mnuArchiv[2]});
+        menu.addSeparator();
+        menu.addActions({mnuCopy, mnuDuplicate});
+    } else {
+        menu.addActions({mnuTrend[0], mnuTrend[1], mnuTrend[2]});
+        menu.addSeparator();
+        menu.addActions({mnuCopy, mnuPaste, mnuDuplicate});
+        menu.addSeparator();
+        menu.addAction(mnuFreeze);
+    }
+    menu.exec(position);
+}
+
+bool frmtabGrid::RunKey(const QKeyEvent& event) {
+    const bool archives = tdbA->Split() == 0;
+    const auto run = [](QAction* action) {
+        action->trigger();  // nothing happens while it is disabled
+        return true;
+    };
+    const int key = event.key();
+    if (event.modifiers() == Qt::NoModifier) {
+        switch (key) {
+            case Qt::Key_F1:
+                addIn_.ShowHelpTopic(archives ? help::kHelpEditorWindow : help::kHelpTrendGrid,
+                                     this);
+                return true;
+            case Qt::Key_F8:
+                return run(archives ? mnuArchiv[0] : mnuTrend[0]);
+            case Qt::Key_F9:
+                return run(archives ? mnuArchiv[1] : mnuTrend[1]);
+            case Qt::Key_Insert:
+                return run(mnuTrend[0]);
+            default:
+                return false;
+        }
+    }
+    if (event.modifiers() != Qt::ControlModifier) return false;
+    switch (key) {
+        case Qt::Key_Delete:
+            return run(archives ? mnuArchiv[2] : mnuTrend[2]);
+        case Qt::Key_C:
+            return run(mnuCopy);
+        case Qt::Key_V:
+            return run(mnuPaste);
+        case Qt::Key_D:
+            return run(mnuDuplicate);
+        case Qt::Key_F:
+            narrowed_ = tdbA->Split();
+            txtFind->setFocus(Qt::ShortcutFocusReason);
+            txtFind->selectAll();
+            return true;
+        default:
+            return false;
+    }
+}

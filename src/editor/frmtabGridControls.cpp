@@ -1,0 +1,228 @@
+// Building of the editor window's controls.
+
+#include <QAction>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+#include "controls/TDBGrid.h"
+#include "editor/EditorIcons.h"
+#include "editor/frmtabGrid.h"
+#include "editor/TrendRows.h"
+#include "languages/MResourceTable.h"
+#include "projectdb/Guard.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using projectdb::Guard;
+
+struct Command {
+    int text;  // 0: a separator
+    EditorIcon icon = EditorIcon::Help;
+};
+constexpr std::array<Command, 5> kArchiveCommands = {{
+    {MResourceTable::kTextNewArchive, EditorIcon::NewArchive},
+    {MResourceTable::kTextEditArchive, EditorIcon::EditArchive},
+    {MResourceTable::kTextDeleteArchive, EditorIcon::DeleteArchive},
+    {0},
+    {MResourceTable::kTextShowEditor},
+}};
+constexpr std::array<Command, 3> kTrendCommands = {{
+    {MResourceTable::kTextNewTrend, EditorIcon::NewTrend},
+    {MResourceTable::kTextEditTrend, EditorIcon::EditTrend},
+    {MResourceTable::kTextDeleteTrend, EditorIcon::DeleteTrend},
+}};
+constexpr std::array<Command, 5> kExtras = {{
+    {MResourceTable::kTextStatistics},
+    {MResourceTable::kTextReport, EditorIcon::Report},
+    {MResourceTable::kTextActualizeConnection, EditorIcon::Refresh},
+    {0},
+    {MResourceTable::kTextOptions, EditorIcon::Options},
+}};
+
+constexpr int kFindWidth = 32;  // average characters
+
+QString ArrayName(QStringView name, int index) {
+    return u"%1(%2)"_s.arg(name).arg(index);
+}
+
+/// A menu text as a tool tip: without access key, the key that stands behind many blanks in
+/// parentheses ("New (F8)").
+QString ToolTip(QString text) {
+    text.remove(u'&');
+    const qsizetype gap = text.indexOf(u"  "_s);
+    if (gap < 0) return text;
+    return u"%1 (%2)"_s.arg(text.left(gap), text.mid(gap).trimmed());
+}
+
+}  // namespace
+
+QAction* frmtabGrid::AddCommand(QMenu* menu, int text, const QString& name) {
+    QAction* action = text == 0 ? menu->addSeparator() : menu->addAction(texts_.GetText(text));
+    action->setObjectName(name);
+    return action;
+}
+
+void frmtabGrid::BuildMenus() {
+    bar_ = new QMenuBar(this);
+    bar_->setNativeMenuBar(false);  // the window stands inside the host's
+
+    const auto build = [this](QStringView menuName, int menuText, QStringView itemName,
+                              const auto& commands, auto& actions, auto click) {
+        QMenu* menu = bar_->addMenu(texts_.GetText(menuText));
+        menu->setObjectName(menuName.toString());
+        for (int i = 0; i < static_cast<int>(commands.size()); ++i) {
+            const Command& command = commands[static_cast<std::size_t>(i)];
+            QAction* action = AddCommand(menu, command.text, ArrayName(itemName, i));
+            if (command.icon != EditorIcon::Help) {
+                action->setIcon(MakeIcon(command.icon));
+                action->setToolTip(ToolTip(texts_.GetText(menuText)) + u": "_s +
+                                   ToolTip(texts_.GetText(command.text)));
+            }
+            connect(action, &QAction::triggered, this, [this, click, i, itemName] {
+                Guard(u"frmtabGrid: %1_Click"_s.arg(itemName), [&] { (this->*click)(i); });
+            });
+            actions[static_cast<std::size_t>(i)] = action;
+        }
+        return menu;
+    };
+    mnuArchive = build(u"mnuArchive", MResourceTable::kTextMenuArchive, u"mnuArchiv",
+                       kArchiveCommands, mnuArchiv, &frmtabGrid::mnuArchiv_Click);
+    mnuTrends = build(u"mnuTrends", MResourceTable::kTextMenuTrends, u"mnuTrend", kTrendCommands,
+                      mnuTrend, &frmtabGrid::mnuTrend_Click);
+    mnuExtras = build(u"mnuExtras", MResourceTable::kTextMenuExtras, u"mnuExtra", kExtras, mnuExtra,
+                      &frmtabGrid::mnuExtra_Click);
+    connect(mnuTrends, &QMenu::aboutToShow, this, &frmtabGrid::UpdateCommands);
+
+    const auto addEdit = [this](QStringView name, int text, EditorIcon icon, auto slot) {
+        auto* action = new QAction(MakeIcon(icon), texts_.GetText(text), this);
+        action->setObjectName(name.toString());
+        connect(action, &QAction::triggered, this, [this, slot, name] {
+            Guard(u"frmtabGrid: %1"_s.arg(name), [&] { (this->*slot)(); });
+        });
+        return action;
+    };
+    mnuCopy = addEdit(u"mnuCopy", MResourceTable::kTextCopy, EditorIcon::Copy, &frmtabGrid::Copy);
+    mnuPaste =
+        addEdit(u"mnuPaste", MResourceTable::kTextPaste, EditorIcon::Paste, &frmtabGrid::Paste);
+    mnuDuplicate = addEdit(u"mnuDuplicate", MResourceTable::kTextDuplicate, EditorIcon::Duplicate,
+                           &frmtabGrid::DuplicateSelection);
+    mnuFreeze = new QAction(texts_.GetText(MResourceTable::kTextFreezeName), this);
+    mnuFreeze->setObjectName(u"mnuFreeze"_s);
+    mnuFreeze->setCheckable(true);
+    connect(mnuFreeze, &QAction::toggled, this,
+            [this](bool on) { tdbA->SplitAt(1).SetFrozenColumn(on ? u"Name"_s : QString()); });
+}
+
+void frmtabGrid::BuildToolBar() {
+    tbrfunc = new QToolBar(texts_.GetText(MResourceTable::kTextToolBar), this);
+    tbrfunc->setObjectName(u"tbrfunc"_s);
+    tbrfunc->setMovable(false);
+    tbrfunc->setIconSize(QSize(20, 20));
+    for (const std::size_t i : {0u, 1u, 2u}) tbrfunc->addAction(mnuArchiv[i]);
+    tbrfunc->addSeparator();
+    for (const std::size_t i : {0u, 1u, 2u}) tbrfunc->addAction(mnuTrend[i]);
+    tbrfunc->addSeparator();
+    for (QAction* action : {mnuCopy, mnuPaste, mnuDuplicate}) tbrfunc->addAction(action);
+    tbrfunc->addSeparator();
+    for (const std::size_t i : {1u, 2u, 4u}) tbrfunc->addAction(mnuExtra[i]);
+    tbrfunc->addSeparator();
+
+    txtFind = new QLineEdit(tbrfunc);
+    txtFind->setObjectName(u"txtFind"_s);
+    txtFind->setPlaceholderText(texts_.GetText(MResourceTable::kTextNarrow));
+    txtFind->setAccessibleName(texts_.GetText(MResourceTable::kTextNarrow));
+    txtFind->setClearButtonEnabled(true);
+    txtFind->addAction(MakeIcon(EditorIcon::Find), QLineEdit::LeadingPosition);
+    txtFind->setMaximumWidth(kFindWidth * txtFind->fontMetrics().averageCharWidth());
+    txtFind->installEventFilter(this);
+    connect(txtFind, &QLineEdit::textChanged, this, [this](const QString& text) {
+        for (int split = 0; split < TDBGrid::kSplitCount; ++split) {
+            tdbA->SplitAt(split).SetFilterText(narrowed_ == split ? text : QString());
+        }
+    });
+    tbrfunc->addWidget(txtFind);
+
+    auto* filler = new QWidget(tbrfunc);
+    filler->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    tbrfunc->addWidget(filler);
+
+    cmbLanguage = new QComboBox(tbrfunc);
+    cmbLanguage->setObjectName(u"cmbLanguage"_s);
+    cmbLanguage->setAccessibleName(texts_.GetText(MResourceTable::kTextLanguageOfTexts));
+    cmbLanguage->setToolTip(texts_.GetText(MResourceTable::kTextLanguageOfTexts));
+    cmbLanguage->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    cmbLanguage->setFocusPolicy(Qt::StrongFocus);  // the wheel does not turn it in passing
+    cmbLanguage->installEventFilter(this);
+    tbrfunc->addWidget(cmbLanguage);
+}
+
+void frmtabGrid::BuildGrid() {
+    tdbA = new TDBGrid(this);
+    tdbA->setObjectName(u"tdbA"_s);
+    tdbA->SetTexts([this](int id) { return texts_.GetText(id); });
+    tdbA->Splitter()->handle(1)->setObjectName(u"pctTrdTabSplit"_s);
+    tdbA->Splitter()->setStretchFactor(0, 0);
+    tdbA->Splitter()->setStretchFactor(1, 1);
+    tdbA->Splitter()->setSizes({280, 720});
+    archives_ = new RecordsetModel(texts_, this);
+    trends_ = new TrendRows(
+        texts_, names_, [this](int text) { Tell(texts_.GetText(text)); }, this);
+    // Queued: a view may be reading in the middle of its layout.
+    connect(trends_, &RecordsetModel::RowsMissing, this, &frmtabGrid::ShowMissingTrends,
+            Qt::QueuedConnection);
+
+    GridSplit& archives = tdbA->SplitAt(0);
+    GridSplit& trends = tdbA->SplitAt(1);
+    archives.SetSource(archives_);
+    trends.SetSource(trends_);
+    trends.SetAlwaysCurrent(true);
+    trends.SetCaption(texts_.GetText(MResourceTable::kTextTrends));
+    const auto guarded = [](auto body) { Guard(u"frmtabGrid: tdbA"_s, body); };
+    connect(&archives, &GridSplit::RowColChange, this,
+            [this, guarded] { guarded([this] { ArchiveRowChanged(); }); });
+    connect(&archives, &GridSplit::DblClick, this,
+            [this, guarded] { guarded([this] { mnuArchiv_Click(1); }); });
+    connect(&trends, &GridSplit::DblClick, this,
+            [this, guarded] { guarded([this] { mnuTrend_Click(1); }); });
+    connect(&trends, &GridSplit::SelChange, this, &frmtabGrid::UpdateCommands);
+    connect(&trends, &GridSplit::RowColChange, this, &frmtabGrid::UpdateCommands);
+    connect(&trends, &GridSplit::ButtonClick, this, [this, guarded](GridRowId row, int column) {
+        guarded([&] { ChooseForCell(row, column); });
+    });
+    connect(&trends, &GridSplit::DataError, this, [this, guarded](int number, const QString& text) {
+        guarded([&] { ShowDataError(number, text); });
+    });
+    connect(&trends, &GridSplit::EditDiscarded, this, [this](GridRowId, int, const QString& text) {
+        Tell(texts_.GetText(MResourceTable::kTextEditDiscarded).replace(u"<text>"_s, text));
+    });
+    for (int split = 0; split < TDBGrid::kSplitCount; ++split) {
+        connect(&tdbA->SplitAt(split), &GridSplit::ContextMenu, this,
+                [this, split](GridRowId, int, const QPoint& position) {
+                    OpenContextMenu(split, position);
+                });
+    }
+    connect(tdbA, &TDBGrid::PageRequested, this,
+            [this, guarded](int step) { guarded([&] { StepArchive(step); }); });
+}
+
+void frmtabGrid::BuildStatusBar() {
+    sb = new QStatusBar(this);
+    sb->setObjectName(u"sb"_s);
+    sb->setSizeGripEnabled(false);
+    for (std::size_t i = 0; i < panels_.size(); ++i) {
+        const int number = static_cast<int>(i);
+        auto* panel = new QLabel(texts_.GetText(MResourceTable::kTextFirstPanel + number), sb);
+        panel->setObjectName(ArrayName(u"sb.Panels", number + 1));
+        panel->setTextFormat(Qt::PlainText);
+        sb->addWidget(panel, i == 0 ? 2 : 1);
+        panels_[i] = panel;
+    }
+}
