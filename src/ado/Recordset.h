@@ -106,8 +106,9 @@ public:
     void Set(std::string_view name, const Value& value);
     /// Stores the pending edit; each field goes to the table it came from. Afterwards a new row is
     /// the current row, the last one until the next Requery. kRowNotLocated when another program
-    /// has changed or deleted the row since it was read; kIntegrity for a key that exists already
-    /// or a value that must not be Null. When it fails nothing is stored and the edit is pending.
+    /// has changed or deleted the row since it was read; kIntegrity for a key that exists already,
+    /// a value that must not be Null or empty, and what a relationship forbids. When it fails
+    /// nothing is stored and the edit is pending.
     void Update();
     /// Drops the pending edit, a new row with it. Does nothing when there is none.
     void CancelUpdate();

@@ -28,6 +28,7 @@ constexpr int kMostDigits = 28;
 constexpr std::uint8_t kFixed = 0x01;
 constexpr std::uint8_t kUpdatable = 0x02;
 constexpr std::uint8_t kAutoNumber = 0x04;
+constexpr std::uint8_t kAutoGuid = 0x40;
 constexpr std::uint8_t kCompressed = 0x01;
 
 Status CheckName(const std::string& what, const std::string& name) {
@@ -66,7 +67,9 @@ Result<Column> MakeColumn(const ColumnSpec& wanted) {
     column.length = form->length;
     column.flags = kUpdatable;
     if (form->isFixed) column.flags |= kFixed;
-    if (wanted.isAutoNumber) column.flags |= kAutoNumber;
+    if (wanted.isAutoNumber) {
+        column.flags |= wanted.type == ColumnType::Guid ? kAutoGuid : kAutoNumber;
+    }
     if (column.IsText()) {
         column.collationLcid = kGeneralLcid;
         column.collationVersion = kGeneralVersion;
@@ -87,8 +90,9 @@ Result<Column> MakeColumn(const ColumnSpec& wanted) {
         column.precision = wanted.precision;
         column.scale = wanted.scale;
     }
-    if (wanted.isAutoNumber && wanted.type != ColumnType::Long)
-        return wrong("only Long can be counted");
+    if (wanted.isAutoNumber && wanted.type != ColumnType::Long && wanted.type != ColumnType::Guid) {
+        return wrong("only Long and Guid can be AutoNumbers");
+    }
     return column;
 }
 

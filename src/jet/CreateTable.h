@@ -13,7 +13,7 @@ struct ColumnSpec {
     std::string name;  // UTF-8
     ColumnType type = ColumnType::Long;
     std::size_t length = 0;     // Text: 1..255 UTF-16 units, Binary: 1..510 bytes, others: not used
-    bool isAutoNumber = false;  // Long only, one a table
+    bool isAutoNumber = false;  // Long and Guid, one a table
     bool mayCompress = true;    // Text and Memo: stored in the shorter form where there is one
     std::uint8_t precision = 18;  // Numeric: 1..28 digits
     std::uint8_t scale = 0;       // Numeric: 0..precision digits behind the point

@@ -22,7 +22,8 @@ enum class StatusCode {
     Busy,         // another program holds a lock; later it may work
     Conflict,     // another program has changed or deleted the row meanwhile
     Duplicate,    // a unique index holds the key already
-    Required,     // a value must not be Null
+    Required,     // a value must not be Null, or not be an empty text
+    Related,      // a relationship with another table forbids it
     TooLong,      // a value or a row is too large
 };
 

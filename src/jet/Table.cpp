@@ -3,6 +3,7 @@
 #include "jet/detail/Bytes.h"
 #include "jet/detail/KeyEncoder.h"
 #include "jet/detail/TableDefReader.h"
+#include "jet/detail/TableRules.h"
 #include "jet/detail/ValueCodec.h"
 
 namespace jet {
@@ -243,6 +244,31 @@ Result<RowCursor> Table::Scan() {
     cursor.row_.def_ = def_;
     cursor.row_.codePage_ = file_.codePage;
     return cursor;
+}
+
+Result<const TableRules*> Table::Rules() {
+    if (!rules_ || changes_ != file_.cache.Changes()) {
+        changes_ = file_.cache.Changes();
+        related_.clear();
+        rules_ = nullptr;
+        Result<TableRules> rules = ReadTableRules(file_, *def_);
+        if (!rules.IsOk()) return rules.GetStatus();
+        rules_ = std::make_shared<const TableRules>(std::move(*rules));
+    }
+    return rules_.get();
+}
+
+Result<Table*> Table::Related(PageNo page) {
+    if (page == page_) return this;
+    JET_TRY(Rules().GetStatusOrOk());
+    std::unique_ptr<Table>& table = related_[page];
+    if (!table) {
+        JET_ASSIGN(table, Open(file_, page, PageText(page)));
+        const TableRules* rules = nullptr;
+        JET_ASSIGN(rules, table->Rules());
+        if (!rules->name.empty()) table->name_ = rules->name;
+    }
+    return table.get();
 }
 
 bool Table::CanSeek(std::size_t realIndex) const {

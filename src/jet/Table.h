@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <span>
 #include <string>
@@ -16,6 +17,8 @@
 #include "jet/Value.h"
 
 namespace jet {
+
+struct TableRules;
 
 /// How messages name a table.
 [[nodiscard]] std::string TableText(const std::string& name);
@@ -131,6 +134,10 @@ public:
 
 private:
     friend class TableWriter;
+    // For writing. Both are borrowed, and good until another program has changed the file.
+    [[nodiscard]] Result<const TableRules*> Rules();
+    /// The table whose definition begins on `page`; this one when it is its own.
+    [[nodiscard]] Result<Table*> Related(PageNo page);
     Table(const FileContext& file, PageNo page, std::string name);
     [[nodiscard]] Status Named(const Status& status) const;
 
@@ -139,6 +146,9 @@ private:
     std::string name_;
     std::shared_ptr<const TableDef> def_;
     std::uint64_t generation_ = 0;  // of the page cache when def_ was read
+    std::shared_ptr<const TableRules> rules_;
+    std::map<PageNo, std::unique_ptr<Table>> related_;
+    std::uint64_t changes_ = 0;  // of the page cache when the two were read
 };
 
 }  // namespace jet

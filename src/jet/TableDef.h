@@ -71,6 +71,11 @@ struct LogicalIndex {
     std::uint8_t side = 0;  // foreign key: 1 referenced, 2 referencing
     PageNo otherTable{};    // foreign key
     std::int32_t partner = -1;
+    // Foreign key: what happens to the referencing rows when the referenced one changes. Without
+    // any of them its key cannot change as long as there are such rows.
+    bool cascadesUpdates = false;
+    bool cascadesDeletes = false;
+    bool setsNull = false;  // on a delete
 };
 
 /// What a table definition says.

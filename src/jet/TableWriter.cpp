@@ -1,6 +1,8 @@
 #include "jet/TableWriter.h"
 
 #include <algorithm>
+#include <memory>
+#include <random>
 
 #include "jet/detail/DataPageEditor.h"
 #include "jet/detail/IndexWriter.h"
@@ -22,6 +24,16 @@ std::vector<std::byte> Padded(Bytes row) {
     std::vector<std::byte> bytes(row.begin(), row.end());
     if (bytes.size() < kPointerSize) bytes.resize(kPointerSize);
     return bytes;
+}
+
+/// A random one in the form that says so.
+Guid RandomGuid() {
+    static std::random_device random;
+    Guid guid;
+    for (std::byte& b : guid.bytes) b = static_cast<std::byte>(random());
+    guid.bytes[6] = (guid.bytes[6] & std::byte{0x0F}) | std::byte{0x40};
+    guid.bytes[8] = (guid.bytes[8] & std::byte{0x3F}) | std::byte{0x80};
+    return guid;
 }
 
 bool IsAssigned(std::span<const Assignment> values, std::size_t column) {
@@ -222,7 +234,11 @@ Status TableWriter::NumberRow(RowImage& image, std::vector<Value>& values,
                               std::span<const Assignment> assigned) {
     const TableDef& def = table_.Definition();
     for (std::size_t i = 0; i < def.columns.size(); ++i) {
-        if (!def.columns[i].IsAutoNumber() || def.columns[i].type != ColumnType::Long) continue;
+        if (!def.columns[i].IsAutoNumber()) continue;
+        if (def.columns[i].type == ColumnType::Guid && !IsAssigned(assigned, i)) {
+            JET_TRY(Assign(image, values, {i, Value(RandomGuid())}));
+        }
+        if (def.columns[i].type != ColumnType::Long) continue;
         MutableBytes page;
         JET_ASSIGN(page, file_.cache.Edit(def.page));
         const auto last = Load<std::int32_t>(page, kLastAutoNumber);
@@ -245,6 +261,9 @@ Result<RowId> TableWriter::InsertNow(std::span<const Assignment> assignments) {
     }
     for (const Assignment& assignment : assignments) JET_TRY(Assign(image, values, assignment));
     JET_TRY(NumberRow(image, values, assignments));
+    const auto all = std::make_unique<bool[]>(values.size());
+    std::fill_n(all.get(), values.size(), true);
+    JET_TRY(CheckRules(values, {all.get(), values.size()}));
     std::vector<Key> keys;
     JET_ASSIGN(keys, KeysOf(values));
     for (std::size_t i = 0; i < keys.size(); ++i) JET_TRY(CheckKey(i, keys[i], nullptr));
@@ -253,6 +272,8 @@ Result<RowId> TableWriter::InsertNow(std::span<const Assignment> assignments) {
     RowId row;
     JET_ASSIGN(row, PlaceRow(bytes, 0));
     JET_TRY(InsertKeys(keys, row, nullptr));
+    // When the row is there: it may belong to itself.
+    JET_TRY(CheckParents(values, nullptr, keys));
     JET_TRY(Count(1));
     return row;
 }
@@ -269,7 +290,13 @@ Status TableWriter::UpdateNow(RowId id, std::span<const Assignment> assignments)
     JET_ASSIGN(values, ValuesOf(row));
     std::vector<Key> before;
     JET_ASSIGN(before, KeysOf(values));
-    for (const Assignment& assignment : assignments) JET_TRY(Assign(*image, values, assignment));
+    const std::vector<Value> oldValues = values;
+    const auto assigned = std::make_unique<bool[]>(values.size());
+    for (const Assignment& assignment : assignments) {
+        JET_TRY(Assign(*image, values, assignment));
+        assigned[assignment.column] = true;
+    }
+    JET_TRY(CheckRules(values, {assigned.get(), values.size()}));
     std::vector<Key> after;
     JET_ASSIGN(after, KeysOf(values));
     for (std::size_t i = 0; i < after.size(); ++i) JET_TRY(CheckKey(i, after[i], &before[i]));
@@ -277,7 +304,9 @@ Status TableWriter::UpdateNow(RowId id, std::span<const Assignment> assignments)
     JET_ASSIGN(bytes, image->Assemble());
     JET_TRY(RemoveKeys(before, id, &after));
     JET_TRY(ReplaceRow(place, bytes));
-    return InsertKeys(after, id, &before);
+    JET_TRY(InsertKeys(after, id, &before));
+    JET_TRY(FollowChildren(oldValues, before, values, &after));
+    return CheckParents(values, &before, after);
 }
 
 Status TableWriter::DeleteNow(RowId id) {
@@ -299,7 +328,8 @@ Status TableWriter::DeleteNow(RowId id) {
     JET_TRY(RemoveKeys(keys, id, nullptr));
     if (place.moved) JET_TRY(DeleteSlot(*place.moved));
     JET_TRY(DeleteSlot(place.own));
-    return Count(-1);
+    JET_TRY(Count(-1));
+    return FollowChildren(values, keys, {}, nullptr);
 }
 
 Status TableWriter::Count(int change) {

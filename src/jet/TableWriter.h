@@ -21,8 +21,12 @@ struct Assignment {
 /// table is kept, and what a failed change has done is taken back before it returns; the
 /// transaction goes on. Borrows the table.
 ///
-/// Failures: Unsupported when an index cannot be kept, Duplicate, Required, TooLong, NotFound when
-/// the row is gone, Corrupt.
+/// The properties Required and AllowZeroLength of the columns are obeyed, and so are relationships
+/// that the database enforces: deletes and changes of keys go on to other tables where they say so.
+/// Default values and validation rules, which are expressions, are not evaluated.
+///
+/// Failures: Unsupported when an index cannot be kept, Duplicate, Required, Related, TooLong,
+/// NotFound when the row is gone, Corrupt.
 class TableWriter {
 public:
     explicit TableWriter(Table& table) : table_(table), file_(table.file_) {}
@@ -34,8 +38,8 @@ public:
         return writer;
     }
 
-    /// Columns that are not assigned are Null, Booleans false; an AutoNumber gets the next number
-    /// unless it is assigned.
+    /// Columns that are not assigned are Null, Booleans false; an AutoNumber gets the next number,
+    /// or a random GUID, unless it is assigned.
     [[nodiscard]] Result<RowId> Insert(std::span<const Assignment> values);
     /// Columns that are not assigned stay byte for byte as they are.
     Status Update(RowId row, std::span<const Assignment> values);
@@ -55,6 +59,16 @@ private:
         [[nodiscard]] RowId Bytes() const { return moved.value_or(own); }
     };
 
+    // Sides of a relationship, as stored.
+    static constexpr std::uint8_t kReferenced = 1;
+    static constexpr std::uint8_t kReferencing = 2;
+    /// A relationship as seen from one of its ends.
+    struct Relation {
+        Table* other = nullptr;
+        std::size_t index = 0;             // of the other table, with its end of the relationship
+        std::vector<IndexColumn> columns;  // of this table, in the order of that index
+    };
+
     template <typename Change>
     [[nodiscard]] Status Step(Change change);
     [[nodiscard]] Result<RowId> InsertNow(std::span<const Assignment> values);
@@ -69,6 +83,18 @@ private:
     Status InsertKeys(const std::vector<Key>& keys, RowId row, const std::vector<Key>* before);
     Status RemoveKeys(const std::vector<Key>& keys, RowId row, const std::vector<Key>* after);
 
+    Status CheckRules(std::span<const Value> values, std::span<const bool> assigned);
+    [[nodiscard]] Result<Relation> OpenRelation(const LogicalIndex& end);
+    [[nodiscard]] static Result<std::string> RelatedKey(const Relation& relation,
+                                                        std::span<const Value> values);
+    [[nodiscard]] static Result<std::vector<RowId>> RowsWith(const Relation& relation,
+                                                             const std::string& key,
+                                                             std::size_t most);
+    Status CheckParents(std::span<const Value> values, const std::vector<Key>* before,
+                        const std::vector<Key>& after);
+    Status FollowChildren(std::span<const Value> before, const std::vector<Key>& keys,
+                          std::span<const Value> after, const std::vector<Key>* newKeys);
+
     Status Assign(RowImage& image, std::vector<Value>& values, const Assignment& assignment);
     Status NumberRow(RowImage& image, std::vector<Value>& values,
                      std::span<const Assignment> assigned);
@@ -81,6 +107,7 @@ private:
     Table& table_;
     const FileContext& file_;
     bool mayWriteSystem_ = false;
+    int depth_ = 0;  // of changes that have led to this one
 };
 
 }  // namespace jet

@@ -52,6 +52,21 @@ protected:
     Recordset rows_;
 };
 
+TEST_F(EditTest, RulesOfOtherProgramsAreRefusedByTheirNumber) {
+    const std::string path = (folder_ / "rules.mdb").string();
+    fs::copy_file(TestData("indexTestV2000.mdb"), path);
+    Connection connection;
+    connection.Open(ConnectionString(path));
+    Recordset rows;
+    rows.Open("Table1", connection, CommandType::Table);
+    rows.Set("otherfk1", 999);
+    EXPECT_EQ(ErrorOf([&] { rows.Update(); }), ErrorNumber::kIntegrity);
+    rows.CancelUpdate();
+    rows.Close();
+    rows.Open("Table3", connection, CommandType::Table);
+    EXPECT_EQ(ErrorOf([&] { rows.Delete(); }), ErrorNumber::kIntegrity);
+}
+
 TEST_F(EditTest, ANewRowGetsItsNumberAndBecomesTheCurrentOne) {
     rows_.Open("TchrArchives", connection_, CommandType::Table);
     EXPECT_EQ(rows_.EditMode(), EditMode::None);

@@ -148,6 +148,31 @@ TEST(CreateTest, ATableHasWhatWasAskedFor) {
     EXPECT_EQ(RowsOf(*database, wanted.name).size(), 400U);
 }
 
+TEST(CreateTest, RowsOfBooleansAndRandomNumbers) {
+    TestDisk disk;
+    ASSERT_OK(CreateDatabase(disk, kProject, [](Database& database) {
+        // A row of it would be shorter than the pointer of a row that has moved.
+        JET_TRY(CreateTable(database, {"Flags", {{"A", ColumnType::Boolean}}, {}}));
+        const ColumnSpec number{.name = "A", .type = ColumnType::Guid, .isAutoNumber = true};
+        return CreateTable(database, {"Guids", {number}, {}});
+    }));
+    auto database = Must(Database::Open(disk, kProject, OpenMode::ReadWrite));
+    ASSERT_OK(database->Begin());
+    auto flags = Must(database->OpenTable("Flags"));
+    for (const bool flag : {true, false, true}) {
+        ASSERT_OK(TableWriter(*flags).Insert(std::vector<Assignment>{{0, flag}}));
+    }
+    auto guids = Must(database->OpenTable("Guids"));
+    for (int i = 0; i < 3; ++i) ASSERT_OK(TableWriter(*guids).Insert({}));
+    ASSERT_OK(database->Commit());
+    using Rows = std::vector<std::vector<Value>>;
+    EXPECT_EQ(RowsOf(*database, "Flags"), (Rows{{true}, {false}, {true}}));
+    const Rows made = RowsOf(*database, "Guids");
+    EXPECT_NE(made.at(0), made.at(1));
+    EXPECT_NE(made.at(1), made.at(2));
+    EXPECT_THAT(ErrorsIn(disk), IsEmpty());
+}
+
 TEST(CreateTest, ATableIsAddedToAFileOfAnotherProgram) {
     TestDisk disk;
     disk.Put(kProject, ReadWhole(Example("Brauerei.kvs")));

@@ -13,6 +13,7 @@ void ThrowStatus(const jet::Status& status, const std::string& file) {
             break;
         case jet::StatusCode::Duplicate:
         case jet::StatusCode::Required:
+        case jet::StatusCode::Related:
             number = ErrorNumber::kIntegrity;
             break;
         case jet::StatusCode::NotFound:

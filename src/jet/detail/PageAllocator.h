@@ -1,16 +1,19 @@
 #pragma once
 
+#include <optional>
+
+#include "jet/detail/Bytes.h"
 #include "jet/detail/PageCache.h"
 #include "jet/Status.h"
 
 namespace jet {
 
-/// Takes pages from the file and gives them back (Jet 4): keeps the global map of free pages, row
-/// 0 of page 1, inside a transaction of the cache. Borrows the cache.
+/// Takes pages from the file and gives them back (Jet 4): keeps the global map of free pages, see
+/// GlobalMap, inside a transaction of the cache. Borrows the cache.
 ///
-/// In that map a set bit means free, and the bits of pages behind the end of the file are
-/// normally set. The row grows in place, 32 pages at a time, as the program that made the file
-/// does it.
+/// The inline form of the map grows in place, 32 pages at a time, as the program that made the file
+/// does it. When its page is full (at 131 MB) it becomes a list of bitmap pages, as the maps of
+/// large tables are.
 class PageAllocator {
 public:
     explicit PageAllocator(PageCache& cache) : cache_(cache) {}
@@ -21,8 +24,14 @@ public:
     Status Free(PageNo page);
 
 private:
+    [[nodiscard]] Result<MutableBytes> Row();
+    [[nodiscard]] Result<std::optional<PageNo>> LowestFree();
+    /// Adds a page at the end that the map reaches.
+    [[nodiscard]] Result<PageNo> AddPage();
+    [[nodiscard]] Result<bool> Reaches(PageNo page);
+    Status AddBitmap(PageNo bitmap);
+    [[nodiscard]] Result<MutableBytes> EditBitmap(PageNo page);
     Status SetBit(PageNo page, bool isFree);
-    Status Grow(PageNo page);
 
     PageCache& cache_;
 };

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "jet/detail/Bytes.h"
+#include "jet/detail/GlobalMap.h"
 
 namespace jet {
 namespace {
@@ -197,8 +198,7 @@ Result<std::span<std::byte>> PageCache::Edit(PageNo page) {
 }
 
 Result<PageNo> PageCache::AddPage() {
-    constexpr std::uint64_t kLargestFile = std::uint64_t{2} << 30;  // bytes
-    if ((std::uint64_t{pageCount_} + 1) * pageSize_ > kLargestFile) {
+    if (pageCount_ >= kMostPages) {
         return Status(StatusCode::Full, "the file cannot grow beyond 2 GB; compact it");
     }
     const PageNo page{pageCount_++};

@@ -28,7 +28,7 @@ struct Layout {
     std::size_t nameLengthSize;
     std::size_t realSize, keyColumns, realMap, realRoot, realFlags;
     std::size_t logicalSize, logicalNumber, logicalReal, logicalSide, logicalPartner, logicalTable,
-        logicalRole;
+        logicalUpdates, logicalDeletes, logicalRole;
 };
 
 constexpr Layout kJet4 = {.rows = 0x10,
@@ -62,6 +62,8 @@ constexpr Layout kJet4 = {.rows = 0x10,
                           .logicalSide = 12,
                           .logicalPartner = 13,
                           .logicalTable = 17,
+                          .logicalUpdates = 21,
+                          .logicalDeletes = 22,
                           .logicalRole = 23};
 
 constexpr Layout kJet3 = {.rows = 12,
@@ -95,6 +97,8 @@ constexpr Layout kJet3 = {.rows = 12,
                           .logicalSide = 8,
                           .logicalPartner = 9,
                           .logicalTable = 13,
+                          .logicalUpdates = 17,
+                          .logicalDeletes = 18,
                           .logicalRole = 19};
 
 Status DamageOf(PageNo page, const std::string& what) {
@@ -231,6 +235,11 @@ private:
             index.partner = Load<std::int32_t>(block, layout_.logicalPartner);
             index.otherTable = PageNo{LoadU32(block, layout_.logicalTable)};
             index.role = LogicalIndex::Role{LoadU8(block, layout_.logicalRole)};
+            if (index.role == LogicalIndex::Role::ForeignKey) {
+                index.cascadesUpdates = LoadU8(block, layout_.logicalUpdates) == 1;
+                index.cascadesDeletes = (LoadU8(block, layout_.logicalDeletes) & 1) != 0;
+                index.setsNull = (LoadU8(block, layout_.logicalDeletes) & 2) != 0;
+            }
             if (index.real >= realCount_) return Damage("names an index that does not exist");
             def_.logicalIndexes.push_back(std::move(index));
         }
