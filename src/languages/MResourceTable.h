@@ -300,6 +300,13 @@ inline constexpr int kTextFirstTint = 1163;  // three: light, dark, very dark
 inline constexpr int kTextFirstGrey = 1166;  // four, from white to black
 inline constexpr int kTextSampleCurve = 1170;
 
+// Options dialog: tool tips
+inline constexpr int kTextAddColumn = 1260;
+inline constexpr int kTextRemoveColumn = 1261;
+inline constexpr int kTextColumnUp = 1262;
+inline constexpr int kTextColumnDown = 1263;
+inline constexpr int kTextChooseFont = 1264;
+
 // Editor window
 inline constexpr int kTextNarrow = 1360;
 inline constexpr int kTextCopy = 1361;

@@ -74,6 +74,13 @@ constexpr Entry kAll[] = {
     {1169, u"Schwarz", u"Black"},
     {1170, u"Beispielkurve", u"Sample curve"},
 
+    // Options dialog
+    {1260, u"Spalte anzeigen (Eingabe)", u"Show column (Enter)"},
+    {1261, u"Spalte ausblenden (Entf)", u"Hide column (Del)"},
+    {1262, u"Nach oben (Strg+Nach-oben)", u"Move up (Ctrl+Up)"},
+    {1263, u"Nach unten (Strg+Nach-unten)", u"Move down (Ctrl+Down)"},
+    {1264, u"Schriftart auswählen", u"Choose font"},
+
     // Grid
     {1300, u"aufsteigend sortiert", u"sorted ascending"},
     {1301, u"absteigend sortiert", u"sorted descending"},
