@@ -1,0 +1,51 @@
+#include "help/HelpViewer.h"
+
+#include <memory>
+#include <QCoreApplication>
+#include <QPointer>
+
+#include "help/HelpTexts.h"
+#include "help/HelpWindow.h"
+#include "paths/NativePath.h"
+
+namespace help {
+
+namespace {
+
+/// Owns the window, which must not outlive the application.
+class Viewer final {
+public:
+    explicit Viewer(MResources::TextTable& texts) : texts_(texts) {}
+    ~Viewer() { delete window_.data(); }
+    Viewer(const Viewer&) = delete;
+    Viewer& operator=(const Viewer&) = delete;
+
+    void Show(const QString& path, int topic, QWidget* owner) {
+        AddHelpTexts(texts_);
+        if (window_ && window_->Language() != GetText(texts_, Text::Folder)) delete window_.data();
+        if (!window_) {
+            window_ = new HelpWindow(texts_);
+            QObject::connect(qApp, &QCoreApplication::aboutToQuit, window_, &QObject::deleteLater);
+        }
+        const QByteArray utf8 = path.toUtf8();
+        const std::string native = paths::ToNative({utf8.data(), std::size_t(utf8.size())});
+        window_->ShowTopic(QString::fromStdString(native), topic);
+        window_->BringUp(owner);
+    }
+
+private:
+    MResources::TextTable& texts_;
+    QPointer<HelpWindow> window_;
+};
+
+}  // namespace
+
+platform::HelpFile::Viewer MakeViewer(MResources::TextTable& texts) {
+    return
+        [viewer = std::make_shared<Viewer>(texts)](const QString& path, int topic, QWidget* owner) {
+            viewer->Show(path, topic, owner);
+            return true;
+        };
+}
+
+}  // namespace help

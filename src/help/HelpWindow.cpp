@@ -1,0 +1,285 @@
+#include "help/HelpWindow.h"
+
+#include <QAction>
+#include <QDateTime>
+#include <QFileInfo>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QStyle>
+#include <QToolBar>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+#include <QWindow>
+
+#include "help/detail/HtmlText.h"
+#include "help/HelpPage.h"
+#include "help/HelpTexts.h"
+#include "help/HelpTopics.h"
+
+namespace help {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr int kPageRole = Qt::UserRole;
+constexpr qsizetype kMaximumWords = 1 << 20;  // characters of one page that a search looks through
+
+/// Tells a file that has been replaced from the one that was read.
+QString Stamp(const QString& path) {
+    const QFileInfo file(path);
+    if (!file.isFile()) return {};
+    return u"%1 %2 %3"_s.arg(path, file.lastModified().toString(Qt::ISODateWithMs))
+        .arg(file.size());
+}
+
+}  // namespace
+
+HelpWindow::HelpWindow(const MResources::TextTable& texts)
+    : texts_(texts), language_(GetText(texts_, Text::Folder)), builtIn_(language_) {
+    setObjectName(u"frmHelp"_s);
+    // The program ends with its own windows; this one goes with them.
+    setAttribute(Qt::WA_QuitOnClose, false);
+    resize(980, 680);
+    BuildToolBar();
+    BuildBody();
+    lblState_ = new QLabel(this);
+    lblState_->setObjectName(u"lblState"_s);
+    statusBar()->addWidget(lblState_, 1);
+    Use(builtIn_);
+}
+
+HelpWindow::~HelpWindow() = default;
+
+QAction* HelpWindow::AddAction(const char* name, const QString& text, const QString& icon,
+                               const QKeySequence& key) {
+    auto* action = new QAction(text, this);
+    action->setObjectName(QLatin1StringView(name));
+    action->setIconText(icon);
+    action->setShortcut(key);
+    action->setToolTip(
+        key.isEmpty() ? text : text + u" ("_s + key.toString(QKeySequence::NativeText) + u')');
+    addAction(action);
+    return action;
+}
+
+void HelpWindow::BuildToolBar() {
+    txtPage_ = new HelpPage(this);
+    auto* bar = addToolBar(GetText(texts_, Text::Home));
+    bar->setObjectName(u"tbrHelp"_s);
+    bar->setMovable(false);
+    bar->setContextMenuPolicy(Qt::PreventContextMenu);
+    QAction* back = AddAction("actBack", GetText(texts_, Text::Back), u"◀"_s, QKeySequence::Back);
+    QAction* forward =
+        AddAction("actForward", GetText(texts_, Text::Forward), u"▶"_s, QKeySequence::Forward);
+    const QString homeText = GetText(texts_, Text::Home);
+    QAction* home = AddAction("actHome", homeText, homeText, Qt::ALT | Qt::Key_Home);
+    QAction* smaller =
+        AddAction("actSmaller", GetText(texts_, Text::Smaller), u"A−"_s, QKeySequence::ZoomOut);
+    QAction* larger =
+        AddAction("actLarger", GetText(texts_, Text::Larger), u"A+"_s, QKeySequence::ZoomIn);
+    bar->addActions({back, forward, home});
+    bar->addSeparator();
+    bar->addActions({smaller, larger});
+    back->setEnabled(false);
+    forward->setEnabled(false);
+    connect(back, &QAction::triggered, txtPage_, &QTextBrowser::backward);
+    connect(forward, &QAction::triggered, txtPage_, &QTextBrowser::forward);
+    connect(txtPage_, &QTextBrowser::backwardAvailable, back, &QAction::setEnabled);
+    connect(txtPage_, &QTextBrowser::forwardAvailable, forward, &QAction::setEnabled);
+    connect(home, &QAction::triggered, this, [this] { txtPage_->ShowPage(source_->HomePage()); });
+    connect(smaller, &QAction::triggered, this, [this] { txtPage_->zoomOut(1); });
+    connect(larger, &QAction::triggered, this, [this] { txtPage_->zoomIn(1); });
+    QAction* find = AddAction("actFind", GetText(texts_, Text::Search), {}, QKeySequence::Find);
+    connect(find, &QAction::triggered, this, [this] {
+        txtSearch_->setFocus();
+        txtSearch_->selectAll();
+    });
+}
+
+void HelpWindow::BuildBody() {
+    auto* left = new QWidget(this);
+    auto* column = new QVBoxLayout(left);
+    column->setContentsMargins(4, 4, 0, 4);
+    txtSearch_ = new QLineEdit(left);
+    txtSearch_->setObjectName(u"txtSearch"_s);
+    txtSearch_->setPlaceholderText(GetText(texts_, Text::Search));
+    txtSearch_->setToolTip(GetText(texts_, Text::SearchTip));
+    txtSearch_->setAccessibleName(GetText(texts_, Text::Search));
+    txtSearch_->setClearButtonEnabled(true);
+    tvwContents_ = new QTreeWidget(left);
+    tvwContents_->setObjectName(u"tvwContents"_s);
+    tvwContents_->setAccessibleName(GetText(texts_, Text::Contents));
+    tvwContents_->setHeaderHidden(true);
+    tvwContents_->setUniformRowHeights(true);
+    lstMatches_ = new QListWidget(left);
+    lstMatches_->setObjectName(u"lstMatches"_s);
+    lstMatches_->setAccessibleName(GetText(texts_, Text::Matches));
+    stkLeft_ = new QStackedWidget(left);
+    stkLeft_->addWidget(tvwContents_);
+    stkLeft_->addWidget(lstMatches_);
+    column->addWidget(txtSearch_);
+    column->addWidget(stkLeft_);
+    txtPage_->setObjectName(u"txtPage"_s);
+    txtPage_->setAccessibleName(GetText(texts_, Text::Page));
+
+    auto* splitter = new QSplitter(this);
+    splitter->setObjectName(u"splHelp"_s);
+    splitter->addWidget(left);
+    splitter->addWidget(txtPage_);
+    splitter->setSizes({260, 720});
+    splitter->setStretchFactor(1, 1);
+    splitter->setChildrenCollapsible(false);
+    setCentralWidget(splitter);
+
+    connect(txtSearch_, &QLineEdit::textChanged, this, &HelpWindow::Search);
+    connect(txtSearch_, &QLineEdit::returnPressed, this, [this] {
+        if (lstMatches_->count() > 0) lstMatches_->setCurrentRow(0);
+    });
+    connect(tvwContents_, &QTreeWidget::currentItemChanged, this, &HelpWindow::OpenItem);
+    connect(lstMatches_, &QListWidget::currentItemChanged, this, [this](QListWidgetItem* item) {
+        if (item == nullptr) return;
+        txtPage_->ShowPage(item->data(kPageRole).toString());
+        txtPage_->find(txtSearch_->text().trimmed());
+    });
+    connect(txtPage_, &QTextBrowser::sourceChanged, this, &HelpWindow::SelectPage);
+}
+
+void HelpWindow::OpenItem(QTreeWidgetItem* item) {
+    if (item == nullptr) return;
+    const QString page = item->data(0, kPageRole).toString();
+    if (!page.isEmpty()) txtPage_->ShowPage(page);
+}
+
+void HelpWindow::Use(const IHelpSource& source) {
+    if (source_ == &source) return;
+    source_ = &source;
+    words_.clear();
+    txtSearch_->clear();
+    txtPage_->SetSource(source_);
+    setWindowTitle(GetText(texts_, Text::WindowTitle).arg(source_->Title()));
+    const QSignalBlocker quiet(tvwContents_);
+    tvwContents_->clear();
+    QList<QTreeWidgetItem*> parents;
+    for (const ContentsEntry& entry : source_->Contents()) {
+        const qsizetype level = qMin<qsizetype>(entry.level, parents.size());
+        parents.resize(level);
+        auto* item = parents.isEmpty() ? new QTreeWidgetItem(tvwContents_)
+                                       : new QTreeWidgetItem(parents.back());
+        item->setText(0, entry.title);
+        item->setData(0, kPageRole, entry.page);
+        parents += item;
+    }
+    tvwContents_->expandAll();
+}
+
+void HelpWindow::ShowTopic(const QString& helpFile, int topic) {
+    pendingTopic_ = topic;
+    const QString stamp = Stamp(helpFile);
+    if (stamp != chmStamp_) {
+        chmStamp_ = stamp;
+        chmFile_ = helpFile;
+        reader_.reset();
+        Use(builtIn_);
+        chm_.reset();
+        lblState_->clear();
+        if (!stamp.isEmpty()) {
+            lblState_->setText(GetText(texts_, Text::Loading));
+            reader_ = std::make_unique<ChmReader>(
+                helpFile, [this](std::unique_ptr<ChmHelp> chm) { Loaded(std::move(chm)); });
+        }
+    }
+    if (!reader_) ShowPending();
+}
+
+void HelpWindow::Loaded(std::unique_ptr<ChmHelp> chm) {
+    // It is still on the stack.
+    reader_.release()->deleteLater();
+    chm_ = std::move(chm);
+    const bool usable = chm_ && !chm_->HomePage().isEmpty();
+    if (!usable) chm_.reset();
+    lblState_->setText(usable ? QString() : GetText(texts_, Text::FileDamaged).arg(chmFile_));
+    ShowPending();
+}
+
+void HelpWindow::ShowPending() {
+    QString page = chm_ ? chm_->TopicPage(pendingTopic_) : QString();
+    if (!page.isEmpty()) {
+        Use(*chm_);
+    } else {
+        page = builtIn_.TopicPage(pendingTopic_);
+        // A number that nobody knows is the file's own business.
+        const bool unknown = page.isEmpty();
+        if (unknown && chm_) {
+            Use(*chm_);
+        } else {
+            Use(builtIn_);
+        }
+        if (unknown) page = source_->HomePage();
+    }
+    txtSearch_->clear();
+    txtPage_->ShowPage(page);
+    emit TopicShown(page);
+}
+
+void HelpWindow::SelectPage(const QUrl& address) {
+    const QString shown = HelpPage::PageOf(address);
+    const QSignalBlocker quiet(tvwContents_);
+    for (QTreeWidgetItemIterator item(tvwContents_); *item != nullptr; ++item) {
+        const QString page = (*item)->data(0, kPageRole).toString().section(u'#', 0, 0);
+        if (page.compare(shown, Qt::CaseInsensitive) == 0) {
+            tvwContents_->setCurrentItem(*item);
+            return;
+        }
+    }
+}
+
+void HelpWindow::Search(const QString& words) {
+    const QString wanted = words.simplified();
+    lstMatches_->clear();
+    stkLeft_->setCurrentIndex(wanted.isEmpty() ? 0 : 1);
+    lblState_->clear();
+    if (wanted.isEmpty()) return;
+    for (const QString& page : source_->Pages()) {
+        auto text = words_.find(page);
+        if (text == words_.end()) {
+            const QByteArray bytes = source_->Read(page).value_or(QByteArray());
+            const QString title = HtmlTitle(bytes);
+            text = words_.insert(page, (title.isEmpty() ? page : title) + u'\n' +
+                                           HtmlToText(DecodeHtml(bytes)).left(kMaximumWords));
+        }
+        if (!text->contains(wanted, Qt::CaseInsensitive)) continue;
+        auto* item = new QListWidgetItem(text->section(u'\n', 0, 0), lstMatches_);
+        item->setData(kPageRole, page);
+    }
+    if (lstMatches_->count() == 0) lblState_->setText(GetText(texts_, Text::NoMatches).arg(wanted));
+}
+
+void HelpWindow::BringUp(QWidget* owner) {
+    show();
+    QWindow* above = owner != nullptr ? owner->window()->windowHandle() : nullptr;
+    // A dialog that is modal blocks every window but those above it.
+    if (windowHandle() != nullptr && above != windowHandle()) {
+        windowHandle()->setTransientParent(above);
+    }
+    if (isMinimized()) showNormal();
+    raise();
+    activateWindow();
+}
+
+void HelpWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->key() != Qt::Key_Escape) {
+        QMainWindow::keyPressEvent(event);
+    } else if (!txtSearch_->text().isEmpty()) {
+        txtSearch_->clear();
+    } else {
+        close();
+    }
+}
+
+}  // namespace help
