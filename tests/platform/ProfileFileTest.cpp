@@ -141,9 +141,10 @@ TEST_F(ProfileFileTest, WritesItsOwnLineAndNothingElse) {
 
 TEST_F(ProfileFileTest, WhatIsWrittenIsReadBack) {
     Put("[Mine]\r\nx=\xFC\r\n");
-    const QStringList texts = {u""_s,  u"a"_s,   u" a "_s,     u"\"a\""_s, u"'a'"_s,       u"\"a"_s,
-                               u"'"_s, u"\""_s,  u"\"\""_s,    u"'\t"_s,   u"a=b"_s,       u";a"_s,
-                               u"€"_s, u"[a]"_s, u"\"'a'\""_s, u"Łódź"_s,  u"\U0001F37A"_s};
+    const QStringList texts = {u""_s,        u"a"_s,    u" a "_s,       u"\"a\""_s, u"'a'"_s,
+                               u"\"a"_s,     u"'"_s,    u"\""_s,        u"\"\""_s,  u"'\t"_s,
+                               u"a=b"_s,     u";a"_s,   u"€"_s,         u"Ã¤"_s,    u"[a]"_s,
+                               u"\"'a'\""_s, u"Łódź"_s, u"\U0001F37A"_s};
     for (const QString& text : texts) {
         ProfileFile(path_).Write(u"Mine"_s, u"Key"_s, text);
         EXPECT_EQ(ProfileFile(path_).Read(u"Mine", u"Key", u"-"_s), text) << text.toStdString();
@@ -162,9 +163,10 @@ TEST_F(ProfileFileTest, WhatIsWrittenIsReadBack) {
 }
 
 TEST_F(ProfileFileTest, BytesThatAreNoTextStay) {
-    for (const QByteArray& rest : {QByteArray("\xEF\xBB\xBFx=\xFC\xC0\x80\r\n\xEF\xBB\xBF"),
-                                   QByteArray("\xFF\xFE\x00\xD8\x0A\x00\x00\xDC\x41", 9),
-                                   QByteArray("\xC3\xA4\x1A\x81\xFF\n")}) {
+    for (const QByteArray& rest :
+         {QByteArray("\xEF\xBB\xBFx=\xFC\xC0\x80\r\n\xEF\xBB\xBF"),
+          QByteArray("\xFF\xFE\x00\xD8\x0A\x00\x00\xDC\x41", 9), QByteArray("[Mine]\nx=\xC3"),
+          QByteArray("\xC3\xA4\x1A\x81\xFF\n")}) {
         Put(rest);
         ProfileFile(path_).Write(u"Mine"_s, u"Key"_s, u"1"_s);
         const QByteArray after = Get();

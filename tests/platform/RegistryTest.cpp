@@ -163,6 +163,17 @@ TEST_F(RegistryTest, TextsWithLineEndsDoNotBreakTheFile) {
     }
 }
 
+// The written line was taken for the rest of the list, once even across a blank line.
+TEST_F(RegistryTest, AnUnfinishedListDoesNotSwallowWhatIsWritten) {
+    for (const QString& list : {u"\"a\"=hex:01,\\"_s, u"\"a\"=hex:01,\\\\"_s}) {
+        for (const QString& rest : {u""_s, u"\r\n"_s}) {
+            Put(named_, Utf16(kVersion5 + kSection + list + rest));
+            registry_.WriteDword(kKey, u"b", 2);
+            EXPECT_EQ(Registry(RegistryFiles{named_, {}}).ReadDword(kKey, u"b"), 2U);
+        }
+    }
+}
+
 TEST_F(RegistryTest, ManyDeletedKeysTakeTheirTimeOnly) {
     QString text = kVersion5;
     for (int i = 0; i < 30'000; ++i) {

@@ -40,9 +40,11 @@ QByteArray EncodeUtf16(QStringView text, bool bigEndian) {
     return bytes;
 }
 
-bool IsAscii(QByteArrayView bytes) {
-    return std::all_of(bytes.begin(), bytes.end(),
-                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+/// UTF-8 that is not plain ASCII.
+bool IsUtf8(QByteArrayView bytes) {
+    return bytes.isValidUtf8() && !std::all_of(bytes.begin(), bytes.end(), [](char c) {
+               return static_cast<unsigned char>(c) < 0x80;
+           });
 }
 
 }  // namespace
@@ -59,12 +61,13 @@ FileText FileText::Decode(const QByteArray& bytes, WithoutMark withoutMark) {
         if (content.size() % 2 != 0) file.tail = content.last(1).toByteArray();
         return file;
     }
-    const bool mayBeUtf8 = !file.mark.isEmpty() || withoutMark == WithoutMark::Utf8OrAnsi;
-    if (mayBeUtf8 && (!file.mark.isEmpty() || !IsAscii(content))) {
+    file.withoutMark = withoutMark;
+    if (IsUtf8(content) && (!file.mark.isEmpty() || withoutMark == WithoutMark::Utf8OrAnsi)) {
+        // The decoder would take a second mark away.
         QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
         file.text = decoder(content);
         file.encoding = Encoding::Utf8;
-        if (!decoder.hasError()) return file;
+        return file;
     }
     file.encoding = Encoding::Ansi;
     file.text = FromWindows1252(content);
@@ -74,7 +77,10 @@ FileText FileText::Decode(const QByteArray& bytes, WithoutMark withoutMark) {
 QByteArray FileText::Encode() const {
     if (encoding == Encoding::Utf8) return mark + text.toUtf8();
     if (encoding == Encoding::Ansi) {
-        if (const std::optional<QByteArray> bytes = ToWindows1252(text)) return mark + *bytes;
+        const std::optional<QByteArray> bytes = ToWindows1252(text);
+        const bool misread =
+            bytes && mark.isEmpty() && withoutMark == WithoutMark::Utf8OrAnsi && IsUtf8(*bytes);
+        if (bytes && !misread) return mark + *bytes;
         return kLittleEndianMark + EncodeUtf16(text, false);
     }
     return mark + EncodeUtf16(text, mark == kBigEndianMark) + tail;

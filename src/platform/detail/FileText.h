@@ -15,13 +15,14 @@ struct FileText {
 
     QString text;
     Encoding encoding = Encoding::Ansi;
+    WithoutMark withoutMark = WithoutMark::Utf8OrAnsi;
     QByteArray mark;  // the byte order mark; empty without one
     QByteArray tail;  // the odd byte at the end of UTF-16
 
     /// Text without a mark that is all ASCII counts as Ansi.
     [[nodiscard]] static FileText Decode(const QByteArray& bytes, WithoutMark withoutMark);
-    /// A character that Ansi has no place for makes the file UTF-16 with a mark, which every
-    /// program that reads such files knows.
+    /// A character that Ansi has no place for, or bytes that would be taken for UTF-8 the next
+    /// time, make the file UTF-16 with a mark, which every program that reads such files knows.
     [[nodiscard]] QByteArray Encode() const;
 };
 

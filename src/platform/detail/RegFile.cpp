@@ -62,7 +62,7 @@ QString Quoted(QStringView text) {
 
 /// A text with line ends would break its line; such texts are exported as bytes.
 QString Written(const QString& text, bool ansi) {
-    if (!text.contains(u'\n') && !text.contains(u'\r')) return Quoted(text);
+    if (!text.contains(u'\n')) return Quoted(text);
     QByteArray bytes;
     if (ansi) {
         bytes = ToWindows1252(text).value_or(text.toLatin1()) + '\0';
@@ -191,9 +191,12 @@ qsizetype RegFile::ReadValue(const QString& current, qsizetype line) {
     qsizetype count = 1;
     // Only number lists are continued; a text may well end in a backslash.
     if (text.contains(u"=hex"_s, Qt::CaseInsensitive)) {
-        while (text.endsWith(u'\\') && line + count < lines_.size()) {
+        QStringView part = QStringView(lines_[line]).trimmed();
+        while (part.endsWith(u'\\')) {
             text.chop(1);
-            text += lines_[line + count].trimmed();
+            if (line + count == lines_.size()) break;
+            part = QStringView(lines_[line + count]).trimmed();
+            text += part;
             ++count;
         }
     }
@@ -287,7 +290,10 @@ void RegFile::Set(QStringView key, QStringView valueName, const Data& data) {
         lines_.remove(old.firstLine, old.lineCount);
         lines_.insert(old.firstLine, line);
     } else {
-        lines_.insert(found->second.lastLine + 1, line);
+        const qsizetype place = found->second.lastLine + 1;
+        lines_.insert(place, line);
+        // A list of numbers that was left unfinished would take the new line for its rest.
+        if (lines_[place - 1].trimmed().endsWith(u'\\')) lines_.insert(place, end);
     }
     // Line numbers have moved.
     keys_.clear();
@@ -297,7 +303,7 @@ void RegFile::Set(QStringView key, QStringView valueName, const Data& data) {
 
 QByteArray RegFile::Serialize() const {
     QString text = lines_.join(u'\n');
-    if (lastLineEnded_) text += u'\n';
+    if (lastLineEnded_ && !lines_.isEmpty()) text += u'\n';
     FileText file = form_;
     file.text = text;
     return file.Encode();

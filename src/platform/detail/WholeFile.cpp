@@ -157,10 +157,6 @@ void Replace(const QString& file, const QByteArray& bytes) {
         std::ignore = unlink(beside.constData());
         Fail(file, u"written"_s, cause);
     }
-    const Descriptor folder(
-        open(FolderOf(QFile::decodeName(target)).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    // Some file systems cannot sync a folder; the file is whole in either case.
-    if (folder.Number() >= 0) std::ignore = fsync(folder.Number());
 }
 
 Lock::Lock(const QString& file)

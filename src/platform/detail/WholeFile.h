@@ -31,8 +31,9 @@ struct State {
 [[nodiscard]] std::optional<QByteArray> Read(const QString& file);
 
 /// Puts `bytes` in the place of the file: afterwards, also after a crash or on a full disk, it is
-/// whole, old or new. Access rights stay; a file that is write-protected is not replaced, though
-/// the folder would allow it. A link stays a link.
+/// whole, old or new; which of them after a crash is left to the file system, since waiting for
+/// its folder as well would double the time. Access rights stay; a file that is write-protected is
+/// not replaced, though the folder would allow it. A link stays a link.
 void Replace(const QString& file, const QByteArray& bytes);
 
 /// Keeps other programs of this kind from changing the file between reading and replacing it. The
