@@ -6,6 +6,7 @@
 #include "addin/MKVSGlobalEditors.h"
 #include "addin/WindowEmbedding.h"
 #include "help/HelpTopics.h"
+#include "help/HelpViewer.h"
 #include "languages/MResourceTable.h"
 #include "platform/Error.h"
 #include "platform/MessageBox.h"
@@ -50,7 +51,9 @@ int TopicOf(const Node& node) {
 
 }  // namespace
 
-Connect::Connect() = default;
+Connect::Connect() {
+    helpFile_.SetViewer(help::MakeViewer(texts_));
+}
 
 Connect::~Connect() {
     // A host that goes down without Terminate: nothing of it may be touched any more.

@@ -2,7 +2,9 @@
 
 #include <memory>
 #include <QCoreApplication>
+#include <QList>
 #include <QPointer>
+#include <utility>
 
 #include "help/HelpTexts.h"
 #include "help/HelpWindow.h"
@@ -12,7 +14,18 @@ namespace help {
 
 namespace {
 
-/// Owns the window, which must not outlive the application.
+/// All windows of this library: a viewer that belongs to an add-in lives longer than the
+/// application, and no window may.
+QList<QPointer<HelpWindow>>& Windows() {
+    static QList<QPointer<HelpWindow>> windows;
+    return windows;
+}
+
+void DeleteWindows() {
+    for (const QPointer<HelpWindow>& window : std::exchange(Windows(), {})) delete window.data();
+}
+
+/// Owns the window.
 class Viewer final {
 public:
     explicit Viewer(MResources::TextTable& texts) : texts_(texts) {}
@@ -25,7 +38,9 @@ public:
         if (window_ && window_->Language() != GetText(texts_, Text::Folder)) delete window_.data();
         if (!window_) {
             window_ = new HelpWindow(texts_);
-            QObject::connect(qApp, &QCoreApplication::aboutToQuit, window_, &QObject::deleteLater);
+            if (Windows().isEmpty()) qAddPostRoutine(DeleteWindows);
+            Windows().removeAll(nullptr);
+            Windows() += window_;
         }
         const QByteArray utf8 = path.toUtf8();
         const std::string native = paths::ToNative({utf8.data(), std::size_t(utf8.size())});
