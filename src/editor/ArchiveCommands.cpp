@@ -1,9 +1,12 @@
 #include "editor/ArchiveCommands.h"
 
 #include <optional>
+#include <tuple>
 
+#include "languages/MResourceTable.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
+#include "projectdb/Transaction.h"
 
 namespace {
 
@@ -13,10 +16,6 @@ using projectdb::NameOf;
 using projectdb::ProjectRows;
 using projectdb::ToUtf16;
 using projectdb::ToUtf8;
-
-constexpr int kTextDeleteWithOneTrend = 526;
-constexpr int kTextDeleteWithTrends = 527;
-constexpr int kTextNewArchiveName = 704;
 
 constexpr std::u16string_view kPlaceholder = u"@New@";
 std::int32_t AddArchive(ado::Recordset& archives, const QString& name) {
@@ -44,7 +43,7 @@ std::int32_t AddText(ado::Recordset& texts, std::int32_t group, const QString& n
 }  // namespace
 
 QString ArchiveCommands::FreeName() {
-    const QString first = texts_.GetText(kTextNewArchiveName);
+    const QString first = texts_.GetText(MResourceTable::kTextNewArchiveName);
     QString name = first;
     for (int n = 1; names_.TestNameInGroup(projectdb::kArchiveNames, name); ++n) {
         name = first + u'(' + QString::number(n) + u')';
@@ -53,17 +52,22 @@ QString ArchiveCommands::FreeName() {
 }
 
 std::int32_t ArchiveCommands::New(const QString& languageColumn) {
-    ProjectRows rows(project_.Environment());
+    ADOArchiv& environment = project_.Environment();
+    ProjectRows rows(environment);
     ado::Recordset& archives = rows.Archives();
-    names_.NamesInGroup(projectdb::kArchiveNames, archives);
-    const QString name = FreeName();
-    const std::int32_t id = AddArchive(archives, name);
+    std::int32_t id = 0;
+    QString name;
+    projectdb::CommitWhatIsDone(environment.Connection(), [&] {
+        names_.NamesInGroup(projectdb::kArchiveNames, archives);
+        name = FreeName();
+        id = AddArchive(archives, name);
+        const std::int32_t group = rows.AddGroup(id, name);
+        const std::int32_t text = AddText(rows.Texts(), group, name, languageColumn);
+        const EditScope scope(archives);
+        archives.Set("TextID", text);
+        archives.Update();
+    });
     names_.AddNameInGroup(projectdb::kArchiveNames, name);
-    const std::int32_t group = rows.AddGroup(id, name);
-    const std::int32_t text = AddText(rows.Texts(), group, name, languageColumn);
-    const EditScope scope(archives);
-    archives.Set("TextID", text);
-    archives.Update();
     tree_.AddArchiveNode(id, name);
     return id;
 }
@@ -113,7 +117,8 @@ bool ArchiveCommands::Delete(const QString& nodeKey, const AskUser& ask,
     projectdb::Hierarchy::Confirm confirm;
     if (ask) {
         confirm = [&](int trends) {
-            const int text = trends == 1 ? kTextDeleteWithOneTrend : kTextDeleteWithTrends;
+            const int text = trends == 1 ? MResourceTable::kTextDeleteArchiveWithTrend
+                                         : MResourceTable::kTextDeleteArchiveWithTrends;
             return ask(texts_.GetText(text).replace(u"<td>"_s, QString::number(trends)));
         };
     }

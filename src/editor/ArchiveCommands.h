@@ -25,8 +25,9 @@ using AskUser = std::function<bool(const QString& question)>;
 /// group and index text, its node in the host's tree, and the list of names in use.
 ///
 /// Nothing is caught here. A failing step ends a command and is thrown on; the steps before it stay
-/// done, each stored by itself, and no row is left in the middle of being edited. Since the archive
-/// comes first and its node last, no group or text is ever without its archive.
+/// done, and no row is left in the middle of being edited. Since the archive comes first and its
+/// node last, no group or text is ever without its archive. The steps of New reach the file in one
+/// commit, as far as they came: other programs never see a part of it.
 ///
 /// The commands work on recordsets of their own. Those of the data environment know of a change
 /// when they are requeried.

@@ -2,6 +2,7 @@
 
 #include <initializer_list>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "editor/DuplicateName.h"

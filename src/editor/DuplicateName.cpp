@@ -1,10 +1,10 @@
 #include "editor/DuplicateName.h"
 
+#include "languages/MResourceTable.h"
+
 namespace {
 
-constexpr int kTextCopyOf = 701;
-constexpr int kTextNumberedCopyEnd = 702;
-constexpr int kTextNumberedCopy = 703;
+using namespace MResourceTable;
 
 QString Joined(QString begin, const QString& original, qsizetype limit) {
     // The English text ends without one.
@@ -20,9 +20,9 @@ QString DuplicateName(const QString& original, qsizetype limit, const MResources
                       const std::function<bool(const QString& name)>& isInUse) {
     QString name = Joined(texts.GetText(kTextCopyOf), original, limit);
     for (int n = 2; isInUse(name); ++n) {
-        name = Joined(texts.GetText(kTextNumberedCopy) + QString::number(n) +
-                          texts.GetText(kTextNumberedCopyEnd),
-                      original, limit);
+        name = Joined(
+            texts.GetText(kTextCopyNumber) + QString::number(n) + texts.GetText(kTextCopyNumberOf),
+            original, limit);
     }
     return name;
 }

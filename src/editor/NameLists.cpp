@@ -1,5 +1,7 @@
 #include "editor/NameLists.h"
 
+#include <tuple>
+
 #include "projectdb/Hierarchy.h"
 #include "projectdb/Text.h"
 

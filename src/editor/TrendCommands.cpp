@@ -2,9 +2,12 @@
 
 #include <QScopedValueRollback>
 #include <string>
+#include <tuple>
 
+#include "languages/MResourceTable.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
+#include "projectdb/Transaction.h"
 
 namespace {
 
@@ -13,9 +16,6 @@ using projectdb::EditScope;
 using projectdb::NameOf;
 using projectdb::ProjectRows;
 using projectdb::ToUtf16;
-
-constexpr int kTextDeleteOneTrend = 528;
-constexpr int kTextDeleteTrends = 529;
 
 constexpr std::u16string_view kPlaceholder = u"@New@";
 
@@ -32,7 +32,10 @@ std::int32_t AddTrend(ado::Recordset& trends, std::int32_t archiveId) {
     return id;
 }
 
-std::int32_t AddText(ado::Recordset& texts, std::int32_t group, const QString& trendName) {
+std::int32_t AddText(ProjectRows& rows, std::int32_t archiveId, const QString& trendName) {
+    const bool hasGroup = rows.SeekGroup(archiveId);
+    const std::int32_t group = hasGroup ? ado::ToLong(rows.Groups().Get("ID")) : rows.RootGroup();
+    ado::Recordset& texts = rows.Texts();
     const EditScope scope(texts);
     texts.AddNew();
     texts.Set("ParentID", group);
@@ -51,18 +54,20 @@ std::int32_t TrendCommands::New() {
     const QString& key = project_.currentNodeKey;
     const std::int32_t archiveId = projectdb::NodeId(key);
     if (projectdb::NodeKind(key) != projectdb::kArchiveKind || archiveId == 0) return 0;
+    ADOArchiv& environment = project_.Environment();
     std::int32_t id = 0;
     {
-        ProjectRows rows(project_.Environment());
-        ado::Recordset& trends = rows.Trends();
-        id = AddTrend(trends, archiveId);
-        const bool hasGroup = rows.SeekGroup(archiveId);
-        const std::int32_t group =
-            hasGroup ? ado::ToLong(rows.Groups().Get("ID")) : rows.RootGroup();
-        const std::int32_t text = AddText(rows.Texts(), group, NameOf(trends));
-        const EditScope scope(trends);
-        trends.Set("TextID", text);
-        trends.Update();
+        ProjectRows rows(environment);
+        projectdb::CommitWhatIsDone(environment.Connection(), [&] {
+            // One that another program has deleted must not get a trend; the look fails then.
+            std::ignore = rows.SeekArchive(archiveId);
+            std::ignore = rows.Archives().Get("ID");
+            id = AddTrend(rows.Trends(), archiveId);
+            const std::int32_t text = AddText(rows, archiveId, NameOf(rows.Trends()));
+            const EditScope scope(rows.Trends());
+            rows.Trends().Set("TextID", text);
+            rows.Trends().Update();
+        });
     }
     projectdb::ReloadTrends(project_, window_);
     return id;
@@ -94,7 +99,8 @@ bool TrendCommands::Delete(std::span<const std::int32_t> trendIds, const AskUser
     projectdb::Hierarchy::Confirm confirm;
     if (ask) {
         confirm = [&](int trends) {
-            const int text = trends < 2 ? kTextDeleteOneTrend : kTextDeleteTrends;
+            const int text = trends < 2 ? MResourceTable::kTextDeleteOneTrend
+                                        : MResourceTable::kTextDeleteTrends;
             return ask(texts_.GetText(text).replace(u"<td>"_s, QString::number(trends)));
         };
     }

@@ -1,6 +1,5 @@
 #include "projectdb/Hierarchy.h"
 
-#include <algorithm>
 #include <exception>
 
 #include "projectdb/Guard.h"
@@ -89,22 +88,14 @@ bool Hierarchy::Delete(const Confirm& confirm, const Progress& progress) {
 void Hierarchy::Cascade(const Progress& progress) {
     ADOArchiv& environment = project_.Environment();
     ProjectRows rows(environment);
-    Transaction transaction(environment.Connection());
-    std::exception_ptr failure;
     done_ = 0;
-    try {
-        deletion_.cancelled = !DeleteNodes(nodes_, rows, progress);
-    } catch (...) {
-        failure = std::current_exception();
-    }
-    try {
-        transaction.Commit();
-    } catch (...) {
-        deletion_ = {};
-        counters_.Reset(DeleteFunction());
-        if (!failure) throw;
-    }
-    if (failure) std::rethrow_exception(failure);
+    CommitWhatIsDone(
+        environment.Connection(),
+        [&] { deletion_.cancelled = !DeleteNodes(nodes_, rows, progress); },
+        [&] {
+            deletion_ = {};
+            counters_.Reset(DeleteFunction());
+        });
 }
 
 /// False when the user gave up.
@@ -148,11 +139,6 @@ void Hierarchy::BringUpToDate() {
     environment.PrepareRecordset(Command::IdxTexts);
     environment.CloseRecordset(Command::idxTextGrp);
     environment.CloseRecordset(Command::Trends);
-    const std::vector<std::int32_t>& gone = deletion_.archives;
-    if (std::find(gone.begin(), gone.end(), NodeId(project_.currentNodeKey)) != gone.end()) {
-        // A new trend must not be added to an archive that is not there any more.
-        project_.currentNodeKey = kRootKind.toString();
-    }
     ReloadTrends(project_, window_);
 }
 

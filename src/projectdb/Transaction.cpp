@@ -1,6 +1,7 @@
 #include "projectdb/Transaction.h"
 
 #include <cstdio>
+#include <exception>
 
 #include "ado/AdoError.h"
 
@@ -23,6 +24,24 @@ Transaction::~Transaction() {
 void Transaction::Commit() {
     isOpen_ = false;
     connection_.CommitTrans();
+}
+
+void CommitWhatIsDone(ado::Connection& connection, const std::function<void()>& steps,
+                      const std::function<void()>& undone) {
+    Transaction transaction(connection);
+    std::exception_ptr failure;
+    try {
+        steps();
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    try {
+        transaction.Commit();
+    } catch (...) {
+        if (undone) undone();
+        if (!failure) throw;  // else the first one is to be told
+    }
+    if (failure) std::rethrow_exception(failure);
 }
 
 }  // namespace projectdb

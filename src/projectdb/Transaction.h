@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "ado/Connection.h"
 
 namespace projectdb {
@@ -22,5 +24,11 @@ private:
     ado::Connection& connection_;
     bool isOpen_ = true;
 };
+
+/// Runs `steps` as one transaction that is committed even when one of them throws: the steps before
+/// it stay done. Then throws on what the step has thrown, or what the commit has. `undone` is
+/// called when the commit failed, so that nothing of the steps is in the file.
+void CommitWhatIsDone(ado::Connection& connection, const std::function<void()>& steps,
+                      const std::function<void()>& undone = {});
 
 }  // namespace projectdb

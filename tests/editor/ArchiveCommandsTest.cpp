@@ -1,3 +1,4 @@
+#include <QDir>
 #include <QFile>
 
 #include "editor/CommandTesting.h"
@@ -142,6 +143,23 @@ TEST_F(ArchiveCommandsTest, AFailingStepOfNewLeavesTheStepsBeforeIt) {
         QFile::remove(projectdb::ToQString(path_));
     }
     path_.clear();
+}
+
+TEST_F(ArchiveCommandsTest, NothingIsThereWhenNewCannotBeCommitted) {
+    OpenBrewery();
+    OpenArchive(1);
+    const Content before = Read();
+    // The journal cannot be made where a folder of its name lies.
+    const QString journal = projectdb::ToQString(path_ + "-journal");
+    ASSERT_TRUE(QDir().mkpath(journal + u"/x"_s));
+    EXPECT_NE(ErrorOf([&] { archives_.New(kGerman); }), 0);
+    EXPECT_NE(ErrorOf([&] { trends_.New(); }), 0);
+    EXPECT_NE(ErrorOf([&] { std::ignore = copies_.DuplicateArchive(1, {}); }), 0);
+    EXPECT_TRUE(QDir(journal).removeRecursively());
+    EXPECT_EQ(Read(), before);
+    EXPECT_THAT(tree_.calls, IsEmpty());
+    EXPECT_EQ(archives_.New(kGerman), 15) << "and the next one is made";
+    EXPECT_EQ(trends_.New(), 229);
 }
 
 TEST_F(ArchiveCommandsTest, ARenamedArchiveTakesItsNodeGroupAndTextAlong) {

@@ -44,6 +44,9 @@ TEST_F(TrendCommandsTest, ANewTrendIsNamedAfterItsNumber) {
         project_.currentNodeKey = key;
         EXPECT_EQ(trends_.New(), 0) << qPrintable(key);
     }
+    OpenArchive(99);
+    EXPECT_EQ(ErrorOf([&] { trends_.New(); }), ado::ErrorNumber::kNoCurrentRecord)
+        << "another program has deleted it";
     EXPECT_EQ(Read(), expected);
 }
 
@@ -74,6 +77,7 @@ TEST_F(TrendCommandsTest, AFailingStepOfNewLeavesTheStepsBeforeIt) {
                 if (spec.name == c.table && column.name == "Name") column.length = c.length;
             }
         });
+        Insert("TchrArchives", {{"Name", std::u16string(u"Archiv")}});
         OpenArchive(1);
         EXPECT_EQ(ErrorOf([&] { trends_.New(); }), ado::ErrorNumber::kDoesNotFit);
         const Content after = Read();
