@@ -271,7 +271,7 @@ TEST_F(ProfileFileTest, AFailedWriteLeavesTheOldFile) {
     file.Write(u"Mine"_s, u"Key"_s, u"new"_s);
     EXPECT_EQ(Get(), "[Mine]\nKey=new\n");
 
-    Put(QByteArray("\0\1\0\0Database\n[Mine]\nKey=1\n", 31));
+    Put(QByteArray("\0\1\0\0Database\n[Mine]\nKey=1\n", 26));
     EXPECT_EQ(ProfileFile(path_).Read(u"Mine", u"Key", u"-"_s), u"-"_s);
     ExpectError(platform::ErrorNumber::kInvalidArgument, u"not a text file"_s,
                 [&] { ProfileFile(path_).Write(u"Mine"_s, u"Key"_s, u"2"_s); });
