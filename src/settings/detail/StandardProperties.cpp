@@ -1,8 +1,10 @@
 #include "settings/detail/StandardProperties.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <QFontInfo>
+#include <span>
 
 #include "platform/Fold.h"
 #include "settings/detail/LateBound.h"
@@ -39,8 +41,8 @@ constexpr std::array<Named<FontPart>, 8> kFontParts = {{{u"Name", FontPart::Name
                                                         {u"Weight", FontPart::Weight},
                                                         {u"Charset", FontPart::Charset}}};
 
-template <typename Code, std::size_t kCount>
-Code CodeOf(const std::array<Named<Code>, kCount>& names, QStringView name) {
+template <typename Code>
+Code CodeOf(std::span<const Named<Code>> names, QStringView name) {
     for (const Named<Code>& entry : names) {
         if (platform::SameName(entry.name, name)) return entry.code;
     }
@@ -68,11 +70,11 @@ void PutWindowState(QWidget& widget, int code) {
 }  // namespace
 
 bool IsStandard(QStringView name) {
-    return CodeOf(kStandard, name) != Standard::None;
+    return CodeOf<Standard>(kStandard, name) != Standard::None;
 }
 
 bool PutStandard(QWidget& widget, QStringView name, const InitValue& value) {
-    const Standard property = CodeOf(kStandard, name);
+    const Standard property = CodeOf<Standard>(kStandard, name);
     if (property == Standard::Visible) {
         widget.setVisible(value.AsBoolean(!widget.isHidden()));
         return true;
@@ -110,7 +112,7 @@ std::optional<InitValue> GetStandard(const QWidget& widget, QStringView name) {
     const bool stretched = widget.isWindow() && (widget.isMaximized() || widget.isMinimized()) &&
                            widget.normalGeometry().isValid();
     const QRect place = stretched ? widget.normalGeometry() : widget.geometry();
-    switch (CodeOf(kStandard, name)) {
+    switch (CodeOf<Standard>(kStandard, name)) {
         case Standard::Left:
             return kTwipsPerPixel * (stretched ? place.x() : widget.x());
         case Standard::Top:
@@ -131,7 +133,7 @@ std::optional<InitValue> GetStandard(const QWidget& widget, QStringView name) {
 }
 
 bool PutFont(QFont& font, QStringView name, const InitValue& value) {
-    const FontPart part = CodeOf(kFontParts, name);
+    const FontPart part = CodeOf<FontPart>(kFontParts, name);
     if (part == FontPart::Name) {
         font.setFamily(value.AsText());
         return !value.AsText().isEmpty();
@@ -168,7 +170,7 @@ bool PutFont(QFont& font, QStringView name, const InitValue& value) {
 }
 
 std::optional<InitValue> GetFont(const QFont& font, QStringView name, const InitValue& present) {
-    switch (CodeOf(kFontParts, name)) {
+    switch (CodeOf<FontPart>(kFontParts, name)) {
         case FontPart::Name:
             return font.family();
         case FontPart::Size:
