@@ -1,11 +1,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QMenu>
 #include <QMenuBar>
 #include <QShortcut>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 #include "studio/AddInSet.h"
 #include "studio/ProjectTree.h"
@@ -242,8 +244,9 @@ TEST_F(TreeEventsTest, HostOperationsRaiseNoEvent) {
     EXPECT_FALSE(host.ExpandNode(u"none"_s));
     EXPECT_FALSE(host.SelectNode(u"none"_s));
     EXPECT_TRUE(host.RemoveNode(u"DEEP"_s));
-    EXPECT_EQ(host.ChooseVariable(nullptr, u"x"_s), std::nullopt);
     EXPECT_THAT(addIn_.Take(), IsEmpty());
+    QTimer::singleShot(0, window_.get(), [] { QApplication::activeModalWidget()->close(); });
+    EXPECT_EQ(host.ChooseVariable(nullptr, u"x"_s), std::nullopt);
 }
 
 TEST_F(TreeEventsTest, OneCallAtATimeAndNoExceptionGetsOut) {
