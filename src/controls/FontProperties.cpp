@@ -18,7 +18,7 @@ void FontProperties::SetName(const QString& name) {
 }
 
 void FontProperties::SetSize(double points) {
-    if (!(points > 0)) return;
+    if (!(points > 0 && points <= kLargestSize)) return;
     QFont font = font_;
     font.setPointSizeF(points);
     SetFont(font);

@@ -26,7 +26,8 @@ public:
     [[nodiscard]] QString Name() const { return font_.family(); }
     void SetName(const QString& name);
     [[nodiscard]] double Size() const { return font_.pointSizeF(); }
-    /// Sizes that are not above 0 are ignored.
+    /// Sizes that are not above 0, or above kLargestSize, are ignored: they come out of a file.
+    static constexpr double kLargestSize = 200;
     void SetSize(double points);
     [[nodiscard]] bool Bold() const { return font_.bold(); }
     void SetBold(bool bold);
