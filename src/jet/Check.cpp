@@ -76,6 +76,23 @@ void CheckContent(PageCache& cache, Reporter& report, check::PageLedger& pages,
 
 }  // namespace
 
+Status CheckPages(PageCache& cache) {
+    const FindingSink sink = [](const Finding&) { return true; };
+    Reporter report(sink, 0);
+    check::PageLedger pages(report, cache.PageCount());
+    pages.Claim(PageNo{0}, pages.AddOwner("the header"));
+    check::MapCheck maps(cache, report, pages);
+    maps.CheckGlobalPage();
+    std::vector<TableEntry> tables = check::CheckCatalog(cache, report);
+    check::DefinitionCheck definitions(cache, report, pages, maps);
+    for (TableEntry& entry : tables) definitions.Check(entry);
+    maps.CheckDoubleUse();
+    for (const Subject subject : {Subject::Maps, Subject::Pages}) {
+        if (!report.FirstError(subject).empty()) return Status::Corrupt(report.FirstError(subject));
+    }
+    return {};
+}
+
 Status Check(File& file, const FindingSink& sink, const CheckOptions& options) {
     Reporter report(sink, options.mostPerSubject);
     bool isUsable = false;

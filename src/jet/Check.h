@@ -39,4 +39,10 @@ struct CheckOptions {
 /// another version than Jet 4. A place that cannot be read is a finding.
 Status Check(File& file, const FindingSink& sink, const CheckOptions& options = {});
 
+class PageCache;
+
+/// The part of it that must hold before anything is written (Jet 4): every page belongs to one
+/// thing, or is free. Reads definitions and usage maps only. Corrupt with the first fault.
+Status CheckPages(PageCache& cache);
+
 }  // namespace jet

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <tuple>
 
+#include "jet/Check.h"
 #include "jet/detail/FileHeader.h"
 #include "jet/detail/Journal.h"
 #include "jet/Unicode.h"
@@ -150,6 +151,10 @@ Status Database::Begin() {
     JET_TRY(locks_->LockWriter(kWriterWait));
     Status status = RollBackJournal().GetStatusOrOk();
     if (status.IsOk()) status = cache_.Revalidate();
+    if (status.IsOk() && !pagesAreSound_) {
+        status = CheckPages(cache_).In("it is damaged and cannot be written");
+        pagesAreSound_ = status.IsOk();
+    }
     if (!status.IsOk()) {
         locks_->UnlockWriter();
         return status;

@@ -45,7 +45,8 @@ public:
     // A transaction joins changes to one: all of them are in the file, or none. Begin inside a
     // transaction joins it, and only the outermost Commit writes; a Rollback takes everything
     // back, and the outer Commit then fails.
-    /// Busy when another program does not end its transaction in time.
+    /// Busy when another program does not end its transaction in time; Corrupt when it is not sure
+    /// to whom each page of the file belongs, since writing would damage more.
     Status Begin();
     /// The order of writes is that of Journal. When it fails, nothing of the transaction is left.
     /// Busy when another program goes on reading, or holds a page that has to be written.
@@ -92,9 +93,10 @@ private:
     std::string path_;
     OpenMode mode_ = OpenMode::Read;
     std::unique_ptr<Locks> locks_;
-    int depth_ = 0;              // of joined transactions
-    bool isRolledBack_ = false;  // inside an outer transaction that is still to end
-    Status broken_;              // why nothing more can be written until the file is opened again
+    int depth_ = 0;               // of joined transactions
+    bool isRolledBack_ = false;   // inside an outer transaction that is still to end
+    bool pagesAreSound_ = false;  // has been checked, before the first transaction
+    Status broken_;               // why nothing more can be written until the file is opened again
 };
 
 }  // namespace jet

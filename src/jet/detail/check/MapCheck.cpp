@@ -164,12 +164,25 @@ void MapCheck::CheckFreeSpace(std::uint32_t pointer, OwnerId owner) {
     });
 }
 
+void MapCheck::ReportDoubleUse(PageNo page) {
+    report_.Error(Subject::Pages, PageText(page) + ": belongs to " +
+                                      pages_.NameOf(pages_.OwnerOf(page)) +
+                                      " and is free at the same time");
+}
+
+void MapCheck::CheckDoubleUse() {
+    for (std::uint32_t page = 0; page < isFree_.size(); ++page) {
+        if (isFree_[page] && pages_.OwnerOf(PageNo{page}) != OwnerId::Nobody) {
+            ReportDoubleUse(PageNo{page});
+        }
+    }
+}
+
 int MapCheck::StateOf(PageNo page) {
     const OwnerId owner = pages_.OwnerOf(page);
     if (!isFree_[Raw(page)]) return owner == OwnerId::Nobody ? kLost : kFine;
     if (owner != OwnerId::Nobody) {
-        report_.Error(Subject::Pages, PageText(page) + ": belongs to " + pages_.NameOf(owner) +
-                                          " and is free at the same time");
+        ReportDoubleUse(page);
         return kFine;
     }
     Result<PageRef> ref = cache_.ReadOnce(page);

@@ -26,6 +26,8 @@ public:
 
     /// When all owners have claimed their pages: holds them against the global map of free pages.
     void CheckAccounting();
+    /// The same, but only that no page is free and in use at the same time. Reads no page.
+    void CheckDoubleUse();
 
 private:
     [[nodiscard]] std::optional<UsageMap> Open(std::uint32_t pointer, const std::string& name);
@@ -34,6 +36,7 @@ private:
     void ForEachPage(const UsageMap& map, const std::string& name,
                      const std::function<bool(PageNo)>& each);
     [[nodiscard]] Bytes OpenBitmap(PageNo page, const std::string& name, PageRef& ref);
+    void ReportDoubleUse(PageNo page);
     /// kFine, kLost or the type that a free page still has.
     [[nodiscard]] int StateOf(PageNo page);
     void WarnOf(std::uint32_t begin, std::uint32_t end, int state);

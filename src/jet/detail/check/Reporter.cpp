@@ -24,6 +24,8 @@ bool Reporter::IsFull(Subject subject) const {
 
 void Reporter::Report(Finding::Severity severity, Subject subject, std::string text) {
     if (quiet_ || stopped_) return;
+    std::string& first = firstErrors_[static_cast<std::size_t>(subject)];
+    if (severity == Finding::Severity::Error && first.empty()) first = text;
     std::size_t& count =
         counts_[static_cast<std::size_t>(severity)][static_cast<std::size_t>(subject)];
     if (++count <= most_) Send(severity, std::move(text));

@@ -29,6 +29,10 @@ public:
     [[nodiscard]] bool IsFull(Subject subject) const;
     /// True when the receiver wants no more. Loops over pages and rows end then.
     [[nodiscard]] bool IsStopped() const { return stopped_; }
+    /// Text of the first error about a subject; empty when there was none.
+    [[nodiscard]] const std::string& FirstError(Subject subject) const {
+        return firstErrors_[static_cast<std::size_t>(subject)];
+    }
     /// Findings are dropped while set: for reading a second time what has been reported.
     void SetQuiet(bool quiet) { quiet_ = quiet; }
     /// Tells how many findings were only counted.
@@ -43,6 +47,7 @@ private:
     const FindingSink& sink_;
     std::size_t most_;
     std::array<Counts, 2> counts_{};  // by severity
+    std::array<std::string, kSubjects> firstErrors_;
     bool stopped_ = false;
     bool quiet_ = false;
 };
