@@ -248,6 +248,52 @@ TEST_F(TableWriterTest, ThousandsOfRowsComeAndGo) {
     EXPECT_EQ(RowsOf(*database_, "TalmClasses"), others);
 }
 
+/// The pages of a table: its definition, rows, long values, index pages and usage maps.
+std::map<std::uint32_t, std::vector<std::byte>> PagesOf(const std::vector<std::byte>& content,
+                                                        const TableDef& def) {
+    MemoryFile file(content);
+    PageCache cache(file, 64 * kPageSizeJet4);
+    EXPECT_TRUE(cache.Revalidate().IsOk());
+    std::vector<std::uint32_t> maps = {def.ownedMap, def.freeMap};
+    for (const RealIndex& index : def.realIndexes) maps.push_back(index.ownedMap);
+    for (const Column& column : def.columns) {
+        if (column.IsLongValue()) maps.insert(maps.end(), {column.ownedMap, column.freeMap});
+    }
+    std::map<std::uint32_t, std::vector<std::byte>> pages;
+    const auto add = [&](PageNo page) {
+        const auto begin = content.begin() + static_cast<std::ptrdiff_t>(kPageSizeJet4 * Raw(page));
+        pages[Raw(page)] = {begin, begin + kPageSizeJet4};
+    };
+    add(def.page);
+    for (const std::uint32_t pointer : maps) {
+        if (pointer == 0) continue;
+        add(RowId::FromPointer(pointer).page);
+        UsageMap map = Must(UsageMap::Open(cache, Format::Jet4, pointer));
+        PageNo from{0};
+        while (const auto page = Must(map.Next(from))) {
+            add(*page);
+            from = PageNo{Raw(*page) + 1};
+        }
+    }
+    return pages;
+}
+
+// What belongs to another program is not touched, however much is changed beside it.
+TEST_F(TableWriterTest, AForeignTableStaysByteForByteAsItIs) {
+    std::mt19937 random(13);
+    Open(Example("Brauerei.kvs"));
+    const TableDef def = Must(database_->OpenTable("TalmClasses"))->Definition();
+    const auto before = PagesOf(disk_.Content(kProject), def);
+    EXPECT_GT(before.size(), 5U);
+    for (const char* name : {"TchrArchives", "TchrTrends", "TidxTexts", "TidxGroups"}) {
+        Modelled table(*database_, name, random);
+        ASSERT_OK(database_->Begin());
+        for (int i = 0; i < 250 && !HasFailure(); ++i) table.Change();
+        ASSERT_OK(database_->Commit());
+    }
+    EXPECT_EQ(PagesOf(disk_.Content(kProject), def), before);
+}
+
 TEST_F(TableWriterTest, TransactionsNestAndRollBack) {
     Open(Example("Brauerei.kvs"));
     const auto before = RowsOf(*database_, "TchrArchives");

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <signal.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -60,6 +62,41 @@ TEST(CommandTest, CompactsAFileAndTellsItsSizes) {
     std::filesystem::remove(project);
     EXPECT_EQ(RunTool({"compact", project}).status, kFailure);
     EXPECT_EQ(RunTool({"compact"}).status, kUsage);
+}
+
+// All rows of a CSV file are there or none, whenever the program that loads them is killed.
+TEST(CommandTest, AKilledLoadLeavesTheOldRowsOrAll) {
+    const std::string folder = testing::TempDir() + "load_" + std::to_string(::getpid());
+    std::filesystem::create_directory(folder);
+    const std::string project = folder + "/project.kvs";
+    const std::string csv = folder + "/texts.csv";
+    constexpr std::size_t kRows = 2000;
+    {
+        std::ofstream out(csv);
+        out << "L1031\r\n";
+        for (std::size_t i = 0; i < kRows; ++i) out << "Text " << i << "\r\n";
+    }
+    std::size_t counts[2] = {0, 0};  // of projects without the rows, and with them
+    for (int round = 0; round < 40; ++round) {
+        std::filesystem::copy_file(kBrewery, project,
+                                   std::filesystem::copy_options::overwrite_existing);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            std::FILE* out = std::fopen("/dev/null", "w");
+            ::_exit(Load(project, "TidxTexts", csv, out, out));
+        }
+        ::usleep(static_cast<useconds_t>(round * 2500));
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+        EXPECT_EQ(RunTool({"check", project}).out, "");
+        const std::string rows = RunTool({"tables", project}).out;
+        const bool isLoaded = rows.find("TidxTexts\t2242\n") != std::string::npos;
+        EXPECT_TRUE(isLoaded || rows.find("TidxTexts\t242\n") != std::string::npos) << rows;
+        EXPECT_FALSE(std::filesystem::exists(project + "-journal"));
+        ++counts[isLoaded ? 1 : 0];
+    }
+    EXPECT_GT(counts[0], 0U) << "it was never killed in time";
+    std::filesystem::remove_all(folder);
 }
 
 TEST(CommandTest, MakesANewProject) {
