@@ -1,0 +1,152 @@
+#include "dialogs/MConfigeditor.h"
+
+#include <exception>
+#include <utility>
+
+#include "controls/FontProperties.h"
+#include "controls/TDBGrid.h"
+#include "dialogs/FConfigEditor.h"
+#include "languages/MResources.h"
+#include "languages/MResourceTable.h"
+#include "platform/Error.h"
+#include "platform/MessageBox.h"
+#include "settings/CInit.h"
+
+namespace MConfigeditor {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+const QString kGrid = u"tdbA"_s;
+const QString kSaveOnExit = u"SaveOnExit"_s;
+const QString kRequestOnDelete = u"RequestOnDelete"_s;
+const QString kStatusBarVisible = u"sb.Visible"_s;
+
+constexpr int kTrends = 1;  // the split
+
+GridSplit& Trends(const Session& session) {
+    return session.grid.SplitAt(kTrends);
+}
+
+FontProperties& GridFont(const Session& session) {
+    return *qobject_cast<FontProperties*>(session.grid.Font());
+}
+
+QString CaptionOf(const GridSplit& trends, int column) {
+    const QString& caption = trends.ColumnAt(column)->Caption();
+    if (!caption.isEmpty()) return caption;
+    return trends.Source()->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
+}
+
+bool IsOn(const CInit& settings, const QString& option) {
+    return settings.ReadAValueFromCInits(option, true).AsBoolean(true);
+}
+
+/// Whether the user may choose the column. The name of the trends has no such key: it is always
+/// shown.
+bool CanBeChosen(const CInit& settings, const GridSplit& trends, int column) {
+    QString name = trends.ColumnAt(column)->DataField();
+    if (name.isEmpty()) name = CaptionOf(trends, column);
+    return settings.ParamExist(u"tdbA.splits(1).Columns(\"%1\").AllowSizing"_s.arg(name));
+}
+
+void SettingsToDialog(const Session& session, FConfigEditor& dialog) {
+    const GridSplit& trends = Trends(session);
+    // A grid that has lost its rows has no layout that could be stored afterwards.
+    if (trends.Source() == nullptr || trends.ColumnCount() == 0) {
+        throw platform::Error(platform::ErrorNumber::kInvalidArgument,
+                              u"The grid has no trend columns."_s);
+    }
+    dialog.chkSaveOnExit->setChecked(IsOn(session.settings, kSaveOnExit));
+    dialog.chkDelQuestion->setChecked(IsOn(session.settings, kRequestOnDelete));
+    // Not isVisible(): the window may be hidden itself.
+    dialog.chkShowStatusBar->setChecked(!session.statusBar.isHidden());
+    dialog.SetEditorFont(GridFont(session).Font());
+    for (int i = 0; i < trends.ColumnCount(); ++i) {
+        if (!CanBeChosen(session.settings, trends, i)) continue;
+        const GridColumn& column = *trends.ColumnAt(i);
+        const FConfigEditor::Column entry{i, CaptionOf(trends, i), column.Order()};
+        if (column.Visible()) {
+            dialog.AddShown(entry);
+        } else {
+            dialog.AddHidden(entry);
+        }
+    }
+    dialog.SelectFirst();
+}
+
+/// The order of all columns once `chosen` are shown: from first to last they take the places of
+/// those among them that are shown already, and the end. All other columns stay where they are.
+QList<int> OrderWith(const QList<int>& chosen, const GridSplit& trends) {
+    QList<int> order;
+    auto next = chosen.begin();
+    for (const int column : trends.ColumnOrders()) {
+        if (!chosen.contains(column)) {
+            order += column;
+        } else if (trends.ColumnAt(column)->Visible()) {
+            order += *next++;
+        }
+    }
+    for (; next != chosen.end(); ++next) order += *next;
+    return order;
+}
+
+void ShowColumns(GridSplit& trends, const QList<int>& chosen, const QList<int>& hidden) {
+    const QList<int> order = OrderWith(chosen, trends);
+    for (const int number : chosen + hidden) {
+        GridColumn* column = trends.ColumnAt(number);
+        if (column == nullptr) continue;
+        const bool show = chosen.contains(number);
+        column->SetVisible(show);
+        column->SetAllowSizing(show);
+    }
+    trends.SetColumnOrders(order);
+}
+
+void DialogToSettings(const FConfigEditor& dialog, const Session& session) {
+    CInit& settings = session.settings;
+    ShowColumns(Trends(session), dialog.ShownColumns(), dialog.HiddenColumns());
+    GridFont(session).SetFont(dialog.EditorFont());
+    session.statusBar.setVisible(dialog.chkShowStatusBar->isChecked());
+
+    settings.GetInitFromControl(kGrid);
+    settings.WriteAValueToCInits(kStatusBarVisible, dialog.chkShowStatusBar->isChecked());
+    settings.WriteAValueToCInits(kSaveOnExit, dialog.chkSaveOnExit->isChecked());
+    settings.WriteAValueToCInits(kRequestOnDelete, dialog.chkDelQuestion->isChecked());
+    if (session.takeColumnOrders) session.takeColumnOrders();
+}
+
+/// Whether the step went through. The user gets a message; the cause goes to the log.
+template <typename Step>
+bool Succeeds(Step&& step) {
+    try {
+        std::forward<Step>(step)();
+        return true;
+    } catch (const std::exception& error) {
+        qWarning("EditOptions: %s", error.what());
+    } catch (...) {
+        qWarning("EditOptions: unknown error");
+    }
+    return false;
+}
+
+}  // namespace
+
+bool EditOptions(const Session& session, QWidget* owner) {
+    FConfigEditor dialog(session.texts, session.showHelp, owner);
+    const auto tell = [&](int text) {
+        platform::ShowMessage(session.texts.GetText(text), platform::MessageButtons::Ok,
+                              dialog.windowTitle(), owner);
+    };
+    if (!Succeeds([&] { SettingsToDialog(session, dialog); })) {
+        tell(MResourceTable::kTextOptionsInitFailed);
+        return false;
+    }
+    dialog.exec();
+    if (dialog.Cancelled()) return false;
+    const bool takenOver = Succeeds([&] { DialogToSettings(dialog, session); });
+    if (!takenOver) tell(MResourceTable::kTextOptionsWriteBackFailed);
+    return takenOver;
+}
+
+}  // namespace MConfigeditor
