@@ -2,7 +2,6 @@
 
 #include <memory>
 #include <QAbstractButton>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QtTest>
 
@@ -163,15 +162,6 @@ TEST_P(FArchivLookTest, GreyedFieldsAreToldApartInEveryPalette) {
         EXPECT_GE(std::abs(usable - ground(dialog_.cboNewFile)), 8);
         dialog_.cmbType->setCurrentIndex(1);
     }
-}
-
-TEST_P(FArchivLookTest, OpensInLessThanATenthOfASecond) {
-    QElapsedTimer time;
-    time.start();
-    FArchiv dialog(around_.services, u"Arc");
-    dialog.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
-    EXPECT_LT(time.elapsed(), 100);
 }
 
 }  // namespace

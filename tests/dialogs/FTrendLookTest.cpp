@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QtTest>
 
@@ -136,15 +135,6 @@ TEST_P(FTrendLookTest, EveryControlHasANameOfItsOwn) {
         names.insert(name);
     }
     EXPECT_EQ(names.size(), 39);
-}
-
-TEST_P(FTrendLookTest, OpensInLessThanATenthOfASecond) {
-    QElapsedTimer time;
-    time.start();
-    FTrend dialog(around_.services, u"Trd");
-    dialog.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
-    EXPECT_LT(time.elapsed(), 100);
 }
 
 }  // namespace
