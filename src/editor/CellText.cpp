@@ -37,7 +37,7 @@ QString Localized(QString text, const QLocale& locale) {
 
 QString CellText(const ado::Value& value, const QLocale& locale,
                  const MResources::TextTable& texts) {
-    if (const auto* text = std::get_if<std::u16string>(&value)) return projectdb::ToQString(*text);
+    if (const auto* text = std::get_if<std::u16string>(&value)) return ShownText(*text);
     if (const auto* flag = std::get_if<bool>(&value)) {
         return texts.GetText(*flag ? MResourceTable::kTextTrue : MResourceTable::kTextFalse);
     }
@@ -54,6 +54,11 @@ QString CellText(const ado::Value& value, const QLocale& locale,
     }
     const QString text = projectdb::ToQString(ado::ToText(value));
     return std::holds_alternative<ado::Guid>(value) ? text : Localized(text, locale);
+}
+
+QString ShownText(const std::u16string& text) {
+    static const std::u16string kEmptyText(1, u'\0');
+    return text == kEmptyText ? QString() : projectdb::ToQString(text);
 }
 
 bool IsNumber(ado::DataType type) {

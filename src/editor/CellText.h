@@ -2,6 +2,7 @@
 
 #include <QLocale>
 #include <QString>
+#include <string>
 
 #include "ado/Value.h"
 #include "languages/MResources.h"
@@ -10,6 +11,10 @@
 /// grouping), Booleans by their words, binaries by their size. Null is nothing.
 [[nodiscard]] QString CellText(const ado::Value& value, const QLocale& locale,
                                const MResources::TextTable& texts);
+
+/// A text as the grid holds it. The one character U+0000 stands for an empty text where a column
+/// forbids those.
+[[nodiscard]] QString ShownText(const std::u16string& text);
 
 /// Numbers stand at the right edge of their cell.
 [[nodiscard]] bool IsNumber(ado::DataType type);

@@ -14,15 +14,16 @@ using projectdb::ToUtf16;
 constexpr std::u16string_view kPlaceholder = u"@New@";
 constexpr qsizetype kTextPrefix = 3;  // "Idx", in front of the name of the index text
 
-std::int32_t AddText(ado::Recordset& texts, std::int32_t group, const QString& trendName) {
-    texts.AddNew();
-    texts.Set("ParentID", group);
-    texts.Set("Name", ToUtf16(u"Idx"_s + trendName));
-    texts.Update();
-    return ado::ToLong(texts.Get("ID"));
-}
-
 }  // namespace
+
+void PasteCommands::Assign(ado::Recordset& row, std::size_t trend,
+                           const PastedTrend::Values& values) {
+    for (const auto& [column, value] : values) {
+        refused_ = Place{trend, column};
+        row.Set(column, value);
+    }
+    refused_.reset();
+}
 
 std::vector<std::int32_t> PasteCommands::PasteTrends(std::span<const PastedTrend> pasted,
                                                      const projectdb::Progress& progress) {
@@ -60,8 +61,9 @@ std::vector<std::int32_t> PasteCommands::PasteTrends(std::span<const PastedTrend
                 name = DuplicateName(name, limit, texts_, isInUse);
             trends.AddNew();
             trends.Set("ArchiveID", archive);
-            trends.Set("Name", name.isEmpty() ? std::u16string(kPlaceholder) : ToUtf16(name));
-            for (const auto& [column, value] : pasted[i].values) trends.Set(column, value);
+            Assign(trends, i,
+                   {{"Name", name.isEmpty() ? std::u16string(kPlaceholder) : ToUtf16(name)}});
+            Assign(trends, i, pasted[i].values);
             trends.Update();
             ids.push_back(ado::ToLong(trends.Get("ID")));
             if (name.isEmpty()) {
@@ -69,7 +71,13 @@ std::vector<std::int32_t> PasteCommands::PasteTrends(std::span<const PastedTrend
                 trends.Set("Name", ToUtf16(name));
             }
             names.AddNameInGroup(projectdb::kTrendNames, name);
-            trends.Set("TextID", AddText(rows.Texts(), group, name));
+            ado::Recordset& texts = rows.Texts();
+            texts.AddNew();
+            texts.Set("ParentID", group);
+            texts.Set("Name", ToUtf16(u"Idx"_s + name));
+            Assign(texts, i, pasted[i].texts);
+            texts.Update();
+            trends.Set("TextID", ado::ToLong(texts.Get("ID")));
             trends.Update();
         }
         transaction.Commit();

@@ -83,10 +83,11 @@ const ado::Field& RecordsetModel::FieldAt(int column) const {
 
 QVariant RecordsetModel::Stored(const ado::Value& value) {
     if (ado::IsNull(value)) return {};
-    if (const auto* text = std::get_if<std::u16string>(&value)) return projectdb::ToQString(*text);
+    if (const auto* text = std::get_if<std::u16string>(&value)) return ShownText(*text);
     if (const auto* flag = std::get_if<bool>(&value)) return *flag ? 1 : 0;
     if (const auto* number = std::get_if<std::int32_t>(&value)) return *number;
-    if (const auto* single = std::get_if<float>(&value)) return static_cast<double>(*single);
+    // As it is: its double would show places that a single does not have.
+    if (const auto* single = std::get_if<float>(&value)) return *single;
     if (const auto* number = std::get_if<double>(&value)) return *number;
     if (const auto* date = std::get_if<ado::Date>(&value)) return date->days;
     if (std::holds_alternative<ado::Binary>(value)) return {};

@@ -2,6 +2,7 @@
 
 #include <QProgressDialog>
 
+#include "languages/MResourceTable.h"
 #include "platform/MessageBox.h"
 
 namespace {
@@ -10,7 +11,8 @@ constexpr int kShowAfter = 500;  // milliseconds
 
 }  // namespace
 
-RowProgress::RowProgress(const QString& text, QWidget* owner) : text_(text), owner_(owner) {
+RowProgress::RowProgress(const MResources::TextTable& texts, int text, QWidget* owner)
+    : texts_(texts), text_(text), owner_(owner) {
     platform::SetScreenPointer(platform::Pointer::Hourglass);
 }
 
@@ -25,7 +27,8 @@ projectdb::Progress RowProgress::Function() {
 
 bool RowProgress::Step(int done, int total) {
     if (dialog_ == nullptr) {
-        dialog_ = new QProgressDialog(text_, {}, 0, total, owner_);
+        dialog_ = new QProgressDialog(
+            texts_.GetText(text_), texts_.GetText(MResourceTable::kTextCancel), 0, total, owner_);
         dialog_->setObjectName(QStringLiteral("dlgProgress"));
         dialog_->setWindowModality(Qt::WindowModal);
         dialog_->setMinimumDuration(kShowAfter);

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <QString>
-
+#include "languages/MResources.h"
 #include "projectdb/Hierarchy.h"
 
 class QProgressDialog;
@@ -11,7 +10,8 @@ class QWidget;
 /// takes more than half a second, and the busy pointer from the beginning.
 class RowProgress final {
 public:
-    RowProgress(const QString& text, QWidget* owner);
+    /// `text`: number of the text that says what is being done.
+    RowProgress(const MResources::TextTable& texts, int text, QWidget* owner);
     ~RowProgress();
     RowProgress(const RowProgress&) = delete;
     RowProgress& operator=(const RowProgress&) = delete;
@@ -22,7 +22,8 @@ public:
 private:
     bool Step(int done, int total);
 
-    QString text_;
+    const MResources::TextTable& texts_;
+    int text_;
     QWidget* owner_;
     QProgressDialog* dialog_ = nullptr;  // made at the first step
 };

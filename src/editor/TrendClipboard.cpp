@@ -1,6 +1,9 @@
 #include "editor/TrendClipboard.h"
 
+#include <algorithm>
+
 #include "editor/CellInput.h"
+#include "editor/CellText.h"
 #include "editor/TabText.h"
 #include "languages/MResourceTable.h"
 #include "projectdb/Text.h"
@@ -10,19 +13,13 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-QList<int> ShownColumns(const GridSplit& trends) {
-    QList<int> columns;
-    for (const int column : trends.ColumnOrders()) {
-        if (trends.ColumnAt(column)->Visible()) columns.append(column);
-    }
-    return columns;
-}
+const QString kWholeTrends = u"application/x-korvala-trends"_s;
 
 /// The column with this heading; -1 when there is none that a new trend can be given.
-int ColumnOf(const QString& heading, const GridSplit& trends, const TrendRows& rows) {
-    for (int column = 0; column < trends.ColumnCount(); ++column) {
-        if (!rows.Columns()[static_cast<std::size_t>(column)].editable) continue;
-        const GridColumn* known = trends.ColumnAt(column);
+int ColumnOf(const QString& heading, const Reader& reader) {
+    for (int column = 0; column < reader.trends.ColumnCount(); ++column) {
+        if (!reader.rows.IsSetting(column) && !reader.rows.IsLanguage(column)) continue;
+        const GridColumn* known = reader.trends.ColumnAt(column);
         if (heading.compare(known->Caption(), Qt::CaseInsensitive) == 0 ||
             heading.compare(known->DataField(), Qt::CaseInsensitive) == 0) {
             return column;
@@ -31,18 +28,79 @@ int ColumnOf(const QString& heading, const GridSplit& trends, const TrendRows& r
     return -1;
 }
 
-}  // namespace
-
-std::optional<ado::Value> ReadCell(const QString& text, const GridColumn& column,
-                                   const ado::Field& field, const QLocale& locale,
-                                   const MResources::TextTable& texts) {
-    for (const GridValueItem& item : column.ValueItems()) {
-        if (text.compare(item.text, Qt::CaseInsensitive) == 0) return ado::Value(item.code);
+/// A colour as the grid shows it: #RRGGBB, or &H and the stored bits.
+std::optional<ado::Value> Colour(const QString& text) {
+    bool isNumber = false;
+    if (text.startsWith(u'#') && text.size() == 7) {
+        const uint rgb = text.mid(1).toUInt(&isNumber, 16);
+        const uint stored = (rgb & 0xFF) << 16 | (rgb & 0xFF00) | rgb >> 16;
+        if (isNumber) return ado::Value(static_cast<std::int32_t>(stored));
     }
-    return CellInput(text, field, locale, texts);
+    if (text.startsWith(u"&H"_s, Qt::CaseInsensitive)) {
+        const uint stored = text.mid(2).toUInt(&isNumber, 16);
+        if (isNumber) return ado::Value(static_cast<std::int32_t>(stored));
+    }
+    return std::nullopt;
 }
 
-QString Refusal(const MResources::TextTable& texts, qsizetype row, const QString& column,
+/// Longer texts than the field takes are no values for it.
+bool Fits(const ado::Value& value, const ado::Field& field) {
+    const auto* text = std::get_if<std::u16string>(&value);
+    return text == nullptr || field.type != ado::DataType::VarWChar ||
+           text->size() <= static_cast<std::size_t>(field.definedSize);
+}
+
+/// Takes one cell into the trend; false when it is no value.
+bool TakeCell(const QString& cell, int column, const Reader& reader, PastedTrend& trend) {
+    const bool isName = reader.trends.ColumnAt(column)->DataField() == u"Name"_s;
+    const std::optional<ado::Value> value =
+        ReadCell(isName ? cell.trimmed() : cell, column, reader);
+    if (!value) return false;
+    if (isName) {
+        trend.name = cell.trimmed();
+    } else if (!ado::IsNull(*value)) {
+        PastedTrend::Values& values = reader.rows.IsLanguage(column) ? trend.texts : trend.values;
+        values.emplace_back(reader.rows.FieldAt(column).baseColumn, *value);
+    }
+    return true;
+}
+
+/// What is wrong with the headings, in words; fills `columns` when nothing is.
+QString ReadHeadings(const QStringList& headings, const Reader& reader, QList<int>& columns) {
+    QString unknown;
+    for (const QString& heading : headings) {
+        columns.append(ColumnOf(heading.trimmed(), reader));
+        if (columns.back() < 0 && unknown.isNull()) unknown = heading;
+    }
+    if (columns.count(-1) == columns.size()) {
+        return reader.texts.GetText(MResourceTable::kTextPasteNoHeadings);
+    }
+    if (!columns.contains(-1)) return {};
+    return reader.texts.GetText(MResourceTable::kTextPasteUnknownColumn)
+        .replace(u"<column>"_s, unknown);
+}
+
+bool IsBlank(const QStringList& line) {
+    return std::all_of(line.begin(), line.end(),
+                       [](const QString& cell) { return cell.isEmpty(); });
+}
+
+}  // namespace
+
+std::optional<ado::Value> ReadCell(const QString& text, int column, const Reader& reader) {
+    const GridColumn& known = *reader.trends.ColumnAt(column);
+    for (const GridValueItem& item : known.ValueItems()) {
+        if (text.compare(item.text, Qt::CaseInsensitive) == 0) return ado::Value(item.code);
+    }
+    if (known.Kind() == GridKind::Colour) {
+        if (const auto colour = Colour(text.trimmed())) return colour;
+    }
+    const ado::Field& field = reader.rows.FieldAt(column);
+    const std::optional<ado::Value> value = CellInput(text, field, reader.locale, reader.texts);
+    return value && Fits(*value, field) ? value : std::nullopt;
+}
+
+QString Refusal(const MResources::TextTable& texts, std::size_t row, const QString& column,
                 const QString& cell) {
     QString text = texts.GetText(MResourceTable::kTextPasteInvalid);
     text.replace(u"<row>"_s, QString::number(row));
@@ -50,63 +108,87 @@ QString Refusal(const MResources::TextTable& texts, qsizetype row, const QString
     return text.replace(u"<text>"_s, cell);
 }
 
-QString Copy(const GridSplit& trends, const QList<GridRowId>& rows) {
-    const QList<int> columns = ShownColumns(trends);
+QString Copy(const GridSplit& split, const QList<GridRowId>& rows) {
+    QList<int> columns;
     QList<QStringList> lines{{}};
-    for (const int column : columns) lines[0].append(trends.ColumnAt(column)->Caption());
+    for (const int column : split.ColumnOrders()) {
+        if (!split.ColumnAt(column)->Visible()) continue;
+        columns.append(column);
+        lines[0].append(split.ColumnAt(column)->Caption());
+    }
     for (const GridRowId row : rows) {
         QStringList line;
-        for (const int column : columns) line.append(trends.CellText(row, column));
+        for (const int column : columns) line.append(split.CellText(row, column));
         lines.append(line);
     }
     return TabText::Format(lines);
 }
 
-std::optional<Pasted> Parse(const QString& text, const GridSplit& trends, const TrendRows& rows,
-                            const QLocale& locale, const MResources::TextTable& texts) {
+std::unique_ptr<QMimeData> CopyTrends(const GridSplit& trends, const TrendRows& rows,
+                                      const MResources::TextTable& texts,
+                                      const QList<GridRowId>& ids) {
+    QList<int> columns;
+    QList<QStringList> lines{{}};
+    for (int column = 0; column < trends.ColumnCount(); ++column) {
+        if (!rows.IsSetting(column) && !rows.IsLanguage(column)) continue;
+        columns.append(column);
+        lines[0].append(trends.ColumnAt(column)->DataField());
+    }
+    for (const GridRowId id : ids) {
+        const int row = rows.RowOf(id);
+        if (row < 0) continue;
+        QStringList line;
+        for (const int column : columns) {
+            line.append(CellText(rows.ValueAt(row, column), QLocale::c(), texts));
+        }
+        lines.append(line);
+    }
+    auto data = std::make_unique<QMimeData>();
+    data->setText(Copy(trends, ids));
+    data->setData(kWholeTrends, TabText::Format(lines).toUtf8());
+    return data;
+}
+
+std::optional<Pasted> Parse(const QMimeData& data, const Reader& reader) {
+    if (!data.hasFormat(kWholeTrends)) return Parse(data.text(), reader);
+    Reader neutral{reader};
+    neutral.locale = QLocale::c();
+    return Parse(QString::fromUtf8(data.data(kWholeTrends)), neutral);
+}
+
+std::optional<Pasted> Parse(const QString& text, const Reader& reader) {
     const QList<QStringList> lines = TabText::Parse(text);
     if (lines.isEmpty() || (lines.size() == 1 && lines[0].size() == 1)) return std::nullopt;
 
     Pasted pasted;
     QList<int> columns;
-    QString unknown;
-    for (const QString& heading : lines[0]) {
-        columns.append(ColumnOf(heading.trimmed(), trends, rows));
-        if (columns.back() < 0 && unknown.isEmpty()) unknown = heading;
+    pasted.refusal = ReadHeadings(lines[0], reader, columns);
+    if (pasted.refusal.isEmpty() && lines.size() == 1) {
+        pasted.refusal = reader.texts.GetText(MResourceTable::kTextPasteNoHeadings);
     }
-    if (columns.count(-1) == columns.size() || lines.size() == 1) {
-        pasted.refusal = texts.GetText(MResourceTable::kTextPasteNoHeadings);
-        return pasted;
-    }
-    if (columns.contains(-1)) {
-        pasted.refusal =
-            texts.GetText(MResourceTable::kTextPasteUnknownColumn).replace(u"<column>"_s, unknown);
-        return pasted;
-    }
+    if (!pasted.refusal.isEmpty()) return pasted;
     for (qsizetype row = 1; row < lines.size(); ++row) {
+        if (IsBlank(lines[row])) continue;
         PastedTrend trend;
         for (qsizetype i = 0; i < lines[row].size(); ++i) {
             const QString& cell = lines[row][i];
-            if (i >= columns.size()) {
-                pasted.refusal = Refusal(texts, row, QString::number(i + 1), cell);
-                return pasted;
-            }
-            const GridColumn& column = *trends.ColumnAt(columns[i]);
-            const std::optional<ado::Value> value =
-                ReadCell(cell, column, rows.FieldAt(columns[i]), locale, texts);
-            if (!value) {
-                pasted.refusal = Refusal(texts, row, column.Caption(), cell);
-                return pasted;
-            }
-            if (column.DataField() == u"Name"_s) {
-                trend.name = cell.trimmed();
-            } else if (!ado::IsNull(*value)) {
-                trend.values.emplace_back(projectdb::ToUtf8(column.DataField()), *value);
-            }
+            const bool headed = i < columns.size();
+            if (!headed && cell.isEmpty()) continue;
+            if (headed && TakeCell(cell, columns[i], reader, trend)) continue;
+            pasted.refusal = Refusal(
+                reader.texts, static_cast<std::size_t>(row),
+                headed ? reader.trends.ColumnAt(columns[i])->Caption() : QString::number(i + 1),
+                cell);
+            return pasted;
         }
         pasted.trends.push_back(std::move(trend));
     }
     return pasted;
+}
+
+QString SingleCell(const QString& text) {
+    const QList<QStringList> lines = TabText::Parse(text);
+    return lines.size() == 1 && lines[0].size() == 1 ? lines[0][0] : QString();
 }
 
 }  // namespace TrendClipboard

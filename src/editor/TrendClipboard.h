@@ -1,7 +1,9 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <QLocale>
+#include <QMimeData>
 #include <QString>
 #include <vector>
 
@@ -9,31 +11,46 @@
 #include "editor/PasteCommands.h"
 #include "editor/TrendRows.h"
 
-/// Trends as text for and from the clipboard: a line of headings, then a line for each trend, cells
-/// separated by tabs, as spreadsheets give and take them.
+/// Trends for and from the clipboard, as text: a line of headings, then a line for each trend,
+/// cells separated by tabs, as spreadsheets give and take them. What the editor copies for itself
+/// lies beside it in a format of its own.
 namespace TrendClipboard {
 
 /// The rows with the columns that are shown, in the order shown.
-[[nodiscard]] QString Copy(const GridSplit& trends, const QList<GridRowId>& rows);
+[[nodiscard]] QString Copy(const GridSplit& split, const QList<GridRowId>& rows);
+/// That text, and the whole trends for the editor itself: hidden settings and the texts in all
+/// languages, values whatever the locale.
+[[nodiscard]] std::unique_ptr<QMimeData> CopyTrends(const GridSplit& trends, const TrendRows& rows,
+                                                    const MResources::TextTable& texts,
+                                                    const QList<GridRowId>& ids);
 
 struct Pasted {
     std::vector<PastedTrend> trends;
     QString refusal;  // not empty: what is wrong, in words; nothing may be pasted then
 };
 
-/// nullopt: the text is a single cell. Otherwise its first line holds headings, in any order:
-/// captions of the grid's columns or names of fields. Listed values are read by their texts or
-/// their codes.
-[[nodiscard]] std::optional<Pasted> Parse(const QString& text, const GridSplit& trends,
-                                          const TrendRows& rows, const QLocale& locale,
-                                          const MResources::TextTable& texts);
+/// What is needed to read cells; borrowed. `locale`: how numbers and dates are written.
+struct Reader {
+    const GridSplit& trends;
+    const TrendRows& rows;
+    const MResources::TextTable& texts;
+    QLocale locale;
+};
+
+/// nullopt: the clipboard holds a single cell. Otherwise the first line of its text holds headings,
+/// in any order: captions of the grid's columns or names of fields. Listed values are read by their
+/// texts or their codes. Lines without anything are no trends.
+[[nodiscard]] std::optional<Pasted> Parse(const QMimeData& data, const Reader& reader);
+[[nodiscard]] std::optional<Pasted> Parse(const QString& text, const Reader& reader);
+
+/// The text of a single cell as spreadsheets give it, without quotes and line end.
+[[nodiscard]] QString SingleCell(const QString& text);
 
 /// One cell of a column; nullopt when the text is no value for it.
-[[nodiscard]] std::optional<ado::Value> ReadCell(const QString& text, const GridColumn& column,
-                                                 const ado::Field& field, const QLocale& locale,
-                                                 const MResources::TextTable& texts);
+[[nodiscard]] std::optional<ado::Value> ReadCell(const QString& text, int column,
+                                                 const Reader& reader);
 /// Says which cell is no valid value. Rows count from 1.
-[[nodiscard]] QString Refusal(const MResources::TextTable& texts, qsizetype row,
+[[nodiscard]] QString Refusal(const MResources::TextTable& texts, std::size_t row,
                               const QString& column, const QString& cell);
 
 }  // namespace TrendClipboard

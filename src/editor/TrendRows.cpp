@@ -10,7 +10,9 @@
 namespace {
 
 constexpr std::string_view kTrendTable = "TchrTrends";
-constexpr std::string_view kKeys[] = {"ID", "ArchiveID", "TextID", "VUnitID"};
+constexpr std::string_view kTextTable = "TidxTexts";
+constexpr std::string_view kOwnKeys[] = {"ID", "ArchiveID", "TextID"};
+constexpr std::string_view kUnitKey = "VUnitID";
 constexpr std::string_view kColours[] = {"VLineColor", "VUpperColor", "VLowerColor"};
 
 template <typename List>
@@ -59,10 +61,23 @@ TrendRows::TrendRows(const MResources::TextTable& texts, INameRegistry& names, R
 void TrendRows::AttachTrends(ado::Recordset& trends, const QVariant& archive) {
     std::vector<Column> columns;
     for (const ado::Field& field : trends.Fields()) {
-        const bool editable = field.baseTable == kTrendTable && !Contains(kKeys, field.baseColumn);
+        const bool editable = field.baseTable == kTrendTable && field.baseColumn != kUnitKey &&
+                              !Contains(kOwnKeys, field.baseColumn);
         columns.push_back({field.name, KindOf(field), editable});
     }
     Attach(trends, std::move(columns), archive);
+}
+
+bool TrendRows::IsSetting(int column) const {
+    const ado::Field& field = FieldAt(column);
+    return field.baseTable == kTrendTable && !Contains(kOwnKeys, field.baseColumn);
+}
+
+bool TrendRows::IsLanguage(int column) const {
+    const ado::Field& field = FieldAt(column);
+    const std::string_view name = field.baseColumn;
+    return field.baseTable == kTextTable && name.size() > 1 && name[0] == 'L' &&
+           name.find_first_not_of("0123456789", 1) == std::string_view::npos;
 }
 
 GridCommit TrendRows::CommitCell(GridRowId id, int column, const QVariant& value) {

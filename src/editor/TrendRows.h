@@ -27,6 +27,12 @@ public:
 
     GridCommit CommitCell(GridRowId row, int column, const QVariant& value) override;
 
+    /// Whether a trend can be made with a value for the column: all of the table of trends but the
+    /// keys that the database and the archive give.
+    [[nodiscard]] bool IsSetting(int column) const;
+    /// Whether the column holds the trend's text in one of the project's languages.
+    [[nodiscard]] bool IsLanguage(int column) const;
+
 private:
     [[nodiscard]] bool AcceptName(const QString& stored, const QString& name);
     [[nodiscard]] GridCommit Write(int row, int column, const ado::Value& value);

@@ -10,6 +10,7 @@
 #include <QStatusBar>
 #include <QToolBar>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "controls/FontProperties.h"
 #include "controls/TDBGrid.h"
@@ -134,14 +135,20 @@ void frmtabGrid::MakeMyCaption(const QString& nodeKey, const QString& name) {
 void frmtabGrid::MarkArchive(const QString& nodeKey) {
     const QScopedValueRollback marking(marking_, true);
     const bool archive = projectdb::NodeKind(nodeKey) == projectdb::kArchiveKind;
-    tdbA->SplitAt(0).SetCurrentCell(archive ? projectdb::NodeId(nodeKey) : kNoGridRow);
+    GridSplit& archives = tdbA->SplitAt(0);
+    // One that is narrowed out is marked nowhere, rather than another one.
+    if (!archive || !archives.SetCurrentCell(projectdb::NodeId(nodeKey))) {
+        archives.SetCurrentCell(kNoGridRow);
+    }
 }
 
 void frmtabGrid::ArchiveRowChanged() {
     const GridRowId row = tdbA->SplitAt(0).CurrentRow();
     if (marking_ || row == kNoGridRow) return;
     const QString key = projectdb::ArchiveNodeKey(static_cast<std::int32_t>(row));
-    if (key != nodeKey_) addIn_.SelectArchive(key);
+    if (key == project_.currentNodeKey) return;
+    CommitPendingEdit();
+    addIn_.SelectArchive(key);
 }
 
 void frmtabGrid::StepArchive(int step) {
@@ -149,6 +156,7 @@ void frmtabGrid::StepArchive(int step) {
     const qsizetype at = rows.indexOf(tdbA->SplitAt(0).CurrentRow());
     const qsizetype next = at < 0 ? 0 : at + step;
     if (next < 0 || next >= rows.size()) return;
+    CommitPendingEdit();
     addIn_.SelectArchive(projectdb::ArchiveNodeKey(static_cast<std::int32_t>(rows[next])));
 }
 
@@ -277,6 +285,12 @@ bool frmtabGrid::eventFilter(QObject* watched, QEvent* event) {
     if (watched == cmbLanguage && event->type() == QEvent::Wheel && !cmbLanguage->hasFocus()) {
         event->ignore();
         return true;
+    }
+    if (watched == txtFind && event->type() == QEvent::FocusIn) {
+        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+        const bool turnedTo =
+            reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason;
+        if (turnedTo && std::exchange(narrowed_, tdbA->Split()) != narrowed_) txtFind->clear();
     }
     if (watched == txtFind && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();

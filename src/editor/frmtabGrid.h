@@ -162,6 +162,7 @@ private:
     [[nodiscard]] bool RunKey(const QKeyEvent& event);
     void RefreshArchives();
     void PasteCell(const QString& text);
+    void ShowTrends(const std::vector<std::int32_t>& ids);
     void WriteCell(std::int64_t row, int column, const QVariant& value);
     void ChooseColour(std::int64_t row, int column, const QVariant& stored);
     void ShowReport();

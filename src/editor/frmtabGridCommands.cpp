@@ -1,7 +1,5 @@
 // The commands of the editor window.
 
-#include <QApplication>
-#include <QClipboard>
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -15,10 +13,8 @@
 #include "editor/DuplicateCommands.h"
 #include "editor/frmtabGrid.h"
 #include "editor/GridColumns.h"
-#include "editor/PasteCommands.h"
 #include "editor/RowProgress.h"
 #include "editor/Statistic.h"
-#include "editor/TrendClipboard.h"
 #include "editor/TrendCommands.h"
 #include "editor/TrendRows.h"
 #include "help/HelpTopics.h"
@@ -104,7 +100,9 @@ void frmtabGrid::mnuArchiv_Click(int index) {
     if (busy_) return;
     const QScopedValueRollback busy(busy_, true);
     CommitPendingEdit();
-    const QString key = addIn_.SelectedNodeKey();
+    // The tree may have another node selected, of another editor; then the archive that is open.
+    const QString selected = addIn_.SelectedNodeKey();
+    const QString key = selected.isEmpty() ? project_.currentNodeKey : selected;
     // What is done is shown, even when a later step of the command fails.
     const auto show = qScopeGuard([&] { Guard(u"frmtabGrid"_s, [&] { RefreshArchives(); }); });
     switch (index) {
@@ -120,7 +118,7 @@ void frmtabGrid::mnuArchiv_Click(int index) {
                 });
             return;
         case kDelete: {
-            RowProgress progress(texts_.GetText(MResourceTable::kTextDeletingTrends), this);
+            RowProgress progress(texts_, MResourceTable::kTextDeletingTrends, this);
             archiveCommands_->Delete(key, Question(), progress.Function());
             return;
         }
@@ -159,7 +157,7 @@ void frmtabGrid::mnuTrend_Click(int index) {
         case kNew: {
             const Busy pointer;
             const std::int32_t id = trendCommands_->New();
-            if (id != 0) trends.SetCurrentCell(id);
+            if (id != 0) ShowTrends({id});
             return;
         }
         case kEdit: {
@@ -173,7 +171,7 @@ void frmtabGrid::mnuTrend_Click(int index) {
             return;
         }
         case kDelete: {
-            RowProgress progress(texts_.GetText(MResourceTable::kTextDeletingTrends), this);
+            RowProgress progress(texts_, MResourceTable::kTextDeletingTrends, this);
             trendCommands_->Delete(Ids(trends.SelectedRows()), Question(), progress.Function());
             return;
         }
@@ -216,10 +214,11 @@ void frmtabGrid::DuplicateSelection() {
     const QScopedValueRollback busy(busy_, true);
     CommitPendingEdit();
     DuplicateCommands commands(project_, *this, names_, texts_, addIn_);
-    RowProgress progress(texts_.GetText(MResourceTable::kTextCopyingTrends), this);
+    RowProgress progress(texts_, MResourceTable::kTextCopyingTrends, this);
     if (tdbA->Split() == 0) {
-        const auto copy =
-            commands.DuplicateArchive(projectdb::NodeId(nodeKey_), progress.Function());
+        if (tdbA->SplitAt(0).CurrentRow() == kNoGridRow) return;
+        const auto archive = static_cast<std::int32_t>(tdbA->SplitAt(0).CurrentRow());
+        const auto copy = commands.DuplicateArchive(archive, progress.Function());
         if (!copy) return;
         RefreshArchives();
         addIn_.SelectArchive(projectdb::ArchiveNodeKey(*copy));
@@ -228,52 +227,18 @@ void frmtabGrid::DuplicateSelection() {
     GridSplit& trends = tdbA->SplitAt(1);
     QList<GridRowId> rows = trends.SelectedRows();
     if (rows.isEmpty() && trends.CurrentRow() != kNoGridRow) rows.append(trends.CurrentRow());
-    const auto copies = commands.DuplicateTrends(Ids(rows), progress.Function());
-    if (copies.empty()) return;
-    trends.SetCurrentCell(copies.front());
-    trends.SelectRows(Rows(copies));
+    ShowTrends(commands.DuplicateTrends(Ids(rows), progress.Function()));
 }
 
-void frmtabGrid::Copy() {
-    const GridSplit& split = tdbA->SplitAt(tdbA->Split());
-    const QList<GridRowId> rows = split.SelectedRows();
-    if (!rows.isEmpty()) {
-        QApplication::clipboard()->setText(TrendClipboard::Copy(split, rows));
-    } else if (split.CurrentRow() != kNoGridRow) {
-        QApplication::clipboard()->setText(
-            split.CellText(split.CurrentRow(), split.CurrentColumn()));
-    }
-}
-
-void frmtabGrid::Paste() {
-    if (busy_ || tdbA->Split() != 1) return;
-    const QScopedValueRollback busy(busy_, true);
-    CommitPendingEdit();
-    GridSplit& trends = tdbA->SplitAt(1);
-    const QString text = QApplication::clipboard()->text();
-    const auto pasted = TrendClipboard::Parse(text, trends, *trends_, QLocale(), texts_);
-    if (!pasted) return PasteCell(text);
-    if (!pasted->refusal.isEmpty()) return Tell(pasted->refusal);
-    RowProgress progress(texts_.GetText(MResourceTable::kTextPastingTrends), this);
-    PasteCommands commands(project_, *this, texts_);
-    const auto ids = commands.PasteTrends(pasted->trends, progress.Function());
+/// Selects new trends. What narrows the split would hide them.
+void frmtabGrid::ShowTrends(const std::vector<std::int32_t>& ids) {
     if (ids.empty()) return;
-    trends.SetCurrentCell(ids.front());
-    trends.SelectRows(Rows(ids));
-}
-
-void frmtabGrid::PasteCell(const QString& text) {
-    const GridSplit& trends = tdbA->SplitAt(1);
-    const GridRowId row = trends.CurrentRow();
-    const int column = trends.CurrentColumn();
-    if (row == kNoGridRow || column < 0 || !trends.CanEdit(row, column)) return;
-    const GridColumn& known = *trends.ColumnAt(column);
-    const auto value = TrendClipboard::ReadCell(text.trimmed(), known, trends_->FieldAt(column),
-                                                QLocale(), texts_);
-    if (!value) {
-        return Tell(TrendClipboard::Refusal(texts_, 1, known.Caption(), text));
+    GridSplit& trends = tdbA->SplitAt(1);
+    if (!trends.SetCurrentCell(ids.front())) {
+        txtFind->clear();
+        trends.SetCurrentCell(ids.front());
     }
-    WriteCell(row, column, RecordsetModel::Stored(*value));
+    if (ids.size() > 1) trends.SelectRows(Rows(ids));
 }
 
 /// Writes a cell that has not been typed into, telling of a failure as the grid does.
@@ -380,7 +345,6 @@ bool frmtabGrid::RunKey(const QKeyEvent& event) {
         case Qt::Key_D:
             return run(mnuDuplicate);
         case Qt::Key_F:
-            narrowed_ = tdbA->Split();
             txtFind->setFocus(Qt::ShortcutFocusReason);
             txtFind->selectAll();
             return true;

@@ -121,6 +121,8 @@ constexpr Entry kAll[] = {
      u"Another program has changed or deleted this row meanwhile."},
     {1376, u"Die Einstellungen konnten nicht gespeichert werden: ",
      u"The settings could not be saved: "},
+    {1377, u"Zeile <row>, Spalte '<column>': <cause>\n\nEs wurde nichts eingefügt.",
+     u"Row <row>, column '<column>': <cause>\n\nNothing has been pasted."},
 };
 // clang-format on
 

@@ -3,12 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <ostream>
 #include <QList>
 #include <QTableView>
 #include <QTemporaryDir>
 
 #include "addin/FakeHost.h"
 #include "platform/MessageBox.h"
+
+inline void PrintTo(const QString& text, std::ostream* out) {
+    *out << '"' << text.toStdString() << '"';
+}
 
 /// Drives the real plugin as a host does, on a copy of a project in a folder of its own. Every
 /// message box is answered with OK and kept.

@@ -65,8 +65,9 @@ public:
         return std::nullopt;
     }
     [[nodiscard]] QWidget* EditorParent() override { return &container; }
-    [[nodiscard]] std::optional<QString> ChooseVariable(QWidget*, const QString&) override {
-        return std::nullopt;
+    [[nodiscard]] std::optional<QString> ChooseVariable(QWidget*, const QString& current) override {
+        Note(u"choose", current);
+        return variable;
     }
 
     [[nodiscard]] const Entry* Find(const QString& key) const {
@@ -88,6 +89,8 @@ public:
     QHash<QString, QIcon> icons;
     QString selected;
     QWidget container;
+    QWidget tree;                     // the host's own window beside the editor
+    std::optional<QString> variable;  // what the user picks in the variable browser
 
 private:
     void Note(QStringView operation, const QString& key) {

@@ -1,0 +1,70 @@
+// Copying and pasting in the editor window.
+
+#include <QApplication>
+#include <QClipboard>
+#include <QMimeData>
+#include <QScopedValueRollback>
+
+#include "controls/TDBGrid.h"
+#include "editor/frmtabGrid.h"
+#include "editor/PasteCommands.h"
+#include "editor/RowProgress.h"
+#include "editor/TrendClipboard.h"
+#include "editor/TrendRows.h"
+#include "languages/MResourceTable.h"
+#include "projectdb/Text.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+void frmtabGrid::Copy() {
+    const GridSplit& split = tdbA->SplitAt(tdbA->Split());
+    const QList<GridRowId> rows = split.SelectedRows();
+    if (!rows.isEmpty() && tdbA->Split() == 1) {
+        QApplication::clipboard()->setMimeData(
+            TrendClipboard::CopyTrends(split, *trends_, texts_, rows).release());
+    } else if (!rows.isEmpty()) {
+        QApplication::clipboard()->setText(TrendClipboard::Copy(split, rows));
+    } else if (split.CurrentRow() != kNoGridRow) {
+        QApplication::clipboard()->setText(
+            split.CellText(split.CurrentRow(), split.CurrentColumn()));
+    }
+}
+
+void frmtabGrid::Paste() {
+    if (busy_ || tdbA->Split() != 1) return;
+    const QScopedValueRollback busy(busy_, true);
+    CommitPendingEdit();
+    const QMimeData* held = QApplication::clipboard()->mimeData();
+    if (held == nullptr || held->text().isEmpty()) return;
+    const TrendClipboard::Reader reader{tdbA->SplitAt(1), *trends_, texts_, QLocale()};
+    const auto pasted = TrendClipboard::Parse(*held, reader);
+    if (!pasted) return PasteCell(TrendClipboard::SingleCell(held->text()));
+    if (!pasted->refusal.isEmpty()) return Tell(pasted->refusal);
+    RowProgress progress(texts_, MResourceTable::kTextPastingTrends, this);
+    PasteCommands commands(project_, *this, texts_);
+    try {
+        ShowTrends(commands.PasteTrends(pasted->trends, progress.Function()));
+    } catch (const ado::AdoError& error) {
+        if (!commands.Refused()) throw;
+        const auto& [trend, column] = *commands.Refused();
+        const GridColumn* known = tdbA->SplitAt(1).Column(projectdb::ToQString(column));
+        Tell(texts_.GetText(MResourceTable::kTextPasteRefused)
+                 .replace(u"<row>"_s, QString::number(trend + 1))
+                 .replace(u"<column>"_s,
+                          known != nullptr ? known->Caption() : projectdb::ToQString(column))
+                 .replace(u"<cause>"_s, QString::fromUtf8(error.what())));
+    }
+}
+
+void frmtabGrid::PasteCell(const QString& text) {
+    const GridSplit& trends = tdbA->SplitAt(1);
+    const GridRowId row = trends.CurrentRow();
+    const int column = trends.CurrentColumn();
+    if (row == kNoGridRow || column < 0 || !trends.CanEdit(row, column)) return;
+    const auto value =
+        TrendClipboard::ReadCell(text.trimmed(), column, {trends, *trends_, texts_, QLocale()});
+    if (!value) {
+        return Tell(TrendClipboard::Refusal(texts_, 1, trends.ColumnAt(column)->Caption(), text));
+    }
+    WriteCell(row, column, RecordsetModel::Stored(*value));
+}

@@ -1,0 +1,354 @@
+#include <gmock/gmock.h>
+
+#include <QComboBox>
+#include <QLineEdit>
+
+#include "addin/EditorTest.h"
+#include "projectdb/Text.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const QString kFirst = u"Maischbottich Temperatur"_s;
+
+class EditorEditTest : public EditorTest {
+protected:
+    /// Gives a trend's field another value in another program, while this one has it shown.
+    void ChangeElsewhere(const QString& trend, const std::string& field, const ado::Value& value) {
+        Elsewhere([&](projectdb::ProjectRows& rows) {
+            ASSERT_TRUE(Seek(rows, trend));
+            rows.Trends().Set(field, value);
+            rows.Trends().Update();
+        });
+    }
+    void DeleteElsewhere(const QString& trend) {
+        Elsewhere([&](projectdb::ProjectRows& rows) {
+            ASSERT_TRUE(Seek(rows, trend));
+            rows.Trends().Delete();
+        });
+    }
+
+private:
+    static bool Seek(projectdb::ProjectRows& rows, const QString& trend) {
+        std::ignore = rows.SeekTrendsOf(1);
+        while (!rows.Trends().IsEOF() && projectdb::NameOf(rows.Trends()) != trend) {
+            rows.Trends().MoveNext();
+        }
+        return !rows.Trends().IsEOF();
+    }
+};
+
+TEST_F(EditorEditTest, EveryKindOfCellTakesWhatItsColumnHolds) {
+    struct Case {
+        QString field;
+        QString typed;
+        QString stored;
+        QString shownEnglish;
+        QString shownGerman;
+    };
+    const Case cases[] = {
+        {u"Unit"_s, u"mbar"_s, u"mbar"_s, u"mbar"_s, u"mbar"_s},
+        {u"Comment"_s, u"Überlauf 2"_s, u"Überlauf 2"_s, u"Überlauf 2"_s, u"Überlauf 2"_s},
+        {u"FilterDepth"_s, u"12"_s, u"12"_s, u"12"_s, u"12"_s},
+        {u"VMaxSamples"_s, u"-5"_s, u"-5"_s, u"-5"_s, u"-5"_s},
+        {u"Factor"_s, u"8.25"_s, u"8.25"_s, u"8.25"_s, u"8,25"_s},
+        {u"Offset"_s, u"-0,5"_s, u"-0.5"_s, u"-0.5"_s, u"-0,5"_s},
+        {u"VMax"_s, u"1e3"_s, u"1000"_s, u"1000"_s, u"1000"_s},
+        {u"VDrawMode"_s, u"B"_s, u"4"_s, u"Bars"_s, u"Balken"_s},
+        {u"HysteresisMode"_s, u"a"_s, u"1"_s, u"absolute"_s, u"Absolut"_s},
+        {u"VLineColor"_s, u"#0000FF"_s, u"16711680"_s, u"#0000FF"_s, u"#0000FF"_s},
+    };
+    for (const bool english : {true, false}) {
+        Open(u"ARCH1"_s, english);
+        for (const Case& c : cases) {
+            SCOPED_TRACE(c.field.toStdString() + (english ? " English" : " German"));
+            ClickCell(1, c.field);
+            Type(c.typed);
+            ASSERT_NE(CellEditor(), nullptr);
+            Key(Qt::Key_Return);
+            EXPECT_EQ(CellEditor(), nullptr);
+            EXPECT_EQ(Text(1, c.field), english ? c.shownEnglish : c.shownGerman);
+            EXPECT_EQ(Stored(Text(1, u"Name"_s), c.field.toStdString()), c.stored);
+            EXPECT_EQ(CurrentRow(), 2) << "Enter goes down";
+            // Back to nothing, for the other language; a list has no such entry.
+            ClickCell(1, c.field);
+            Key(Qt::Key_Delete);
+            const bool list = c.field == u"VDrawMode"_s || c.field == u"HysteresisMode"_s;
+            EXPECT_EQ(Stored(Text(1, u"Name"_s), c.field.toStdString()),
+                      list ? c.stored : u"(Null)"_s);
+            if (list) {
+                Type(english ? u"N"_s : u"K"_s);
+                Key(Qt::Key_Home);
+                Key(Qt::Key_Return);
+            }
+        }
+        EXPECT_THAT(MessageTexts(), IsEmpty());
+        CloseProject();
+    }
+}
+
+TEST_F(EditorEditTest, ATextThatStandsForAnEmptyOneShowsAsEmpty) {
+    project_ = Brewery();
+    ChangeElsewhere(kFirst, "Unit", std::u16string(1, u'\0'));
+    Open();
+    EXPECT_EQ(Text(0, u"Unit"_s), QString());
+    ClickCell(0, u"Unit"_s);
+    Key(Qt::Key_F2);
+    EXPECT_EQ(qobject_cast<QLineEdit*>(CellEditor())->text(), QString());
+    Key(Qt::Key_Escape);
+    EXPECT_EQ(Stored(kFirst, "Unit"), QString(QChar()));
+}
+
+TEST_F(EditorEditTest, NamesAreUniqueAndNotEmpty) {
+    struct Case {
+        QString typed;
+        QString message;  // English
+    };
+    const Case cases[] = {
+        {u" "_s, u"Name field must have a unique identifier (name)"_s},
+        {u"Läutergrant Füllstand"_s, u"Name already in use"_s},
+        {u"LÄUTERGRANT FÜLLSTAND"_s, u"Name already in use"_s},
+        {u"MAISCHBOTTICH Temperatur"_s, {}},
+        {u"Neu"_s, {}},
+        {u"Maischbottich Temperatur"_s, {}},
+    };
+    Open();
+    // A name that is in use in the archive, whatever it holds.
+    const QString other = Text(1, u"Name"_s);
+    for (Case c : cases) {
+        SCOPED_TRACE(c.typed.toStdString());
+        messages_.clear();
+        if (c.typed == u"Läutergrant Füllstand"_s) c.typed = other;
+        if (c.typed == u"LÄUTERGRANT FÜLLSTAND"_s) c.typed = other.toUpper();
+        const QString before = Text(0, u"Name"_s);
+        ClickCell(0, u"Name"_s);
+        Key(Qt::Key_F2);
+        auto* editor = qobject_cast<QLineEdit*>(CellEditor());
+        ASSERT_NE(editor, nullptr);
+        editor->clear();
+        Type(c.typed);
+        Key(Qt::Key_Return);
+        if (c.message.isEmpty()) {
+            EXPECT_THAT(messages_, IsEmpty());
+            EXPECT_EQ(Text(0, u"Name"_s), c.typed);
+            EXPECT_NE(Stored(c.typed, "ID"), u"(no row)"_s);
+            continue;
+        }
+        EXPECT_THAT(MessageTexts(), ElementsAre(c.message));
+        EXPECT_EQ(Text(0, u"Name"_s), before);
+        EXPECT_NE(Stored(before, "ID"), u"(no row)"_s);
+        EXPECT_EQ(CurrentRow(), 0) << "stays with the cell";
+    }
+    // The emptied name itself.
+    messages_.clear();
+    ClickCell(0, u"Name"_s);
+    Key(Qt::Key_Delete);
+    EXPECT_EQ(messages_.size(), 1);
+    EXPECT_EQ(Text(0, u"Name"_s), kFirst);
+}
+
+TEST_F(EditorEditTest, WhatAnotherProgramHasChangedIsShownAndNotOverwritten) {
+    for (const bool english : {true, false}) {
+        project_ = folder_.filePath(english ? u"en.kvs"_s : u"de.kvs"_s);
+        ASSERT_EQ(CopyProject(QStringLiteral(KV_EXAMPLES "/Brauerei.kvs"),
+                              english ? u"en.kvs"_s : u"de.kvs"_s),
+                  project_);
+        Open(u"ARCH1"_s, english);
+        const QString third = Text(2, u"Name"_s);
+        ClickCell(2, u"Unit"_s);
+        Type(u"mine"_s);
+        ChangeElsewhere(third, "Unit", std::u16string(u"theirs"));
+        messages_.clear();
+        Key(Qt::Key_Return);
+
+        ASSERT_EQ(messages_.size(), 2);
+        EXPECT_TRUE(
+            messages_[0].text.startsWith(english ? u"TDB-Error: 32"_s : u"TDB-Fehler: 32"_s))
+            << messages_[0].text.toStdString();
+        EXPECT_EQ(messages_[1].text,
+                  english ? u"Error: 32, the Database is in an unconsistent state and must be "
+                            u"synchronized"_s
+                          : u"Fehler: 32, die Datenbank muß neu synchronisiert werden"_s);
+        EXPECT_EQ(messages_[1].title, u"No way out"_s);
+        EXPECT_EQ(Stored(third, "Unit"), u"theirs"_s);
+        EXPECT_EQ(Text(2, u"Unit"_s), u"theirs"_s);
+        EXPECT_EQ(CellEditor(), nullptr);
+        EXPECT_EQ(CurrentRow(), 0) << "the first row";
+
+        // And the row can be edited again.
+        messages_.clear();
+        ClickCell(2, u"Unit"_s);
+        Type(u"mine"_s);
+        Key(Qt::Key_Return);
+        EXPECT_EQ(Stored(third, "Unit"), u"mine"_s);
+        EXPECT_THAT(messages_, IsEmpty());
+        CloseProject();
+    }
+}
+
+TEST_F(EditorEditTest, ARowDeletedElsewhereTakesItsEditAlong) {
+    Open();
+    const int rows = RowCount(1);
+    ClickCell(2, u"Unit"_s);
+    Type(u"mine"_s);
+    DeleteElsewhere(Text(2, u"Name"_s));
+    Key(Qt::Key_Return);
+    ASSERT_EQ(messages_.size(), 2);
+    EXPECT_TRUE(messages_[0].text.startsWith(u"TDB-Error: 32"_s));
+    EXPECT_EQ(messages_[1].title, u"No way out"_s);
+    EXPECT_EQ(RowCount(1), rows - 1);
+    EXPECT_EQ(CurrentRow(), 0);
+}
+
+TEST_F(EditorEditTest, WhatTheFieldDoesNotTakeIsADataError) {
+    Open();
+    ClickCell(0, u"Unit"_s);
+    Type(u"a unit that is much longer than its field allows"_s);
+    Key(Qt::Key_Return);
+    ASSERT_EQ(messages_.size(), 1);
+    EXPECT_TRUE(messages_[0].text.startsWith(u"TDB-Error: "_s));
+    EXPECT_EQ(Text(0, u"Unit"_s), u"°C"_s);
+    EXPECT_EQ(Stored(kFirst, "Unit"), u"°C"_s);
+    EXPECT_EQ(CurrentRow(), 0);
+}
+
+TEST_F(EditorEditTest, ChoosersOpenBySpaceAndByButton) {
+    Open();
+    const QString variable = Text(0, u"TrendVar"_s);
+    ClickCell(0, u"TrendVar"_s);
+    for (const bool byKey : {true, false}) {
+        for (const bool picks : {false, true}) {
+            SCOPED_TRACE(byKey ? "space" : "button");
+            const QString before = Text(0, u"TrendVar"_s);
+            host_.calls.clear();
+            host_.variable = std::nullopt;
+            if (picks) host_.variable = byKey ? u"Plant.A"_s : u"Plant.B"_s;
+            if (byKey) {
+                Key(Qt::Key_Space);
+            } else {
+                const QRect cell = Split(1)->visualRect(Split(1)->currentIndex());
+                QTest::mouseClick(Split(1)->viewport(), Qt::LeftButton, {},
+                                  {cell.right() - 4, cell.center().y()});
+            }
+            EXPECT_THAT(host_.calls, ElementsAre(u"choose "_s + before));
+            EXPECT_EQ(Stored(kFirst, "TrendVar"), picks ? *host_.variable : before);
+        }
+    }
+    // In the middle of an edit, the text all selected: the space is none.
+    Key(Qt::Key_F2);
+    host_.variable = variable;
+    Key(Qt::Key_Space);
+    EXPECT_EQ(Stored(kFirst, "TrendVar"), variable);
+    EXPECT_EQ(CellEditor(), nullptr);
+
+    ClickCell(0, u"VLineColor"_s);
+    const QString before = Stored(kFirst, "VLineColor");
+    Key(Qt::Key_Space);
+    QWidget* palette = QApplication::activePopupWidget();
+    ASSERT_NE(palette, nullptr);
+    QTest::keyClick(palette->focusWidget(), Qt::Key_Right);
+    QTest::keyClick(palette->focusWidget(), Qt::Key_Return);
+    QApplication::processEvents();
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    EXPECT_NE(Stored(kFirst, "VLineColor"), before);
+    EXPECT_THAT(MessageTexts(), IsEmpty());
+}
+
+TEST_F(EditorEditTest, TheEditReachesItsRowThroughReloadAndSort) {
+    Open();
+    const QString third = Text(2, u"Name"_s);
+    ClickCell(2, u"Comment"_s);
+    Type(u"half"_s);
+    // The host shows the same archive again in the middle of it; a click commits first.
+    Click(u"ARCH1"_s);
+    EXPECT_EQ(Stored(third, "Comment"), u"half"_s);
+
+    ClickCell(2, u"Comment"_s);
+    Type(u"whole"_s);
+    Key(Qt::Key_O, Qt::ControlModifier);
+    EXPECT_EQ(Stored(third, "Comment"), u"whole"_s);
+    EXPECT_EQ(CurrentName(), third);
+    EXPECT_THAT(MessageTexts(), IsEmpty());
+}
+
+TEST_F(EditorEditTest, CommandsAndShutDownStoreTheEditFirst) {
+    Open();
+    ClickCell(0, u"Comment"_s);
+    Type(u"before statistic"_s);
+    Action(u"mnuExtra(0)"_s)->trigger();
+    EXPECT_EQ(Stored(kFirst, "Comment"), u"before statistic"_s);
+
+    ClickCell(0, u"Comment"_s);
+    Type(u"before new"_s);
+    Key(Qt::Key_F8);
+    EXPECT_EQ(Stored(kFirst, "Comment"), u"before new"_s);
+    EXPECT_TRUE(CurrentName().startsWith(u"Trd"_s)) << CurrentName().toStdString();
+
+    ClickCell(0, u"Comment"_s);
+    Type(u"before the end"_s);
+    CloseProject();
+    EXPECT_EQ(Stored(kFirst, "Comment"), u"before the end"_s);
+    EXPECT_TRUE(host_.container.children().isEmpty());
+
+    // The same with an edit that cannot be stored: told, and nothing is left behind.
+    Open();
+    ClickCell(0, u"Name"_s);
+    Type(u"x"_s);
+    qobject_cast<QLineEdit*>(CellEditor())->clear();
+    CloseProject();
+    EXPECT_THAT(MessageTexts(), ElementsAre(u"Name field must have a unique identifier (name)"_s));
+    EXPECT_NE(Stored(kFirst, "ID"), u"(no row)"_s);
+}
+
+TEST_F(EditorEditTest, TurningAwayStoresAndTurningBackShowsWhatIsNew) {
+    Open();
+    const QString third = Text(2, u"Name"_s);
+    const QString fourth = Text(3, u"Name"_s);
+    ClickCell(2, u"Comment"_s);
+    Type(u"left"_s);
+    TurnAway();
+    EXPECT_EQ(Stored(third, "Comment"), u"left"_s);
+    EXPECT_EQ(CellEditor(), nullptr);
+
+    ChangeElsewhere(third, "Comment", std::u16string(u"theirs"));
+    DeleteElsewhere(Text(0, u"Name"_s));
+    EXPECT_EQ(Text(2, u"Comment"_s), u"left"_s);
+    TurnTo();
+    EXPECT_EQ(RowCount(1), 23);
+    EXPECT_EQ(CurrentName(), third) << "the current row is kept";
+    EXPECT_EQ(Text(1, u"Comment"_s), u"theirs"_s);
+
+    // Within the window nothing is read anew.
+    ChangeElsewhere(fourth, "Comment", std::u16string(u"unseen"));
+    Split(0)->setFocus();
+    QApplication::processEvents();
+    Split(1)->setFocus();
+    QApplication::processEvents();
+    EXPECT_EQ(Text(2, u"Comment"_s), QString());
+    EXPECT_THAT(MessageTexts(), IsEmpty());
+}
+
+TEST_F(EditorEditTest, AMessageBoxIsNoTurningAway) {
+    Open();
+    bool asked = false;
+    int readMeanwhile = 0;
+    const platform::MessageAnswer answer([&](const platform::Message&) {
+        asked = true;
+        QObject::connect(Split(1)->model(), &QAbstractItemModel::modelReset, &host_.tree,
+                         [&] { ++readMeanwhile; });
+        TurnAway();
+        TurnTo();
+        host_.tree.disconnect();
+        QObject::disconnect(Split(1)->model(), nullptr, &host_.tree, nullptr);
+        return platform::MessageResult::Ok;
+    });
+    ClickCell(0, u"Name"_s);
+    Key(Qt::Key_Delete);
+    EXPECT_TRUE(asked);
+    EXPECT_EQ(readMeanwhile, 0);
+}
+
+}  // namespace

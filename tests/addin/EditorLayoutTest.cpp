@@ -1,0 +1,178 @@
+#include <gmock/gmock.h>
+
+#include <QComboBox>
+#include <QDialog>
+#include <QDir>
+#include <QFile>
+#include <QLineEdit>
+#include <QStatusBar>
+
+#include "addin/EditorTest.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class EditorLayoutTest : public EditorTest {
+protected:
+    [[nodiscard]] QString IniPath() const { return folder_.filePath(u"KVEditors.ini"_s); }
+    [[nodiscard]] std::string Ini() const {
+        QFile file(IniPath());
+        return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
+    }
+    void WriteIni(const QByteArray& body) {
+        QFile file(IniPath());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("[FKVARCHIVDBSERVER]\r\n" + body);
+    }
+    [[nodiscard]] double Width(const QString& field, int split = 1) {
+        return Column(split, field)->property("Width").toDouble();
+    }
+    [[nodiscard]] int Lcid() {
+        return Editor()->findChild<QComboBox*>(u"cmbLanguage"_s)->currentData().toInt();
+    }
+};
+
+TEST_F(EditorLayoutTest, WithoutAFileTheBuiltInLayoutIsShown) {
+    Open();
+    EXPECT_THAT(ShownFields(0), ElementsAre(u"Name"_s, u"Comment"_s));
+    // The default says nothing of the last four, so that nobody can hide them.
+    EXPECT_THAT(ShownFields(1), ElementsAre(u"Name"_s, u"TrendVar"_s, u"Comment"_s, u"Factor"_s,
+                                            u"Offset"_s, u"Unit"_s, u"VLineStyle"_s));
+    EXPECT_EQ(Width(u"Name"_s, 0), 3000);
+    for (const QString& field : {u"Name"_s, u"TrendVar"_s, u"Maximum"_s, u"Comment"_s}) {
+        EXPECT_EQ(Width(field), 3000) << field.toStdString();
+    }
+    EXPECT_EQ(Split(1)->columnWidth(ColumnNumber(1, u"Name"_s)), 200);
+    EXPECT_EQ(Lcid(), 1031) << "the built-in default names German";
+    EXPECT_EQ(CurrentRow(), 0);
+    EXPECT_TRUE(Editor()->findChild<QStatusBar*>(u"sb"_s)->isVisible());
+    EXPECT_EQ(Ini(), "");
+}
+
+TEST_F(EditorLayoutTest, TheLayoutIsSavedAndRestored) {
+    for (const bool english : {true, false}) {
+        SCOPED_TRACE(english ? "English" : "German");
+        QFile::remove(IniPath());
+        Open(u"ARCH1"_s, english);
+        Split(1)->setColumnWidth(ColumnNumber(1, u"TrendVar"_s), 111);
+        Column(1, u"Maximum"_s)->setProperty("Visible", true);
+        Split(1)->horizontalHeader()->moveSection(
+            Split(1)->horizontalHeader()->visualIndex(ColumnNumber(1, u"Comment"_s)), 1);
+        auto* languages = Editor()->findChild<QComboBox*>(u"cmbLanguage"_s);
+        languages->setFocus();
+        const int other = languages->findData(english ? 1033 : 1031);
+        ASSERT_GE(other, 0);
+        languages->setCurrentIndex(other);
+        emit languages->activated(other);
+        const QStringList shown = ShownFields(1);
+        EXPECT_EQ(shown[1], u"Comment"_s);
+        EXPECT_TRUE(shown.contains(u"Maximum"_s));
+        const int lcid = Lcid();
+        CloseProject();
+        EXPECT_THAT(Ini(), HasSubstr("tdbA.Splits(1).Columns(\"TrendVar\").Width=1665\r\n"));
+        EXPECT_THAT(Ini(), HasSubstr("CurrentLCID=" + std::to_string(lcid) + "\r\n"));
+        EXPECT_THAT(Ini(), HasSubstr("TDBAColOrders=,"));
+
+        Open(u"ARCH2"_s, english);
+        EXPECT_EQ(ShownFields(1), shown);
+        EXPECT_EQ(Width(u"TrendVar"_s), 1665);
+        EXPECT_EQ(Lcid(), lcid);
+        CloseProject();
+    }
+}
+
+TEST_F(EditorLayoutTest, AChosenForgetfulnessIsAllThatIsSaved) {
+    WriteIni(
+        "SaveOnExit=False\r\nCurrentLCID=1033\r\n"
+        "tdbA.Splits(1).Columns(\"TrendVar\").Width=1500\r\n");
+    const std::string before = Ini();
+    Open();
+    EXPECT_EQ(Width(u"TrendVar"_s), 1500);
+    Split(1)->setColumnWidth(ColumnNumber(1, u"TrendVar"_s), 222);
+    CloseProject();
+    EXPECT_EQ(Ini(), before);
+}
+
+TEST_F(EditorLayoutTest, FilesOfOtherStationsAreRead) {
+    struct Case {
+        QByteArray body;
+        double width;       // of TrendVar, twips
+        QStringList shown;  // in split 1
+        int lcid;
+        bool statusBar;
+    };
+    const QStringList kAlways = {u"Factor"_s, u"Offset"_s, u"Unit"_s, u"VLineStyle"_s};
+    const QStringList kDefault = QStringList{u"Name"_s, u"TrendVar"_s, u"Comment"_s} + kAlways;
+    const QStringList kByPosition =
+        QStringList{u"Name"_s, u"TrendVar"_s} + kAlways + QStringList{u"Comment"_s};
+    const Case cases[] = {
+        // With a comma or a point, what stands behind the number, letter case of keys.
+        {"tdbA.Splits(1).Columns(\"TrendVar\").Width=1995,024\r\n", 1995, kDefault, 1031, true},
+        {"tdbA.Splits(1).Columns(\"TrendVar\").Width=1995.6\r\n", 1996, kDefault, 1031, true},
+        {"TDBA.SPLITS(1).COLUMNS(\"TRENDVAR\").WIDTH=900 twips\r\n", 900, kDefault, 1031, true},
+        // Of a layout that knew fewer and other columns.
+        {"tdbA.Splits(1).Columns(\"Gone\").Width=5\r\nMe.Font.Bold=True\r\nCurrentLCID=1033\r\n"
+         "TDBAColOrders=,3,999,-1,x,3\r\n",
+         3000, kByPosition, 1033, true},
+        // What is out of range, or of another kind.
+        {"CurrentLCID=99\r\nSaveOnExit=maybe\r\n", 3000, kDefault, 0, true},
+        {"CurrentLCID=99999999999\r\nsb.Visible=False\r\nMe.WindowState=1\r\n", 3000, kDefault,
+         1033, false},
+        {"tdbA.Splits(1).Columns(\"VDrawMode\").Visible=True\r\n"
+         "tdbA.Splits(1).Columns(\"Name\").Visible=False\r\n",
+         3000,
+         QStringList{u"Name"_s, u"TrendVar"_s, u"Comment"_s, u"Factor"_s, u"Offset"_s, u"Unit"_s,
+                     u"VLineStyle"_s, u"VDrawMode"_s},
+         1031, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.body.toStdString());
+        WriteIni(c.body);
+        Open(u"ARCH1"_s, false);
+        EXPECT_EQ(Width(u"TrendVar"_s), c.width);
+        EXPECT_EQ(ShownFields(1), c.shown);
+        EXPECT_EQ(Lcid(), c.lcid);
+        EXPECT_EQ(Editor()->findChild<QStatusBar*>(u"sb"_s)->isVisible(), c.statusBar);
+        EXPECT_TRUE(Editor()->isVisible());
+        CloseProject();
+    }
+    EXPECT_THAT(messages_, IsEmpty());
+}
+
+TEST_F(EditorLayoutTest, SettingsThatCannotBeWrittenAreToldAndStopNothing) {
+    Open();
+    ASSERT_TRUE(QDir(folder_.path()).mkdir(u"KVEditors.ini"_s));
+    CloseProject();
+    EXPECT_EQ(messages_.size(), 1);
+    EXPECT_TRUE(host_.container.children().isEmpty());
+    Elsewhere([](projectdb::ProjectRows& rows) {
+        EXPECT_TRUE(rows.SeekArchive(1)) << "the project is closed";
+    });
+}
+
+TEST_F(EditorLayoutTest, AnotherLanguageOfTheTextsIsWhatTheDialogsShow) {
+    Open();
+    auto* languages = Editor()->findChild<QComboBox*>(u"cmbLanguage"_s);
+    for (const int lcid : {1033, 1031}) {
+        const int entry = languages->findData(lcid);
+        languages->setFocus();
+        languages->setCurrentIndex(entry);
+        emit languages->activated(entry);
+        EXPECT_EQ(RowCount(1), 24);
+        QString shown;
+        TurnTo();
+        EXPECT_EQ(DialogOf([&] { Key(Qt::Key_F9); },
+                           [&](QDialog& dialog) {
+                               shown = dialog.findChild<QLineEdit*>(u"txtTextID"_s)->text();
+                           }),
+                  u"FTrend"_s);
+        EXPECT_EQ(shown,
+                  lcid == 1033 ? u"Temperature Maischbottich"_s : u"Temperatur Maischbottich"_s);
+    }
+}
+
+}  // namespace
