@@ -5,12 +5,15 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QScopedValueRollback>
+#include <QStatusBar>
 #include <QTableView>
 
 #include "controls/KVColorSelect.h"
 #include "controls/TDBGrid.h"
 #include "dialogs/ColourTexts.h"
+#include "dialogs/MConfigeditor.h"
 #include "editor/DuplicateCommands.h"
+#include "editor/EditorLayout.h"
 #include "editor/frmtabGrid.h"
 #include "editor/GridColumns.h"
 #include "editor/RowProgress.h"
@@ -207,7 +210,15 @@ void frmtabGrid::ShowReport() {
     if (!shown) Tell(texts_.GetText(MResourceTable::kTextNoReport));
 }
 
-void frmtabGrid::ShowOptions() {}
+void frmtabGrid::ShowOptions() {
+    const MConfigeditor::Session session{Settings(),
+                                         *tdbA,
+                                         *sb,
+                                         texts_,
+                                         Services().showHelp,
+                                         [this] { layout_->TakeColumnOrders(); }};
+    if (MConfigeditor::EditOptions(session, this)) Arrange();
+}
 
 void frmtabGrid::DuplicateSelection() {
     if (busy_) return;

@@ -1,10 +1,13 @@
 #include <gmock/gmock.h>
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
 #include <QStatusBar>
 
 #include "addin/EditorTest.h"
@@ -152,6 +155,35 @@ TEST_F(EditorLayoutTest, SettingsThatCannotBeWrittenAreToldAndStopNothing) {
     Elsewhere([](projectdb::ProjectRows& rows) {
         EXPECT_TRUE(rows.SeekArchive(1)) << "the project is closed";
     });
+}
+
+TEST_F(EditorLayoutTest, OptionsAreTakenOverAndSaved) {
+    for (const bool english : {true, false}) {
+        QFile::remove(IniPath());
+        Open(u"ARCH1"_s, english);
+        const QString maximum = Column(1, u"Maximum"_s)->property("Caption").toString();
+        const auto choose = [&](QDialog& dialog) {
+            auto* hidden = dialog.findChild<QListWidget*>(u"lstTrendColExist"_s);
+            const auto found = hidden->findItems(maximum, Qt::MatchExactly);
+            ASSERT_EQ(found.size(), 1);
+            hidden->setCurrentItem(found[0]);
+            emit hidden->itemDoubleClicked(found[0]);
+            dialog.findChild<QCheckBox*>(u"chkShowStatusBar"_s)->setChecked(false);
+            dialog.findChild<QPushButton*>(u"cmdOk"_s)->click();
+        };
+        EXPECT_EQ(DialogOf([&] { Action(u"mnuExtra(4)"_s)->trigger(); }, choose),
+                  u"FConfigEditor"_s);
+        const QStringList shown = ShownFields(1);
+        EXPECT_TRUE(shown.contains(u"Maximum"_s));
+        EXPECT_FALSE(Editor()->findChild<QStatusBar*>(u"sb"_s)->isVisible());
+        CloseProject();
+        EXPECT_THAT(Ini(), HasSubstr("sb.Visible=False\r\n"));
+        Open(u"ARCH2"_s, english);
+        EXPECT_EQ(ShownFields(1), shown);
+        EXPECT_FALSE(Editor()->findChild<QStatusBar*>(u"sb"_s)->isVisible());
+        CloseProject();
+    }
+    EXPECT_THAT(messages_, IsEmpty());
 }
 
 TEST_F(EditorLayoutTest, AnotherLanguageOfTheTextsIsWhatTheDialogsShow) {
