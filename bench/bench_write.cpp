@@ -96,6 +96,13 @@ void DeleteThousandTrends(benchmark::State& state) {
 }
 BENCHMARK(DeleteThousandTrends)->Unit(benchmark::kMillisecond);
 
+// One trend with its text, committed by itself, as the editor adds one.
+void NewTrend(benchmark::State& state) {
+    Project project;
+    for (auto _ : state) project.AddTrends(1);
+}
+BENCHMARK(NewTrend)->Unit(benchmark::kMillisecond);
+
 void ChangeOneRow(benchmark::State& state) {
     Project project;
     std::int32_t value = 0;
