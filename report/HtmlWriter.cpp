@@ -12,6 +12,10 @@ namespace {
 
 constexpr auto kAddressPrefix = "section:"_L1;
 
+// A document has its table's looks from the attributes, a file from its style sheet.
+constexpr QStringView kTableBegin =
+    u"<table class=\"grid\" border=\"1\" cellspacing=\"0\" cellpadding=\"4\" width=\"100%\">";
+
 // Of a document there is little more than colours to set: it takes its font from the window.
 constexpr QStringView kDocumentStyle =
     u"table.grid { border-collapse: collapse; border-style: solid; border-color: %1; }\n"
@@ -98,21 +102,41 @@ HtmlWriter::HtmlWriter(ProjectReader& reader, const ReportTexts& texts, QString 
       target_(target) {}
 
 std::vector<Section> HtmlWriter::Sections() const {
-    std::vector<Section> sections = {{}};
-    const auto add = [&](Section::Kind kind, std::size_t archive, std::size_t trends) {
-        std::size_t first = 0;
-        do {
-            sections.push_back({kind, archive, first});
-            first += kTrendsPerSection;
-        } while (first < trends);
+    std::vector<Section> sections;
+    const auto add = [&](Section section) {
+        for (sections.push_back(section); !IsLast(section); sections.push_back(section)) {
+            section.first += PerSection(section);
+        }
     };
+    add({});
     for (std::size_t i = 0; i < reader_.Archives().size(); ++i) {
-        add(Section::Kind::Archive, i, reader_.Archives()[i].trends.size());
+        add({Section::Kind::Archive, i});
     }
-    const std::size_t others = reader_.WithoutArchive().trends.size();
-    if (others != 0) add(Section::Kind::WithoutArchive, 0, others);
-    if (reader_.ProblemCount() != 0) sections.push_back({Section::Kind::Problems});
+    if (!reader_.WithoutArchive().trends.empty()) add({Section::Kind::WithoutArchive});
+    if (reader_.ProblemCount() != 0) add({Section::Kind::Problems});
     return sections;
+}
+
+/// Rows of the table that a section shows a part of.
+std::size_t HtmlWriter::RowCount(const Section& section) const {
+    switch (section.kind) {
+        case Section::Kind::Overview:
+            return reader_.Archives().size();
+        case Section::Kind::Problems:
+            return 0;  // there are few of them
+        case Section::Kind::Archive:
+        case Section::Kind::WithoutArchive:
+            break;
+    }
+    return TrendsOf(section).trends.size();
+}
+
+std::size_t HtmlWriter::PerSection(const Section& section) {
+    return section.kind == Section::Kind::Overview ? kArchivesPerSection : kTrendsPerSection;
+}
+
+bool HtmlWriter::IsLast(const Section& section) const {
+    return section.first + PerSection(section) >= RowCount(section);
 }
 
 const ProjectReader::Archive& HtmlWriter::TrendsOf(const Section& section) const {
@@ -136,22 +160,21 @@ QString HtmlWriter::Title(const Section& section) const {
 
 QString HtmlWriter::Page(const Section& section, const QPalette& palette,
                          const std::vector<int>& pages) {
-    QString body;
+    return u"<html><head><style>"_s + DocumentStyle(palette) + u"</style></head><body>"_s +
+           Body(section, pages) + u"</body></html>"_s;
+}
+
+QString HtmlWriter::Body(const Section& section, const std::vector<int>& pages) {
     switch (section.kind) {
         case Section::Kind::Overview:
-            body = Overview(pages);
-            break;
+            return (section.first == 0 ? Facts() : QString()) + Contents(section, pages);
         case Section::Kind::Problems:
-            body = Element(u"h2"_s, Title(section)) + ProblemTable();
-            break;
+            return Element(u"h2"_s, Title(section)) + ProblemTable();
         case Section::Kind::Archive:
         case Section::Kind::WithoutArchive:
-            if (section.first == 0) body = Settings(section);
-            body += TrendTable(section);
             break;
     }
-    return u"<html><head><style>"_s + DocumentStyle(palette) + u"</style></head><body>"_s + body +
-           u"</body></html>"_s;
+    return (section.first == 0 ? Settings(section) : QString()) + TrendTable(section);
 }
 
 QString HtmlWriter::FileHead() const {
@@ -167,24 +190,8 @@ QString HtmlWriter::FileBody(const Section& section) {
     if (section.first == 0) {
         html += u"<section id=\"%1\" class=\"archive\">\n"_s.arg(section.Anchor());
     }
-    switch (section.kind) {
-        case Section::Kind::Overview:
-            html += Overview({});
-            break;
-        case Section::Kind::Problems:
-            html += Element(u"h2"_s, Title(section)) + ProblemTable();
-            break;
-        case Section::Kind::Archive:
-        case Section::Kind::WithoutArchive:
-            if (section.first == 0) html += Settings(section);
-            html += TrendTable(section);
-            break;
-    }
-    const bool trends =
-        section.kind == Section::Kind::Archive || section.kind == Section::Kind::WithoutArchive;
-    if (!trends || section.first + kTrendsPerSection >= TrendsOf(section).trends.size()) {
-        html += u"</section>\n"_s;
-    }
+    html += Body(section, {});
+    if (IsLast(section)) html += u"</section>\n"_s;
     return html;
 }
 
@@ -192,7 +199,7 @@ QString HtmlWriter::FileFoot() const {
     return u"</body>\n</html>\n"_s;
 }
 
-QString HtmlWriter::Overview(const std::vector<int>& pages) {
+QString HtmlWriter::Facts() const {
     QString html = Element(u"h1"_s, texts_(Text::ReportTitle)) +
                    u"<table class=\"facts\" cellpadding=\"2\">"_s;
     const auto add = [&](const QString& name, const QString& value) {
@@ -215,17 +222,22 @@ QString HtmlWriter::Overview(const std::vector<int>& pages) {
                      texts_(Text::ProblemCount).arg(texts_.Number(problems)));
     }
     html += u"</p>"_s + Element(u"h2"_s, texts_(Text::Contents));
-    if (reader_.Archives().empty()) return html + Element(u"p"_s, texts_(Text::NoArchives));
+    if (reader_.Archives().empty()) html += Element(u"p"_s, texts_(Text::NoArchives));
+    return html;
+}
 
-    html +=
-        u"<table class=\"grid\" border=\"1\" cellspacing=\"0\" cellpadding=\"4\" width=\"100%\">"_s
-        u"<thead><tr>"_s;
-    for (const Text heading :
-         {Text::ContentsArchive, Text::Type, Text::ContentsTrends, Text::ContentsPage}) {
-        if (heading == Text::ContentsPage && pages.empty()) continue;
-        html += Element(u"th"_s, texts_(heading));
+QString HtmlWriter::Contents(const Section& section, const std::vector<int>& pages) {
+    const bool inFile = target_ == Target::File;
+    QString html = inFile ? QString() : PartLinks(section);
+    if (!inFile || section.first == 0) {
+        html += kTableBegin.toString() + u"<thead><tr>"_s;
+        for (const Text heading :
+             {Text::ContentsArchive, Text::Type, Text::ContentsTrends, Text::ContentsPage}) {
+            if (heading == Text::ContentsPage && pages.empty()) continue;
+            html += Element(u"th"_s, texts_(heading));
+        }
+        html += u"</tr></thead><tbody>\n"_s;
     }
-    html += u"</tr></thead><tbody>\n"_s;
     QHash<QString, int> firstPages;
     if (!pages.empty()) {
         const std::vector<Section> sections = Sections();
@@ -233,19 +245,23 @@ QString HtmlWriter::Overview(const std::vector<int>& pages) {
             firstPages.insert(sections[i].Anchor(), pages[i]);
         }
     }
-    const auto addRow = [&](const Section& section, const QString& name, const QString& type,
+    const auto addRow = [&](const Section& target, const QString& name, const QString& type,
                             std::size_t trends) {
-        html += ContentsRow(section, name, type, trends, firstPages.value(section.Anchor()));
+        html += ContentsRow(target, name, type, trends, firstPages.value(target.Anchor()));
     };
-    for (std::size_t i = 0; i < reader_.Archives().size(); ++i) {
+    const std::size_t end =
+        std::min(section.first + kArchivesPerSection, reader_.Archives().size());
+    for (std::size_t i = section.first; i < end; ++i) {
         const ProjectReader::Archive& archive = reader_.Archives()[i];
         addRow({Section::Kind::Archive, i}, archive.name,
                wording_.TypeInShort(reader_.ReadArchive(archive)), archive.trends.size());
     }
-    if (const std::size_t others = reader_.WithoutArchive().trends.size(); others != 0) {
+    const std::size_t others = reader_.WithoutArchive().trends.size();
+    if (IsLast(section) && others != 0) {
         addRow({Section::Kind::WithoutArchive}, texts_(Text::TrendsWithoutArchive), {}, others);
     }
-    return html + u"</tbody></table>\n"_s;
+    if (!inFile || IsLast(section)) html += u"</tbody></table>\n"_s;
+    return html;
 }
 
 QString HtmlWriter::ContentsRow(const Section& section, const QString& name, const QString& type,
@@ -259,8 +275,7 @@ QString HtmlWriter::Settings(const Section& section) {
     if (section.kind == Section::Kind::WithoutArchive) return Element(u"h2"_s, Title(section));
     const ProjectReader::Archive& archive = TrendsOf(section);
     QString html = Element(u"h2"_s, texts_(Text::Archive).arg(archive.name)) +
-                   u"<table class=\"grid\" border=\"1\" cellspacing=\"0\" cellpadding=\"4\" "_s
-                   u"width=\"100%\"><tbody>\n"_s;
+                   kTableBegin.toString() + u"<tbody>\n"_s;
     for (const Fact& fact : wording_.Archive(reader_.ReadArchive(archive))) {
         html += u"<tr><td class=\"name\" width=\"22%\">"_s + fact.name.toHtmlEscaped() +
                 u"</td>"_s + Cell(fact.lines) + u"</tr>\n"_s;
@@ -282,18 +297,23 @@ QString HtmlWriter::TrendHeading(const Section& section) const {
         u"h3"_s,
         title +
             texts_(Text::TrendsPart).arg(number(section.first + 1), number(last), number(count)));
-    if (target_ == Target::Print) return heading;
+    return heading + PartLinks(section);
+}
+
+/// To the parts of a long table before and behind this one.
+QString HtmlWriter::PartLinks(const Section& section) const {
+    if (target_ != Target::Screen || RowCount(section) <= PerSection(section)) return {};
     QString links;
     Section other = section;
-    if (section.first >= kTrendsPerSection) {
-        other.first = section.first - kTrendsPerSection;
+    if (section.first >= PerSection(section)) {
+        other.first = section.first - PerSection(section);
         links += Link(other, texts_(Text::PreviousPart)) + u" &#160; "_s;
     }
-    if (last < count) {
-        other.first = last;
+    if (!IsLast(section)) {
+        other.first = section.first + PerSection(section);
         links += Link(other, texts_(Text::NextPart));
     }
-    return heading + u"<p>"_s + links + u"</p>"_s;
+    return u"<p>"_s + links + u"</p>"_s;
 }
 
 QString HtmlWriter::TrendTable(const Section& section) {
@@ -304,9 +324,7 @@ QString HtmlWriter::TrendTable(const Section& section) {
     const std::size_t end = std::min(section.first + kTrendsPerSection, trends.size());
     QString html;
     if (!inFile || section.first == 0) {
-        html += TrendHeading(section) +
-                u"<table class=\"grid\" border=\"1\" cellspacing=\"0\" cellpadding=\"3\" "_s
-                u"width=\"100%\"><thead><tr>"_s;
+        html += TrendHeading(section) + kTableBegin.toString() + u"<thead><tr>"_s;
         for (const TrendColumnHead& heading : kTrendHeadings) {
             html += u"<th width=\"%1%\">"_s.arg(heading.width) +
                     texts_(heading.name).toHtmlEscaped() + u"</th>"_s;
@@ -323,11 +341,9 @@ QString HtmlWriter::TrendTable(const Section& section) {
 }
 
 QString HtmlWriter::ProblemTable() const {
-    QString html =
-        u"<table class=\"grid\" border=\"1\" cellspacing=\"0\" cellpadding=\"4\" width=\"100%\">"_s
-        u"<thead><tr>"_s +
-        Element(u"th"_s, texts_(Text::ProblemWhere)) + Element(u"th"_s, texts_(Text::ProblemWhat)) +
-        u"</tr></thead><tbody>\n"_s;
+    QString html = kTableBegin.toString() + u"<thead><tr>"_s +
+                   Element(u"th"_s, texts_(Text::ProblemWhere)) +
+                   Element(u"th"_s, texts_(Text::ProblemWhat)) + u"</tr></thead><tbody>\n"_s;
     for (const Problem& problem : reader_.Problems()) {
         html += u"<tr>"_s + Element(u"td"_s, wording_.Place(problem)) +
                 Element(u"td"_s, wording_.Finding(problem)) + u"</tr>\n"_s;
@@ -366,6 +382,8 @@ QString HtmlWriter::Link(const Section& section, const QString& text) const {
 }
 
 QString HtmlWriter::PlainText(const Section& section) {
+    // Parts of the table of contents hold nothing that is not found in the archives.
+    if (section.kind == Section::Kind::Overview && section.first != 0) return {};
     QString text = Title(section) + u'\n';
     const auto add = [&](const Lines& lines) {
         for (const Line& line : lines) text += line.text + u'\n';

@@ -16,7 +16,7 @@ struct Section {
     enum class Kind { Overview, Archive, WithoutArchive, Problems };
     Kind kind = Kind::Overview;
     std::size_t archive = 0;  // Kind::Archive: position among the archives
-    std::size_t first = 0;    // of the trends that it shows
+    std::size_t first = 0;    // of the trends, or the archives of the contents, that it shows
 
     [[nodiscard]] bool operator==(const Section&) const = default;
     /// As the address of a link, and back; the overview for an address that is none.
@@ -36,6 +36,8 @@ public:
     enum class Target { Screen, Print, File };
     /// Trends of one section at most.
     static constexpr std::size_t kTrendsPerSection = 100;
+    /// Archives of one part of the table of contents at most.
+    static constexpr std::size_t kArchivesPerSection = 200;
 
     HtmlWriter(ProjectReader& reader, const ReportTexts& texts, QString projectPath, Target target);
 
@@ -58,7 +60,13 @@ public:
 
 private:
     [[nodiscard]] const ProjectReader::Archive& TrendsOf(const Section& section) const;
-    [[nodiscard]] QString Overview(const std::vector<int>& pages);
+    [[nodiscard]] std::size_t RowCount(const Section& section) const;
+    [[nodiscard]] static std::size_t PerSection(const Section& section);
+    [[nodiscard]] bool IsLast(const Section& section) const;
+    [[nodiscard]] QString Body(const Section& section, const std::vector<int>& pages);
+    [[nodiscard]] QString Facts() const;
+    [[nodiscard]] QString Contents(const Section& section, const std::vector<int>& pages);
+    [[nodiscard]] QString PartLinks(const Section& section) const;
     [[nodiscard]] QString ContentsRow(const Section& section, const QString& name,
                                       const QString& type, std::size_t trends, int page) const;
     [[nodiscard]] QString Settings(const Section& section);

@@ -49,7 +49,6 @@ constexpr std::array kTexts = {
     Pair{u"PD&F …", u"PD&F …"},
     Pair{u"&HTML …", u"&HTML …"},
     Pair{u"&Neu lesen", u"&Read again"},
-    Pair{u"&Schließen", u"&Close"},
     Pair{u"&Hilfe", u"&Help"},
     Pair{u"&Suchen:", u"&Find:"},
     Pair{u"Nächste Fundstelle", u"Next match"},
@@ -134,13 +133,13 @@ constexpr std::array kTexts = {
 
     Pair{u"Trend", u"Trend"},
     Pair{u"Trendvariable", u"Trend variable"},
-    Pair{u"Wertebereich", u"Range"},
+    Pair{u"Bereich", u"Range"},
     Pair{u"Ersatzwerte", u"Substitutes"},
     Pair{u"Hysterese", u"Hysteresis"},
     Pair{u"Filter", u"Filter"},
     Pair{u"Anzeige", u"Display"},
     Pair{u"Kurve", u"Curve"},
-    Pair{u"Toleranzband", u"Tolerance band"},
+    Pair{u"Toleranz", u"Tolerance"},
 
     Pair{u"%1 bis %2", u"%1 to %2"},
     Pair{u"Wert × %1 + %2", u"value × %1 + %2"},

@@ -43,7 +43,6 @@ enum class Text : int {
     Pdf,
     Html,
     Refresh,
-    Close,
     Help,
     FindLabel,
     FindNext,
@@ -181,6 +180,8 @@ public:
     explicit ReportTexts(platform::Registry& registry);
 
     [[nodiscard]] QString operator()(Text text) const;
+    /// For a viewer of help, which has texts of its own.
+    [[nodiscard]] MResources::TextTable& Table() noexcept { return table_; }
     [[nodiscard]] const QLocale& Locale() const noexcept { return locale_; }
     [[nodiscard]] QString Number(qint64 number) const { return locale_.toString(number); }
 

@@ -16,9 +16,14 @@
 #include <QTextBrowser>
 #include <QToolBar>
 #include <QVBoxLayout>
+#include <tuple>
 
+#include "help/HelpTopics.h"
+#include "help/HelpViewer.h"
 #include "paths/NativePath.h"
+#include "platform/Error.h"
 #include "platform/MessageBox.h"
+#include "platform/Registry.h"
 #include "projectdb/Guard.h"
 #include "projectdb/Text.h"
 #include "report/ReportDocument.h"
@@ -50,6 +55,7 @@ ReportWindow::ReportWindow(platform::Registry& registry, QString projectPath, QW
     BuildActions();
     BuildBody();
     BuildStatusBar();
+    FindHelpFile(registry);
     connect(&runner_, &PortionRunner::RunningChanged, this, &ReportWindow::SetRunning);
     connect(&runner_, &PortionRunner::Progress, this, [this](const QString& label, int permille) {
         lblState_->setText(label);
@@ -110,6 +116,10 @@ void ReportWindow::BuildActions() {
     bar->addAction(previous);
     bar->addAction(next);
     connect(txtFind_, &QLineEdit::returnPressed, next, &QAction::trigger);
+
+    bar->addSeparator();
+    bar->addAction(
+        AddAction("actHelp", Text::Help, Text::Help, Qt::Key_F1, &ReportWindow::actHelp_Triggered));
 
     auto* focusFind = new QAction(this);
     focusFind->setObjectName(u"actFind"_s);
@@ -374,12 +384,28 @@ void ReportWindow::actRefresh_Triggered() {
     Read();
 }
 
+void ReportWindow::FindHelpFile(platform::Registry& registry) {
+    helpFile_.SetViewer(help::MakeViewer(texts_.Table()));
+    try {
+        helpFile_.SetPath(registry.ReadString(u"SOFTWARE\\Brantor GmbH", u"Common") +
+                          u"\\helpfiles\\Archivsystem.chm"_s);
+    } catch (const platform::Error&) {
+        // The built-in pages do without the registry; a path that leads nowhere leads to them.
+        helpFile_.SetPath(u"\\"_s);
+    }
+}
+
+void ReportWindow::actHelp_Triggered() {
+    std::ignore = helpFile_.ShowTopic(help::kHelpReport, this);  // the viewer tells for itself
+}
+
 void ReportWindow::SetRunning(bool running) {
     prgState_->setVisible(running);
     cmdCancel_->setVisible(running);
     for (QAction* action : actions_) {
-        const bool alone = action->objectName() == "actRefresh"_L1;
-        action->setEnabled(!running && (ready_ || alone));
+        const QString name = action->objectName();
+        if (name == "actHelp"_L1) continue;
+        action->setEnabled(!running && (ready_ || name == "actRefresh"_L1));
     }
     // A page that is looked at in between would read rows between those that the task reads.
     lstArchives_->setEnabled(!running);

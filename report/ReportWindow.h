@@ -5,6 +5,7 @@
 #include <QMainWindow>
 #include <QPointer>
 
+#include "platform/HelpFile.h"
 #include "report/HtmlWriter.h"
 #include "report/PortionRunner.h"
 #include "report/ProjectReader.h"
@@ -62,6 +63,7 @@ private:
     void BuildActions();
     void BuildBody();
     void BuildStatusBar();
+    void FindHelpFile(platform::Registry& registry);
     QAction* AddAction(const char* name, Text text, Text tip, const QKeySequence& key,
                        void (ReportWindow::*slot)());
     void FillArchives();
@@ -80,8 +82,10 @@ private:
     void actPdf_Triggered();
     void actHtml_Triggered();
     void actRefresh_Triggered();
+    void actHelp_Triggered();
 
     ReportTexts texts_;
+    platform::HelpFile helpFile_;  // its viewer borrows the texts
     QString projectPath_;
     std::unique_ptr<ProjectReader> reader_;
     std::unique_ptr<HtmlWriter> writer_;

@@ -32,11 +32,11 @@ struct TrendColumnHead {
     int width;
 };
 inline constexpr std::array kTrendHeadings = {
-    TrendColumnHead{Text::ColumnName, 16},       TrendColumnHead{Text::ColumnVariable, 15},
-    TrendColumnHead{Text::ColumnRange, 11},      TrendColumnHead{Text::ColumnSubstitution, 8},
-    TrendColumnHead{Text::ColumnHysteresis, 10}, TrendColumnHead{Text::ColumnFilter, 8},
-    TrendColumnHead{Text::ColumnDisplay, 13},    TrendColumnHead{Text::ColumnCurve, 8},
-    TrendColumnHead{Text::ColumnTolerance, 11}};
+    TrendColumnHead{Text::ColumnName, 15},      TrendColumnHead{Text::ColumnVariable, 14},
+    TrendColumnHead{Text::ColumnRange, 11},     TrendColumnHead{Text::ColumnSubstitution, 9},
+    TrendColumnHead{Text::ColumnHysteresis, 9}, TrendColumnHead{Text::ColumnFilter, 7},
+    TrendColumnHead{Text::ColumnDisplay, 14},   TrendColumnHead{Text::ColumnCurve, 8},
+    TrendColumnHead{Text::ColumnTolerance, 13}};
 using TrendCells = std::array<Lines, kTrendHeadings.size()>;
 
 /// Puts stored settings into words. A code that has no meaning, a missing text and a damaged value

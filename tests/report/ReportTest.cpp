@@ -234,6 +234,14 @@ TEST_F(ReportTest, FindsInAllSectionsAndComesRoundAgain) {
     ASSERT_TRUE(Done(window));
     EXPECT_EQ(window.Shown().archive, 0U) << "behind the last section comes the first";
 
+    QTest::keyClick(&window, Qt::Key_F1);
+    const QWidget* help = nullptr;
+    for (const QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->objectName() == u"frmHelp"_s) help = widget;
+    }
+    ASSERT_NE(help, nullptr);
+    EXPECT_EQ(help->findChild<QTextBrowser*>(u"txtPage"_s)->source().path(), u"/en/report.html"_s);
+
     field->setText(u"no such text"_s);
     QTest::keyClick(&window, Qt::Key_F3, Qt::ShiftModifier);
     EXPECT_FALSE(Done(window));
@@ -262,6 +270,33 @@ TEST_F(ReportTest, WritesPdfOrLeavesNothingBehind) {
     ASSERT_EQ(messages_.size(), 1);
     EXPECT_TRUE(messages_[0].contains(u"folder.html"_s));
     EXPECT_TRUE(window.findChild<QAction*>(u"actPdf"_s)->isEnabled());
+}
+
+TEST_F(ReportTest, FollowsADarkDesktop) {
+    const QPalette before = QApplication::palette();
+    ReportWindow window(Language(MResources::kEnglish), Brewery());
+    ASSERT_TRUE(window.Read());
+    window.show();
+    ASSERT_TRUE(Done(window));
+    window.Show({Section::Kind::Archive, 4});
+    QPalette dark(QColor(0x2b, 0x2e, 0x31));
+    dark.setColor(QPalette::Base, QColor(0x1e, 0x20, 0x22));
+    for (const QPalette::ColorRole role :
+         {QPalette::Text, QPalette::WindowText, QPalette::ButtonText}) {
+        dark.setColor(role, QColor(0xdc, 0xdc, 0xdc));
+    }
+    QApplication::setPalette(dark);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(window.Shown().archive, 4U) << "what is shown stays";
+    auto* page = window.findChild<QTextBrowser*>(u"txtReport"_s);
+    const QTextTable* table = nullptr;
+    for (QTextFrame* frame : page->document()->rootFrame()->childFrames()) {
+        if (table == nullptr) table = qobject_cast<QTextTable*>(frame);
+    }
+    ASSERT_NE(table, nullptr);
+    EXPECT_LT(table->cellAt(0, 0).format().background().color().lightness(), 100);
+    KeepPicture(window, u"report-dark.png"_s);
+    QApplication::setPalette(before);
 }
 
 TEST_F(ReportTest, IsCalledByNameAndLateBound) {

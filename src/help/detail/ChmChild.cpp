@@ -9,6 +9,15 @@
 #include <new>
 #include <tuple>
 
+// The compilers tell in different ways.
+#if defined(__SANITIZE_ADDRESS__)
+#define KV_SANITIZED
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KV_SANITIZED
+#endif
+#endif
+
 namespace help {
 
 namespace {
@@ -71,7 +80,7 @@ void RunChmChild(const char* path, int pipe) {
     Limit(RLIMIT_CPU, kCpuSeconds);
     Limit(RLIMIT_CORE, 0);
     Limit(RLIMIT_FSIZE, 0);
-#if !defined(__SANITIZE_ADDRESS__)
+#if !defined(KV_SANITIZED)
     // The address sanitizer reserves terabytes of addresses.
     Limit(RLIMIT_AS, kMemory);
 #endif
