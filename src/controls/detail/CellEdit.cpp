@@ -211,8 +211,12 @@ bool CellEdit::eventFilter(QObject* watched, QEvent* event) {
             return KeyPress(static_cast<QKeyEvent*>(event));
         case QEvent::ShortcutOverride: {
             // These belong to the edit, whatever the window has bound to them.
-            const int key = static_cast<QKeyEvent*>(event)->key();
-            if (key != Qt::Key_Escape && key != Qt::Key_F2 && key != Qt::Key_F6) return false;
+            const auto* pressed = static_cast<QKeyEvent*>(event);
+            const int key = pressed->key();
+            const bool sorts = key == Qt::Key_O && pressed->modifiers() == Qt::ControlModifier;
+            if (key != Qt::Key_Escape && key != Qt::Key_F2 && key != Qt::Key_F6 && !sorts) {
+                return false;
+            }
             event->accept();
             return true;
         }

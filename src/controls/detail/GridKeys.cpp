@@ -16,12 +16,15 @@ Qt::KeyboardModifiers Held(const QKeyEvent& event) {
 
 }  // namespace
 
-// Space and plain letters must reach keyPressEvent even where the window has shortcuts on them.
+// Space, plain letters and the key that sorts must reach keyPressEvent even where the window, or
+// the host's window around it, has shortcuts on them.
 bool GridView::event(QEvent* event) {
     if (event->type() == QEvent::ShortcutOverride) {
         const auto* key = static_cast<QKeyEvent*>(event);
-        if (!(Held(*key) & ~Qt::KeyboardModifiers(Qt::ShiftModifier)) && !key->text().isEmpty() &&
-            key->text().front().isPrint()) {
+        const bool sorts = key->key() == Qt::Key_O && Held(*key) == Qt::ControlModifier;
+        const bool types = !(Held(*key) & ~Qt::KeyboardModifiers(Qt::ShiftModifier)) &&
+                           !key->text().isEmpty() && key->text().front().isPrint();
+        if (sorts || types) {
             event->accept();
             return true;
         }
