@@ -58,7 +58,7 @@ frmtabGrid::frmtabGrid(projectdb::ProjectContext& project, const MResources::Tex
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->setMenuBar(bar_);
-    layout->addWidget(tbrfunc);
+    layout->addLayout(BuildTopRow());
     layout->addWidget(tdbA, 1);
     layout->addWidget(sb);
     setFocusProxy(tdbA);

@@ -144,6 +144,7 @@ protected:
 private:
     void BuildMenus();
     void BuildToolBar();
+    [[nodiscard]] QLayout* BuildTopRow();
     void BuildGrid();
     void BuildStatusBar();
     [[nodiscard]] QAction* AddCommand(QMenu* menu, int text, const QString& name);

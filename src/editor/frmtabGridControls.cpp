@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QComboBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -9,7 +10,6 @@
 #include <QSplitter>
 #include <QStatusBar>
 #include <QToolBar>
-#include <QVBoxLayout>
 
 #include "controls/TDBGrid.h"
 #include "editor/EditorIcons.h"
@@ -47,16 +47,18 @@ constexpr std::array<Command, 5> kExtras = {{
     {MResourceTable::kTextOptions, EditorIcon::Options},
 }};
 
-constexpr int kFindWidth = 32;  // average characters
+constexpr int kFindWidth = 32;          // average characters
+constexpr int kSmallestFindWidth = 14;  // likewise
+constexpr int kSpaceBesideRow = 4;      // pixels
 
 QString ArrayName(QStringView name, int index) {
     return u"%1(%2)"_s.arg(name).arg(index);
 }
 
-/// A menu text as a tool tip: without access key, the key that stands behind many blanks in
-/// parentheses ("New (F8)").
+/// A menu text as a tool tip: without access key, the key that stands behind many blanks or a tab
+/// in parentheses ("New (F8)").
 QString ToolTip(QString text) {
-    text.remove(u'&');
+    text.remove(u'&').replace(u'\t', u"  "_s);
     const qsizetype gap = text.indexOf(u"  "_s);
     if (gap < 0) return text;
     return u"%1 (%2)"_s.arg(text.left(gap), text.mid(gap).trimmed());
@@ -104,6 +106,7 @@ void frmtabGrid::BuildMenus() {
     const auto addEdit = [this](QStringView name, int text, EditorIcon icon, auto slot) {
         auto* action = new QAction(MakeIcon(icon), texts_.GetText(text), this);
         action->setObjectName(name.toString());
+        action->setToolTip(ToolTip(texts_.GetText(text)));
         connect(action, &QAction::triggered, this, [this, slot, name] {
             Guard(u"frmtabGrid: %1"_s.arg(name), [&] { (this->*slot)(); });
         });
@@ -133,35 +136,43 @@ void frmtabGrid::BuildToolBar() {
     for (QAction* action : {mnuCopy, mnuPaste, mnuDuplicate}) tbrfunc->addAction(action);
     tbrfunc->addSeparator();
     for (const std::size_t i : {1u, 2u, 4u}) tbrfunc->addAction(mnuExtra[i]);
-    tbrfunc->addSeparator();
+}
 
-    txtFind = new QLineEdit(tbrfunc);
+/// The fields beside the toolbar, which gives way to them where there is little room.
+QLayout* frmtabGrid::BuildTopRow() {
+    txtFind = new QLineEdit(this);
     txtFind->setObjectName(u"txtFind"_s);
     txtFind->setPlaceholderText(texts_.GetText(MResourceTable::kTextNarrow));
     txtFind->setAccessibleName(texts_.GetText(MResourceTable::kTextNarrow));
+    txtFind->setToolTip(texts_.GetText(MResourceTable::kTextNarrow));
     txtFind->setClearButtonEnabled(true);
     txtFind->addAction(MakeIcon(EditorIcon::Find), QLineEdit::LeadingPosition);
-    txtFind->setMaximumWidth(kFindWidth * txtFind->fontMetrics().averageCharWidth());
+    const int letter = txtFind->fontMetrics().averageCharWidth();
+    txtFind->setMinimumWidth(kSmallestFindWidth * letter);
+    txtFind->setMaximumWidth(kFindWidth * letter);
     txtFind->installEventFilter(this);
     connect(txtFind, &QLineEdit::textChanged, this, [this](const QString& text) {
         for (int split = 0; split < TDBGrid::kSplitCount; ++split) {
             tdbA->SplitAt(split).SetFilterText(narrowed_ == split ? text : QString());
         }
     });
-    tbrfunc->addWidget(txtFind);
 
-    auto* filler = new QWidget(tbrfunc);
-    filler->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    tbrfunc->addWidget(filler);
-
-    cmbLanguage = new QComboBox(tbrfunc);
+    cmbLanguage = new QComboBox(this);
     cmbLanguage->setObjectName(u"cmbLanguage"_s);
     cmbLanguage->setAccessibleName(texts_.GetText(MResourceTable::kTextLanguageOfTexts));
     cmbLanguage->setToolTip(texts_.GetText(MResourceTable::kTextLanguageOfTexts));
     cmbLanguage->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    cmbLanguage->setMinimumWidth(kSmallestFindWidth * letter);
     cmbLanguage->setFocusPolicy(Qt::StrongFocus);  // the wheel does not turn it in passing
     cmbLanguage->installEventFilter(this);
-    tbrfunc->addWidget(cmbLanguage);
+
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(0, 0, kSpaceBesideRow, 0);
+    row->addWidget(tbrfunc);
+    row->addWidget(txtFind, 1);
+    row->addStretch(1);
+    row->addWidget(cmbLanguage);
+    return row;
 }
 
 void frmtabGrid::BuildGrid() {

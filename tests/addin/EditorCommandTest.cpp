@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPointer>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QTimer>
@@ -489,6 +490,31 @@ TEST_F(EditorCommandTest, WithoutTheReportAddInThereIsAWord) {
                                         : u"Die Reportfunktion steht nicht zur Verfügung."_s));
         CloseProject();
     }
+}
+
+TEST_F(EditorCommandTest, TheReportOpensInAWindowOfItsOwn) {
+    qputenv("KV_ADDINS", KV_ADDIN_FOLDER);
+    Open();
+    ClickCell(0, u"Comment"_s);
+    Type(u"in the report"_s);
+    QPointer<QWidget> report;
+    for (int i = 0; i < 2; ++i) {
+        Action(u"mnuExtra(1)"_s)->trigger();
+        EXPECT_THAT(MessageTexts(), IsEmpty());
+        int windows = 0;
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (!window->windowTitle().contains(u"Brauerei.kvs"_s)) continue;
+            EXPECT_TRUE(!report || window == report) << "the same window again";
+            report = window;
+            ++windows;
+        }
+        EXPECT_EQ(windows, 1);
+    }
+    qunsetenv("KV_ADDINS");
+    EXPECT_EQ(Stored(u"Maischbottich Temperatur"_s, "Comment"), u"in the report"_s);
+    ASSERT_TRUE(report);
+    EXPECT_TRUE(report->isVisible());
+    report->close();
 }
 
 TEST_F(EditorCommandTest, ALongDeletionCanBeGivenUp) {
