@@ -8,6 +8,14 @@ build=${1:?usage: run-studio.sh BUILD_FOLDER PROJECT}
 project=${2:?usage: run-studio.sh BUILD_FOLDER PROJECT}
 studio=$build/bin/kvstudio
 
+# The examples belong to the tests as well: what is worked on is a copy, made once.
+if [[ $project == examples/*.kvs && -f $project ]]; then
+    copy=$(dirname "$build")/examples/$(basename "$project")
+    mkdir -p "$(dirname "$copy")"
+    [[ -e $copy ]] || cp "$project" "$copy"
+    project=$copy
+fi
+
 if [[ -n ${DISPLAY-} || -n ${WAYLAND_DISPLAY-} ]]; then
     exec "$studio" "$project"
 fi

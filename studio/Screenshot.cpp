@@ -3,12 +3,18 @@
 #include <cstdio>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
 #include <QPixmap>
+#include <QScopeGuard>
+#include <QTemporaryDir>
 #include <QWindow>
 
 #include "platform/MessageBox.h"
+#include "studio/ProjectLocation.h"
 #include "studio/ProjectTree.h"
 #include "studio/StudioHost.h"
+#include "studio/StudioTexts.h"
 #include "studio/StudioWindow.h"
 
 namespace studio {
@@ -28,9 +34,25 @@ void WaitUntilPainted(const QWidget& window) {
     for (int round = 0; round < kSettleRounds; ++round) QCoreApplication::processEvents();
 }
 
+/// Copies the file of a project into `folder` and returns the copy's path. What cannot be copied is
+/// returned as it is: opening it tells why it cannot be opened either.
+QString CopyOf(const QString& project, StudioRegistry& registry, const QTemporaryDir& folder) {
+    const auto located = Locate(project, registry, StudioTexts());
+    const auto* location = std::get_if<ProjectLocation>(&located);
+    if (location == nullptr) return project;
+    const QString copy = folder.filePath(QFileInfo(location->nativePath).fileName());
+    if (!QFile::copy(location->nativePath, copy)) return project;
+    QFile::setPermissions(copy, QFile::ReadOwner | QFile::WriteOwner);
+    return copy;
+}
+
 }  // namespace
 
-int TakeScreenshot(StudioWindow& window, const QString& project, const QString& pngFile) {
+int TakeScreenshot(StudioWindow& window, StudioRegistry& registry, const QString& project,
+                   const QString& pngFile) {
+    // Editors keep their layout beside the project; nothing is to be left there.
+    const QTemporaryDir folder;
+    const auto closed = qScopeGuard([&window] { window.CloseProject(); });
     bool failed = false;
     const platform::MessageAnswer answer([&failed](const platform::Message& message) {
         std::fprintf(stderr, "%s: %s\n", qUtf8Printable(message.title),
@@ -42,7 +64,7 @@ int TakeScreenshot(StudioWindow& window, const QString& project, const QString& 
     window.show();
     WaitUntilPainted(window);
     if (!project.isEmpty()) {
-        if (!window.OpenProject(project)) return 1;
+        if (!window.OpenProject(CopyOf(project, registry, folder))) return 1;
         const QString root = window.FirstAddInNode();
         if (root.isEmpty()) {
             std::fputs("kvstudio: no add-in shows anything of the project\n", stderr);

@@ -100,7 +100,7 @@ int main(int argc, char** argv) {
     const QList<studio::AddInReport> reports = studio::LoadAddIns(components, addIns);
     studio::StudioWindow window(registry, addIns, reports, state.get());
     if (screenshot) {
-        return studio::TakeScreenshot(window, project, parser.value(screenshotOption));
+        return studio::TakeScreenshot(window, registry, project, parser.value(screenshotOption));
     }
     const studio::QuitSignals quitSignals([&window] { window.Quit(); });
     window.show();

@@ -69,6 +69,7 @@ TEST(CommandLineTest, ScreenshotShowsTheFirstNodeOpenedAndLeavesNothingBehind) {
     EXPECT_EQ(outcome.status, 0) << qPrintable(outcome.err);
     EXPECT_EQ(QImage(png).size(), QSize(1280, 800));
     EXPECT_FALSE(QFile::exists(folder.filePath(u"state"_s)));
+    EXPECT_FALSE(QFile::exists(QStringLiteral(KV_TEST_DATA "/KVEditors.ini")));
 }
 
 TEST(CommandLineTest, ScreenshotFailsWithAMessage) {
