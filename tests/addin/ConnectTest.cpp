@@ -18,8 +18,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 const QString kRoot = u"ARC0"_s;
-const QString kEnglish =
-    u"[HKEY_LOCAL_MACHINE\\SOFTWARE\\Brantor GmbH\\Korvala\\4.0]\r\n\"LCID\"=dword:00000409"_s;
 
 class ConnectTest : public AddInTest {
 protected:
@@ -521,30 +519,6 @@ TEST_F(ConnectTest, InitializedTwiceItLetsGoOfTheProjectBefore) {
     EXPECT_EQ(RowCount(0), 0);
     EXPECT_FALSE(host_.ChildKeys(kRoot));
     EXPECT_THAT(messages_, IsEmpty());
-}
-
-TEST_F(ConnectTest, TheWindowInBothLanguages) {
-    const QString target = qEnvironmentVariable("KV_SCREENSHOTS");
-    const QString path = Brewery();
-    for (const bool english : {false, true}) {
-        if (english) WriteRegistry(kEnglish);
-        Initialize(path);
-        Click(kRoot);
-        Click(u"ARCH2"_s);
-        EXPECT_EQ(Editor()->findChild<QAction*>(u"mnuExtra(2)"_s)->text(),
-                  english ? u"&Actualize Database Connection"_s : u"&Ansicht aktualisieren"_s);
-        EXPECT_EQ(Cell(1, 0, english ? u"Trend Variable"_s : u"Trendvariable"_s).left(9),
-                  u"Gärkeller"_s);
-        host_.container.show();
-        Editor()->setGeometry(host_.container.rect());
-        QApplication::processEvents();
-        const QPixmap picture = host_.container.grab();
-        EXPECT_FALSE(picture.isNull());
-        if (!target.isEmpty()) {
-            picture.save(target + (english ? u"/frmtabGrid-en.png"_s : u"/frmtabGrid-de.png"_s));
-        }
-        addIn_->CKV4Extensibility_Terminate();
-    }
 }
 
 }  // namespace

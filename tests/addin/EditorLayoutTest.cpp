@@ -207,4 +207,52 @@ TEST_F(EditorLayoutTest, AnotherLanguageOfTheTextsIsWhatTheDialogsShow) {
     }
 }
 
+// A picture of every look when KV_SCREENSHOTS names a folder; always: icons and texts that can be
+// seen on their ground.
+TEST_F(EditorLayoutTest, LooksInBothLanguagesAndPalettes) {
+    const QString folder = qEnvironmentVariable("KV_SCREENSHOTS");
+    const QPalette light = QApplication::palette();
+    QPalette dark(QColor(0x35, 0x35, 0x35), QColor(0x2a, 0x2a, 0x2a));
+    dark.setColor(QPalette::Highlight, QColor(0x2a, 0x82, 0xda));
+    WriteIni(
+        "tdbA.Splits(1).Columns(\"Name\").Width=2700\r\n"
+        "tdbA.Splits(1).Columns(\"Comment\").Visible=False\r\n"
+        "tdbA.Splits(1).Columns(\"Factor\").Width=1500\r\n"
+        "tdbA.Splits(1).Columns(\"Offset\").Width=1500\r\n"
+        "tdbA.Splits(1).Columns(\"Unit\").Width=900\r\n"
+        "tdbA.Splits(1).Columns(\"VLineColor\").Width=1400\r\n"
+        "tdbA.Splits(1).Columns(\"VLineColor\").Visible=True\r\n");
+    host_.container.resize(1150, 560);
+    for (const bool english : {true, false}) {
+        for (const bool isDark : {false, true}) {
+            SCOPED_TRACE((english ? "English " : "German ") +
+                         std::string(isDark ? "dark" : "light"));
+            QApplication::setPalette(isDark ? dark : light);
+            Open(u"ARCH2"_s, english);
+            ClickCell(3, u"TrendVar"_s);
+            SelectRow(6);
+            SelectRow(8, Qt::ControlModifier);
+            Action(u"mnuExtra(0)"_s)->trigger();
+            const QImage picture = host_.container.grab().toImage();
+            if (!folder.isEmpty()) {
+                picture.save(folder + u"/editor-%1-%2.png"_s.arg(english ? u"en"_s : u"de"_s,
+                                                                 isDark ? u"dark"_s : u"light"_s));
+            }
+            const int ground = host_.container.palette().window().color().lightness();
+            EXPECT_EQ(ground < 128, isDark);
+            const QImage icon = Action(u"mnuCopy"_s)->icon().pixmap(20).toImage();
+            int furthest = 0;
+            for (int x = 0; x < icon.width(); ++x) {
+                const QColor pixel = icon.pixelColor(x, icon.height() / 2);
+                if (pixel.alpha() < 200) continue;
+                furthest = std::max(furthest, std::abs(pixel.lightness() - ground));
+            }
+            EXPECT_GT(furthest, 90) << "the icon on its ground";
+            CloseProject();
+        }
+    }
+    QApplication::setPalette(light);
+    EXPECT_THAT(messages_, IsEmpty());
+}
+
 }  // namespace
