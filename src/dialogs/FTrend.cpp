@@ -1,7 +1,6 @@
 #include "dialogs/FTrend.h"
 
 #include <algorithm>
-#include <cmath>
 #include <initializer_list>
 #include <optional>
 #include <span>
@@ -211,7 +210,7 @@ void FTrend::ShowCurve() {
     look.line = colorOf(*clrVLineColor);
     look.upperColor = colorOf(*clrVUpperColor);
     look.lowerColor = colorOf(*clrVLowerColor);
-    look.width = static_cast<int>(std::fmin(NumberIn(*txtVLineWidth).value_or(1), 1000));
+    look.width = static_cast<int>(std::clamp(NumberIn(*txtVLineWidth).value_or(1), 1.0, 1000.0));
     look.style = CodeIn<CurveLook::Style>(*cmbVLineStyle);
     look.mode = CodeIn<CurveLook::Mode>(*cmbVDrawMode);
     look.tolerance = CodeIn<CurveLook::Tolerance>(*cmbVConfig);

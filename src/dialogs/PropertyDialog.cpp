@@ -90,6 +90,10 @@ void PropertyDialog::SetOpenedName(const QString& name) {
     loaded_ = true;
 }
 
+void PropertyDialog::TakeBackName() {
+    services_.names.ChangeNameInGroup(nameGroup_, frame_.txtName->text(), openedName_);
+}
+
 void PropertyDialog::SetIndexTextParamNames(std::optional<QString> names) {
     indexTextParamNames_ = std::move(names);
 }
@@ -115,7 +119,7 @@ void PropertyDialog::ConnectVariablePicker(QPushButton* button, QLineEdit* field
     connect(button, &QPushButton::clicked, this, [this, field] {
         if (!services_.chooseVariable) return;
         const std::optional<QString> chosen = services_.chooseVariable(this, field->text());
-        if (chosen) field->setText(*chosen);
+        if (chosen && Fits(*chosen, *field)) field->setText(*chosen);
         field->setFocus();
     });
 }
@@ -125,7 +129,7 @@ void PropertyDialog::ConnectFolderPicker(QPushButton* button, QComboBox* field, 
     connect(button, &QPushButton::clicked, this, [this, field, title] {
         const std::optional<QString> chosen =
             ChooseFolder(services_, this, Text(title), field->currentText());
-        if (chosen) field->setEditText(*chosen);
+        if (chosen && Fits(*chosen, *field->lineEdit())) field->setEditText(*chosen);
         field->setFocus();
     });
 }
@@ -137,6 +141,16 @@ void PropertyDialog::ConnectTextEditor(QPushButton* button, QLineEdit* field, in
         if (editor.exec() == QDialog::Accepted) field->setText(editor.Text());
         field->setFocus();
     });
+}
+
+bool PropertyDialog::Fits(const QString& chosen, const QLineEdit& field) {
+    if (chosen.size() <= field.maxLength()) return true;
+    // The field would cut it to the name of something else.
+    QString text = Text(MResourceTable::kTextChoiceTooLong);
+    text.replace(QStringLiteral("<max>"), QString::number(field.maxLength()))
+        .replace(QStringLiteral("<text>"), chosen);
+    platform::ShowMessage(text, platform::MessageButtons::Ok, windowTitle(), this);
+    return false;
 }
 
 void PropertyDialog::AddPicker(QPushButton* button, QWidget* field, int toolTip) {

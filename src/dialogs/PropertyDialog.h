@@ -34,6 +34,9 @@ public:
     /// the controls have been filled: from then on the dialog answers to the user.
     void SetOpenedName(const QString& name);
     [[nodiscard]] const QString& OpenedName() const noexcept { return openedName_; }
+    /// Gives the record its old name back among the names in use. For a record that could not be
+    /// stored after OK, which has entered the new one there.
+    void TakeBackName();
 
     /// `ParamNames` of the index text, carried through; nothing: Null.
     [[nodiscard]] const std::optional<QString>& IndexTextParamNames() const noexcept {
@@ -101,6 +104,8 @@ private:
         int toolTip;  // number of its text
     };
 
+    /// Tells the user where the field cannot hold what has been chosen.
+    bool Fits(const QString& chosen, const QLineEdit& field);
     void AddPicker(QPushButton* button, QWidget* field, int toolTip);
     void ShowNextPage(int step);
     void PaintField(QWidget* field, bool usable);

@@ -263,6 +263,7 @@ inline constexpr int kTextPicker = 1101;          // caption of a button that op
 inline constexpr int kTextCharacterCount = 1102;  // <n> and <max> are replaced
 inline constexpr int kTextArchiveSaveMode = 1103;
 inline constexpr int kTextMeaning = 1104;
+inline constexpr int kTextChoiceTooLong = 1105;  // <text> and <max> are replaced
 
 // What the settings of an archive mean; the word in <> is replaced
 inline constexpr int kTextFileEachYear = 1110;  // seven, in the order of the file-change list

@@ -16,6 +16,8 @@ constexpr Entry kAll[] = {
     {1102, u"<n> von <max> Zeichen", u"<n> of <max> characters"},
     {1103, u"Speicherart", u"Saving"},
     {1104, u"Bedeutung", u"Meaning"},
+    {1105, u"'<text>' ist zu lang: Dieses Feld fasst höchstens <max> Zeichen.",
+     u"'<text>' is too long: this field holds <max> characters at most."},
 
     // What the settings of an archive mean
     {1110, u"1 Datei je Jahr", u"1 file a year"},

@@ -204,6 +204,7 @@ bool EditTrend(ado::Recordset& trend, platform::Lcid language, const DialogServi
     if (!DialogToTrend(trend, dialog, language)) {
         tell(MResourceTable::kTextTrendWriteBackFailed);
         std::ignore = Succeeds("CancelUpdate", [&] { trend.CancelUpdate(); });
+        dialog.TakeBackName();
         return false;
     }
     return true;

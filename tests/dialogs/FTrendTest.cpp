@@ -140,6 +140,21 @@ TEST_P(FTrendTest, PickersAskForTheFieldBesideThem) {
     EXPECT_EQ(asked_, QStringList(14, u"120"_s));
 }
 
+// Cut to the width of its column, a name would be that of another variable.
+TEST_P(FTrendTest, AVariableThatTheFieldCannotHoldIsNotTaken) {
+    dialog_.txtMaximum->setText(u"120"_s);
+    dialog_.txtMaximum->setMaxLength(8);
+    for (const auto& [chosen, taken] : {std::pair{u"Sud.Temp"_s, true}, {u"Sud.<max>"_s, false}}) {
+        answer_ = chosen;
+        dialog_.cmdChoose[1]->click();
+        EXPECT_EQ(dialog_.txtMaximum->text(), u"Sud.Temp");
+        EXPECT_EQ(around_.messages.isEmpty(), taken);
+    }
+    ASSERT_EQ(around_.messages.size(), 1);
+    EXPECT_TRUE(around_.messages[0].startsWith(u"'Sud.<max>' "));
+    EXPECT_TRUE(around_.messages[0].contains(u" 8 "));
+}
+
 TEST_P(FTrendTest, OkChecksTheNameAmongTheTrends) {
     around_.names.inUse = {u"Druck"_s, u"Temperatur"_s};
     Show();
@@ -237,6 +252,11 @@ TEST_P(FTrendTest, PicturesShowTheSettings) {
     EXPECT_TRUE(dialog_.picCurve->Look() == look);
     EXPECT_TRUE(dialog_.picTolerance->Look() == look);
 
+    const std::pair<const char16_t*, int> widths[] = {{u"-1e300", 1}, {u"0", 1}, {u"1e300", 1000}};
+    for (const auto& [text, width] : widths) {
+        dialog_.txtVLineWidth->setText(QString::fromUtf16(text));
+        EXPECT_EQ(dialog_.picCurve->Look().width, width);
+    }
     dialog_.cmbVDrawMode->setCurrentIndex(-1);  // points, say, which the dialog does not offer
     EXPECT_EQ(dialog_.picCurve->Look().mode, CurveLook::Mode::Lines);
 }

@@ -215,7 +215,8 @@ TEST_F(TextsTest, AccessKeysAreUniqueWhereTheyStandTogether) {
 TEST_F(TextsTest, PlaceholdersStandInBothLanguages) {
     for (const auto& entries : {MResourceTable::kTexts, MResourceTable::kOwnTexts}) {
         for (const MResourceTable::Entry& entry : entries) {
-            for (const char16_t* placeholder : {u"<td>", u"<n>", u"<max>", u"<file>", u"<topic>"}) {
+            for (const char16_t* placeholder :
+                 {u"<td>", u"<n>", u"<max>", u"<file>", u"<topic>", u"<text>"}) {
                 EXPECT_EQ(entry.german.find(placeholder) != entry.german.npos,
                           entry.english.find(placeholder) != entry.english.npos)
                     << entry.id;

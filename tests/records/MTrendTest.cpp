@@ -344,6 +344,7 @@ TEST_P(MTrendFailureTest, ARowThatAnotherProgramChangedIsTakenBack) {
     GoTo("Dezimal");
     EXPECT_FALSE(Edit([&](FTrend& dialog) {
         dialog.txtUnit->setText(u"bar"_s);
+        dialog.txtName->setText(u"Neu"_s);
         ado::Connection other;
         database_.Connect(other);
         ado::Recordset rows;
@@ -354,6 +355,7 @@ TEST_P(MTrendFailureTest, ARowThatAnotherProgramChangedIsTakenBack) {
     }));
     EXPECT_EQ(around_.messages, QStringList(In(u"Zurückschreiben von Trend-Dialog fehlgegangen",
                                                u"Error: Write Back Trend Dialog")));
+    EXPECT_EQ(around_.names.changed, QStringList({u"Trd Dezimal>Neu"_s, u"Trd Neu>Dezimal"_s}));
     EXPECT_EQ(trends_.EditMode(), ado::EditMode::None);
     EXPECT_EQ(TrendRow("Dezimal").at("Unit"), Text(u"mbar"));
 }
