@@ -30,6 +30,8 @@ constexpr int kSaveSafe = 16;
 constexpr int kRedundancy = 64;
 constexpr int kEditedBits = kKindMask | kMainMemory | kSaveSafe | kRedundancy;
 
+constexpr std::string_view kParamNames = "ParamNames";
+
 struct TextColumn {
     std::string_view name;
     QLineEdit* Ui_FArchiv::*control;
@@ -117,6 +119,7 @@ public:
         : rows_(rows), dialog_(dialog), texts_(texts), owner_(owner) {}
 
     void Load() {
+        dialog_.SetDisplayTextAvailable(false);  // the archive may have no column for it
         for (std::size_t i = 0; i < rows_.archive.Fields().size(); ++i) LoadColumn(i);
         ChooseFileChange();
         if (dialog_.cmbType->currentIndex() == 0) {
@@ -145,7 +148,7 @@ private:
         } else if (name == "RedundancyFilePath") {
             LimitLength(*dialog_.cboRedundancyFilePath->lineEdit(), field);
             dialog_.cboRedundancyFilePath->setEditText(TextOf(value));
-        } else if (name == "ParamNames") {
+        } else if (name == kParamNames) {
             dialog_.SetParamNames(NullableTextOf(value));
         } else if (name == "SampleMode") {
             MDialogs::SelectComboByItemData(*dialog_.cmbSampleMode, value);
@@ -183,7 +186,9 @@ private:
             } else {
                 texts.Resync();
                 available = HasColumn(texts, column);
-                dialog_.SetIndexTextParamNames(NullableTextOf(texts.Get("ParamNames")));
+                if (HasColumn(texts, kParamNames)) {
+                    dialog_.SetIndexTextParamNames(NullableTextOf(texts.Get(kParamNames)));
+                }
             }
         }
         if (available) {
@@ -238,7 +243,9 @@ void StoreDisplayText(ado::Recordset& texts, const ado::Value& textId, platform:
     if (ado::ToLong(texts.Get("ID")) != ado::ToLong(textId)) return;
     const std::string column = LanguageColumn(language);
     if (HasColumn(texts, column)) texts.Set(column, ValueOf(dialog.txtTextID->text()));
-    texts.Set("ParamNames", ValueOf(dialog.IndexTextParamNames()));
+    if (HasColumn(texts, kParamNames)) {
+        texts.Set(kParamNames, ValueOf(dialog.IndexTextParamNames()));
+    }
 }
 
 void StoreColumn(const Rows& rows, std::size_t column, const FArchiv& dialog) {
@@ -252,7 +259,7 @@ void StoreColumn(const Rows& rows, std::size_t column, const FArchiv& dialog) {
         archive.Set(column, ValueOf(dialog.cboFilePath->currentText()));
     } else if (name == "RedundancyFilePath") {
         archive.Set(column, ValueOf(dialog.cboRedundancyFilePath->currentText()));
-    } else if (name == "ParamNames") {
+    } else if (name == kParamNames) {
         archive.Set(column, ValueOf(dialog.ParamNames()));
     } else if (name == "SampleMode") {
         MDialogs::ComboToField(archive, column, *dialog.cmbSampleMode);
@@ -322,6 +329,7 @@ bool EditArchive(const Rows& rows, const DialogServices& services, QWidget* owne
     if (!written) {
         tell(MResourceTable::kTextArchiveWriteBackFailed);
         TakeBack(rows);
+        dialog.TakeBackName();
     }
     return written;
 }

@@ -293,9 +293,12 @@ TEST_F(MArchivTest, FailedWriteBackTakesEverythingBack) {
     const auto archives = database_.Rows("TchrArchives");
     const auto texts = database_.Rows("TidxTexts");
     EXPECT_FALSE(Edit("JahrDeutsch", [](FArchiv& dialog) {
+        dialog.txtName->setText(QStringLiteral("Neu"));
         dialog.txtTextID->setText(QStringLiteral("halb"));
         dialog.txtMaxFiles->setText(QStringLiteral("99999999999"));
     }));
+    EXPECT_EQ(around_.names.changed, QStringList({QStringLiteral("Arc JahrDeutsch>Neu"),
+                                                  QStringLiteral("Arc Neu>JahrDeutsch")}));
     EXPECT_EQ(around_.messages, QStringList{around_.texts.GetText(224)});
     EXPECT_EQ(archives_.EditMode(), ado::EditMode::None);
     EXPECT_EQ(texts_.EditMode(), ado::EditMode::None);
@@ -303,6 +306,51 @@ TEST_F(MArchivTest, FailedWriteBackTakesEverythingBack) {
     texts_.MoveFirst();
     EXPECT_EQ(database_.Rows("TchrArchives"), archives);
     EXPECT_EQ(database_.Rows("TidxTexts"), texts);
+}
+
+// The text's row goes before the archive's is stored: nothing of the archive may have changed.
+TEST_F(MArchivTest, TextThatAnotherProgramDeletesMeanwhileIsToldOnceAndThenMissing) {
+    const auto archives = database_.Rows("TchrArchives");
+    EXPECT_FALSE(Edit("JahrDeutsch", [&](FArchiv& dialog) {
+        dialog.txtComment->setText(QStringLiteral("neu"));
+        dialog.txtTextID->setText(QStringLiteral("neu"));
+        ado::Connection other;
+        database_.Connect(other);
+        ado::Recordset rows;
+        rows.Open("TidxTexts", other, ado::CommandType::Table);
+        rows.Find("ID = " + std::to_string(ado::ToLong(archives_.Get("TextID"))));
+        rows.Delete();
+    }));
+    EXPECT_EQ(around_.messages, QStringList{around_.texts.GetText(224)});
+    EXPECT_EQ(archives_.EditMode(), ado::EditMode::None);
+    EXPECT_EQ(texts_.EditMode(), ado::EditMode::None);
+    EXPECT_EQ(database_.Rows("TchrArchives"), archives);
+    EXPECT_TRUE(Edit("JahrDeutsch"));
+    EXPECT_EQ(around_.messages.mid(1), QStringList{around_.texts.GetText(226)});
+}
+
+TEST_F(MArchivTest, ColumnsThatAProjectLacksAreNotMissed) {
+    // The groups have numbers, but neither parameters nor languages.
+    ado::Recordset groups;
+    groups.Open("TidxGroups", database_.connection, ado::CommandType::Table);
+    ASSERT_FALSE(groups.IsEOF());
+    const auto before = database_.Rows("TidxGroups");
+    Assign("JahrDeutsch", {{"TextID", groups.Get("ID")}});
+    archives_.MoveFirst();
+    archives_.Find("Name = 'JahrDeutsch'");
+    FArchiv dialog(around_.services, u"Arc");
+    const MArchiv::Rows rows{archives_, groups, 1031};
+    EXPECT_TRUE(MArchiv::ArchiveToDialog(rows, dialog, around_.texts, nullptr));
+    EXPECT_TRUE(MArchiv::DialogToArchive(rows, dialog));
+    archives_.CancelUpdate();
+    EXPECT_EQ(groups.EditMode(), ado::EditMode::None);
+
+    // A row without any column of an archive offers no display text that would get lost.
+    ado::Recordset languages;
+    languages.Open("TcfgLanguages", database_.connection, ado::CommandType::Table);
+    FArchiv other(around_.services, u"Arc");
+    EXPECT_TRUE(MArchiv::ArchiveToDialog({languages, texts_, 1031}, other, around_.texts, nullptr));
+    EXPECT_FALSE(other.txtTextID->isEnabled());
 }
 
 TEST_F(MArchivTest, FailedLoadShowsNoDialog) {
