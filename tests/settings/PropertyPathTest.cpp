@@ -75,6 +75,8 @@ TEST_F(PropertyPathTest, ValuesArePutAndReadBackByName) {
         {u"Me.Width"_s, u"1e300"_s, 32760},
         {u"Me.Caption"_s, u"Archive"_s, u"Archive"_s},
         {u"lbl(1).Caption"_s, u"one"_s, u"one"_s},
+        {u"sb.Visible"_s, 0.4, false},
+        {u"sb.Visible"_s, 1, true},
         {u"sb.Visible"_s, false, false},
         {u"sb.Visible"_s, true, true},
         {u"Me.WindowState"_s, 2, 2},

@@ -236,14 +236,15 @@ Place Member(const Place& place, QStringView segment) {
 bool Put(const Place& place, QStringView name, const InitValue& value) {
     QObject* object = place.Object();
     if (object == nullptr) return false;
+    const InitValue put = value.IsText() ? value : InitValue(PutNumber(value));
     if (place.Font().isValid()) {
         auto font = place.Font().read(object).value<QFont>();
         const QFont before = font;
-        if (!PutFont(font, name, value)) return false;
+        if (!PutFont(font, name, put)) return false;
         // A form hands its font on to every control, which is dear.
         return font == before || place.Font().write(object, font);
     }
-    if (QWidget* widget = StandardOwner(object, name)) return PutStandard(*widget, name, value);
+    if (QWidget* widget = StandardOwner(object, name)) return PutStandard(*widget, name, put);
     const QMetaProperty property = FindProperty(*object, name);
     if (!property.isValid() || !property.isWritable()) return false;
     if (property.metaType().id() == QMetaType::QFont) {
