@@ -1,5 +1,8 @@
 #include "dialogs/AccessKeys.h"
 
+#include <algorithm>
+#include <functional>
+#include <map>
 #include <QAbstractButton>
 #include <QCheckBox>
 #include <QLabel>
@@ -7,6 +10,8 @@
 #include <QRadioButton>
 #include <QSet>
 #include <QTabWidget>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -27,28 +32,72 @@ void Take(Keys& taken, const QString& text) {
     if (at >= 0) taken.insert(text.at(at).toLower());
 }
 
-/// Marks a free letter of `text`; leaves it as it is when there is none.
-QString Marked(const QString& text, Keys& taken) {
-    for (const bool wordStartsOnly : {true, false}) {
-        for (qsizetype i = 0; i < text.size(); ++i) {
-            const bool startsWord = i == 0 || !text.at(i - 1).isLetterOrNumber();
-            const QChar key = text.at(i).toLower();
-            // A keyboard of another country lacks everything but the plain letters.
-            if (key < u'a' || key > u'z' || (wordStartsOnly && !startsWord)) continue;
-            if (taken.contains(key)) continue;
-            taken.insert(key);
-            return QString(text).insert(i, u'&');
+/// Texts that want a letter each, all different.
+class Distribution {
+public:
+    explicit Distribution(Keys taken) : taken_(std::move(taken)) {}
+
+    void Add(const QString& text, std::function<void(const QString&)> setText) {
+        if (MarkedLetter(text) < 0) wishes_.push_back({text, Places(text), std::move(setText)});
+    }
+    /// Marks the texts; those for which there is no letter stay as they are.
+    void Mark() {
+        for (std::size_t i = 0; i < wishes_.size(); ++i) {
+            Keys tried;
+            Give(i, tried);
+        }
+        for (const auto& [key, owner] : owners_) {
+            const Wish& wish = wishes_[owner];
+            const auto at = std::find_if(wish.places.begin(), wish.places.end(), [&](qsizetype i) {
+                return wish.text.at(i).toLower() == key;
+            });
+            wish.setText(QString(wish.text).insert(*at, u'&'));
         }
     }
-    return text;
-}
 
-template <typename Control>
-void MarkUnmarked(const QList<Control*>& controls, Keys& taken) {
-    for (Control* control : controls) {
-        if (MarkedLetter(control->text()) < 0) control->setText(Marked(control->text(), taken));
+private:
+    struct Wish {
+        QString text;
+        std::vector<qsizetype> places;  // of the letters that could be marked, the best first
+        std::function<void(const QString&)> setText;
+    };
+
+    [[nodiscard]] std::vector<qsizetype> Places(const QString& text) const {
+        std::vector<qsizetype> places;
+        for (const bool wordStarts : {true, false}) {
+            for (qsizetype i = 0; i < text.size(); ++i) {
+                const bool startsWord = i == 0 || !text.at(i - 1).isLetterOrNumber();
+                const QChar key = text.at(i).toLower();
+                // A keyboard of another country lacks everything but the plain letters.
+                if (key < u'a' || key > u'z' || startsWord != wordStarts) continue;
+                if (!taken_.contains(key)) places.push_back(i);
+            }
+        }
+        return places;
     }
-}
+
+    /// A letter that is free; else one whose owner can do with another. Each is tried once.
+    bool Give(std::size_t wish, Keys& tried) {
+        for (const bool fromOthers : {false, true}) {
+            for (const qsizetype place : wishes_[wish].places) {
+                const QChar key = wishes_[wish].text.at(place).toLower();
+                const auto owner = owners_.find(key);
+                if (owner != owners_.end()) {
+                    if (!fromOthers || tried.contains(key)) continue;
+                    tried.insert(key);
+                    if (!Give(owner->second, tried)) continue;
+                }
+                owners_[key] = wish;
+                return true;
+            }
+        }
+        return false;
+    }
+
+    Keys taken_;
+    std::vector<Wish> wishes_;
+    std::map<QChar, std::size_t> owners_;
+};
 
 }  // namespace
 
@@ -63,10 +112,12 @@ void AssignAccessKeys(QTabWidget& tabs, std::initializer_list<const QPushButton*
     Keys everywhere;
     for (const QPushButton* button : buttons) Take(everywhere, button->text());
     for (int i = 0; i < tabs.count(); ++i) Take(everywhere, tabs.tabText(i));
+    Distribution pages(everywhere);
     for (int i = 0; i < tabs.count(); ++i) {
-        if (MarkedLetter(tabs.tabText(i)) < 0)
-            tabs.setTabText(i, Marked(tabs.tabText(i), everywhere));
+        pages.Add(tabs.tabText(i), [&tabs, i](const QString& text) { tabs.setTabText(i, text); });
     }
+    pages.Mark();
+    for (int i = 0; i < tabs.count(); ++i) Take(everywhere, tabs.tabText(i));
     for (int i = 0; i < tabs.count(); ++i) {
         const QWidget* page = tabs.widget(i);
         QList<QLabel*> labels;
@@ -83,7 +134,13 @@ void AssignAccessKeys(QTabWidget& tabs, std::initializer_list<const QPushButton*
         Keys taken = everywhere;
         for (const QLabel* label : std::as_const(labels)) Take(taken, label->text());
         for (const QAbstractButton* choice : std::as_const(choices)) Take(taken, choice->text());
-        MarkUnmarked(labels, taken);
-        MarkUnmarked(choices, taken);
+        Distribution fields(taken);
+        for (QLabel* label : std::as_const(labels)) {
+            fields.Add(label->text(), [label](const QString& text) { label->setText(text); });
+        }
+        for (QAbstractButton* choice : std::as_const(choices)) {
+            fields.Add(choice->text(), [choice](const QString& text) { choice->setText(text); });
+        }
+        fields.Mark();
     }
 }

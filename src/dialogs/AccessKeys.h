@@ -10,7 +10,7 @@ class QTabWidget;
 [[nodiscard]] QString WithoutAccessKey(const QString& text);
 
 /// Gives the labels with a buddy, options and check boxes on each page an access key where their
-/// text has none: the first letter of a word that is free, else any letter that is. A key that a
-/// text brings along stays. Pages and `buttons` are reached from everywhere, so their keys are
-/// taken on every page.
+/// text has none: the first letter of a word that is free, else any letter that is, else one that
+/// another text can spare. A key that a text brings along stays. Pages and `buttons` are reached
+/// from everywhere, so their keys are taken on every page.
 void AssignAccessKeys(QTabWidget& tabs, std::initializer_list<const QPushButton*> buttons);

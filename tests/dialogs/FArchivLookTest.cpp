@@ -121,6 +121,12 @@ TEST_P(FArchivLookTest, NoTextIsCutOff) {
     Keep("");
 }
 
+TEST_P(FArchivLookTest, AccessKeysAreUniqueButForTheGivenOnes) {
+    const QStringList given = {QStringLiteral("0: F"), QStringLiteral("0: H")};
+    EXPECT_EQ(AccessKeyFaults(dialog_, *dialog_.tabArchive),
+              GetParam().language == MResources::kGerman ? given : QStringList());
+}
+
 TEST_P(FArchivLookTest, EveryControlHasAnAccessibleNameOfItsOwn) {
     QSet<QString> names;
     for (const QWidget* control : dialog_.findChildren<QWidget*>()) {

@@ -115,6 +115,10 @@ TEST_P(FTrendLookTest, NoTextIsCutOff) {
     Keep("-dark");
 }
 
+TEST_P(FTrendLookTest, AccessKeysAreUnique) {
+    EXPECT_EQ(AccessKeyFaults(dialog_, *dialog_.tabTrend), QStringList());
+}
+
 TEST_P(FTrendLookTest, EveryControlHasANameOfItsOwn) {
     QSet<QString> names;
     for (const QWidget* control : dialog_.findChildren<QWidget*>()) {
