@@ -215,7 +215,8 @@ void Connect::CKV4Extensibility_NodeClick(const Node& node) {
         if (host_ == nullptr) return;
         FirstUse();
         if (!editor_ || !projectdb::IsOwnNode(node.key)) return;
-        if (projectdb::NodeKind(node.key) == projectdb::kArchiveKind) editor_->CommitPendingEdit();
+        // Also for the root, whose click takes the rows away that are being edited.
+        editor_->CommitPendingEdit();
         OpenNode(node);
     });
 }

@@ -265,6 +265,12 @@ TEST_F(EditorEditTest, TheEditReachesItsRowThroughReloadAndSort) {
     // The host shows the same archive again in the middle of it; a click commits first.
     Click(u"ARCH1"_s);
     EXPECT_EQ(Stored(third, "Comment"), u"half"_s);
+    ClickCell(2, u"Comment"_s);
+    Type(u"at the root"_s);
+    Click(u"ARC0"_s);
+    EXPECT_EQ(Stored(third, "Comment"), u"at the root"_s);
+    Click(u"ARCH1"_s);
+    TurnTo();
 
     ClickCell(2, u"Comment"_s);
     Type(u"whole"_s);

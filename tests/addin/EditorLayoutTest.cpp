@@ -9,6 +9,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QStatusBar>
+#include <QWheelEvent>
 
 #include "addin/EditorTest.h"
 
@@ -184,6 +185,25 @@ TEST_F(EditorLayoutTest, OptionsAreTakenOverAndSaved) {
         CloseProject();
     }
     EXPECT_THAT(messages_, IsEmpty());
+}
+
+TEST_F(EditorLayoutTest, TheWheelTurnsNoLanguageInPassing) {
+    Open();
+    auto* languages = Editor()->findChild<QComboBox*>(u"cmbLanguage"_s);
+    ASSERT_GT(languages->count(), 1);
+    const auto turn = [&] {
+        const int before = languages->currentIndex();
+        for (const int way : {-120, 120, -120}) {
+            QWheelEvent wheel({5, 5}, languages->mapToGlobal(QPointF(5, 5)), {}, {0, way},
+                              Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(languages, &wheel);
+            if (languages->currentIndex() != before) return true;
+        }
+        return false;
+    };
+    EXPECT_FALSE(turn());
+    languages->setFocus();
+    EXPECT_TRUE(turn());
 }
 
 TEST_F(EditorLayoutTest, AnotherLanguageOfTheTextsIsWhatTheDialogsShow) {
