@@ -1,5 +1,7 @@
 #include "editor/PasteCommands.h"
 
+#include <tuple>
+
 #include "editor/DuplicateName.h"
 #include "editor/NameLists.h"
 #include "projectdb/NodeKey.h"
@@ -38,6 +40,9 @@ std::vector<std::int32_t> PasteCommands::PasteTrends(std::span<const PastedTrend
         const projectdb::EditScope textScope(rows.Texts());
         // Begun before anything is read: nobody can take a name that is found to be free.
         projectdb::Transaction transaction(environment.Connection());
+        // One that another program has deleted must not get trends; the look fails then.
+        std::ignore = rows.SeekArchive(archive);
+        std::ignore = rows.Archives().Get("ID");
         NameLists names;
         std::ignore = rows.SeekTrendsOf(archive);
         names.NamesInGroup(projectdb::kTrendNames, rows.Trends());
