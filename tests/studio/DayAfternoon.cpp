@@ -18,12 +18,6 @@ using testing::IsEmpty;
 
 namespace {
 
-// Entries of the menu Extras
-constexpr int kStatistic = 0;
-constexpr int kReport = 1;
-constexpr int kRefresh = 2;
-constexpr int kOptions = 4;
-
 /// A window that lives beside the studio's; null while it is not shown.
 QWidget* ShownWindow(const QString& name) {
     for (QWidget* window : QApplication::topLevelWidgets()) {

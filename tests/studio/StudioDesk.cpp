@@ -48,8 +48,8 @@ void StudioDesk::ChooseTextLanguage(int entry) {
     ASSERT_EQ(list->currentIndex(), entry);
 }
 
-void StudioDesk::ChooseExtra(int index) {
-    User::ChooseFromMenu(studio_->Window(), u"mnuExtras"_s, u"mnuExtra(%1)"_s.arg(index));
+void StudioDesk::ChooseExtra(int entry) {
+    User::ChooseFromMenu(studio_->Window(), u"mnuExtras"_s, u"mnuExtra(%1)"_s.arg(entry));
 }
 
 void StudioDesk::Paste(const QString& text) {

@@ -19,6 +19,11 @@ class StudioDesk : public testing::Test {
 protected:
     static constexpr int kGerman = 1031;
     static constexpr int kEnglish = 1033;
+    // Entries of the menu Extras
+    static constexpr int kStatistic = 0;
+    static constexpr int kReport = 1;
+    static constexpr int kRefresh = 2;
+    static constexpr int kOptions = 4;
 
     void Start(int lcid);
     /// Starts the studio and opens the project up to the editor.
@@ -34,7 +39,7 @@ protected:
     void EditInDialog(const QString& dialog, const User::Step& step);
     /// The language of the project's texts that are edited, by its place in the list.
     void ChooseTextLanguage(int entry);
-    void ChooseExtra(int index);
+    void ChooseExtra(int entry);
     /// Pastes a text that comes from another program.
     void Paste(const QString& text);
     [[nodiscard]] QStringList TakeMessages() { return std::exchange(messages_, {}); }
