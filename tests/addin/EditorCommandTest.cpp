@@ -5,9 +5,6 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPointer>
-#include <QProgressDialog>
-#include <QPushButton>
-#include <QTimer>
 
 #include "addin/EditorTest.h"
 #include "projectdb/Text.h"
@@ -515,44 +512,6 @@ TEST_F(EditorCommandTest, TheReportOpensInAWindowOfItsOwn) {
     ASSERT_TRUE(report);
     EXPECT_TRUE(report->isVisible());
     report->close();
-}
-
-TEST_F(EditorCommandTest, ALongDeletionCanBeGivenUp) {
-    project_ = Brewery();
-    constexpr int kMany = 6000;
-    Elsewhere([](projectdb::ProjectRows& rows) {
-        ado::Recordset& trends = rows.Trends();
-        ado::Recordset& texts = rows.Texts();
-        for (int i = 0; i < kMany; ++i) {
-            texts.AddNew();
-            texts.Set("Name", projectdb::ToUtf16(u"IdxBulk%1"_s.arg(i)));
-            texts.Update();
-            trends.AddNew();
-            trends.Set("ArchiveID", 14);
-            trends.Set("Name", projectdb::ToUtf16(u"Bulk%1"_s.arg(i)));
-            trends.Set("TextID", ado::ToLong(texts.Get("ID")));
-            trends.Update();
-        }
-    });
-    Open(u"ARCH14"_s);
-    const int rows = RowCount(1);
-    Key(Qt::Key_A, Qt::ControlModifier);
-    QString button;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, [&] {
-        auto* progress = Editor()->findChild<QProgressDialog*>(u"dlgProgress"_s);
-        if (progress == nullptr || !progress->isVisible()) return;
-        auto* cancel = progress->findChild<QPushButton*>();
-        button = cancel != nullptr ? cancel->text() : u"(none)"_s;
-        if (cancel != nullptr) cancel->click();
-    });
-    timer.start(5);
-    Key(Qt::Key_Delete, Qt::ControlModifier);
-    EXPECT_EQ(button, u"Cancel"_s);
-    EXPECT_LT(RowCount(1), rows) << "what was deleted stays deleted";
-    EXPECT_GT(RowCount(1), 0);
-    EXPECT_FALSE(Hourglass());
-    EXPECT_EQ(messages_.size(), 1);
 }
 
 }  // namespace

@@ -4,7 +4,10 @@
 #include <QFile>
 #include <QIcon>
 #include <QImage>
+#include <QProgressDialog>
+#include <QPushButton>
 #include <QTemporaryDir>
+#include <QThread>
 #include <set>
 
 #include "addin/ArchiveIcon.h"
@@ -14,7 +17,10 @@
 #include "ado/TrendQuery.h"
 #include "editor/CellText.h"
 #include "editor/GridColumns.h"
+#include "editor/RowProgress.h"
 #include "languages/MResources.h"
+#include "languages/MResourceTable.h"
+#include "platform/MessageBox.h"
 #include "platform/Registry.h"
 #include "projectdb/ADOArchiv.h"
 #include "projectdb/NodeKey.h"
@@ -89,6 +95,37 @@ TEST(MResourcesTest, TextsFollowTheLanguageAndNeverFail) {
     texts.AddTexts(999, {u"neu", u"new"});
     texts.AddTexts(999, {u"neuer", u"newer"});
     EXPECT_EQ(texts.GetText(999), u"new"_s) << "the first registration stays";
+}
+
+TEST(RowProgressTest, WhatTakesLongCanBeGivenUp) {
+    const QTemporaryDir folder;
+    platform::Registry registry({folder.filePath(u"r.reg"_s), {}});
+    MResources::TextTable texts;
+    texts.Initialize(registry);
+    QWidget owner;
+    {
+        RowProgress progress(texts, MResourceTable::kTextDeletingTrends, &owner);
+        const projectdb::Progress step = progress.Function();
+        EXPECT_TRUE(step(0, 100000));
+        auto* dialog = owner.findChild<QProgressDialog*>(u"dlgProgress"_s);
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_FALSE(dialog->isVisible()) << "not for what is done in no time";
+        int done = 1;
+        for (; !dialog->isVisible() && done < 100000; ++done) {
+            ASSERT_TRUE(step(done, 100000));
+            QThread::msleep(5);
+        }
+        ASSERT_TRUE(dialog->isVisible());
+        EXPECT_EQ(dialog->labelText(), u"Trends werden gelöscht ..."_s);
+        auto* cancel = dialog->findChild<QPushButton*>();
+        ASSERT_NE(cancel, nullptr);
+        EXPECT_EQ(cancel->text(), u"Abbrechen"_s);
+        cancel->click();
+        EXPECT_FALSE(step(done, 100000));
+        EXPECT_EQ(platform::ScreenPointer(), platform::Pointer::Hourglass);
+    }
+    EXPECT_EQ(platform::ScreenPointer(), platform::Pointer::Default);
+    EXPECT_TRUE(owner.children().isEmpty());
 }
 
 TEST(CellTextTest, ValuesReadAsInTheUsersLocale) {
