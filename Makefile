@@ -5,7 +5,7 @@ SHELL := /bin/bash
 .DEFAULT_GOAL := help
 
 PROJECT ?= examples/Brauerei.kvs
-FUZZ_SECONDS ?= 30
+FUZZ_SECONDS ?= 20
 PREFIX ?= /usr/local
 TABLE ?= TchrTrends
 JOBS := $(shell nproc)

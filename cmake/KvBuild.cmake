@@ -53,6 +53,9 @@ function(kv_test name)
   target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
   target_compile_definitions(${name} PRIVATE KV_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data"
     KV_EXAMPLES="${CMAKE_SOURCE_DIR}/examples")
+  if(KV_PRECOMPILE)
+    target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+  endif()
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES LABELS "${T_LABEL}" TIMEOUT 300
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
@@ -61,6 +64,10 @@ endfunction()
 # kv_use_qt(TARGET): Qt's generators for a target with Q_OBJECT, .ui or .qrc.
 function(kv_use_qt target)
   set_target_properties(${target} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
+  if(KV_PRECOMPILE)
+    target_precompile_headers(${target} PRIVATE <QApplication> <QComboBox> <QLineEdit> <QMenu>
+      <QTableView> <QVBoxLayout>)
+  endif()
 endfunction()
 
 # kv_optimise_across_files(TARGET): lets the optimiser see all files of a target at once and inline

@@ -83,6 +83,18 @@ void CDBLanguages::Init(ado::Recordset& texts, ado::Recordset& languages,
     }
 }
 
+namespace {
+
+/// A project without the column has its languages all the same.
+ado::Value ValueOrNull(const ado::Recordset& rows, std::string_view column) {
+    for (std::size_t i = 0; i < rows.Fields().size(); ++i) {
+        if (rows.Fields()[i].name == column) return rows.Get(i);
+    }
+    return ado::Null();
+}
+
+}  // namespace
+
 void CDBLanguages::AddLanguage(const ado::Recordset& texts, const ado::Recordset& languages) {
     const std::int32_t number = ado::ToLong(languages.Get("LCID"));
     const auto lcid = static_cast<platform::Lcid>(number);
@@ -93,8 +105,8 @@ void CDBLanguages::AddLanguage(const ado::Recordset& texts, const ado::Recordset
     CDBLanguage language;
     language.lcid = lcid;
     language.textColumn = TextColumn(texts, "L" + std::to_string(number));
-    language.keyboardLayout = languages.Get("kbLayout");
-    language.font = StringToFont(ado::ToText(languages.Get("Font")));
+    language.keyboardLayout = ValueOrNull(languages, "kbLayout");
+    language.font = StringToFont(ado::ToText(ValueOrNull(languages, "Font")));
     language.displayName = platform::LanguageName(lcid);
     if (language.displayName.isEmpty()) language.displayName = QString::number(number);
     languages_.push_back(std::move(language));
