@@ -64,7 +64,9 @@ endfunction()
 # kv_use_qt(TARGET): Qt's generators for a target with Q_OBJECT, .ui or .qrc.
 function(kv_use_qt target)
   set_target_properties(${target} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
-  if(KV_PRECOMPILE)
+  get_target_property(type ${target} TYPE)
+  # Plugins are one file each, for which it does not pay.
+  if(KV_PRECOMPILE AND NOT type STREQUAL MODULE_LIBRARY)
     target_precompile_headers(${target} PRIVATE <QApplication> <QComboBox> <QLineEdit> <QMenu>
       <QTableView> <QVBoxLayout>)
   endif()
