@@ -72,6 +72,11 @@ KVColorSelect::KVColorSelect(QWidget* parent) : QPushButton(parent) {
     ShowColor();
 }
 
+KVColorSelect::~KVColorSelect() {
+    // A palette that is still open goes down behind this part of the object.
+    for (QObject* child : children()) child->disconnect(this);
+}
+
 void KVColorSelect::SetTexts(ColorTexts texts) {
     texts_ = std::move(texts);
     ShowColor();

@@ -34,6 +34,7 @@ public:
     static constexpr int kRecentColors = 8;
 
     explicit KVColorSelect(QWidget* parent = nullptr);
+    ~KVColorSelect() override;
 
     void SetTexts(ColorTexts texts);
     [[nodiscard]] const ColorTexts& Texts() const noexcept { return texts_; }

@@ -84,18 +84,21 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        if (forwarding_ || field_.isReadOnly()) return false;
+        // Asked for in each case only: a field that is going down still gets other events.
+        const auto filters = [this] { return !forwarding_ && !field_.isReadOnly(); };
         switch (event->type()) {
             case QEvent::KeyPress:
-                return FilterKey(static_cast<QKeyEvent&>(*event));
+                return filters() && FilterKey(static_cast<QKeyEvent&>(*event));
             case QEvent::InputMethod:
-                return FilterInputMethod(*watched, static_cast<QInputMethodEvent&>(*event));
+                return filters() &&
+                       FilterInputMethod(*watched, static_cast<QInputMethodEvent&>(*event));
             case QEvent::Drop:
-                return FilterDrop(*watched, static_cast<QDropEvent&>(*event));
+                return filters() && FilterDrop(*watched, static_cast<QDropEvent&>(*event));
             case QEvent::MouseButtonRelease:
-                return watched == &field_ && FilterClick(static_cast<QMouseEvent&>(*event));
+                return filters() && watched == &field_ &&
+                       FilterClick(static_cast<QMouseEvent&>(*event));
             case QEvent::ContextMenu:
-                return FilterMenu(*watched, static_cast<QContextMenuEvent&>(*event));
+                return filters() && FilterMenu(*watched, static_cast<QContextMenuEvent&>(*event));
             default:
                 return false;
         }
