@@ -86,17 +86,17 @@ TEST_F(ArchiveCommandsTest, AFailingStepOfNewLeavesTheStepsBeforeIt) {
         const char* archive;
     };
     const auto shorten = [](const char* table, std::size_t length) {
-        return [=](jet::TableSpec& spec) {
-            if (spec.name != table) return;
-            for (jet::ColumnSpec& column : spec.columns) {
+        return [=](jet::TableSpec& form) {
+            if (form.name != table) return;
+            for (jet::ColumnSpec& column : form.columns) {
                 if (column.name == "Name") column.length = length;
             }
         };
     };
     const auto forbid = [](const char* table, const char* field) {
-        return [=](jet::TableSpec& spec) {
-            if (spec.name != table) return;
-            spec.indexes.push_back({field, jet::IndexSpec::Kind::Unique, {{field}}});
+        return [=](jet::TableSpec& form) {
+            if (form.name != table) return;
+            form.indexes.push_back({field, jet::IndexSpec::Kind::Unique, {{field}}});
         };
     };
     const Case cases[] = {
@@ -104,8 +104,8 @@ TEST_F(ArchiveCommandsTest, AFailingStepOfNewLeavesTheStepsBeforeIt) {
         {"its name", shorten("TchrArchives", 5), {"TchrArchives"}, "ID=1|Name=@New@"},
         {"its group", shorten("TidxGroups", 4), {"TchrArchives"}, "ID=1|Name=Neues Archiv"},
         {"no groups",
-         [](jet::TableSpec& spec) {
-             if (spec.name == "TidxGroups") spec.name = "Groups";
+         [](jet::TableSpec& form) {
+             if (form.name == "TidxGroups") form.name = "Groups";
          },
          {"TchrArchives"},
          "ID=1|Name=Neues Archiv"},
@@ -270,9 +270,9 @@ TEST_F(ArchiveCommandsTest, AnArchiveChangedElsewhereIsNotOverwritten) {
 
 TEST_F(ArchiveCommandsTest, AFailingStepOfRenamingLeavesTheStepsBeforeIt) {
     for (const bool textFails : {false, true}) {
-        OpenAltered([&](jet::TableSpec& spec) {
-            const bool isShort = spec.name == (textFails ? "TidxTexts" : "TidxGroups");
-            for (jet::ColumnSpec& column : spec.columns) {
+        OpenAltered([&](jet::TableSpec& form) {
+            const bool isShort = form.name == (textFails ? "TidxTexts" : "TidxGroups");
+            for (jet::ColumnSpec& column : form.columns) {
                 if (isShort && column.name == "Name") column.length = 20;
             }
         });

@@ -135,11 +135,11 @@ TEST_F(DuplicateCommandsTest, TrendsAreCopiedWithinTheirArchive) {
 }
 
 TEST_F(DuplicateCommandsTest, ColumnsOfOtherToolsAndLongValuesAreCopied) {
-    OpenAltered([](jet::TableSpec& spec) {
-        if (spec.name != "TchrTrends") return;
-        spec.columns.push_back({"Notes", jet::ColumnType::Memo});
-        spec.columns.push_back({"Picture", jet::ColumnType::Ole});
-        spec.columns.push_back({"Locked", jet::ColumnType::Boolean});
+    OpenAltered([](jet::TableSpec& form) {
+        if (form.name != "TchrTrends") return;
+        form.columns.push_back({"Notes", jet::ColumnType::Memo});
+        form.columns.push_back({"Picture", jet::ColumnType::Ole});
+        form.columns.push_back({"Locked", jet::ColumnType::Boolean});
     });
     const std::int32_t archive = archives_.New(u"L1031"_s);
     const std::u16string notes(20000, u'ß');

@@ -72,9 +72,9 @@ TEST_F(TrendCommandsTest, AFailingStepOfNewLeavesTheStepsBeforeIt) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.length);
-        OpenAltered([&](jet::TableSpec& spec) {
-            for (jet::ColumnSpec& column : spec.columns) {
-                if (spec.name == c.table && column.name == "Name") column.length = c.length;
+        OpenAltered([&](jet::TableSpec& form) {
+            for (jet::ColumnSpec& column : form.columns) {
+                if (form.name == c.table && column.name == "Name") column.length = c.length;
             }
         });
         Insert("TchrArchives", {{"Name", std::u16string(u"Archiv")}});

@@ -259,9 +259,9 @@ void MakeTrendsReadOnly(const std::string& path) {
 }
 
 TEST_F(HierarchyTest, ATableThatCanOnlyBeReadStopsTheCascadeThere) {
-    OpenAltered([](jet::TableSpec& spec) {
-        if (spec.name != "TchrTrends") return;
-        spec.indexes.push_back({"Name", jet::IndexSpec::Kind::Plain, {{"Name"}}});
+    OpenAltered([](jet::TableSpec& form) {
+        if (form.name != "TchrTrends") return;
+        form.indexes.push_back({"Name", jet::IndexSpec::Kind::Plain, {{"Name"}}});
     });
     Insert("TchrArchives", {{"Name", std::u16string(u"Archiv")}, {"TextID", 1}});
     Insert("TidxGroups", {{"Type", -2}, {"Parameter", 1}, {"ParentID", 0}});
