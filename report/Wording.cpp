@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "languages/MResources.h"
+#include "platform/Locale.h"
 
 namespace report {
 
@@ -56,7 +57,7 @@ QString LanguageName(int lcid) {
 QString Wording::Value(const Cell& cell) const {
     if (cell.damaged) return texts_(Text::Damaged);
     if (const auto* number = std::get_if<double>(&cell.value)) {
-        return texts_.Locale().toString(*number, 'g', QLocale::FloatingPointShortest);
+        return platform::NumberToText(*number, texts_.Locale());
     }
     if (const auto* number = std::get_if<float>(&cell.value)) {
         return texts_.Locale().toString(*number, 'g', QLocale::FloatingPointShortest);
