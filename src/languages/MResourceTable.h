@@ -325,8 +325,7 @@ inline constexpr int kTextDeletingTrends = 1372;
 inline constexpr int kTextCopyingTrends = 1373;
 inline constexpr int kTextPastingTrends = 1374;
 inline constexpr int kTextRowChanged = 1375;
-inline constexpr int kTextSettingsNotSaved = 1376;  // the cause follows
-inline constexpr int kTextPasteRefused = 1377;      // <row>, <column> and <cause> are replaced
+inline constexpr int kTextPasteRefused = 1377;  // <row>, <column> and <cause> are replaced
 
 /// Words that every dialog uses; they are entered first.
 extern const std::span<const Entry> kCommonWords;

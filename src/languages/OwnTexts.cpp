@@ -121,8 +121,6 @@ constexpr Entry kAll[] = {
     {1374, u"Trends werden eingefügt ...", u"Pasting trends ..."},
     {1375, u"Ein anderes Programm hat diese Zeile inzwischen geändert oder gelöscht.",
      u"Another program has changed or deleted this row meanwhile."},
-    {1376, u"Die Einstellungen konnten nicht gespeichert werden: ",
-     u"The settings could not be saved: "},
     {1377, u"Zeile <row>, Spalte '<column>': <cause>\n\nEs wurde nichts eingefügt.",
      u"Row <row>, column '<column>': <cause>\n\nNothing has been pasted."},
 };

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <optional>
-#include <QtGlobal>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -15,13 +14,17 @@
 #include "languages/MResources.h"
 #include "languages/MResourceTable.h"
 #include "platform/MessageBox.h"
-#include "projectdb/Guard.h"
 #include "projectdb/Hierarchy.h"
 #include "projectdb/Text.h"
+#include "records/EditSession.h"
 #include "records/MDialogs.h"
 
 namespace MArchiv {
 namespace {
+
+using EditSession::LanguageColumn;
+using EditSession::LimitLength;
+using EditSession::Succeeds;
 
 // Bits of `Type`, as they are stored
 constexpr int kKindMask = 7;  // the list index of cmbType
@@ -93,10 +96,6 @@ ado::Value ValueOf(const std::optional<QString>& text) {
     return text ? ValueOf(*text) : ado::Value(ado::Null());
 }
 
-std::string LanguageColumn(platform::Lcid language) {
-    return "L" + std::to_string(language);
-}
-
 bool HasColumn(const ado::Recordset& rows, std::string_view name) {
     const std::vector<ado::Field>& fields = rows.Fields();
     return std::any_of(fields.begin(), fields.end(),
@@ -105,11 +104,6 @@ bool HasColumn(const ado::Recordset& rows, std::string_view name) {
 
 bool StandsOnRow(const ado::Recordset& rows) {
     return !rows.IsEOF() && !rows.IsBOF();
-}
-
-/// Lets no longer text be typed than the column takes.
-void LimitLength(QLineEdit& text, const ado::Field& field) {
-    if (field.type == ado::DataType::VarWChar) text.setMaxLength(field.definedSize);
 }
 
 /// Loads one archive column by column.
@@ -271,19 +265,6 @@ void StoreColumn(const Rows& rows, std::size_t column, const FArchiv& dialog) {
         StoreType(archive, column, dialog);
     } else if (name == "TextID") {
         StoreDisplayText(rows.indexTexts, archive.Get(column), rows.language, dialog);
-    }
-}
-
-/// Runs a step of the session. Its failure has a text of its own for the user; the cause goes to
-/// the log.
-template <typename Step>
-bool Succeeds(const char* procedure, Step&& step) noexcept {
-    try {
-        std::forward<Step>(step)();
-        return true;
-    } catch (...) {
-        qWarning("%s: %s", procedure, qUtf8Printable(projectdb::Failure::Current().Text()));
-        return false;
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <QtGlobal>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -12,13 +11,17 @@
 #include "languages/MResources.h"
 #include "languages/MResourceTable.h"
 #include "platform/MessageBox.h"
-#include "projectdb/Guard.h"
 #include "projectdb/Hierarchy.h"
 #include "projectdb/Text.h"
+#include "records/EditSession.h"
 #include "records/MDialogs.h"
 
 namespace MTrend {
 namespace {
+
+using EditSession::LanguageColumn;
+using EditSession::LimitLength;
+using EditSession::Succeeds;
 
 template <typename Control>
 struct Column {
@@ -68,10 +71,6 @@ Control* Find(const std::array<Column<Control>, N>& columns, std::string_view na
     return found == columns.end() ? nullptr : dialog.*found->control;
 }
 
-std::string LanguageColumn(platform::Lcid language) {
-    return "L" + std::to_string(language);
-}
-
 /// A value as a text control shows it: Null, and the one character that stands for an empty text,
 /// as nothing.
 QString TextOf(const ado::Value& value) {
@@ -91,24 +90,6 @@ bool ShowsStoredNumber(const ado::Value& stored, const QLineEdit& control) {
     const bool floating =
         std::holds_alternative<double>(stored) || std::holds_alternative<float>(stored);
     return floating && control.text() == TextOf(stored);
-}
-
-/// Lets no longer text be typed than the column takes.
-void LimitLength(QLineEdit& control, const ado::Field& field) {
-    if (field.type == ado::DataType::VarWChar) control.setMaxLength(field.definedSize);
-}
-
-/// Runs a step of the session. Its failure has a text of its own for the user; the cause goes to
-/// the log.
-template <typename Step>
-bool Succeeds(const char* procedure, Step&& step) noexcept {
-    try {
-        std::forward<Step>(step)();
-        return true;
-    } catch (...) {
-        qWarning("%s: %s", procedure, qUtf8Printable(projectdb::Failure::Current().Text()));
-        return false;
-    }
 }
 
 void Load(const ado::Recordset& trend, FTrend& dialog, platform::Lcid language) {
