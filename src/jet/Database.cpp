@@ -110,10 +110,12 @@ std::vector<std::string> Database::OtherUsers() const {
 
 /// True when a program that died had left a change, and it has been put back.
 Result<bool> Database::Recover() {
-    bool exists = false;
-    JET_ASSIGN(exists, Journal::Exists(*disk_, path_));
+    // A sound file can be read whatever lies beside it: what cannot be opened is no journal, and
+    // only who wants to write has to know why.
+    const Result<bool> exists = Journal::Exists(*disk_, path_);
+    if (!exists.IsOk() || !*exists) return false;
     // A journal belongs to the program that is writing, if there is one.
-    if (!exists || locks_->IsWriterAtWork()) return false;
+    if (locks_->IsWriterAtWork()) return false;
     JET_TRY(locks_->LockWriter(kWriterWait));
     Result<bool> putBack = RollBackJournal();
     locks_->UnlockWriter();
