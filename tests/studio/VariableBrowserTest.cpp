@@ -93,11 +93,13 @@ protected:
     static Control* Find(const VariableDialog& dialog, const QString& name) {
         return dialog.findChild<Control*>(name);
     }
-    /// Waits until everything has been read and filtered.
-    static void Settle(const VariableDialog& dialog) {
-        ASSERT_TRUE(QTest::qWaitFor(
-            [&dialog] { return !Find<QLabel>(dialog, u"lblState"_s)->text().contains(u"..."_s); }));
-        QTest::qWait(80);  // the pause in typing after which the filter is applied
+    /// Waits until everything has been read and what is typed in the search has been applied.
+    static void AwaitState(const VariableDialog& dialog, const QString& german,
+                           const QString& english) {
+        const auto* state = Find<QLabel>(dialog, u"lblState"_s);
+        const QString& expected = GetParam() == kGerman ? german : english;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return state->text() == expected; }, 30000))
+            << state->text().toStdString();
     }
 
     StudioTexts texts_{GetParam()};
@@ -109,19 +111,15 @@ TEST_P(VariableDialogTest, IsWorkedFromTheSearchField) {
     catalog.Open(Small().Path());
     VariableDialog dialog(catalog, texts_, u"120"_s, nullptr);
     dialog.show();
-    Settle(dialog);
+    AwaitState(dialog, u"120 Variablen"_s, u"120 variables"_s);
     auto* search = Find<QLineEdit>(dialog, u"txtSearch"_s);
     auto* ok = Find<QPushButton>(dialog, u"cmdOk"_s);
-    const auto* state = Find<QLabel>(dialog, u"lblState"_s);
     EXPECT_EQ(dialog.focusWidget(), search);
     EXPECT_EQ(dialog.Chosen(), u"") << "a number is no variable to begin at";
     EXPECT_FALSE(ok->isEnabled());
-    EXPECT_EQ(state->text(), GetParam() == kGerman ? u"120 Variablen" : u"120 variables");
 
     QTest::keyClicks(search, u"LEVEL area2"_s);
-    Settle(dialog);
-    EXPECT_EQ(state->text(),
-              GetParam() == kGerman ? u"10 von 120 Variablen" : u"10 of 120 variables");
+    AwaitState(dialog, u"10 von 120 Variablen"_s, u"10 of 120 variables"_s);
     EXPECT_EQ(dialog.Chosen(), u"Area2.Tank 42.Level");
     QTest::keyClick(search, Qt::Key_Down);
     QTest::keyClick(search, Qt::Key_Down);
@@ -158,14 +156,14 @@ TEST_P(VariableDialogTest, BeginsAtTheCurrentName) {
         catalog.Open(Small().Path());
         VariableDialog dialog(catalog, texts_, each.current, nullptr);
         dialog.show();
-        Settle(dialog);
+        AwaitState(dialog, u"120 Variablen"_s, u"120 variables"_s);
         EXPECT_EQ(dialog.Chosen(), each.marked);
         EXPECT_EQ(Find<QPushButton>(dialog, u"cmdOk"_s)->isEnabled(), !each.marked.isEmpty());
         // Letters that are typed in the tree go into the search, and keep what is marked.
         auto* tree = Find<QTreeView>(dialog, u"trvVariables"_s);
         tree->setFocus();
         QTest::keyClick(tree, Qt::Key_T);
-        Settle(dialog);
+        AwaitState(dialog, u"120 von 120 Variablen"_s, u"120 of 120 variables"_s);
         EXPECT_EQ(Find<QLineEdit>(dialog, u"txtSearch"_s)->text(), u"t");
         if (!each.marked.isEmpty()) {
             EXPECT_EQ(dialog.Chosen(), each.marked);

@@ -1,6 +1,8 @@
 #include "support/User.h"
 
 #include <gtest/gtest.h>
+#include <algorithm>
+#include <tuple>
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -14,6 +16,7 @@
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
+#include <QWindow>
 
 namespace {
 
@@ -27,10 +30,43 @@ QWidget* InFront() {
     return popup != nullptr ? popup : QApplication::activeModalWidget();
 }
 
+/// The windows that have had the keyboard, the last one at the end.
+QList<QPointer<QWindow>>& Used() {
+    static QList<QPointer<QWindow>> used;
+    return used;
+}
+
+void NoteKeyboard(QWindow* window) {
+    if (window == nullptr) return;
+    Used().removeIf([window](const QPointer<QWindow>& each) { return !each || each == window; });
+    Used().append(window);
+}
+
 QWidget* Keyboard() {
     if (QWidget* popup = QApplication::activePopupWidget()) return popup;
-    if (QWidget* focus = QApplication::focusWidget()) return focus;
-    return QApplication::activeWindow();
+    QWidget* window = QApplication::activeWindow();
+    if (window == nullptr || !window->isVisible()) return nullptr;
+    QWidget* focus = QApplication::focusWidget();
+    return focus != nullptr ? focus : window;
+}
+
+/// A window manager gives the keyboard back to the window behind one that closes; without one
+/// nobody does. Any command may have shown such a window, if only its progress on a slow machine.
+void GiveKeyboardBack() {
+    if (Keyboard() != nullptr) return;
+    const auto& used = Used();
+    const auto behind = std::find_if(used.rbegin(), used.rend(), [](const QPointer<QWindow>& each) {
+        return each && each->isVisible();
+    });
+    if (behind == used.rend()) return;
+    (*behind)->requestActivate();
+    std::ignore = QTest::qWaitFor([] { return Keyboard() != nullptr; }, kPatienceMs);
+}
+
+/// After each key and click the program does what it has put off.
+void Settle() {
+    QCoreApplication::processEvents();
+    GiveKeyboardBack();
 }
 
 /// Brings the page of a control to the front with the mouse.
@@ -65,6 +101,8 @@ void ChooseEntry(QComboBox& list, int entry) {
 }  // namespace
 
 User::User() {
+    NoteKeyboard(QGuiApplication::focusWindow());
+    QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, &context_, &NoteKeyboard);
     QTimer::singleShot(kWatchMs, &context_, [this] { Watch(); });
 }
 
@@ -72,7 +110,7 @@ void User::Press(Qt::Key key, Qt::KeyboardModifiers held) {
     QWidget* keyboard = Keyboard();
     ASSERT_NE(keyboard, nullptr) << "nothing has the keyboard";
     QTest::keyClick(keyboard, key, held);
-    QCoreApplication::processEvents();
+    Settle();
 }
 
 void User::Type(const QString& text) {
@@ -82,7 +120,7 @@ void User::Type(const QString& text) {
         // Qt numbers the keys of letters as Unicode does the capitals.
         const auto key = static_cast<Qt::Key>(letter.toUpper().unicode());
         QTest::sendKeyEvent(QTest::Click, keyboard, key, QString(letter), Qt::NoModifier);
-        QCoreApplication::processEvents();
+        Settle();
     }
 }
 
@@ -98,7 +136,7 @@ void User::Click(QWidget& widget) {
 void User::ClickAt(QWidget& widget, QPoint place, Qt::KeyboardModifiers held,
                    Qt::MouseButton button) {
     QTest::mouseClick(&widget, button, held, place);
-    QCoreApplication::processEvents();
+    Settle();
 }
 
 void User::ChooseFromMenu(QWidget& window, const QString& menu, const QString& entry) {
@@ -128,7 +166,7 @@ void User::Drag(QWidget& widget, QPoint from, QPoint to) {
     QTest::mouseMove(&widget, (from + to) / 2);
     QTest::mouseMove(&widget, to);
     QTest::mouseRelease(&widget, Qt::LeftButton, {}, to);
-    QCoreApplication::processEvents();
+    Settle();
 }
 
 void User::Fill(QWidget& dialog, const QString& control, const QString& value) {
@@ -145,14 +183,9 @@ void User::Fill(QWidget& dialog, const QString& control, const QString& value) {
 
 void User::InDialog(const QString& name, const Step& step, const std::function<void()>& action) {
     const auto waiting = expected_.size();
-    const QPointer<QWidget> before = QApplication::activeWindow();
     expected_.append({name, step});
     action();
-    // A window manager gives the keyboard back to the window behind; without one nobody does.
-    if (before != nullptr && QApplication::activeWindow() == nullptr) {
-        before->activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(before));
-    }
+    Settle();
     if (expected_.size() == waiting) return;
     ADD_FAILURE() << qUtf8Printable(name) << " has not been shown";
     expected_.removeLast();

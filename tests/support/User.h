@@ -14,7 +14,8 @@ class QWidget;
 
 /// Works with the program as a person does: keys go to what has the keyboard, clicks to the middle
 /// of what is on the screen. What cannot be reached that way is a failure of the test. After each
-/// key and click the program does what it has put off.
+/// key and click the program does what it has put off, and the keyboard goes back to the window
+/// that had it before one that has closed.
 ///
 /// A modal dialog or a menu keeps its caller waiting; InDialog tells what is to be done in it. One
 /// that nobody has told of is closed after a while and fails the test, instead of hanging it.
