@@ -5,19 +5,22 @@ SHELL := /bin/bash
 .DEFAULT_GOAL := help
 
 PROJECT ?= examples/Brauerei.kvs
-FUZZ_SECONDS ?= 20
+# KV_TEST_SECONDS lengthens what a test can go on with for ever: several programs on one file,
+# crashes, fuzzing.
+FUZZ_SECONDS ?= $(or $(KV_TEST_SECONDS),10)
 PREFIX ?= /usr/local
 TABLE ?= TchrTrends
 JOBS := $(shell nproc)
 
 BUILD := build/release
+OPTIMISED := build/optimised
 # What `make run` needs; the tests and benchmarks are left to the tasks that use them.
 RUN_TARGETS := kvstudio KVArchivEditor kvs
 
 heading = @printf '\n== %s\n' "$(1)"
 
-.PHONY: help run build test test-release test-engine test-fuzz test-asan format check-format tidy \
-	bench install clean
+.PHONY: help run build test test-release test-engine test-fuzz test-asan test-clang format \
+	check-format tidy pictures optimised bench install clean
 
 help: ## Show the tasks
 	@echo "make TASK, where TASK is one of:"
@@ -48,12 +51,12 @@ test-release: ## Build with warnings as errors and run the tests
 	@cmake --build $(BUILD) --parallel $(JOBS)
 	@ctest --preset release --parallel $(JOBS)
 
-test-engine: ## Build file engine and recordsets without Qt
-	@scripts/install-packages.sh build
+test-engine: ## Build file engine, recordsets and kvs without Qt and run their tests
+	@scripts/install-packages.sh build test
 	$(call heading,File engine and recordsets without Qt)
-	@cmake --preset engine-only -DKV_WARNINGS_AS_ERRORS=ON -DKV_TESTS=OFF -DKV_BENCH=OFF \
-		--log-level=WARNING
-	@cmake --build build/engine-only --parallel $(JOBS) --target kv_jet kv_ado
+	@cmake --preset engine-only -DKV_WARNINGS_AS_ERRORS=ON --log-level=WARNING
+	@cmake --build build/engine-only --parallel $(JOBS)
+	@ctest --preset engine-only --parallel $(JOBS)
 
 test-fuzz: ## Fuzz each target for FUZZ_SECONDS under the sanitizers
 	@scripts/install-packages.sh build test
@@ -70,6 +73,13 @@ test-asan: ## Run the tests under the address and undefined sanitizers
 	@LSAN_OPTIONS=suppressions=$(CURDIR)/scripts/leaks-outside.txt:print_suppressions=0 \
 		ctest --preset asan --parallel $(JOBS)
 
+test-clang: ## Build with clang 16 as well and run the tests
+	@scripts/install-packages.sh build run test clang
+	$(call heading,clang 16)
+	@cmake --preset clang -DKV_WARNINGS_AS_ERRORS=ON --log-level=WARNING
+	@cmake --build build/clang --parallel $(JOBS)
+	@ctest --preset clang --parallel $(JOBS)
+
 format: ## Format all C++ files
 	@scripts/install-packages.sh format
 	@scripts/sources.sh | xargs -r clang-format -i
@@ -78,22 +88,33 @@ check-format: ## Fail when a C++ file is not formatted
 	@scripts/install-packages.sh format
 	@scripts/check-format.sh
 
-tidy: ## Run clang-tidy over the product's code
-	@scripts/install-packages.sh build tidy
+# Nothing is compiled for it: the flags of the clang build are those that clang-tidy understands.
+tidy: ## Run clang-tidy over the product's code, changed files first
+	@scripts/install-packages.sh build tidy clang
+	$(call heading,clang-tidy)
+	@cmake --preset clang --log-level=WARNING
+	@cmake --build build/clang --parallel $(JOBS) --target autogen
+	@scripts/tidy.sh build/clang
+
+pictures: ## Make the pictures in docs/images anew from the running program
+	@scripts/install-packages.sh build run
 	@cmake --preset release --log-level=WARNING
 	@cmake --build $(BUILD) --parallel $(JOBS)
-	@scripts/tidy.sh $(BUILD)
+	@scripts/make-pictures.sh $(BUILD)
 
-bench: ## Measure: Google Benchmark programs, and kvs dump beside mdb-export
-	@scripts/install-packages.sh build bench
-	@cmake --preset release --log-level=WARNING
-	@cmake --build $(BUILD) --parallel $(JOBS)
-	@for program in $(BUILD)/bin/bench_*; do [ ! -x "$$program" ] || "$$program"; done
-	@bench/compare_dump.sh '$(PROJECT)' '$(TABLE)'
+optimised: ## Build what is installed and measured, in build/optimised
+	@scripts/install-packages.sh build
+	@cmake --preset optimised --log-level=WARNING
+	@cmake --build $(OPTIMISED) --parallel $(JOBS)
 
-install: build ## Install under PREFIX
+bench: optimised ## Measure: Google Benchmark programs, and kvs dump beside mdb-export
+	@scripts/install-packages.sh bench
+	@for program in $(OPTIMISED)/bin/bench_*; do [ ! -x "$$program" ] || "$$program"; done
+	@KVS=$(OPTIMISED)/bin/kvs bench/compare_dump.sh '$(PROJECT)' '$(TABLE)'
+
+install: optimised ## Install under PREFIX
 	@scripts/install-packages.sh run
-	@cmake --install $(BUILD) --prefix '$(PREFIX)'
+	@cmake --install $(OPTIMISED) --prefix '$(PREFIX)'
 
 clean: ## Remove everything that was built
 	@rm -rf build

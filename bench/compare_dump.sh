@@ -4,13 +4,13 @@
 #
 #   bench/compare_dump.sh FILE [TABLE]       default table: TchrTrends
 #
-# Environment: KVS (build/release/bin/kvs), REPEATS (11).
+# Environment: KVS (build/optimised/bin/kvs), REPEATS (11).
 # Elapsed time counts from the start of the process to its end; memory is its peak resident set.
 set -euo pipefail
 
 file=${1:?usage: compare_dump.sh FILE [TABLE]}
 table=${2:-TchrTrends}
-kvs=${KVS:-$(dirname "${BASH_SOURCE[0]}")/../build/release/bin/kvs}
+kvs=${KVS:-$(dirname "${BASH_SOURCE[0]}")/../build/optimised/bin/kvs}
 repeats=${REPEATS:-11}
 
 for tool in mdb-export /usr/bin/time "$kvs"; do

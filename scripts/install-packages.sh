@@ -7,7 +7,7 @@
 # Nothing missing: no word, no apt call. Works as root or through sudo.
 set -euo pipefail
 
-groups=(build run wayland test format tidy bench)
+groups=(build run wayland test clang format tidy bench)
 declare -A packages=(
     # Compiler, build tools, libraries with their headers (the presets build tests and benchmarks).
     [build]="g++ cmake ninja-build qt6-base-dev qt6-svg-dev libchm-dev libicu-dev libgtest-dev
@@ -20,6 +20,8 @@ declare -A packages=(
     # The second opinion on every dumped table, and clang with its fuzzing run-time; llvm has the
     # symbolizer that puts function names into its reports.
     [test]="mdbtools python3 clang libclang-rt-14-dev llvm"
+    # A second compiler.
+    [clang]="clang-16"
     [format]="clang-format"
     [tidy]="clang-tidy python3"
     [bench]="mdbtools time"
