@@ -25,8 +25,6 @@ target_compile_definitions(kv_flags INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_T
 if(KV_WARNINGS_AS_ERRORS)
   target_compile_options(kv_flags INTERFACE -Werror)
 endif()
-# Debug builds look at every index and iterator of the library.
-add_compile_definitions($<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
 if(KV_SANITIZE)
   # Global, so that every object of every target agrees.
   add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer
