@@ -1,5 +1,6 @@
 #include "jet/Database.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <tuple>
@@ -73,13 +74,20 @@ Result<std::unique_ptr<Database>> Database::Open(const std::string& path, std::s
 
 Result<std::unique_ptr<Database>> Database::Open(Disk& disk, const std::string& path, OpenMode mode,
                                                  std::size_t cacheBytes) {
-    Result<std::unique_ptr<File>> file = disk.Open(path, mode);
-    if (!file.IsOk()) return file.GetStatus();
-    // Before it is known to be a database, nothing is put beside it.
-    std::unique_ptr<Database> database;
-    JET_ASSIGN(database, Open(std::move(*file), cacheBytes));
-    JET_TRY(database->Join(disk, path, mode));
-    return database;
+    std::string real;
+    JET_ASSIGN(real, disk.Resolve(path));
+    constexpr int kTries = 3;
+    for (int i = 1;; ++i) {
+        std::unique_ptr<File> file;
+        JET_ASSIGN(file, disk.Open(real, mode));
+        // Before it is known to be a database, nothing is put beside it.
+        std::unique_ptr<Database> database;
+        JET_ASSIGN(database, Open(std::move(file), cacheBytes));
+        Status status = database->Join(disk, real, mode);
+        if (status.IsOk()) return database;
+        // Somebody may just have put another file in its place.
+        if (status.Code() != StatusCode::Conflict || i == kTries) return status;
+    }
 }
 
 Result<std::unique_ptr<Database>> Database::Open(std::unique_ptr<File> file,
@@ -94,6 +102,9 @@ Status Database::Join(Disk& disk, const std::string& path, OpenMode mode) {
     path_ = path;
     mode_ = mode;
     JET_ASSIGN(locks_, disk.OpenLocks(path, mode));
+    // From now on it is the same file that is open and locked.
+    JET_TRY(file_->Stamp().GetStatusOrOk());
+    if (std::string notice = locks_->Notice(); !notice.empty()) Notify(std::move(notice));
     cache_.SetLocks(locks_.get(), [this] { return Recover(); });
     return Recover().GetStatusOrOk();
 }
@@ -102,6 +113,13 @@ Status Database::WhileQuiet(const std::function<Status(File&)>& action) {
     const ReadScope scope(cache_);
     JET_TRY(scope.GetStatus());
     return action(*file_);
+}
+
+void Database::Notify(std::string notice) {
+    // What is seen again at every look is told once.
+    if (std::find(told_.begin(), told_.end(), notice) != told_.end()) return;
+    told_.push_back(notice);
+    notices_.push_back(std::move(notice));
 }
 
 std::vector<std::string> Database::OtherUsers() const {

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "jet/Disk.h"
@@ -60,6 +61,9 @@ public:
     /// Computer names of the other programs that have the file open.
     [[nodiscard]] std::vector<std::string> OtherUsers() const;
     [[nodiscard]] bool IsWritable() const { return mode_ == OpenMode::ReadWrite; }
+    /// What the user should know about the file since the last call, a sentence each: left-over
+    /// journals, things of other people where files of the engine belong. No failures.
+    [[nodiscard]] std::vector<std::string> TakeNotices() { return std::exchange(notices_, {}); }
     /// True when the file asks its users for a password. Its content is readable all the same.
     [[nodiscard]] bool HasPassword() const { return hasPassword_; }
 
@@ -77,6 +81,7 @@ private:
     Database(std::unique_ptr<File> file, std::size_t cacheBytes);
     Status ReadHeader();
     Status Join(Disk& disk, const std::string& path, OpenMode mode);
+    void Notify(std::string notice);
     [[nodiscard]] Result<bool> Recover();
     [[nodiscard]] Result<bool> RollBackJournal();
     Status WriteTransaction();
@@ -93,10 +98,12 @@ private:
     std::string path_;
     OpenMode mode_ = OpenMode::Read;
     std::unique_ptr<Locks> locks_;
-    int depth_ = 0;               // of joined transactions
-    bool isRolledBack_ = false;   // inside an outer transaction that is still to end
-    bool pagesAreSound_ = false;  // has been checked, before the first transaction
-    Status broken_;               // why nothing more can be written until the file is opened again
+    std::vector<std::string> notices_;  // not taken yet
+    std::vector<std::string> told_;     // all so far
+    int depth_ = 0;                     // of joined transactions
+    bool isRolledBack_ = false;         // inside an outer transaction that is still to end
+    bool pagesAreSound_ = false;        // has been checked, before the first transaction
+    Status broken_;  // why nothing more can be written until the file is opened again
 };
 
 }  // namespace jet

@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <tuple>
 #include <utility>
@@ -143,6 +144,13 @@ Status CopyAttributes(const std::string& from, const struct stat& info, int to) 
 
 class PosixDisk final : public Disk {
 public:
+    Result<std::string> Resolve(const std::string& path) override {
+        const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr),
+                                                               &std::free);
+        if (real == nullptr) return Status::FromErrno(errno, "it cannot be opened");
+        return std::string(real.get());
+    }
+
     Result<std::unique_ptr<File>> Open(const std::string& path, OpenMode mode) override {
         // Without O_NONBLOCK opening a pipe would wait for its other end.
         const int access = mode == OpenMode::Read ? O_RDONLY : O_RDWR;
@@ -198,7 +206,7 @@ public:
     }
 
     Result<std::unique_ptr<Locks>> OpenLocks(const std::string& database, OpenMode mode) override {
-        return OpenLockFile(database, mode == OpenMode::ReadWrite);
+        return OpenFileLocks(database, mode == OpenMode::ReadWrite);
     }
 
     Status GiveName(const std::string& from, const std::string& to) override {

@@ -16,6 +16,9 @@ class Disk {
 public:
     virtual ~Disk() = default;
 
+    /// The path of a file without links in it. Everything that lies beside a file is named after
+    /// this one, so that programs that reach it through different links find the same.
+    [[nodiscard]] virtual Result<std::string> Resolve(const std::string& path) = 0;
     /// Opens an existing regular file. Refuses a folder, a device and a file that is not there or
     /// not accessible, and changes nothing in any case.
     [[nodiscard]] virtual Result<std::unique_ptr<File>> Open(const std::string& path,

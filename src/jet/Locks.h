@@ -14,12 +14,13 @@ namespace jet {
 /// What keeps the programs on one database apart: one of these a program and database. All waits
 /// are bounded; Busy tells that one was not enough.
 ///
-/// Three locks for this engine's own programs:
-///   user    held while the database is open: the slot shows the others who is there
+/// Two locks for this engine's own programs:
 ///   writer  one program at a time changes the file; held from the beginning of a transaction to
 ///           its end
 ///   pages   shared while something is read, exclusive while a transaction's pages are written, so
 ///           that nobody ever reads a mixture of old and new
+/// and what other programs look at: a user's slot, held while the database is open, and a lock for
+/// each page while it is written.
 class Locks {
 public:
     virtual ~Locks() = default;
@@ -42,15 +43,19 @@ public:
     /// Makes sure that nobody else has the database open, and that nobody can open it before the
     /// locks are given up. Busy, naming them, when others are there.
     virtual Status LockAlone() = 0;
+
+    /// What the user should know about the place where the database lies; empty for nothing.
+    [[nodiscard]] virtual std::string Notice() const { return {}; }
 };
 
 /// Busy, naming the computers.
 [[nodiscard]] Status OthersAreThere(const std::vector<std::string>& computers);
 
-/// Locks in the lock file beside the database, as other programs on it use them. The file is made
-/// by the first and removed by the last. Where it cannot be made, as on read-only media, and only
-/// reading is wanted, there is nobody to be kept apart from, and the locks do nothing.
-[[nodiscard]] Result<std::unique_ptr<Locks>> OpenLockFile(const std::string& database,
-                                                          bool forWriting);
+/// The engine's own locks lie on the file at `database` itself, behind every byte that it can have,
+/// so that they are the same through each of its names, and who may only read it has them too. What
+/// other programs look at is the lock file beside it. Where that one cannot be made, as on
+/// read-only media, reading goes on without it.
+[[nodiscard]] Result<std::unique_ptr<Locks>> OpenFileLocks(const std::string& database,
+                                                           bool forWriting);
 
 }  // namespace jet

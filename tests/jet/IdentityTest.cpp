@@ -1,10 +1,15 @@
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <filesystem>
 #include <fstream>
 
+#include "jet/Check.h"
 #include "jet/Database.h"
+#include "jet/detail/GlobalMap.h"
+#include "jet/TableWriter.h"
 #include "JetTesting.h"
 
 namespace jet {
@@ -26,6 +31,54 @@ protected:
     static std::size_t Archives(const std::string& path) {
         auto database = Must(Database::Open(SystemDisk(), path, OpenMode::Read));
         return AllRows(*Must(database->OpenTable("TchrArchives"))).size();
+    }
+
+    static std::unique_ptr<Database> Open(const std::string& path,
+                                          OpenMode mode = OpenMode::ReadWrite) {
+        return Must(Database::Open(SystemDisk(), path, mode));
+    }
+
+    static void Write(const std::string& path, const std::string& content) {
+        std::ofstream(path, std::ios::binary) << content;
+    }
+    static std::string Content(const std::string& path) {
+        if (fs::is_directory(path)) return "folder";
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    /// Adds an archive in a transaction of its own.
+    static Status AddArchive(Database& database) {
+        auto table = Must(database.OpenTable("TchrArchives"));
+        TableWriter writer(*table);
+        JET_TRY(database.Begin());
+        const std::array<Assignment, 1> name = {Assignment{1, Value(std::u16string(u"Neu"))}};
+        JET_TRY(writer.Insert(name).GetStatusOrOk());
+        return database.Commit();
+    }
+
+    /// Runs `action` as somebody who may read everything here and write nothing; true when it has
+    /// returned true.
+    bool AsReader(const std::function<bool()>& action) {
+        fs::permissions(path_, fs::perms(0444));
+        fs::permissions(folder_, fs::perms(0555));
+        const pid_t child = ::fork();
+        if (child == 0) {
+            constexpr uid_t kNobody = 65534;
+            const bool isRoot = ::geteuid() == 0;
+            if (isRoot && (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0)) ::_exit(2);
+            try {
+                ::_exit(action() ? 0 : 1);
+            } catch (const std::exception& error) {
+                std::fprintf(stderr, "reader: %s\n", error.what());
+                ::_exit(3);
+            }
+        }
+        int status = -1;
+        ::waitpid(child, &status, 0);
+        fs::permissions(folder_, fs::perms(0755));
+        fs::permissions(path_, fs::perms(0644));
+        return status == 0;
     }
 
     fs::path folder_;
@@ -51,6 +104,115 @@ TEST_F(IdentityTest, AFileIsReadableWhateverHasTheNameOfItsJournal) {
         EXPECT_EQ(Archives(path_), count);
         EXPECT_EQ(fs::remove_all(journal), 1U) << "it is not the engine's to remove";
     }
+}
+
+TEST_F(IdentityTest, OneWriterAndOneReadersLockThroughEveryName) {
+    const std::string link = (folder_ / "link.kvs").string();
+    const fs::path elsewhere = folder_ / "elsewhere";
+    fs::create_directory(elsewhere);
+    const std::string hard = (elsewhere / "other.mdb").string();
+    fs::create_symlink("project.kvs", link);
+    fs::create_hard_link(path_, hard);
+    auto first = Open(path_);
+    for (const std::string& name : {link, hard}) {
+        SCOPED_TRACE(name);
+        auto second = Open(name);
+        auto locks = Must(SystemDisk().OpenLocks(fs::canonical(name), OpenMode::ReadWrite));
+        ASSERT_OK(first->Begin());
+        EXPECT_EQ(locks->LockWriter(std::chrono::milliseconds(0)).Code(), StatusCode::Busy);
+        ASSERT_OK(first->Rollback());
+        const std::size_t count = Archives(name);
+        ASSERT_OK(AddArchive(*second));
+        EXPECT_EQ(AllRows(*Must(first->OpenTable("TchrArchives"))).size(), count + 1);
+        ASSERT_OK(AddArchive(*first));
+    }
+    first.reset();
+    EXPECT_FALSE(fs::exists(folder_ / "link.ldb")) << "a link has no lock file of its own";
+}
+
+TEST_F(IdentityTest, WhatIsNoLockFileIsLeftAlone) {
+    const std::string lockFile = (folder_ / "project.ldb").string();
+    const std::pair<const char*, std::function<void()>> things[] = {
+        {"notes", [&] { Write(lockFile, "Meine Notizen"); }},
+        {"notes of 64 bytes", [&] { Write(lockFile, std::string(64, 'x')); }},
+        {"binary",
+         [&] { Write(lockFile, std::string("\x01\0\x02\0", 4) + std::string(60, '\0')); }},
+        {"link", [&] { fs::create_symlink(folder_ / "notes", lockFile); }},
+        {"folder", [&] { fs::create_directory(lockFile); }},
+    };
+    Write((folder_ / "notes").string(), "");
+    for (const auto& [name, make] : things) {
+        SCOPED_TRACE(name);
+        make();
+        const std::string before = Content(lockFile);
+        {
+            auto database = Open(path_);
+            ASSERT_OK(AddArchive(*database));
+            EXPECT_EQ(Open(path_)->Begin().Code(), StatusCode::Ok);
+            const std::vector<std::string> notices = database->TakeNotices();
+            ASSERT_EQ(notices.size(), 1U);
+            EXPECT_THAT(notices[0], testing::HasSubstr("project.ldb"));
+        }
+        EXPECT_TRUE(fs::exists(fs::symlink_status(lockFile)));
+        EXPECT_EQ(Content(lockFile), before);
+        fs::remove(lockFile);
+    }
+    EXPECT_EQ(Content((folder_ / "notes").string()), "");
+
+    // One that a crashed program of any kind has left is used and removed.
+    Write(lockFile, std::string("HMI1\0rub\x02ish", 12) + std::string(20, 'x') +
+                        std::string("Admin\0\xff", 7) + std::string(25, ' '));
+    { ASSERT_OK(AddArchive(*Open(path_))); }
+    EXPECT_FALSE(fs::exists(lockFile));
+}
+
+TEST_F(IdentityTest, ADatabaseMayBeCalledLikeALockFile) {
+    const std::string path = (folder_ / "archive.ldb").string();
+    fs::rename(path_, path);
+    const std::size_t count = Archives(path);
+    { ASSERT_OK(AddArchive(*Open(path))); }
+    EXPECT_EQ(Archives(path), count + 1);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()), 1);
+}
+
+TEST_F(IdentityTest, TheLockFileHasTheRightsOfTheDatabase) {
+    fs::permissions(path_, fs::perms(0660));
+    auto database = Open(path_);
+    EXPECT_EQ(fs::status(folder_ / "project.ldb").permissions(), fs::perms(0660));
+}
+
+// Without a lock of his own he would read while another program writes its pages.
+TEST_F(IdentityTest, WhoMayOnlyReadTakesPartInTheLocks) {
+    auto writer = Open(path_);
+    auto locks = Must(SystemDisk().OpenLocks(path_, OpenMode::ReadWrite));
+    EXPECT_TRUE(AsReader([&] {
+        auto reader = Must(SystemDisk().OpenLocks(path_, OpenMode::Read));
+        return reader->OtherUsers().size() == 2 &&
+               reader->LockPagesShared(std::chrono::milliseconds(0)).IsOk() &&
+               reader->LockWriter(std::chrono::milliseconds(0)).Code() == StatusCode::Permission &&
+               Archives(path_) > 0;
+    }));
+    ASSERT_OK(locks->LockPages({}, std::chrono::milliseconds(0)));
+    EXPECT_TRUE(AsReader([&] {
+        auto reader = Must(SystemDisk().OpenLocks(path_, OpenMode::Read));
+        return reader->LockPagesShared(std::chrono::milliseconds(0)).Code() == StatusCode::Busy;
+    }));
+}
+
+TEST_F(IdentityTest, ManyPagesAreLockedInFewRuns) {
+    auto writer = Must(SystemDisk().OpenLocks(path_, OpenMode::ReadWrite));
+    auto other = Must(SystemDisk().OpenLocks(path_, OpenMode::ReadWrite));
+    constexpr std::chrono::milliseconds kNoWait{0};
+    std::vector<PageNo> pages;
+    for (std::uint32_t page = 0; page < kMostPages; page += 3) pages.push_back(PageNo{page});
+    ASSERT_OK(writer->LockPages(pages, kNoWait));
+    for (const std::uint32_t page :
+         {0U, 3U, 300'000U, static_cast<std::uint32_t>(3 * pages.size() - 3)}) {
+        const std::array<PageNo, 1> one = {PageNo{page}};
+        EXPECT_EQ(other->LockPages(one, kNoWait).Code(), StatusCode::Busy) << page;
+    }
+    writer->UnlockPages();
+    ASSERT_OK(other->LockPages(pages, kNoWait));
 }
 
 }  // namespace

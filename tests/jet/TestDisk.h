@@ -16,6 +16,7 @@ namespace jet {
 /// operation, and from a chosen one on all of them fail.
 class TestDisk final : public Disk {
 public:
+    Result<std::string> Resolve(const std::string& path) override { return path; }
     Result<std::unique_ptr<File>> Open(const std::string& path, OpenMode mode) override;
     Result<std::unique_ptr<File>> Create(const std::string& path) override;
     Status GiveName(const std::string& from, const std::string& to) override;
