@@ -76,7 +76,7 @@ void CheckContent(PageCache& cache, Reporter& report, check::PageLedger& pages,
 
 }  // namespace
 
-Status CheckPages(PageCache& cache) {
+Result<std::vector<std::uint32_t>> CheckPages(PageCache& cache) {
     const FindingSink sink = [](const Finding&) { return true; };
     Reporter report(sink, 0);
     check::PageLedger pages(report, cache.PageCount());
@@ -90,7 +90,7 @@ Status CheckPages(PageCache& cache) {
     for (const Subject subject : {Subject::Maps, Subject::Pages}) {
         if (!report.FirstError(subject).empty()) return Status::Corrupt(report.FirstError(subject));
     }
-    return {};
+    return maps.WithLeftOvers();
 }
 
 Status Check(File& file, const FindingSink& sink, const CheckOptions& options) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "jet/File.h"
 #include "jet/Status.h"
@@ -42,7 +43,9 @@ Status Check(File& file, const FindingSink& sink, const CheckOptions& options = 
 class PageCache;
 
 /// The part of it that must hold before anything is written (Jet 4): every page belongs to one
-/// thing, or is free. Reads definitions and usage maps only. Corrupt with the first fault.
-Status CheckPages(PageCache& cache);
+/// thing, or is free. Reads definitions and usage maps only. Corrupt with the first fault. Returns
+/// the row pointers of maps with bits that are left over behind the end of the file: they are to be
+/// removed before the file grows.
+[[nodiscard]] Result<std::vector<std::uint32_t>> CheckPages(PageCache& cache);
 
 }  // namespace jet

@@ -8,6 +8,7 @@
 #include "jet/Check.h"
 #include "jet/detail/FileHeader.h"
 #include "jet/detail/Journal.h"
+#include "jet/detail/UsageMapEditor.h"
 #include "jet/Unicode.h"
 
 namespace jet {
@@ -171,9 +172,13 @@ Status Database::Begin() {
     JET_TRY(locks_->LockWriter(kWriterWait));
     Status status = RollBackJournal().GetStatusOrOk();
     if (status.IsOk()) status = cache_.Revalidate();
+    std::vector<std::uint32_t> leftOvers;
     if (status.IsOk() && !pagesAreSound_) {
-        status = CheckPages(cache_).In("it is damaged and cannot be written");
-        pagesAreSound_ = status.IsOk();
+        Result<std::vector<std::uint32_t>> checked = CheckPages(cache_);
+        status = checked.GetStatusOrOk().In("it is damaged and cannot be written");
+        if (checked.IsOk()) leftOvers = std::move(*checked);
+        // Until a transaction that removes them has been committed, the next one has to.
+        pagesAreSound_ = status.IsOk() && leftOvers.empty();
     }
     if (!status.IsOk()) {
         locks_->UnlockWriter();
@@ -182,6 +187,18 @@ Status Database::Begin() {
     cache_.Begin();
     isRolledBack_ = false;
     depth_ = 1;
+    return RemoveLeftOvers(leftOvers);
+}
+
+Status Database::RemoveLeftOvers(const std::vector<std::uint32_t>& maps) {
+    cache_.BeginStep();
+    for (const std::uint32_t map : maps) {
+        const Status status = UsageMapEditor(cache_, map).RemoveBehindEnd();
+        if (status.IsOk()) continue;
+        depth_ = 0;
+        std::ignore = EndTransaction(false);  // the failure to be told is the first one
+        return status;
+    }
     return {};
 }
 

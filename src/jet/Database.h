@@ -84,6 +84,7 @@ private:
     void Notify(std::string notice);
     [[nodiscard]] Result<bool> Recover();
     [[nodiscard]] Result<bool> RollBackJournal();
+    Status RemoveLeftOvers(const std::vector<std::uint32_t>& maps);
     Status WriteTransaction();
     Status EndTransaction(bool committed);
 

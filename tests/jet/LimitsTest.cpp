@@ -6,6 +6,7 @@
 #include "jet/CreateDatabase.h"
 #include "jet/CreateTable.h"
 #include "jet/detail/compact/Draft.h"
+#include "jet/detail/DataPageEditor.h"
 #include "jet/detail/GlobalMap.h"
 #include "WriterTesting.h"
 
@@ -133,6 +134,39 @@ TEST_F(LargeFileTest, TheMapOfFreePagesBecomesAListOfPages) {
     ASSERT_OK(Compact(SystemDisk(), path_));
     EXPECT_LT(fs::file_size(path_), largest / 20);
     EXPECT_EQ(RowCount(), 4U);
+}
+
+// As other libraries leave large files: the map speaks only of the pages at the end, and of those
+// in front as the file's pages are given back.
+TEST_F(LargeFileTest, AWindowAtTheEndOfALargeFileBecomesAListOfPages) {
+    GrowTo(2 * GlobalMap::kPagesPerBitmap - 50);
+    ASSERT_OK(InsertPages(20));
+    {
+        const auto count = static_cast<std::uint32_t>(fs::file_size(path_) / kPageSizeJet4);
+        std::array<std::byte, kPageSizeJet4> page{};
+        DataPageEditor::Format(page, Raw(GlobalMap::kPage));
+        DataPageEditor editor = Must(DataPageEditor::Open(page, GlobalMap::kPage));
+        std::array<std::byte, 69> row{};
+        row.fill(std::byte{0xFF});
+        row[0] = std::byte{0};
+        StoreU32(row, 1, count / 8 * 8 + 8);
+        editor.Append(row, 0);
+        editor.Append(std::array<std::byte, 69>{}, 0);
+        auto file = Must(SystemDisk().Open(path_, OpenMode::ReadWrite));
+        ASSERT_OK(file->Write(kPageSizeJet4, page));
+    }
+    ASSERT_OK(InsertPages(600));
+    ExpectSound();
+    auto database = Must(Database::Open(SystemDisk(), path_, OpenMode::ReadWrite));
+    auto table = Must(database->OpenTable("T"));
+    ASSERT_OK(database->Begin());
+    for (const Row& row : AllRows(*table)) ASSERT_OK(TableWriter(*table).Delete(row.Id()));
+    ASSERT_OK(database->Commit());
+    ExpectSound();
+    const std::uintmax_t largest = fs::file_size(path_);
+    ASSERT_OK(InsertPages(610));
+    EXPECT_EQ(fs::file_size(path_), largest) << "the pages given back are taken again";
+    ExpectSound();
 }
 
 TEST_F(LargeFileTest, AFileHasTwoGigabytesAndNoMore) {

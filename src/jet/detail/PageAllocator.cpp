@@ -11,7 +11,6 @@ namespace jet {
 namespace {
 
 constexpr std::uint32_t kFirstUsable = 6;  // header, map and the four definitions of the system
-constexpr std::size_t kStep = 4;           // bytes by which an inline row grows
 constexpr std::uint8_t kBitmapType = 5;
 
 bool IsInline(Bytes row) {
@@ -23,25 +22,54 @@ std::size_t FieldOf(PageNo page) {
     return 1 + 4 * std::size_t{Raw(page) / GlobalMap::kPagesPerBitmap};
 }
 
-/// The lowest set bit of a page inside the file; `bits` begin with the page `first`.
-std::optional<PageNo> LowestIn(Bytes bits, std::uint32_t first, std::uint32_t pageCount) {
-    for (std::size_t i = 0; i < bits.size() && first + 8 * i < pageCount; ++i) {
-        for (unsigned rest = LoadU8(bits, i); rest != 0; rest &= rest - 1) {
-            const auto page = first + static_cast<std::uint32_t>(8 * i) +
-                              static_cast<std::uint32_t>(std::countr_zero(rest));
-            if (page >= pageCount) return std::nullopt;
-            // A map that offers the file's own head is damaged; its bits there are passed over.
-            if (page >= kFirstUsable) return PageNo{page};
-        }
-    }
-    return std::nullopt;
+/// The place of a page among the bits of an inline map; none when they do not reach it.
+std::optional<std::size_t> BitOf(Bytes row, PageNo page) {
+    const std::uint64_t first = LoadU32(row, 1);
+    const std::uint64_t end = first + 8 * std::uint64_t{row.size() - GlobalMap::kHead};
+    if (Raw(page) < first || Raw(page) >= end) return std::nullopt;
+    return static_cast<std::size_t>(Raw(page) - first);
 }
 
-/// Clears bits: pages inside the file of which the map has said nothing are better not given away.
-void ClearBits(MutableBytes bits, std::size_t begin, std::size_t end) {
-    for (std::size_t bit = begin; bit < end && bit / 8 < bits.size(); ++bit) {
-        bits[bit / 8] &= ~static_cast<std::byte>(1U << bit % 8);
+/// Calls `each` for the set bits of pages inside the file, in ascending order, until it returns
+/// false; `bits` begin with the page `first`. The file's own head is passed over: a map that offers
+/// it is damaged there.
+template <typename Each>
+void ForEachFree(Bytes bits, std::uint64_t first, std::uint32_t pageCount, const Each& each) {
+    constexpr std::size_t kStride = 4;
+    for (std::size_t i = 0; i < bits.size() && first + 8 * i < pageCount; ++i) {
+        if (i + kStride <= bits.size() && LoadU32(bits, i) == 0) {
+            i += kStride - 1;
+            continue;
+        }
+        for (unsigned rest = LoadU8(bits, i); rest != 0; rest &= rest - 1) {
+            const std::uint64_t page =
+                first + 8 * i + static_cast<std::uint64_t>(std::countr_zero(rest));
+            if (page >= pageCount) return;
+            if (page >= kFirstUsable && !each(PageNo{static_cast<std::uint32_t>(page)})) return;
+        }
     }
+}
+
+std::optional<PageNo> LowestIn(Bytes bits, std::uint64_t first, std::uint32_t pageCount) {
+    std::optional<PageNo> lowest;
+    ForEachFree(bits, first, pageCount, [&](PageNo page) {
+        lowest = page;
+        return false;
+    });
+    return lowest;
+}
+
+void StoreBit(MutableBytes bits, std::size_t bit, bool isSet) {
+    const auto mask = static_cast<std::byte>(1U << bit % 8);
+    std::byte& byte = bits[bit / 8];
+    byte = isSet ? byte | mask : byte & ~mask;
+}
+
+/// Sets the bits of pages behind the end of the file, as every program leaves them; `bits` begin
+/// with the page `first` and are clear.
+void SetBehind(MutableBytes bits, std::uint32_t first, std::uint32_t pageCount) {
+    const std::size_t begin = pageCount > first ? pageCount - first : 0;
+    for (std::size_t bit = begin; bit < 8 * bits.size(); ++bit) StoreBit(bits, bit, true);
 }
 
 Status BadBitmap(PageNo page) {
@@ -59,9 +87,7 @@ Result<MutableBytes> PageAllocator::Row() {
         return Status::Corrupt("the map of free pages is missing");
     }
     const MutableBytes row = editor->Row(GlobalMap::kRow);
-    if (LoadU8(row, 0) > 1 || (IsInline(row) && LoadU32(row, 1) != 0)) {
-        return Status::Unsupported("the map of free pages has a form that cannot be written");
-    }
+    if (LoadU8(row, 0) > 1) return Status::Corrupt("the map of free pages is of an unknown form");
     return row;
 }
 
@@ -69,7 +95,9 @@ Result<std::optional<PageNo>> PageAllocator::LowestFree() {
     MutableBytes row;
     JET_ASSIGN(row, Row());
     const std::uint32_t pageCount = cache_.PageCount();
-    if (IsInline(row)) return LowestIn(row.subspan(GlobalMap::kHead), 0, pageCount);
+    if (IsInline(row)) {
+        return LowestIn(row.subspan(GlobalMap::kHead), LoadU32(row, 1), pageCount);
+    }
     for (std::uint32_t first = 0; first < pageCount; first += GlobalMap::kPagesPerBitmap) {
         const std::size_t field = FieldOf(PageNo{first});
         const PageNo bitmap{field + 4 <= row.size() ? LoadU32(row, field) : 0};
@@ -86,79 +114,121 @@ Result<std::optional<PageNo>> PageAllocator::LowestFree() {
 Result<PageNo> PageAllocator::Allocate() {
     std::optional<PageNo> found;
     JET_ASSIGN(found, LowestFree());
-    PageNo page = found.value_or(PageNo{});
     if (found) {
         MutableBytes bytes;
-        JET_ASSIGN(bytes, cache_.Edit(page));
+        JET_ASSIGN(bytes, cache_.Edit(*found));
         std::fill(bytes.begin(), bytes.end(), std::byte{0});
-    } else {
-        JET_ASSIGN(page, AddPage());
+        JET_TRY(SetBit(*found, false));
+        return *found;
     }
-    JET_TRY(SetBit(page, false));
-    return page;
-}
-
-Result<PageNo> PageAllocator::AddPage() {
     for (;;) {
         PageNo page{};
         JET_ASSIGN(page, cache_.AddPage());
         bool reaches = false;
         JET_ASSIGN(reaches, Reaches(page));
-        if (reaches) return page;
-        // The map takes this page for itself.
-        JET_TRY(AddBitmap(page));
+        if (reaches) {
+            JET_TRY(SetBit(page, false));
+            return page;
+        }
+        JET_TRY(GiveToMap(page));
     }
 }
 
-/// Lengthens an inline map where there is room.
 Result<bool> PageAllocator::Reaches(PageNo page) {
     MutableBytes row;
     JET_ASSIGN(row, Row());
-    if (!IsInline(row)) {
-        const std::size_t field = FieldOf(page);
-        return field + 4 <= row.size() && LoadU32(row, field) != 0;
-    }
-    if (Raw(page) / 8 < row.size() - GlobalMap::kHead) return true;
+    if (IsInline(row)) return BitOf(row, page) ? Result<bool>(true) : Lengthen(page);
+    const std::size_t field = FieldOf(page);
+    return field + 4 <= row.size() && LoadU32(row, field) != 0;
+}
+
+/// Writes an inline map anew, from page 0 to `page` or to where it ended. False when it does not
+/// fit on its page.
+Result<bool> PageAllocator::Lengthen(PageNo page) {
+    MutableBytes row;
+    JET_ASSIGN(row, Row());
+    const Bytes bits = Bytes(row).subspan(GlobalMap::kHead);
+    const std::uint64_t first = LoadU32(row, 1);
+    // Bits behind the end of the file say nothing; a window may lie far behind it.
+    const std::uint64_t last = std::max<std::uint64_t>(
+        Raw(page) + std::uint64_t{1},
+        std::min<std::uint64_t>(first + 8 * bits.size(), cache_.PageCount()));
+    if (last > GlobalMap::kMostInline) return false;
+    std::vector<std::byte> longer(
+        std::max(row.size(), GlobalMap::RowSize(static_cast<std::uint32_t>(last))));
+    const MutableBytes newBits = MutableBytes(longer).subspan(GlobalMap::kHead);
+    SetBehind(newBits, 0, cache_.PageCount());
+    ForEachFree(bits, first, cache_.PageCount(), [&](PageNo free) {
+        StoreBit(newBits, Raw(free), true);
+        return true;
+    });
     MutableBytes bytes;
     JET_ASSIGN(bytes, cache_.Edit(GlobalMap::kPage));
     Result<DataPageEditor> editor = DataPageEditor::Open(bytes, GlobalMap::kPage);
     if (!editor.IsOk()) return editor.GetStatus();
-    std::vector<std::byte> longer(row.begin(), row.end());
-    while (Raw(page) / 8 >= longer.size() - GlobalMap::kHead) {
-        longer.insert(longer.end(), kStep, std::byte{0xFF});
-    }
-    if (longer.size() - row.size() > editor->Free()) return false;
-    ClearBits(MutableBytes(longer).subspan(GlobalMap::kHead), 8 * (row.size() - GlobalMap::kHead),
-              Raw(page));
+    if (longer.size() > row.size() + editor->Free()) return false;
     editor->Replace(GlobalMap::kRow, longer, editor->Flags(GlobalMap::kRow));
     return true;
 }
 
-/// Makes `bitmap` the page of the map that speaks of it. An inline map becomes a list first: its
-/// row keeps its length, and all its bits fit one bitmap page.
-Status PageAllocator::AddBitmap(PageNo bitmap) {
+/// Makes `bitmap` the page of the map that speaks of it and its neighbours, unless there is one: it
+/// may have come when the map was turned into a list.
+Status PageAllocator::GiveToMap(PageNo bitmap) {
     MutableBytes row;
     JET_ASSIGN(row, Row());
+    if (IsInline(row)) JET_TRY(TurnIntoList());
+    bool reaches = false;
+    JET_ASSIGN(reaches, Reaches(bitmap));
+    if (reaches) return SetBit(bitmap, true);
     MutableBytes bytes;
     JET_ASSIGN(bytes, cache_.Edit(bitmap));
-    std::fill(bytes.begin(), bytes.end(), std::byte{0xFF});
+    std::fill(bytes.begin(), bytes.end(), std::byte{0});
     GlobalMap::FormatBitmap(bytes);
-    const std::size_t field = FieldOf(bitmap);
+    SetBehind(bytes.subspan(GlobalMap::kBitmapHead),
+              Raw(bitmap) / GlobalMap::kPagesPerBitmap * GlobalMap::kPagesPerBitmap,
+              cache_.PageCount());
+    return SetField(bitmap, bitmap);
+}
+
+/// The lowest free page of each share becomes the bitmap page of that share, so that no page has to
+/// be found for it.
+Status PageAllocator::TurnIntoList() {
+    MutableBytes row;
+    JET_ASSIGN(row, Row());
+    std::vector<PageNo> pages;
+    ForEachFree(Bytes(row).subspan(GlobalMap::kHead), LoadU32(row, 1), cache_.PageCount(),
+                [&](PageNo page) {
+                    pages.push_back(page);
+                    return true;
+                });
+    std::fill(row.begin(), row.end(), std::byte{0});
+    row[0] = std::byte{1};
+    for (const PageNo page : pages) JET_TRY(GiveToMap(page));
+    return {};
+}
+
+/// Enters the bitmap page of the share that `of` belongs to; lengthens a row that has no field for
+/// it.
+Status PageAllocator::SetField(PageNo of, PageNo bitmap) {
+    MutableBytes row;
+    JET_ASSIGN(row, Row());
+    const std::size_t field = FieldOf(of);
     if (field + 4 > row.size()) {
-        return Status::Corrupt("the map of free pages is too short for " + PageText(bitmap));
-    }
-    ClearBits(bytes.subspan(GlobalMap::kBitmapHead), 0, Raw(bitmap) % GlobalMap::kPagesPerBitmap);
-    if (IsInline(row)) {
-        if (Raw(bitmap) >= GlobalMap::kPagesPerBitmap) {
-            return Status::Corrupt("the map of free pages has an impossible size");
+        std::vector<std::byte> longer(row.begin(), row.end());
+        longer.resize(GlobalMap::kListSize);
+        MutableBytes bytes;
+        JET_ASSIGN(bytes, cache_.Edit(GlobalMap::kPage));
+        Result<DataPageEditor> editor = DataPageEditor::Open(bytes, GlobalMap::kPage);
+        if (!editor.IsOk()) return editor.GetStatus();
+        if (field + 4 > longer.size() || longer.size() > row.size() + editor->Free()) {
+            return Status::Unsupported("the map of free pages cannot be lengthened for " +
+                                       PageText(of));
         }
-        const MutableBytes bits = row.subspan(GlobalMap::kHead);
-        std::copy(bits.begin(), bits.end(), bytes.begin() + GlobalMap::kBitmapHead);
-        std::fill(row.begin(), row.end(), std::byte{0});
-        row[0] = std::byte{1};
+        editor->Replace(GlobalMap::kRow, longer, editor->Flags(GlobalMap::kRow));
+        JET_ASSIGN(row, Row());
     }
     StoreU32(row, field, Raw(bitmap));
-    return SetBit(bitmap, false);
+    return {};
 }
 
 Result<MutableBytes> PageAllocator::EditBitmap(PageNo page) {
@@ -175,21 +245,21 @@ Result<MutableBytes> PageAllocator::EditBitmap(PageNo page) {
     return bytes.subspan(GlobalMap::kBitmapHead);
 }
 
+/// REQUIRES: Reaches(page).
 Status PageAllocator::SetBit(PageNo page, bool isFree) {
     MutableBytes row;
     JET_ASSIGN(row, Row());
-    MutableBytes bits = row.subspan(GlobalMap::kHead);
-    std::uint32_t bit = Raw(page);
-    if (!IsInline(row)) {
-        JET_ASSIGN(bits, EditBitmap(page));
-        bit %= GlobalMap::kPagesPerBitmap;
+    if (IsInline(row)) {
+        const auto bit = BitOf(row, page);
+        if (!bit) {
+            return Status::Corrupt("the map of free pages does not reach " + PageText(page));
+        }
+        StoreBit(row.subspan(GlobalMap::kHead), *bit, isFree);
+        return {};
     }
-    if (bit / 8 >= bits.size()) {
-        return Status::Corrupt("the map of free pages does not reach " + PageText(page));
-    }
-    const auto mask = static_cast<std::byte>(1U << bit % 8);
-    std::byte& byte = bits[bit / 8];
-    byte = isFree ? byte | mask : byte & ~mask;
+    MutableBytes bits;
+    JET_ASSIGN(bits, EditBitmap(page));
+    StoreBit(bits, Raw(page) % GlobalMap::kPagesPerBitmap, isFree);
     return {};
 }
 
@@ -202,7 +272,10 @@ Status PageAllocator::Free(PageNo page) {
     // What free pages of other programs look like: former definitions 8, former data pages 9.
     if (LoadU8(bytes, 0) == 1) bytes[0] = std::byte{9};
     if (LoadU8(bytes, 0) == 2) bytes[0] = std::byte{8};
-    return SetBit(page, true);
+    bool reaches = false;
+    JET_ASSIGN(reaches, Reaches(page));
+    // A page that cannot be entered as free is the one that the map lacks.
+    return reaches ? SetBit(page, true) : GiveToMap(page);
 }
 
 }  // namespace jet

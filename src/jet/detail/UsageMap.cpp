@@ -3,6 +3,7 @@
 #include <bit>
 
 #include "jet/detail/Bytes.h"
+#include "jet/detail/GlobalMap.h"
 
 namespace jet {
 namespace {
@@ -10,6 +11,7 @@ namespace {
 constexpr std::uint8_t kInline = 0;
 constexpr std::uint8_t kReference = 1;
 constexpr std::uint8_t kBitmapPageType = 5;
+constexpr std::size_t kHead = 5;          // bytes in front of an inline map's bits
 constexpr std::size_t kBitmapHeader = 4;  // bytes
 
 }  // namespace
@@ -17,6 +19,7 @@ constexpr std::size_t kBitmapHeader = 4;  // bytes
 Result<UsageMap> UsageMap::Open(PageCache& cache, Format format, std::uint32_t pointer) {
     UsageMap map;
     map.cache_ = &cache;
+    map.format_ = format;
     if (pointer == 0) return map;
     const RowId id = RowId::FromPointer(pointer);
     PageRef page;
@@ -29,7 +32,7 @@ Result<UsageMap> UsageMap::Open(PageCache& cache, Format format, std::uint32_t p
     if (id.row >= map.page_.SlotCount()) return Status::Corrupt(name + ": no such row");
     Slot slot;
     JET_ASSIGN(slot, map.page_.At(id.row));
-    if (slot.isDeleted || slot.isMoved || slot.bytes.size() < 5 ||
+    if (slot.isDeleted || slot.isMoved || slot.bytes.size() < kHead ||
         LoadU8(slot.bytes, 0) > kReference) {
         return Status::Corrupt(name + ": not a usage map");
     }
@@ -64,26 +67,58 @@ std::uint64_t UsageMap::Share() const {
     return (cache_->PageSize() - kBitmapHeader) * 8;
 }
 
-Result<std::optional<PageNo>> UsageMap::Next(PageNo from) {
-    if (row_.empty()) return std::optional<PageNo>();
+Result<std::optional<std::uint64_t>> UsageMap::NextStored(std::uint64_t from) {
     std::optional<std::uint64_t> page;
-    if (LoadU8(row_, 0) == kInline) {
-        page = NextBit(row_.subspan(5), LoadU32(row_, 1), Raw(from));
-    } else {
-        const auto shares = static_cast<std::uint32_t>((row_.size() - 1) / 4);
-        for (auto i = static_cast<std::uint32_t>(Raw(from) / Share()); i < shares && !page; ++i) {
-            reading_ = i;
-            Bytes bits;
-            JET_ASSIGN(bits, BitmapPage(i));
-            page = NextBit(bits, i * Share(), Raw(from));
+    if (row_.empty()) return page;
+    if (LoadU8(row_, 0) == kInline) return NextBit(row_.subspan(kHead), LoadU32(row_, 1), from);
+    const auto shares = static_cast<std::uint32_t>((row_.size() - 1) / 4);
+    for (auto i = static_cast<std::uint32_t>(from / Share()); i < shares && !page; ++i) {
+        reading_ = i;
+        Bytes bits;
+        JET_ASSIGN(bits, BitmapPage(i));
+        page = NextBit(bits, i * Share(), from);
+    }
+    return page;
+}
+
+Result<std::optional<PageNo>> UsageMap::Next(PageNo from) {
+    std::optional<std::uint64_t> page;
+    JET_ASSIGN(page, NextStored(Raw(from)));
+    while (page && *page >= cache_->PageCount()) {
+        if (!IsLeftOver(*cache_, format_, *page)) {
+            return Status::Corrupt("the usage map on " + PageText(page_.Number()) + " names page " +
+                                   std::to_string(*page) +
+                                   ", which lies behind the end of the file");
         }
+        JET_ASSIGN(page, NextStored(*page + 1));
     }
     if (!page) return std::optional<PageNo>();
-    if (*page >= cache_->PageCount()) {
-        return Status::Corrupt("the usage map on " + PageText(page_.Number()) + " names page " +
-                               std::to_string(*page) + ", which lies behind the end of the file");
-    }
     return std::optional(PageNo{static_cast<std::uint32_t>(*page)});
+}
+
+Result<bool> UsageMap::HoldsOrEndsBefore(std::uint64_t page) {
+    if (LoadU8(row_, 0) == kInline) {
+        return page >= LoadU32(row_, 1) + 8 * std::uint64_t{row_.size() - kHead} ||
+               NextBit(row_.subspan(kHead), LoadU32(row_, 1), page) == page;
+    }
+    auto last = static_cast<std::uint32_t>((row_.size() - 1) / 4);
+    while (last > 0 && LoadU32(row_, 1 + 4 * (std::size_t{last} - 1)) == 0) --last;
+    const auto share = static_cast<std::uint32_t>(page / Share());
+    if (share >= last) return true;
+    Bytes bits;
+    JET_ASSIGN(bits, BitmapPage(share));
+    return NextBit(bits, share * Share(), page) == page;
+}
+
+bool UsageMap::IsLeftOver(PageCache& cache, Format format, std::uint64_t page) {
+    // The map of free pages grows by as many pages at a time.
+    constexpr std::uint64_t kNear = 32;
+    if (page < cache.PageCount() + kNear) return false;
+    if (page >= kMostPages) return true;
+    Result<UsageMap> free = Open(cache, format, RowId{GlobalMap::kPage, GlobalMap::kRow}.Pointer());
+    if (!free.IsOk()) return false;
+    const Result<bool> isFree = free->HoldsOrEndsBefore(page);
+    return isFree.IsOk() && *isFree;
 }
 
 std::optional<PageNo> UsageMap::BehindDamage() const {

@@ -4,14 +4,15 @@
 #include <vector>
 
 #include "jet/detail/DataPageEditor.h"
+#include "jet/detail/GlobalMap.h"
 #include "jet/detail/UsageMap.h"
 
 namespace jet {
 namespace {
 
-constexpr std::size_t kHead = 5;  // bytes in front of an inline map's bits
-constexpr std::size_t kBitmapHead = 4;
-constexpr std::uint32_t kPagesPerBitmap = (kPageSizeJet4 - kBitmapHead) * 8;
+constexpr std::size_t kHead = GlobalMap::kHead;
+constexpr std::size_t kBitmapHead = GlobalMap::kBitmapHead;
+constexpr std::uint32_t kPagesPerBitmap = GlobalMap::kPagesPerBitmap;
 
 void SetBitIn(MutableBytes bits, std::uint32_t bit, bool isSet) {
     const auto mask = static_cast<std::byte>(1U << (bit % 8));
@@ -78,24 +79,39 @@ Status UsageMapEditor::MoveWindow(PageNo page) {
 }
 
 Status UsageMapEditor::AddToReference(PageNo page) {
-    MutableBytes row;
-    JET_ASSIGN(row, Row());
     const std::size_t field = 1 + 4 * std::size_t{Raw(page) / kPagesPerBitmap};
-    if (field + 4 > row.size()) {
-        return Status::Corrupt("the usage map on " + RowText(RowId::FromPointer(pointer_)) +
-                               " is too short for " + PageText(page));
-    }
+    MutableBytes row;
+    JET_ASSIGN(row, RowOfSize(field + 4));
     if (LoadU32(row, field) == 0) {
         PageNo bitmap{};
         JET_ASSIGN(bitmap, PageAllocator(cache_).Allocate());
         MutableBytes bytes;
         JET_ASSIGN(bytes, cache_.Edit(bitmap));
-        bytes[0] = std::byte{5};
-        bytes[1] = std::byte{1};
+        GlobalMap::FormatBitmap(bytes);
         JET_ASSIGN(row, Row());
         StoreU32(row, field, Raw(bitmap));
     }
     return SetReferenceBit(page, true);
+}
+
+/// The row of a list, which is lengthened when it is shorter than `size`.
+Result<MutableBytes> UsageMapEditor::RowOfSize(std::size_t size) {
+    MutableBytes row;
+    JET_ASSIGN(row, Row());
+    if (row.size() >= size) return row;
+    const RowId id = RowId::FromPointer(pointer_);
+    MutableBytes page;
+    JET_ASSIGN(page, cache_.Edit(id.page));
+    Result<DataPageEditor> editor = DataPageEditor::Open(page, id.page);
+    if (!editor.IsOk()) return editor.GetStatus();
+    std::vector<std::byte> longer(row.begin(), row.end());
+    longer.resize(std::min(GlobalMap::kListSize, row.size() + editor->Free()));
+    if (longer.size() < size) {
+        return Status::Unsupported("the usage map on " + RowText(id) +
+                                   " cannot be lengthened; a repair writes it anew");
+    }
+    editor->Replace(id.row, longer, editor->Flags(id.row));
+    return editor->Row(id.row);
 }
 
 Status UsageMapEditor::SetReferenceBit(PageNo page, bool isSet) {
@@ -120,6 +136,32 @@ Status UsageMapEditor::Remove(PageNo page) {
     const std::uint32_t start = LoadU32(row, 1);
     if (Raw(page) >= start && Raw(page) - start < 8 * (row.size() - kHead)) {
         SetBitIn(row.subspan(kHead), Raw(page) - start, false);
+    }
+    return {};
+}
+
+Status UsageMapEditor::RemoveBehindEnd() {
+    MutableBytes row;
+    JET_ASSIGN(row, Row());
+    const auto clear = [&](MutableBytes bits, std::uint64_t first) {
+        const std::uint64_t count = cache_.PageCount();
+        for (std::size_t bit = count > first ? count - first : 0; bit < 8 * bits.size(); ++bit) {
+            SetBitIn(bits, static_cast<std::uint32_t>(bit), false);
+        }
+    };
+    if (LoadU8(row, 0) == 0) {
+        clear(row.subspan(kHead), LoadU32(row, 1));
+        return {};
+    }
+    for (std::size_t i = 0; 5 + 4 * i <= row.size(); ++i) {
+        const PageNo bitmap{LoadU32(row, 1 + 4 * i)};
+        if (Raw(bitmap) == 0) continue;
+        MutableBytes bytes;
+        JET_ASSIGN(bytes, cache_.Edit(bitmap));
+        if (LoadU8(bytes, 0) != 5) {
+            return Status::Corrupt(PageText(bitmap) + " is not a page of a usage map");
+        }
+        clear(bytes.subspan(kBitmapHead), std::uint64_t{kPagesPerBitmap} * i);
     }
     return {};
 }

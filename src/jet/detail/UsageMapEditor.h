@@ -20,10 +20,13 @@ public:
     Status Add(PageNo page);
     /// Removes a page; no harm when it is not in the map.
     Status Remove(PageNo page);
+    /// Removes what is left over behind the end of the file, before the file may grow over it.
+    Status RemoveBehindEnd();
 
 private:
     [[nodiscard]] Result<MutableBytes> Row();
     [[nodiscard]] Result<std::vector<PageNo>> Pages();
+    [[nodiscard]] Result<MutableBytes> RowOfSize(std::size_t size);
     Status AddToReference(PageNo page);
     Status MoveWindow(PageNo page);
     Status SetReferenceBit(PageNo page, bool isSet);

@@ -146,6 +146,7 @@ void MapCheck::ClaimPages(std::uint32_t pointer, OwnerId owner) {
     if (!map) return;
     // One page behind the end is reported; the bits behind it say the same.
     ForEachPage(*map, pages_.NameOf(owner), [&](PageNo page) {
+        if (IsLeftOver(page, pointer)) return true;
         pages_.Claim(page, owner);
         return Raw(page) < pages_.PageCount();
     });
@@ -156,12 +157,20 @@ void MapCheck::CheckFreeSpace(std::uint32_t pointer, OwnerId owner) {
     const std::optional<UsageMap> map = Open(pointer, name);
     if (!map) return;
     ForEachPage(*map, name, [&](PageNo page) {
+        if (IsLeftOver(page, pointer)) return true;
         if (pages_.OwnerOf(page) != owner) {
             report_.Error(Subject::Maps, name + ": its map of pages with room names " +
                                              PageText(page) + ", which is none of its pages");
         }
         return Raw(page) < pages_.PageCount();
     });
+}
+
+bool MapCheck::IsLeftOver(PageNo page, std::uint32_t pointer) {
+    if (Raw(page) < pages_.PageCount()) return false;
+    if (!UsageMap::IsLeftOver(cache_, Format::Jet4, Raw(page))) return false;
+    if (leftOvers_.empty() || leftOvers_.back() != pointer) leftOvers_.push_back(pointer);
+    return true;
 }
 
 void MapCheck::ReportDoubleUse(PageNo page) {

@@ -28,6 +28,8 @@ public:
     void CheckAccounting();
     /// The same, but only that no page is free and in use at the same time. Reads no page.
     void CheckDoubleUse();
+    /// Row pointers of the maps in which bits are left over behind the end of the file.
+    [[nodiscard]] const std::vector<std::uint32_t>& WithLeftOvers() const { return leftOvers_; }
 
 private:
     [[nodiscard]] std::optional<UsageMap> Open(std::uint32_t pointer, const std::string& name);
@@ -35,6 +37,8 @@ private:
     /// the end of the file come too.
     void ForEachPage(const UsageMap& map, const std::string& name,
                      const std::function<bool(PageNo)>& each);
+    /// True for a page that no map means: see UsageMap. Remembers the map.
+    [[nodiscard]] bool IsLeftOver(PageNo page, std::uint32_t pointer);
     [[nodiscard]] Bytes OpenBitmap(PageNo page, const std::string& name, PageRef& ref);
     void ReportDoubleUse(PageNo page);
     /// kFine, kLost or the type that a free page still has.
@@ -48,7 +52,8 @@ private:
     OwnerId mapRows_;
     OwnerId bitmaps_;
     std::unordered_set<std::uint32_t> seen_;  // row pointers of maps
-    std::vector<bool> isFree_;                // by page; empty when the global map is unreadable
+    std::vector<std::uint32_t> leftOvers_;
+    std::vector<bool> isFree_;  // by page; empty when the global map is unreadable
 };
 
 }  // namespace jet::check

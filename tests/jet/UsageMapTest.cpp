@@ -1,0 +1,266 @@
+#include <functional>
+
+#include "jet/CreateDatabase.h"
+#include "jet/CreateTable.h"
+#include "jet/detail/DataPageEditor.h"
+#include "jet/detail/GlobalMap.h"
+#include "WriterTesting.h"
+
+namespace jet {
+namespace {
+
+using testing::IsEmpty;
+
+constexpr std::size_t kInPage = 4072;  // bytes of a long value that take a page of their own
+
+/// All that a check has to say, warnings too.
+std::vector<std::string> FindingsIn(TestDisk& disk) {
+    std::vector<std::string> findings;
+    auto file = Must(disk.Open(kProject, OpenMode::Read));
+    EXPECT_TRUE(Check(*file, [&](const Finding& finding) {
+                    findings.push_back(finding.text);
+                    return true;
+                }).IsOk());
+    return findings;
+}
+
+std::size_t PageCount(const TestDisk& disk) {
+    return disk.Content(kProject).size() / kPageSizeJet4;
+}
+
+/// A database with one table of long values, in which every page is in use.
+std::unique_ptr<TestDisk> SmallDisk() {
+    auto disk = std::make_unique<TestDisk>();
+    EXPECT_TRUE(CreateDatabase(*disk, kProject, [](Database& database) {
+                    return CreateTable(database, {"T", {{"A"}, {"O", ColumnType::Ole}}, {}});
+                }).IsOk());
+    return disk;
+}
+
+void InsertPages(TestDisk& disk, std::size_t pages) {
+    auto database = Must(Database::Open(disk, kProject, OpenMode::ReadWrite));
+    auto table = Must(database->OpenTable("T"));
+    ASSERT_OK(database->Begin());
+    ASSERT_OK(TableWriter(*table).Insert(
+        std::vector<Assignment>{{1, Binary(pages * kInPage, std::byte{1})}}));
+    ASSERT_OK(database->Commit());
+}
+
+void DeleteAll(TestDisk& disk, const char* name) {
+    auto database = Must(Database::Open(disk, kProject, OpenMode::ReadWrite));
+    auto table = Must(database->OpenTable(name));
+    ASSERT_OK(database->Begin());
+    for (const Row& row : AllRows(*table)) ASSERT_OK(TableWriter(*table).Delete(row.Id()));
+    ASSERT_OK(database->Commit());
+}
+
+/// Gives the row of a map another form. `change` gets the row's bytes; the page is written anew.
+void ChangeRow(TestDisk& disk, RowId id,
+               const std::function<void(std::vector<std::byte>& row)>& change) {
+    std::vector<std::byte> content = disk.Content(kProject);
+    const MutableBytes page =
+        MutableBytes(content).subspan(kPageSizeJet4 * Raw(id.page), kPageSizeJet4);
+    std::vector<std::byte> old(page.begin(), page.end());
+    const DataPageEditor rows = Must(DataPageEditor::Open(old, id.page));
+    DataPageEditor::Format(page, LoadU32(old, 4));
+    DataPageEditor editor = Must(DataPageEditor::Open(page, id.page));
+    for (std::size_t i = 0; i < rows.SlotCount(); ++i) {
+        const MutableBytes bytes = rows.Row(i);
+        std::vector<std::byte> row(bytes.begin(), bytes.end());
+        if (i == id.row) change(row);
+        editor.Append(row, rows.Flags(i));
+    }
+    disk.Put(kProject, content);
+}
+
+/// An inline row of which all bits from `firstFree` on are set.
+std::vector<std::byte> InlineRow(std::uint32_t start, std::size_t bytes, std::uint32_t firstFree) {
+    std::vector<std::byte> row(GlobalMap::kHead + bytes);
+    StoreU32(row, 1, start);
+    for (std::size_t bit = 0; bit < 8 * bytes; ++bit) {
+        if (start + bit >= firstFree) row[GlobalMap::kHead + bit / 8] |= std::byte(1U << bit % 8);
+    }
+    return row;
+}
+
+// A file of another library, whose map of free pages begins at page 512: no page behind could be
+// taken and none in front given back, and a change failed in the middle.
+TEST(UsageMapTest, AFileWhoseMapBeginsBehindItsPagesIsWritten) {
+    TestDisk disk;
+    disk.Put(kProject, ReadWhole(TestData("Stadtwerke.kvs")));
+    const auto aboutPages = [&] {
+        std::vector<std::string> found;
+        for (const std::string& text : FindingsIn(disk)) {
+            if (text.find("neither free") != std::string::npos) found.push_back(text);
+        }
+        return found;
+    };
+    {
+        auto database = Must(Database::Open(disk, kProject, OpenMode::ReadWrite));
+        auto table = Must(database->OpenTable("TchrTrends"));
+        const auto comment = table->Definition().FindColumn("Comment");
+        const std::size_t before = PageCount(disk);
+        ASSERT_OK(database->Begin());
+        for (const Row& row : AllRows(*table)) {
+            ASSERT_OK(TableWriter(*table).Update(
+                row.Id(),
+                std::vector<Assignment>{{comment.value(), Value(std::u16string(200, u'x'))}}));
+        }
+        ASSERT_OK(database->Commit());
+        EXPECT_GT(PageCount(disk), before + 100);
+    }
+    EXPECT_THAT(ErrorsIn(disk), IsEmpty());
+    EXPECT_THAT(aboutPages(), IsEmpty());
+    const std::size_t largest = PageCount(disk);
+    DeleteAll(disk, "TchrTrends");
+    EXPECT_THAT(ErrorsIn(disk), IsEmpty());
+    EXPECT_THAT(aboutPages(), IsEmpty());
+    auto database = Must(Database::Open(disk, kProject, OpenMode::ReadWrite));
+    ASSERT_OK(CreateTable(*database, {"T", {{"A"}, {"O", ColumnType::Ole}}, {}}));
+    InsertPages(disk, 150);
+    EXPECT_EQ(PageCount(disk), largest) << "the pages given back are taken again";
+    EXPECT_THAT(ErrorsIn(disk), IsEmpty());
+}
+
+TEST(UsageMapTest, EveryFormOfTheMapOfFreePagesGrowsAndTakesPagesBack) {
+    const auto count = static_cast<std::uint32_t>(PageCount(*SmallDisk()));
+    struct Form {
+        const char* name;
+        std::vector<std::byte> row;
+        std::size_t secondSize = 69;  // bytes of the other map, which leaves less room
+    };
+    std::vector<std::byte> list(GlobalMap::kListSize);
+    list[0] = std::byte{1};
+    const Form forms[] = {
+        {"as it is made", InlineRow(0, 64, count)},
+        {"a window in the file's middle", InlineRow(16, 64, count)},
+        {"a window that begins at the end", InlineRow(count / 8 * 8 + 8, 64, count)},
+        {"a window far behind the end", InlineRow(4096, 64, count)},
+        {"a window at the end of all pages", InlineRow(0xFFFFFFF8, 64, count)},
+        {"a short row", InlineRow(0, 2, count)},
+        {"a row without bits", InlineRow(0, 0, count)},
+        {"bits behind the end that are clear", InlineRow(0, 64, 10'000)},
+        {"a list without pages", list},
+        {"a short list", {std::byte{1}, {}, {}, {}, {}}},
+        {"no room to grow", InlineRow(0, 4, count), 3900},
+        {"a late window and no room to grow", InlineRow(64, 4, count), 3900},
+    };
+    for (const Form& form : forms) {
+        SCOPED_TRACE(form.name);
+        auto disk = SmallDisk();
+        ChangeRow(*disk, {GlobalMap::kPage, 1}, [](auto& row) { row.resize(5); });
+        ChangeRow(*disk, {GlobalMap::kPage, 0}, [&](auto& row) { row = form.row; });
+        ChangeRow(*disk, {GlobalMap::kPage, 1}, [&](auto& row) { row.resize(form.secondSize); });
+        ASSERT_THAT(FindingsIn(*disk), IsEmpty());
+        InsertPages(*disk, 600);
+        EXPECT_THAT(FindingsIn(*disk), IsEmpty());
+        const std::size_t largest = PageCount(*disk);
+        EXPECT_LE(largest, count + 604U);
+        DeleteAll(*disk, "T");
+        EXPECT_THAT(FindingsIn(*disk), IsEmpty());
+        InsertPages(*disk, 598);
+        EXPECT_EQ(PageCount(*disk), largest) << "the pages given back are taken again";
+        EXPECT_THAT(FindingsIn(*disk), IsEmpty());
+    }
+}
+
+// Pages in use that the map has never spoken of are given back one by one, in every share.
+TEST(UsageMapTest, PagesOfWhichTheMapDoesNotSpeakAreGivenBack) {
+    for (const bool isList : {false, true}) {
+        for (const std::size_t secondSize : {69U, 3900U}) {
+            auto disk = SmallDisk();
+            InsertPages(*disk, 700);
+            const auto count = static_cast<std::uint32_t>(PageCount(*disk));
+            ChangeRow(*disk, {GlobalMap::kPage, 0}, [&](auto& row) {
+                row = InlineRow(count / 8 * 8, isList ? 12 : 8, count);
+                if (isList) std::fill(row.begin(), row.end(), std::byte{0});
+                if (isList) row[0] = std::byte{1};
+            });
+            ChangeRow(*disk, {GlobalMap::kPage, 1}, [&](auto& row) { row.resize(secondSize); });
+            ASSERT_THAT(FindingsIn(*disk), IsEmpty());
+            DeleteAll(*disk, "T");
+            EXPECT_THAT(FindingsIn(*disk), IsEmpty());
+            InsertPages(*disk, 698);
+            EXPECT_EQ(PageCount(*disk), count);
+            EXPECT_THAT(FindingsIn(*disk), IsEmpty());
+        }
+    }
+}
+
+TEST(UsageMapTest, MapsOfTablesReachEveryPageWhateverTheirForm) {
+    const auto maps = [](TestDisk& disk) {
+        auto database = Must(Database::Open(disk, kProject, OpenMode::Read));
+        const TableDef def = Must(database->OpenTable("T"))->Definition();
+        return std::vector<std::uint32_t>{def.columns[1].ownedMap, def.ownedMap};
+    };
+    struct Form {
+        const char* name;
+        std::vector<std::byte> row;
+    };
+    std::vector<std::byte> list(GlobalMap::kListSize);
+    list[0] = std::byte{1};
+    const Form forms[] = {
+        {"a window behind", InlineRow(4096, 64, 100'000)}, {"a row without bits", {5, {}}},
+        {"a short row", InlineRow(8, 2, 100'000)},         {"a list", list},
+        {"a short list", {std::byte{1}, {}, {}, {}, {}}},
+    };
+    for (const Form& form : forms) {
+        SCOPED_TRACE(form.name);
+        auto disk = SmallDisk();
+        for (const std::uint32_t map : maps(*disk)) {
+            ChangeRow(*disk, RowId::FromPointer(map), [&](auto& row) { row = form.row; });
+        }
+        for (int round = 0; round < 2; ++round) {
+            InsertPages(*disk, 600);
+            EXPECT_THAT(FindingsIn(*disk), IsEmpty());
+            DeleteAll(*disk, "T");
+            EXPECT_THAT(FindingsIn(*disk), IsEmpty());
+        }
+    }
+}
+
+// Some programs leave bits in a table's map that lie far behind the end of the file. They mean
+// nothing, and must not come to mean something when the file grows.
+TEST(UsageMapTest, BitsLeftOverFarBehindTheEndAreNoDamage) {
+    auto disk = SmallDisk();
+    InsertPages(*disk, 3);
+    const auto count = static_cast<std::uint32_t>(PageCount(*disk));
+    const TableDef def = [&] {
+        auto database = Must(Database::Open(*disk, kProject, OpenMode::Read));
+        return Must(database->OpenTable("T"))->Definition();
+    }();
+    for (const std::uint32_t map : {def.ownedMap, def.freeMap, def.columns[1].ownedMap}) {
+        ChangeRow(*disk, RowId::FromPointer(map), [&](auto& row) {
+            row.resize(5 + 250);  // 2000 pages
+            row[5 + 20] |= std::byte{0x10};
+            row[5 + 240] |= std::byte{0xFF};
+        });
+    }
+    EXPECT_THAT(FindingsIn(*disk), IsEmpty());
+    ASSERT_LT(count + 32, 8 * 20U);
+    {
+        auto database = Must(Database::Open(*disk, kProject, OpenMode::Read));
+        EXPECT_EQ(RowsOf(*database, "T").size(), 1U);
+    }
+    {
+        // What has been taken back has removed nothing.
+        auto database = Must(Database::Open(*disk, kProject, OpenMode::ReadWrite));
+        ASSERT_OK(database->Begin());
+        ASSERT_OK(database->Rollback());
+        ASSERT_OK(database->Begin());
+        ASSERT_OK(database->Commit());
+    }
+    InsertPages(*disk, 2200);
+    EXPECT_THAT(FindingsIn(*disk), IsEmpty());
+
+    // The same bit in a file that has been cut short is damage: rows are lost.
+    auto cut = SmallDisk();
+    InsertPages(*cut, 100);
+    std::vector<std::byte> content = cut->Content(kProject);
+    content.resize(content.size() - 50 * kPageSizeJet4);
+    cut->Put(kProject, content);
+    EXPECT_THAT(ErrorsIn(*cut), testing::Contains(testing::HasSubstr("behind the end")));
+}
+
+}  // namespace
+}  // namespace jet
