@@ -42,7 +42,8 @@ std::int32_t ToLong(const Value& value, std::int32_t ifNull) {
     if (IsNull(value)) return ifNull;
     const std::optional<double> number = AsNumber(value);
     const double rounded = number ? std::nearbyint(*number) : 0;
-    if (!number || rounded < -2147483648.0 || rounded > 2147483647.0) {
+    // Negated, so that what is no number is refused too.
+    if (!number || !(rounded >= -2147483648.0 && rounded <= 2147483647.0)) {
         throw AdoError(ErrorNumber::kTypeMismatch,
                        "The value \"" + jet::ToUtf8(ToText(value)) + "\" is no whole number.");
     }

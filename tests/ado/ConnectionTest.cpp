@@ -92,12 +92,14 @@ TEST_F(ConnectionTest, RefusesWhatIsNoProjectFileAndNamesTheCause) {
             EXPECT_EQ(error.Number(), ErrorNumber::kUnspecified);
             EXPECT_THAT(error.Description(), testing::HasSubstr(c.cause));
             EXPECT_THAT(error.Description(), testing::HasSubstr(c.path));
+            EXPECT_THAT(error.Description(), testing::Not(testing::HasSubstr("looked for")));
         }
         EXPECT_EQ(connection_.State(), ObjectState::Closed);
     }
     const std::string locked = CopyWith("password.kvs", 0x42, "abcd");
     EXPECT_EQ(ErrorOf([&] { connection_.Open(ConnectionString(locked)); }),
               ErrorNumber::kNotAuthorised);
+    EXPECT_EQ(connection_.State(), ObjectState::Closed);
 }
 
 TEST_F(ConnectionTest, RefusesBadConnectionStringsAndWrongStates) {
@@ -124,8 +126,9 @@ TEST_F(ConnectionTest, ClosingClosesTheRecordsets) {
         EXPECT_THAT(connection_.OpenRecordsets(), testing::ElementsAre(&first, &second));
     }
     EXPECT_THAT(connection_.OpenRecordsets(), testing::ElementsAre(&first));
+    first.AddNew();
     connection_.Close();
-    EXPECT_EQ(first.State(), ObjectState::Closed);
+    EXPECT_EQ(first.State(), ObjectState::Closed) << "what was being edited is dropped";
     EXPECT_EQ(ErrorOf([&] { std::ignore = first.IsEOF(); }), ErrorNumber::kObjectClosed);
     EXPECT_EQ(ErrorOf([&] { first.Open("TidxTexts", connection_, CommandType::Table); }),
               ErrorNumber::kObjectClosed);

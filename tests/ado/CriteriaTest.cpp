@@ -75,6 +75,8 @@ TEST_F(CriteriaTest, RefusesWhatItCannotRead) {
         {"ID ! 5", ErrorNumber::kSyntax},
         {"ID IN (1)", ErrorNumber::kSyntax},
         {"Since = #2001-13-01#", ErrorNumber::kSyntax},
+        {"Since = #2001-12-01 24:00:00#", ErrorNumber::kSyntax},
+        {"ID > Null", ErrorNumber::kSyntax},
         {"Nothing = 5", ErrorNumber::kItemNotFound},
         {std::string(100'000, '('), ErrorNumber::kSyntax},
         {negated, ErrorNumber::kSyntax},

@@ -102,6 +102,26 @@ TEST_F(DamagedProjectTest, RowsAreFoundWithoutADamagedIndex) {
     }
 }
 
+TEST_F(DamagedProjectTest, WhatIsDamagedIsNotCalledMissing) {
+    const std::size_t page = TableWith("ParamNames");
+    Write(page * kPage, "\x77", 1);
+    EXPECT_EQ(ErrorOf([&] { Open("TchrArchives"); }), ErrorNumber::kUnspecified);
+}
+
+// The rows of a table without an index are read before the first is given.
+TEST_F(DamagedProjectTest, AJoinTellsOfDamageOnceAndGivesTheOthers) {
+    const std::size_t groups = TableWith("Parameter");
+    std::size_t page = 0;
+    while (bytes_[page * kPage] != 1 || U32(page * kPage + kOwner) != groups) ++page;
+    constexpr std::size_t kSlots = 14;
+    Write(page * kPage + kSlots, "\xF0\x0F\xF0\x1F", 4);  // the second row ends behind the page
+    connection_.Open(ConnectionString(path_));
+    rows_.Open("SELECT A.ID FROM TchrArchives AS A, TidxGroups AS G WHERE A.Name = G.Name",
+               connection_, CommandType::Text, {});
+    EXPECT_EQ(ErrorOf([&] { std::ignore = rows_.RecordCount(); }), ErrorNumber::kUnspecified);
+    EXPECT_GT(rows_.RecordCount(), 10U);
+}
+
 // Positions of columns are those of the definition at opening; with another one they would give
 // other columns' values.
 TEST_F(DamagedProjectTest, AChangedDefinitionIsAnErrorUntilReopened) {

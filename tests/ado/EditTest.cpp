@@ -106,7 +106,21 @@ TEST_F(EditTest, LeavingARowStoresItsEditAndClosingRefuses) {
     rows_.AddNew();
     rows_.CancelUpdate();
     EXPECT_EQ(Text(rows_, "Comment"), u"neu") << "back on the row of before";
+    rows_.AddNew();
+    rows_.Delete();
+    EXPECT_EQ(rows_.EditMode(), EditMode::None);
+    EXPECT_EQ(rows_.RecordCount(), 14U) << "only the new row is dropped";
+    for (const bool requery : {true, false}) {
+        rows_.Set("Comment", std::u16string(u"verworfen"));
+        requery ? rows_.Requery() : rows_.Resync();
+        EXPECT_EQ(rows_.EditMode(), EditMode::None);
+        EXPECT_EQ(Text(rows_, "Comment"), u"neu");
+    }
     rows_.Close();
+    rows_.Open("TidxGroups", connection_, CommandType::Table);
+    rows_.AddNew();
+    EXPECT_EQ(rows_.Get("Delete"), Value(false)) << "a Boolean is never Null";
+    rows_.CancelUpdate();
 }
 
 TEST_F(EditTest, AssignedValuesAreConvertedOrRefused) {
@@ -163,7 +177,20 @@ TEST_F(EditTest, DeletedRowsLeaveTheirPlaceToTheNext) {
     EXPECT_EQ(ToLong(rows_.Get("ID")), 14);
     EXPECT_EQ(rows_.RecordCount(), 12U);
     EXPECT_EQ(StoredNames().size(), 12U);
-    rows_.SetFilter("ID = 14");
+    const Bookmark last = (rows_.MoveLast(), rows_.GetBookmark());
+    rows_.SetBookmark(last);
+    rows_.Find("ID=6", 0, SearchDirection::Backward);
+    rows_.Delete();
+    rows_.Find("ID > 0");
+    EXPECT_EQ(ToLong(rows_.Get("ID")), 7) << "a search goes on from where the row was";
+    rows_.SetBookmark(last);
+    rows_.Delete();
+    EXPECT_EQ(ErrorOf([&] { rows_.SetBookmark(last); }), ErrorNumber::kInvalidArgument);
+    rows_.AddNew();
+    rows_.Update();
+    rows_.Find("ID=1");
+    EXPECT_TRUE(rows_.IsEOF()) << "a new row stands behind all others";
+    rows_.SetFilter("ID = 13");
     rows_.Delete();
     rows_.MoveNext();
     EXPECT_TRUE(rows_.IsEOF());
@@ -202,6 +229,12 @@ TEST_F(EditTest, WhatAnotherProgramHasChangedIsNotOverwritten) {
     theirs.Resync();
     EXPECT_EQ(Text(theirs, "Comment"), u"ours");
 
+    EXPECT_EQ(ToLong(rows_.Get("CacheSize")), 777);
+    theirs.Set("CacheSize", std::int32_t{778});
+    theirs.Update();
+    EXPECT_EQ(ErrorOf([&] { rows_.Delete(); }), ErrorNumber::kRowNotLocated);
+    EXPECT_EQ(StoredNames().size(), 14U);
+
     rows_.MoveNext();
     theirs.MoveNext();
     rows_.Set("Comment", std::u16string(u"late"));
@@ -212,6 +245,35 @@ TEST_F(EditTest, WhatAnotherProgramHasChangedIsNotOverwritten) {
     EXPECT_EQ(ErrorOf([&] { rows_.Delete(); }), ErrorNumber::kRowNotLocated);
     rows_.Requery();
     EXPECT_EQ(rows_.RecordCount(), 13U);
+}
+
+TEST_F(EditTest, RowsThatAreReadFollowWhatAnotherProgramDoes) {
+    Recordset theirs;
+    theirs.Open("TchrTrends", other_, CommandType::Table);
+    rows_.Open("TchrTrends", connection_, CommandType::Table);
+    rows_.SetFilter("ArchiveID = 3");
+    Recordset joined;
+    joined.Open(kTrendQuery, connection_, CommandType::Text, {u"3"});
+    const std::int32_t first = ToLong(rows_.Get("ID"));
+    EXPECT_EQ(ToLong(joined.Get("ID")), first);
+    theirs.Find("ID=" + std::to_string(first + 1));
+    theirs.Delete();
+    for (Recordset* each : {&rows_, &joined}) {
+        each->MoveNext();
+        EXPECT_EQ(ToLong(each->Get("ID")), first + 2);
+        EXPECT_EQ(each->RecordCount(), 17U);
+    }
+    rows_.Close();
+    theirs.Close();
+    rows_.Open("TalmClasses", connection_, CommandType::Table);
+    rows_.MoveLast();
+    EXPECT_EQ(Text(rows_, "Name"), u"Warnung");
+    theirs.Open("TalmClasses", other_, CommandType::Table);
+    theirs.MoveLast();
+    theirs.Set("Description", std::u16string(20'000, u'n'));
+    theirs.Update();
+    EXPECT_EQ(Text(rows_, "Description"), std::u16string(20'000, u'n'))
+        << "a long value is read from where it is now";
 }
 
 TEST_F(EditTest, ATransactionIsStoredWholeOrNotAtAll) {

@@ -42,6 +42,15 @@ TEST_F(RecordsetTest, MovesLikeACursor) {
     EXPECT_EQ(rows_.RecordCount(), 14U);
     EXPECT_EQ(ToLong(rows_.Get("ID")), 14) << "counting does not move";
     EXPECT_EQ(ErrorOf([&] { std::ignore = rows_.Get("Nothing"); }), ErrorNumber::kItemNotFound);
+    EXPECT_EQ(ErrorOf([&] { std::ignore = rows_.Get(rows_.Fields().size()); }),
+              ErrorNumber::kItemNotFound);
+    rows_.SetFilter("ID < 14");
+    const Bookmark first = rows_.GetBookmark();
+    EXPECT_EQ(ErrorOf([&] { rows_.SetBookmark(last); }), ErrorNumber::kInvalidArgument);
+    rows_.SetFilter("");
+    rows_.SetBookmark(last);
+    rows_.SetBookmark(first);
+    EXPECT_EQ(ToLong(rows_.Get("ID")), 1) << "bookmarks lead in both directions";
     rows_.Requery();
     EXPECT_EQ(ToLong(rows_.Get("ID")), 1);
 }
@@ -56,6 +65,9 @@ TEST_F(RecordsetTest, EmptyTableIsAtBothEnds) {
     EXPECT_EQ(ErrorOf([&] { rows_.MoveLast(); }), ErrorNumber::kNoCurrentRecord);
     rows_.Find("ID=1");
     EXPECT_TRUE(rows_.IsEOF());
+    rows_.Requery();
+    rows_.Find("ID=1", 0, SearchDirection::Backward);
+    EXPECT_TRUE(rows_.IsBOF() && rows_.IsEOF());
 }
 
 TEST_F(RecordsetTest, FindsForwardAndBackwardFromTheCurrentRow) {
@@ -65,6 +77,8 @@ TEST_F(RecordsetTest, FindsForwardAndBackwardFromTheCurrentRow) {
     EXPECT_EQ(ToText(rows_.Get("Name")), u"archLagerkeller");
     rows_.Find("ID=1");
     EXPECT_TRUE(rows_.IsEOF()) << "a row in front of the current one is not found";
+    rows_.Find("ID=1");
+    EXPECT_TRUE(rows_.IsEOF()) << "there is nothing behind the end";
     rows_.MoveFirst();
     rows_.Find("Name LIKE 'arch*'", 1);
     EXPECT_EQ(ToText(rows_.Get("Name")), u"archGärkeller");
@@ -72,6 +86,8 @@ TEST_F(RecordsetTest, FindsForwardAndBackwardFromTheCurrentRow) {
     EXPECT_EQ(ToText(rows_.Get("Name")), u"archSudhaus");
     rows_.Find("ID=500", 0, SearchDirection::Backward);
     EXPECT_TRUE(rows_.IsBOF());
+    rows_.Find("ID=242", 0, SearchDirection::Backward);
+    EXPECT_TRUE(rows_.IsBOF()) << "there is nothing in front of the beginning";
     rows_.MoveLast();
     EXPECT_EQ(ErrorOf([&] { rows_.Find("ID=1 AND Name='x'"); }), ErrorNumber::kInvalidArgument);
     EXPECT_EQ(ToLong(rows_.Get("ID")), 242) << "a refused search does not move";
@@ -89,6 +105,8 @@ TEST_F(RecordsetTest, SortsByTheFilesOwnOrderOfTexts) {
     rows_.SetSort("SampleMode DESC, ID");
     EXPECT_THAT(Column(rows_, "ID"), ElementsAre(u"13", u"14", u"11", u"12"));
     EXPECT_EQ(ErrorOf([&] { rows_.SetSort("Nothing"); }), ErrorNumber::kItemNotFound);
+    EXPECT_EQ(ErrorOf([&] { rows_.SetSort("Name Comment"); }), ErrorNumber::kSyntax);
+    EXPECT_EQ(rows_.Sort(), "SampleMode DESC, ID") << "the order in force must stay";
     rows_.SetSort("");
     EXPECT_THAT(Column(rows_, "ID"), ElementsAre(u"11", u"12", u"13", u"14"));
 }
@@ -130,6 +148,8 @@ TEST_F(RecordsetTest, TrendQueryJoinsTheTrendsOfOneArchiveWithTheirTexts) {
     const std::vector<std::u16string> texts = Column(rows_, "L1031");
     rows_.SetSort("L1031");
     EXPECT_THAT(Column(rows_, "L1031"), testing::ElementsAreArray(texts.rbegin(), texts.rend()));
+    rows_.SetSort("TidxTexts.ID DESC");
+    EXPECT_EQ(ToLong(rows_.Get("Expr1")), 69);
 }
 
 TEST_F(RecordsetTest, TrendsWithoutATextAreLeftOut) {
@@ -164,6 +184,8 @@ TEST_F(RecordsetTest, RefusesSourcesThatDoNotExist) {
     EXPECT_EQ(query(kTrendQuery), ErrorNumber::kParameterMissing);
     EXPECT_EQ(query("SELECT FROM TchrArchives"), ErrorNumber::kSyntax);
     EXPECT_EQ(query("DELETE FROM TchrArchives"), ErrorNumber::kSyntax);
+    EXPECT_EQ(query("SELECT * FROM TchrArchives AS A B"), ErrorNumber::kSyntax);
+    EXPECT_EQ(query("SELECT ID FROM TchrArchives, TchrTrends"), ErrorNumber::kSyntax);
     EXPECT_EQ(query("SELECT A.ID FROM TchrArchives AS A, TchrTrends, TidxTexts"),
               ErrorNumber::kFeatureNotAvailable);
     EXPECT_EQ(rows_.State(), ObjectState::Closed);
@@ -187,6 +209,14 @@ TEST_F(RecordsetTest, JoinsWithoutAnIndexGiveTheSameRows) {
     EXPECT_EQ(count("SELECT * FROM TcfgLanguages, TchrArchives WHERE TcfgLanguages.ID < "
                     "TchrArchives.ID"),
               25U);
+}
+
+TEST_F(RecordsetTest, AParameterThatStandsTwiceIsGivenOnce) {
+    OpenFile(Example("Brauerei.kvs"));
+    rows_.Open("SELECT * FROM TchrArchives WHERE ID = Param1 OR TextID = param1", connection_,
+               CommandType::Text, {u"1"});
+    EXPECT_EQ(rows_.RecordCount(), 1U);
+    EXPECT_EQ(ErrorOf([&] { rows_.AddNew(); }), ErrorNumber::kFeatureNotAvailable);
 }
 
 TEST_F(RecordsetTest, ReadsMemoAndOleValuesWhole) {
