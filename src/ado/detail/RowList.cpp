@@ -21,46 +21,46 @@ void RowList::Restart(const Expression* filter, std::vector<SortColumn> sort) {
 
 bool RowList::Has(std::size_t position) {
     if (!stream_) AppendAdded();
-    if (position < keys_.size() || !stream_) return position < keys_.size();
+    if (position < keys_.Size() || !stream_) return position < keys_.Size();
     if (!sort_.empty()) Sort();
     RowKey key = 0;
-    while (position >= keys_.size() && stream_) {
+    while (position >= keys_.Size() && stream_) {
         // One look at the file for some rows; not for all, since nobody can write meanwhile.
         constexpr std::size_t kRows = 64;
         const jet::ReadScope scope = rows_.Table(0).Hold();
         Check(scope.GetStatus(), rows_.File());
-        const std::size_t until = std::min(position, keys_.size() + kRows);
-        while (until >= keys_.size() && stream_) {
+        const std::size_t until = std::min(position, keys_.Size() + kRows);
+        while (until >= keys_.Size() && stream_) {
             if (!stream_->Next(key)) {
                 stream_.reset();
                 break;
             }
             // The stream may come upon rows that have been added since it began.
-            if (std::find(added_.begin(), added_.end(), key) == added_.end()) keys_.push_back(key);
+            if (std::find(added_.begin(), added_.end(), key) == added_.end()) keys_.Append(key);
         }
     }
     if (!stream_) AppendAdded();
-    return position < keys_.size();
+    return position < keys_.Size();
 }
 
 void RowList::AppendAdded() {
-    keys_.insert(keys_.end(), added_.begin(), added_.end());
+    for (const RowKey key : added_) keys_.Append(key);
     added_.clear();
 }
 
 void RowList::Remove(std::size_t position) {
-    keys_.erase(keys_.begin() + static_cast<std::ptrdiff_t>(position));
+    keys_.Erase(position);
     lastFound_ = 0;
 }
 
 std::size_t RowList::Count() {
     std::ignore = Has(SIZE_MAX);  // fetches to the end; there is no such row
-    return keys_.size();
+    return keys_.Size();
 }
 
 void RowList::Clear() {
     stream_.reset();
-    keys_.clear();
+    keys_.Clear();
     added_.clear();
     lastFound_ = 0;
 }
@@ -70,7 +70,7 @@ std::optional<std::size_t> RowList::Find(RowKey key) {
     const auto found = [&](std::size_t i) { return keys_[i] == key; };
     std::size_t i = lastFound_;
     while (Has(i) && !found(i)) ++i;
-    if (i >= keys_.size()) {
+    if (i >= keys_.Size()) {
         i = 0;
         while (i < lastFound_ && !found(i)) ++i;
         if (i >= lastFound_) return std::nullopt;
@@ -103,8 +103,8 @@ void RowList::Sort() {
         }
         return false;
     });
-    keys_.clear();
-    for (const std::size_t i : order) keys_.push_back(keys[i]);
+    keys_.Clear();
+    for (const std::size_t i : order) keys_.Append(keys[i]);
     stream_.reset();
 }
 

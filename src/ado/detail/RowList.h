@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "ado/detail/KeyList.h"
 #include "ado/detail/KeyStream.h"
 
 namespace ado {
@@ -50,9 +51,9 @@ private:
     RowReader& reader_;
     std::unique_ptr<KeyStream> stream_;  // null when everything has been fetched
     std::vector<SortColumn> sort_;
-    std::vector<RowKey> keys_;
+    KeyList keys_;
     std::vector<RowKey> added_;  // not among keys_ before everything has been fetched
-    std::size_t lastFound_ = 0;  // position; at most keys_.size()
+    std::size_t lastFound_ = 0;  // position; at most keys_.Size()
 };
 
 }  // namespace ado
