@@ -6,6 +6,7 @@
 
 #include "jet/detail/DataPageEditor.h"
 #include "jet/detail/IndexWriter.h"
+#include "jet/detail/KeyEncoder.h"
 #include "jet/detail/LongValueWriter.h"
 #include "jet/detail/UsageMapEditor.h"
 
@@ -118,24 +119,23 @@ Result<std::vector<Value>> TableWriter::ValuesOf(const Row& row) const {
 
 Result<std::vector<TableWriter::Key>> TableWriter::KeysOf(std::span<const Value> values) const {
     const TableDef& def = table_.Definition();
-    std::vector<Key> keys;
-    for (std::size_t i = 0; i < def.realIndexes.size(); ++i) {
+    std::vector<Key> keys(def.realIndexes.size());
+    for (std::size_t i = 0; i < keys.size(); ++i) {
         const RealIndex& index = def.realIndexes[i];
-        std::vector<Value> parts;
         std::size_t nulls = 0;
         for (const IndexColumn& part : index.columns) {
-            parts.push_back(values[part.column]);
-            if (parts.back().index() != 0) continue;
+            const Value& value = values[part.column];
+            const Column& column = def.columns[part.column];
+            JET_TRY(AppendKey(column, part.ascending, value, keys[i].bytes));
+            if (value.index() != 0) continue;
             ++nulls;
             if (index.IsRequired()) {
                 return Status(StatusCode::Required,
-                              "column \"" + def.columns[part.column].name + "\" must have a value");
+                              "column \"" + column.name + "\" must have a value");
             }
         }
-        Key& key = keys.emplace_back();
-        key.allNull = nulls == parts.size();
-        key.hasEntry = !key.allNull || !index.IgnoresNulls();
-        JET_ASSIGN(key.bytes, table_.MakeKey(i, parts));
+        keys[i].allNull = nulls == index.columns.size();
+        keys[i].hasEntry = !keys[i].allNull || !index.IgnoresNulls();
     }
     return keys;
 }
@@ -169,10 +169,17 @@ Status TableWriter::InsertKeys(const std::vector<Key>& keys, RowId row,
     for (std::size_t i = 0; i < keys.size(); ++i) {
         const Key* old = before != nullptr ? &(*before)[i] : nullptr;
         if (!keys[i].hasEntry || (old != nullptr && old->bytes == keys[i].bytes)) continue;
-        bool exists = false;
-        JET_ASSIGN(exists, HasKey(i, keys[i]));
-        JET_TRY(IndexWriter(file_.cache, def.page, def.realIndexes[i]).Insert(keys[i].bytes, row));
-        if (exists) continue;
+        const RealIndex& index = def.realIndexes[i];
+        const bool isUnique = index.IsUnique() && !keys[i].allNull;
+        const auto isNew =
+            IndexWriter(file_.cache, def.page, index).Insert(keys[i].bytes, row, isUnique);
+        if (!isNew.IsOk()) {
+            // The text that names the columns, where another row has the key.
+            const bool isDuplicate = isNew.GetStatus().Code() == StatusCode::Duplicate;
+            if (isDuplicate) JET_TRY(CheckKey(i, keys[i], nullptr));
+            return isNew.GetStatus();
+        }
+        if (!*isNew) continue;
         MutableBytes page;
         JET_ASSIGN(page, file_.cache.Edit(def.page));
         const std::size_t at = kUniqueCounts + kUniqueCountSize * i;
@@ -266,7 +273,6 @@ Result<RowId> TableWriter::InsertNow(std::span<const Assignment> assignments) {
     JET_TRY(CheckRules(values, {all.get(), values.size()}));
     std::vector<Key> keys;
     JET_ASSIGN(keys, KeysOf(values));
-    for (std::size_t i = 0; i < keys.size(); ++i) JET_TRY(CheckKey(i, keys[i], nullptr));
     std::vector<std::byte> bytes;
     JET_ASSIGN(bytes, image.Assemble());
     RowId row;
@@ -299,7 +305,6 @@ Status TableWriter::UpdateNow(RowId id, std::span<const Assignment> assignments)
     JET_TRY(CheckRules(values, {assigned.get(), values.size()}));
     std::vector<Key> after;
     JET_ASSIGN(after, KeysOf(values));
-    for (std::size_t i = 0; i < after.size(); ++i) JET_TRY(CheckKey(i, after[i], &before[i]));
     std::vector<std::byte> bytes;
     JET_ASSIGN(bytes, image->Assemble());
     JET_TRY(RemoveKeys(before, id, &after));

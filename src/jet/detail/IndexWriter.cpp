@@ -1,6 +1,8 @@
 #include "jet/detail/IndexWriter.h"
 
+#include "jet/detail/IndexLeafEditor.h"
 #include "jet/detail/UsageMapEditor.h"
+#include "jet/IndexCursor.h"
 
 namespace jet {
 namespace {
@@ -59,16 +61,90 @@ Result<IndexWriter::Path> IndexWriter::Descend(const std::string& entry) const {
     return Endless(root_);
 }
 
-Status IndexWriter::Insert(const std::string& key, RowId row) {
+Result<IndexWriter::Spot> IndexWriter::Find(const std::string& entry) const {
+    Spot spot;
+    PageNo page = root_;
+    for (std::size_t depth = 0; depth < kMostDepth; ++depth) {
+        JET_ASSIGN(spot.leaf, cache_.Read(page));
+        JET_ASSIGN(spot.search, IndexSearch::Open(spot.leaf.Bytes(), page, table_));
+        spot.place = spot.search.LowerBound(entry);
+        if (spot.search.IsLeaf()) return spot;
+        if (!spot.place.IsEnd()) {
+            page = spot.search.Child(spot.place);
+            spot.isOnTail = false;
+        } else if (Raw(spot.search.Tail()) != 0) {
+            page = spot.search.Tail();
+        } else if (spot.search.Size() > 0) {
+            page = spot.search.Child(spot.search.Before(spot.place));
+            spot.isBelowNodes = false;
+            spot.isOnTail = false;
+        } else {
+            return Status::Corrupt("index " + PageText(page) + " leads nowhere");
+        }
+    }
+    return Endless(root_);
+}
+
+/// Rows with the same key stand beside each other.
+Result<bool> IndexWriter::HasKey(const Spot& spot, const std::string& key) const {
+    const IndexSearch& leaf = spot.search;
+    const bool isFirst = spot.place.begin == 0;
+    if (!spot.place.IsEnd() && leaf.HasKey(spot.place, key)) return true;
+    if (!isFirst && leaf.HasKey(leaf.Before(spot.place), key)) return true;
+    const bool isAlone =
+        (!isFirst || Raw(leaf.Previous()) == 0) && (!spot.place.IsEnd() || Raw(leaf.Next()) == 0);
+    if (isAlone) return false;
+    Result<IndexCursor> cursor = IndexCursor::Seek(cache_, table_, root_, key);
+    if (!cursor.IsOk()) return cursor.GetStatus();
+    bool found = false;
+    JET_ASSIGN(found, cursor->Next());
+    return found && cursor->Key() == key;
+}
+
+/// False when more than the leaf has to be changed.
+Result<bool> IndexWriter::InsertInPlace(Spot& spot, const std::string& entry) {
+    if (!spot.place.IsEnd() && spot.search.Equals(spot.place, entry)) {
+        return Status::Corrupt("index " + PageText(spot.leaf.Number()) + " holds the row already");
+    }
+    const bool isBelowNodes = spot.isBelowNodes && (spot.isOnTail || !spot.place.IsEnd());
+    if (!isBelowNodes || !IndexLeafEditor::CanInsert(spot.search, spot.place, entry)) return false;
+    const PageNo page = spot.leaf.Number();
+    spot.leaf = PageRef();
+    MutableBytes bytes;
+    JET_ASSIGN(bytes, cache_.Edit(page));
+    IndexLeafEditor(bytes, spot.search).Insert(spot.place, entry);
+    return true;
+}
+
+/// False when more than the leaf has to be changed.
+Result<bool> IndexWriter::RemoveInPlace(Spot& spot) {
+    const bool isNamed = !spot.isOnTail && spot.place.end == spot.search.Size();
+    if (isNamed || !IndexLeafEditor::CanRemove(spot.search, spot.place)) return false;
+    const PageNo page = spot.leaf.Number();
+    spot.leaf = PageRef();
+    MutableBytes bytes;
+    JET_ASSIGN(bytes, cache_.Edit(page));
+    IndexLeafEditor(bytes, spot.search).Remove(spot.place);
+    return true;
+}
+
+Result<bool> IndexWriter::Insert(const std::string& key, RowId row, bool isUnique) {
     const std::string entry = EntryOf(key, row);
     if (entry.size() > kMostEntry) {
-        return {StatusCode::TooLong, "an index key of " + std::to_string(key.size()) + " bytes"};
+        return Status(StatusCode::TooLong,
+                      "an index key of " + std::to_string(key.size()) + " bytes");
     }
-    for (int round = 0; round < kMostRounds; ++round) {
-        bool done = false;
+    Spot spot;
+    JET_ASSIGN(spot, Find(entry));
+    bool exists = false;
+    JET_ASSIGN(exists, HasKey(spot, key));
+    if (exists && isUnique) return Status(StatusCode::Duplicate, "another row has the same key");
+    bool done = false;
+    JET_ASSIGN(done, InsertInPlace(spot, entry));
+    for (int round = 0; round < kMostRounds && !done; ++round) {
         JET_ASSIGN(done, TryInsert(entry));
-        if (done) return {};
     }
+    if (done) return !exists;
     return Endless(root_);
 }
 
@@ -170,13 +246,18 @@ Status IndexWriter::Split(Path& path, std::size_t depth) {
 
 Status IndexWriter::Remove(const std::string& key, RowId row) {
     const std::string entry = EntryOf(key, row);
+    Spot spot;
+    JET_ASSIGN(spot, Find(entry));
+    if (spot.place.IsEnd() || !spot.search.Equals(spot.place, entry)) {
+        return Status::Corrupt("index " + PageText(spot.leaf.Number()) +
+                               " has no entry for the row; its table must be repaired");
+    }
+    bool isDone = false;
+    JET_ASSIGN(isDone, RemoveInPlace(spot));
+    if (isDone) return {};
     Path path;
     JET_ASSIGN(path, Descend(entry));
     Step& leaf = path.back();
-    if (leaf.position >= leaf.node.Count() || leaf.node.Entry(leaf.position) != entry) {
-        return Status::Corrupt("index " + PageText(leaf.page) +
-                               " has no entry for the row; its table must be repaired");
-    }
     leaf.node.Remove(leaf.position);
     if (leaf.node.Count() > 0 || path.size() == 1) {
         JET_TRY(Save(leaf.page, leaf.node));

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "jet/detail/IndexNode.h"
+#include "jet/detail/IndexSearch.h"
 #include "jet/Status.h"
 #include "jet/TableDef.h"
 
@@ -15,7 +16,7 @@ namespace jet {
 /// child; the last child of a node is its tail, except that an only child is an ordinary entry;
 /// all pages of a level are linked left to right; the root keeps its page. A change that makes a
 /// page overflow first splits it and then begins again from the root, so that no path has to be
-/// mended.
+/// mended. A change that concerns its leaf alone is made in place.
 class IndexWriter {
 public:
     /// Borrows the cache. `table` is the page of the table's definition.
@@ -25,8 +26,9 @@ public:
     /// Longest entry, in bytes: a page must hold two of them.
     static constexpr std::size_t kMostEntry = 1780;
 
-    /// TooLong when the key is longer than an entry may be.
-    Status Insert(const std::string& key, RowId row);
+    /// True when no other row has the key. TooLong when the key is longer than an entry may be;
+    /// Duplicate, and nothing is inserted, when `isUnique` and another row has it.
+    [[nodiscard]] Result<bool> Insert(const std::string& key, RowId row, bool isUnique);
     /// Corrupt when the entry is missing.
     Status Remove(const std::string& key, RowId row);
 
@@ -39,6 +41,19 @@ private:
         std::size_t position = 0;
     };
     using Path = std::vector<Step>;
+
+    /// The leaf where an entry is or belongs. Good until the index is changed.
+    struct Spot {
+        PageRef leaf;
+        IndexSearch search;        // of the leaf
+        IndexSearch::Place place;  // of the first entry that is not below the one looked for
+        bool isBelowNodes = true;  // the nodes need not be changed for it
+        bool isOnTail = true;      // no node names the last entry of the leaf
+    };
+    [[nodiscard]] Result<Spot> Find(const std::string& entry) const;
+    [[nodiscard]] Result<bool> HasKey(const Spot& spot, const std::string& key) const;
+    [[nodiscard]] Result<bool> InsertInPlace(Spot& spot, const std::string& entry);
+    [[nodiscard]] Result<bool> RemoveInPlace(Spot& spot);
 
     [[nodiscard]] Result<IndexNode> Load(PageNo page) const;
     Status Save(PageNo page, const IndexNode& node);
