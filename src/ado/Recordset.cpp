@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <map>
 #include <optional>
 #include <tuple>
 
@@ -10,6 +9,7 @@
 #include "ado/detail/ConnectionRep.h"
 #include "ado/detail/Convert.h"
 #include "ado/detail/Lexer.h"
+#include "ado/detail/PendingEdits.h"
 #include "ado/detail/ProviderError.h"
 #include "ado/detail/RowList.h"
 #include "jet/TableWriter.h"
@@ -61,7 +61,7 @@ struct Recordset::Rep {
     bool isNew = false;  // AddNew has begun a row
     // The row of each table as it was when its edit began; what Update compares with.
     std::array<jet::Row, RowSet::kMostTables> original;
-    std::map<std::size_t, jet::Value> edits;  // by field; not stored yet
+    PendingEdits edits;
 
     void Restart() {
         reader.Forget();
@@ -101,7 +101,7 @@ struct Recordset::Rep {
     [[nodiscard]] RowKey CurrentKey() const {
         return place == Place::Added ? addedKey : list.At(position);
     }
-    [[nodiscard]] bool IsEditing() const { return isNew || !edits.empty(); }
+    [[nodiscard]] bool IsEditing() const { return isNew || !edits.IsEmpty(); }
 
     void LoadCurrent() {
         RequireRow();
@@ -132,12 +132,16 @@ struct Recordset::Rep {
         const jet::Row& before = original.at(number);
         const auto now = table.Fetch(before.Id());
         if (!now.IsOk()) return now.GetStatus();
+        // The same bytes are the same values; a row that was stored anew may have others for them.
+        const jet::Bytes old = before.Stored();
+        const jet::Bytes stored = now->Stored();
+        if (std::equal(old.begin(), old.end(), stored.begin(), stored.end())) return {};
         for (std::size_t i = 0; i < table.Definition().columns.size(); ++i) {
-            const auto old = before.Get(i);
-            const auto stored = now->Get(i);
-            if (!old.IsOk()) return old.GetStatus();
-            if (!stored.IsOk()) return stored.GetStatus();
-            if (*old != *stored) {
+            const auto oldValue = before.Get(i);
+            const auto value = now->Get(i);
+            if (!oldValue.IsOk()) return oldValue.GetStatus();
+            if (!value.IsOk()) return value.GetStatus();
+            if (*oldValue != *value) {
                 return jet::Status::NotFound(
                     "the row cannot be located: another program has changed it since it was read");
             }
@@ -152,9 +156,9 @@ struct Recordset::Rep {
 
     [[nodiscard]] std::vector<jet::Assignment> EditsOf(std::size_t table) const {
         std::vector<jet::Assignment> assignments;
-        for (const auto& [field, value] : edits) {
-            const RowSet::Origin origin = rows.OriginOf(field);
-            if (origin.table == table) assignments.push_back({origin.column, value});
+        for (std::size_t i = 0; i < edits.Fields().size(); ++i) {
+            if (rows.OriginOf(edits.Fields()[i]).table != table) continue;
+            assignments.push_back(edits.Assignments()[i]);
         }
         return assignments;
     }
@@ -162,7 +166,7 @@ struct Recordset::Rep {
     void StoreNew() {
         jet::RowId row;
         InTransaction([&]() -> jet::Status {
-            auto inserted = jet::TableWriter(rows.Table(0)).Insert(EditsOf(0));
+            auto inserted = jet::TableWriter(rows.Table(0)).Insert(edits.Assignments());
             if (!inserted.IsOk()) return inserted.GetStatus();
             row = *inserted;
             return {};
@@ -263,8 +267,8 @@ Value Recordset::Get(std::size_t field) const {
     Rep& rep = Opened();
     rep.RequireField(field);
     const RowSet::Origin origin = rep.rows.OriginOf(field);
-    if (const auto edit = rep.edits.find(field); edit != rep.edits.end()) {
-        return Check(FromStored(rep.rows.Table(origin.table), edit->second), rep.rows.File());
+    if (const jet::Value* edit = rep.edits.Find(field)) {
+        return Check(FromStored(rep.rows.Table(origin.table), *edit), rep.rows.File());
     }
     if (rep.isNew) {
         const bool isBoolean = rep.rows.Fields()[field].type == DataType::Boolean;
@@ -290,7 +294,7 @@ void Recordset::Set(std::size_t field, const Value& value) {
     if (!rep.IsEditing()) rep.BeginEdit();
     const RowSet::Origin origin = rep.rows.OriginOf(field);
     const jet::Column& column = rep.rows.Table(origin.table).Definition().columns[origin.column];
-    rep.edits[field] = ForAssignment(column, value);
+    rep.edits.Set(field, origin.column, ForAssignment(column, value));
 }
 
 void Recordset::Set(std::string_view name, const Value& value) {
@@ -312,13 +316,13 @@ void Recordset::Update() {
 void Recordset::CancelUpdate() {
     Rep& rep = Opened();
     rep.isNew = false;
-    rep.edits.clear();
+    rep.edits.Clear();
 }
 
 ado::EditMode Recordset::EditMode() const {
     const Rep& rep = Opened();
     if (rep.isNew) return ado::EditMode::Add;
-    return rep.edits.empty() ? ado::EditMode::None : ado::EditMode::InProgress;
+    return rep.edits.IsEmpty() ? ado::EditMode::None : ado::EditMode::InProgress;
 }
 
 void Recordset::Delete() {

@@ -30,18 +30,20 @@ Result<Bytes> LongValueReader::NextRow(RowId id, std::size_t atLeast) {
                       "another program has changed the file while the value on " +
                           RowText(value_.first) + " was read; read it again");
     }
-    const std::string name = "long value on " + RowText(id);
+    const auto damaged = [&](const char* what) {
+        return Status::Corrupt("long value on " + RowText(id) + ": " + what);
+    };
     PageRef ref;
     JET_ASSIGN(ref, cache_.Read(id.page));
     JET_ASSIGN(page_, DataPage::Open(std::move(ref), format_));
     if (page_.Owner() != DataPage::kLongValueOwner) {
-        return Status::Corrupt(name + ": not a page of long values");
+        return damaged("not a page of long values");
     }
-    if (id.row >= page_.SlotCount()) return Status::Corrupt(name + ": no such row");
+    if (id.row >= page_.SlotCount()) return damaged("no such row");
     Slot slot;
     JET_ASSIGN(slot, page_.At(id.row));
     if (slot.isDeleted || slot.isMoved || slot.bytes.size() < atLeast) {
-        return Status::Corrupt(name + ": the row is deleted or too short");
+        return damaged("the row is deleted or too short");
     }
     return slot.bytes;
 }

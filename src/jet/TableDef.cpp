@@ -19,10 +19,16 @@ char Lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
+bool BeginsWithLetter(std::string_view name) {
+    return !name.empty() && Lower(name[0]) >= 'a' && Lower(name[0]) <= 'z';
+}
+
 }  // namespace
 
 bool SameName(std::string_view a, std::string_view b) {
     if (a == b) return true;
+    // Most names differ in their first letters, whose weights come first in a key.
+    if (BeginsWithLetter(a) && BeginsWithLetter(b) && Lower(a[0]) != Lower(b[0])) return false;
     if (IsPlain(a) && IsPlain(b)) {
         return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                           [](char x, char y) { return Lower(x) == Lower(y); });

@@ -128,8 +128,10 @@ RowSet RowSet::OfQuery(jet::Database& database, const std::string& file, std::st
 void RowSet::QualifyDoubles(const std::vector<bool>& hasAlias) {
     std::vector<bool> isDouble(fields_.size());
     for (std::size_t i = 0; i < fields_.size(); ++i) {
-        for (std::size_t j = 0; j < fields_.size() && !hasAlias[i]; ++j) {
-            if (i != j && jet::SameName(fields_[i].name, fields_[j].name)) isDouble[i] = true;
+        for (std::size_t j = i + 1; j < fields_.size(); ++j) {
+            if (!jet::SameName(fields_[i].name, fields_[j].name)) continue;
+            isDouble[i] = isDouble[i] || !hasAlias[i];
+            isDouble[j] = isDouble[j] || !hasAlias[j];
         }
     }
     for (std::size_t i = 0; i < fields_.size(); ++i) {
@@ -183,13 +185,18 @@ bool RowReader::Load(RowKey key) {
 
 Value RowReader::Get(std::size_t table, std::size_t column) const {
     jet::Table& source = rows_.Table(table);
-    jet::Value stored = Check(current_.at(table).Get(column), rows_.File());
-    if (std::holds_alternative<jet::LongValue>(stored)) {
+    Check(current_.at(table).Read(column, stored_), rows_.File());
+    if (std::holds_alternative<jet::LongValue>(stored_)) {
         // Its place may have changed since the row was read, and the row with it.
         const jet::Row now = Check(source.Fetch(current_.at(table).Id()), rows_.File());
-        stored = Check(now.Get(column), rows_.File());
+        Check(now.Read(column, stored_), rows_.File());
     }
-    return Check(FromStored(source, stored), rows_.File());
+    // What most columns hold.
+    if (const auto* text = std::get_if<std::u16string>(&stored_)) return *text;
+    if (const auto* number = std::get_if<std::int32_t>(&stored_)) return *number;
+    if (const auto* number = std::get_if<double>(&stored_)) return *number;
+    if (stored_.index() == 0) return Null{};
+    return Check(FromStored(source, stored_), rows_.File());
 }
 
 bool RowReader::Holds(const Expression& condition) const {

@@ -83,6 +83,7 @@ private:
     const RowSet& rows_;
     std::optional<RowKey> key_;
     std::array<jet::Row, RowSet::kMostTables> current_;
+    mutable jet::Value stored_;  // of the last Get, whose memory is used again
 };
 
 }  // namespace ado

@@ -24,14 +24,14 @@ std::string RowText(RowId row) {
 Result<DataPage> DataPage::Open(PageRef page, Format format) {
     DataPage view;
     const Bytes bytes = page.Bytes();
-    const std::string name = PageText(page.Number());
     if (LoadU8(bytes, 0) != 0x01) {
-        return Status::Corrupt(name + " is not a data page (type " +
+        return Status::Corrupt(PageText(page.Number()) + " is not a data page (type " +
                                std::to_string(LoadU8(bytes, 0)) + ")");
     }
     view.slotCount_ = LoadU16(bytes, SlotTable(format) - 2);
     if (view.slotCount_ > kMostSlots) {
-        return Status::Corrupt(name + " claims " + std::to_string(view.slotCount_) + " rows");
+        return Status::Corrupt(PageText(page.Number()) + " claims " +
+                               std::to_string(view.slotCount_) + " rows");
     }
     view.page_ = std::move(page);
     view.format_ = format;
