@@ -185,6 +185,7 @@ Status Database::Begin() {
         return status;
     }
     cache_.Begin();
+    known_ = KnownTables();
     isRolledBack_ = false;
     depth_ = 1;
     return RemoveLeftOvers(leftOvers);
@@ -302,15 +303,31 @@ Result<std::unique_ptr<Table>> Database::OpenTable(const CatalogEntry& entry) {
     return Table::Open(context_, entry.page, entry.name);
 }
 
+/// REQUIRES: the file's state is held.
+Status Database::RenewKnownTables() {
+    if (known_.generation == cache_.Generation()) return {};
+    known_ = KnownTables();
+    JET_ASSIGN(known_.entries, Tables(&known_.damage));
+    if (!InTransaction()) known_.generation = cache_.Generation();
+    return {};
+}
+
 Result<std::unique_ptr<Table>> Database::OpenTable(std::string_view name) {
-    std::vector<CatalogEntry> entries;
-    std::vector<Status> damage;
-    JET_ASSIGN(entries, Tables(&damage));
-    for (const CatalogEntry& entry : entries) {
-        if (SameName(entry.name, name)) return OpenTable(entry);
+    const ReadScope scope(cache_);
+    JET_TRY(scope.GetStatus());
+    JET_TRY(RenewKnownTables());
+    for (const CatalogEntry& entry : known_.entries) {
+        if (!SameName(entry.name, name)) continue;
+        std::shared_ptr<const TableDef>& def = known_.definitions[entry.page];
+        if (def) return Table::OpenKnown(context_, entry.name, def);
+        Result<std::unique_ptr<Table>> table = OpenTable(entry);
+        if (table.IsOk()) def = (*table)->SharedDefinition();
+        return table;
     }
     std::string text = "there is no table \"" + std::string(name) + "\"";
-    if (!damage.empty()) text += "; the catalog is damaged: " + damage.front().Text();
+    if (!known_.damage.empty()) {
+        text += "; the catalog is damaged: " + known_.damage.front().Text();
+    }
     return Status::NotFound(text);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -84,6 +85,7 @@ private:
     void Notify(std::string notice);
     [[nodiscard]] Result<bool> Recover();
     [[nodiscard]] Result<bool> RollBackJournal();
+    Status RenewKnownTables();
     Status RemoveLeftOvers(const std::vector<std::uint32_t>& maps);
     Status WriteTransaction();
     Status EndTransaction(bool committed);
@@ -105,6 +107,16 @@ private:
     bool isRolledBack_ = false;         // inside an outer transaction that is still to end
     bool pagesAreSound_ = false;        // has been checked, before the first transaction
     Status broken_;  // why nothing more can be written until the file is opened again
+
+    /// What the catalog and the definitions say, as of one generation of the page cache. Forgotten
+    /// when a transaction begins, and not kept inside one.
+    struct KnownTables {
+        std::uint64_t generation = 0;  // 0: none
+        std::vector<CatalogEntry> entries;
+        std::vector<Status> damage;  // rows of the catalog that could not be read
+        std::map<PageNo, std::shared_ptr<const TableDef>> definitions;
+    };
+    KnownTables known_;
 };
 
 }  // namespace jet

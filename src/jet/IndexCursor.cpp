@@ -10,10 +10,10 @@ constexpr int kMaxDepth = 24;
 
 }  // namespace
 
-Result<IndexPage> IndexCursor::Open(PageNo page) {
-    PageRef ref;
-    JET_ASSIGN(ref, cache_->Read(page));
-    return IndexPage::Open(std::move(ref), table_);
+Status IndexCursor::Open(PageNo page) {
+    JET_ASSIGN(leaf_, cache_->Read(page));
+    JET_ASSIGN(search_, IndexSearch::Open(leaf_.Bytes(), page, table_));
+    return {};
 }
 
 Result<IndexCursor> IndexCursor::Seek(PageCache& cache, PageNo table, PageNo root,
@@ -24,24 +24,38 @@ Result<IndexCursor> IndexCursor::Seek(PageCache& cache, PageNo table, PageNo roo
     return cursor;
 }
 
+Status IndexCursor::MoveTo(const std::string& from) {
+    entry_.clear();
+    from_ = from;
+    bool isInLeaf = false;
+    JET_ASSIGN(isInLeaf, IsInLeaf(from));
+    return isInLeaf ? Status() : Descend(from);
+}
+
+/// True, and stands there, when the leaf at hand is still as it was read and the place lies in it.
+Result<bool> IndexCursor::IsInLeaf(const std::string& from) {
+    if (!leaf_ || generation_ != cache_->Generation()) return false;
+    PageRef now;
+    JET_ASSIGN(now, cache_->Read(leaf_.Number()));
+    // A page that somebody holds is not changed: it gets a new image.
+    if (now.Shared() != leaf_.Shared()) return false;
+    at_ = search_.LowerBound(from);
+    return at_.begin > 0 && !at_.IsEnd();
+}
+
 Status IndexCursor::Descend(const std::string& from) {
     generation_ = cache_->Generation();
     PageNo number = root_;
     for (int depth = 0; depth < kMaxDepth; ++depth) {
-        Result<IndexPage> page = Open(number);
-        if (!page.IsOk()) return page.GetStatus();
-        const std::size_t position = page->LowerBound(from);
-        if (page->IsLeaf()) {
-            leaf_ = std::move(*page);
-            at_ = position;
-            return {};
-        }
-        if (position < page->Count()) {
-            number = page->Child(position);
-        } else if (Raw(page->Tail()) != 0) {
-            number = page->Tail();
-        } else if (page->Count() > 0) {
-            number = page->Child(page->Count() - 1);
+        JET_TRY(Open(number));
+        at_ = search_.LowerBound(from);
+        if (search_.IsLeaf()) return {};
+        if (!at_.IsEnd()) {
+            number = search_.Child(at_);
+        } else if (Raw(search_.Tail()) != 0) {
+            number = search_.Tail();
+        } else if (search_.Size() > 0) {
+            number = search_.Child(search_.Before(at_));
         } else {
             return Status::Corrupt("index " + PageText(number) + " leads nowhere");
         }
@@ -52,7 +66,7 @@ Status IndexCursor::Descend(const std::string& from) {
 Result<bool> IndexCursor::Next() {
     Result<bool> stepped = Step();
     if (stepped.IsOk() && *stepped) return true;
-    leaf_.reset();
+    leaf_ = PageRef();
     if (!stepped.IsOk()) return stepped.GetStatus().In(name_);
     return false;
 }
@@ -63,38 +77,37 @@ Status IndexCursor::GoToNextLeaf() {
     if (generation_ != cache_->Generation()) {
         // Another program has changed the file: the leaves may hang together in another way.
         JET_TRY(Descend(entry_.empty() ? from_ : entry_ + std::string(1, '\0')));
-        if (at_ < leaf_->Count()) return {};
+        if (!at_.IsEnd()) return {};
     }
-    const PageNo next = leaf_->Next();
+    const PageNo next = search_.Next();
     if (Raw(next) == 0) {
-        leaf_.reset();
+        leaf_ = PageRef();
         return {};
     }
-    Result<IndexPage> page = Open(next);
-    if (!page.IsOk()) return page.GetStatus();
-    if (!page->IsLeaf()) return Status::Corrupt("index " + PageText(next) + " is not a leaf");
-    leaf_ = std::move(*page);
-    at_ = 0;
+    JET_TRY(Open(next));
+    if (!search_.IsLeaf()) return Status::Corrupt("index " + PageText(next) + " is not a leaf");
+    at_ = search_.At(0);
     return {};
 }
 
 Result<bool> IndexCursor::Step() {
     // Empty leaves are rare; more of them in a row than the file has pages are a circle.
-    for (std::uint32_t hops = 0; leaf_ && at_ >= leaf_->Count(); ++hops) {
+    for (std::uint32_t hops = 0; leaf_ && at_.IsEnd(); ++hops) {
         if (hops > cache_->PageCount()) {
-            return Status::Corrupt("the leaves at index " + PageText(leaf_->Number()) +
+            return Status::Corrupt("the leaves at index " + PageText(leaf_.Number()) +
                                    " run in a circle");
         }
         JET_TRY(GoToNextLeaf());
     }
     if (!leaf_) return false;
-    std::string entry = leaf_->Entry(at_++);
     // Entries only ever ascend, so that leaves which run in a circle are noticed at once.
-    if (!entry_.empty() && entry <= entry_) {
-        return Status::Corrupt("the entries of index " + PageText(leaf_->Number()) +
+    search_.Read(at_, next_);
+    if (!entry_.empty() && next_ <= entry_) {
+        return Status::Corrupt("the entries of index " + PageText(leaf_.Number()) +
                                " are out of order");
     }
-    entry_ = std::move(entry);
+    entry_.swap(next_);
+    at_ = search_.At(at_.end);
     const Bytes bytes = std::as_bytes(std::span(entry_));
     row_ = {PageNo{LoadU24BigEndian(bytes, bytes.size() - 4)}, LoadU8(bytes, bytes.size() - 1)};
     key_.assign(entry_, 0, entry_.size() - 4);

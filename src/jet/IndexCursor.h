@@ -4,7 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "jet/detail/IndexPage.h"
+#include "jet/detail/IndexSearch.h"
+#include "jet/detail/PageCache.h"
 #include "jet/Status.h"
 #include "jet/Types.h"
 
@@ -17,6 +18,9 @@ public:
     /// Stands in front of the first entry that is not below `from`.
     [[nodiscard]] static Result<IndexCursor> Seek(PageCache& cache, PageNo table, PageNo root,
                                                   const std::string& from);
+    /// Stands in front of the first entry that is not below `from`; faster than a new cursor when
+    /// that is near to where this one stands.
+    Status MoveTo(const std::string& from);
     /// What stands in front of its messages.
     void SetName(std::string name) { name_ = std::move(name); }
 
@@ -33,9 +37,10 @@ public:
 private:
     IndexCursor(PageCache& cache, PageNo table, PageNo root)
         : cache_(&cache), table_(table), root_(root) {}
-    [[nodiscard]] Result<IndexPage> Open(PageNo page);
+    Status Open(PageNo page);
     [[nodiscard]] Result<bool> Step();
     Status Descend(const std::string& from);
+    [[nodiscard]] Result<bool> IsInLeaf(const std::string& from);
     Status GoToNextLeaf();
 
     PageCache* cache_;
@@ -43,10 +48,12 @@ private:
     PageNo root_;
     std::string name_;
     std::string from_;
-    std::uint64_t generation_ = 0;   // of the page cache when leaf_ was read
-    std::optional<IndexPage> leaf_;  // empty at the end
-    std::size_t at_ = 0;             // the next entry of leaf_
-    std::string entry_;              // the current one whole: key, page and row
+    std::uint64_t generation_ = 0;  // of the page cache when leaf_ was read
+    PageRef leaf_;                  // empty at the end
+    IndexSearch search_;            // of leaf_
+    IndexSearch::Place at_;         // the next entry of leaf_
+    std::string entry_;             // the current one whole: key, page and row
+    std::string next_;              // memory for the one behind it
     std::string key_;
     RowId row_;
 };

@@ -190,6 +190,14 @@ Result<std::unique_ptr<Table>> Table::Open(const FileContext& file, PageNo page,
     return table;
 }
 
+std::unique_ptr<Table> Table::OpenKnown(const FileContext& file, const std::string& name,
+                                        std::shared_ptr<const TableDef> def) {
+    std::unique_ptr<Table> table(new Table(file, def->page, name));
+    table->def_ = std::move(def);
+    table->generation_ = file.cache.Generation();
+    return table;
+}
+
 Status Table::Named(const Status& status) const {
     return status.In(TableText(name_));
 }
@@ -309,6 +317,14 @@ Result<IndexCursor> Table::Seek(std::size_t realIndex, const std::string& from) 
         IndexCursor::Seek(file_.cache, page_, def_->realIndexes[realIndex].root, from);
     if (!cursor.IsOk()) return Named(cursor.GetStatus());
     return cursor;
+}
+
+Status Table::SeekAgain(IndexCursor& cursor, const std::string& from) {
+    const ReadScope scope(file_.cache);
+    JET_TRY(scope.GetStatus());
+    JET_TRY(Refresh());
+    Status status = cursor.MoveTo(from);
+    return status.IsOk() ? Status() : Named(status);
 }
 
 LongValueReader Table::OpenLongValue(const LongValue& value) const {

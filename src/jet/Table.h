@@ -97,9 +97,15 @@ public:
     [[nodiscard]] static Result<std::unique_ptr<Table>> Open(const FileContext& file, PageNo page,
                                                              std::string name);
 
+    /// The same with a definition that has been read already, while the file's state is held.
+    [[nodiscard]] static std::unique_ptr<Table> OpenKnown(const FileContext& file,
+                                                          const std::string& name,
+                                                          std::shared_ptr<const TableDef> def);
+
     [[nodiscard]] const std::string& Name() const { return name_; }
     /// As of the last Refresh().
     [[nodiscard]] const TableDef& Definition() const { return *def_; }
+    [[nodiscard]] const std::shared_ptr<const TableDef>& SharedDefinition() const { return def_; }
 
     /// Reads the definition again when another program has changed the file. Fetch, Scan and Seek
     /// do this first. Conflict when columns or indexes are no longer what they were.
@@ -122,6 +128,8 @@ public:
     /// Stands in front of the first entry that is not below `from` (key bytes; empty = the first
     /// entry). REQUIRES: CanSeek(realIndex).
     [[nodiscard]] Result<IndexCursor> Seek(std::size_t realIndex, const std::string& from);
+    /// Moves a cursor that Seek has made, for many look-ups in one index.
+    Status SeekAgain(IndexCursor& cursor, const std::string& from);
 
     // A long value's place is only good as long as nobody changes its row: fetch the row again
     // before reading a value from it after a while.

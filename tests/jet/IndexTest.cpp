@@ -1,7 +1,8 @@
+#include <random>
 #include <set>
 
 #include "jet/detail/KeyEncoder.h"
-#include "JetTesting.h"
+#include "WriterTesting.h"
 
 namespace jet {
 namespace {
@@ -95,6 +96,38 @@ TEST(IndexTest, SeeksTheFirstEntryNotBelowTheKey) {
     EXPECT_THAT(idsFrom(-5), testing::ElementsAre(1, 2, 3));
     EXPECT_THAT(idsFrom(227), testing::ElementsAre(227, 228));
     EXPECT_THAT(idsFrom(229), testing::IsEmpty());
+}
+
+// Wherever a cursor stands, and whatever has been changed since, it finds what a new one finds.
+TEST(IndexTest, MovedCursorsStandWhereNewOnesDo) {
+    TestDisk disk;
+    disk.Put(kProject, ReadWhole(Example("Brauerei.kvs")));
+    auto database = Must(Database::Open(disk, kProject, OpenMode::ReadWrite));
+    auto table = Must(database->OpenTable("TchrTrends"));
+    ASSERT_TRUE(database->Begin().IsOk());
+    std::mt19937 random(1);
+    for (std::size_t index = 0; index < table->Definition().realIndexes.size(); ++index) {
+        std::vector<Entry> entries = StoredEntries(*table, index);
+        IndexCursor moved = Must(table->Seek(index, ""));
+        for (int i = 0; i < 400; ++i) {
+            const Entry& wanted = entries[random() % entries.size()];
+            // The rows around it go now and then, and with them whole leaves.
+            if (i % 4 == 0) std::ignore = TableWriter(*table).Delete(wanted.row);
+            if (i % 5 == 0) {
+                const std::vector<Assignment> values = {{1, u"Motor"}, {2, Value(i % 7)}};
+                std::ignore = Must(TableWriter(*table).Insert(values));
+            }
+            ASSERT_TRUE(table->SeekAgain(moved, wanted.key).IsOk());
+            IndexCursor fresh = Must(table->Seek(index, wanted.key));
+            for (int step = 0; step < 3; ++step) {
+                const bool found = Must(fresh.Next());
+                ASSERT_EQ(Must(moved.Next()), found);
+                if (!found) break;
+                EXPECT_EQ(moved.Key(), fresh.Key());
+                EXPECT_EQ(moved.Row(), fresh.Row());
+            }
+        }
+    }
 }
 
 Column ColumnOf(ColumnType type) {

@@ -50,15 +50,23 @@ private:
 /// the rows, and none must be lost because it is broken. The conditions are checked again anyway.
 class IndexStream final : public TableStream {
 public:
-    IndexStream(jet::Table& table, const std::string& file, std::size_t index, std::string prefix)
+    IndexStream(jet::Table& table, const std::string& file, std::size_t index,
+                std::string prefix = {})
         : TableStream(table, file), index_(index), prefix_(std::move(prefix)) {}
+
+    /// Begins again with another key.
+    void Restart(std::string prefix) {
+        prefix_ = std::move(prefix);
+        stands_ = false;
+        given_.clear();
+        scan_.reset();
+    }
 
     bool Next(RowKey& key) override {
         if (scan_) return NextOther(key);
-        if (!cursor_) {
-            auto cursor = table_.Seek(index_, prefix_);
-            if (!cursor.IsOk()) return GiveUp(cursor.GetStatus(), key);
-            cursor_ = std::move(*cursor);
+        if (!stands_) {
+            if (jet::Status status = Seek(); !status.IsOk()) return GiveUp(status, key);
+            stands_ = true;
         }
         const auto found = cursor_->Next();
         if (!found.IsOk()) return GiveUp(found.GetStatus(), key);
@@ -69,8 +77,21 @@ public:
     }
 
 private:
+    jet::Status Seek() {
+        if (cursor_) {
+            jet::Status status = table_.SeekAgain(*cursor_, prefix_);
+            if (!status.IsOk()) cursor_.reset();
+            return status;
+        }
+        auto cursor = table_.Seek(index_, prefix_);
+        if (!cursor.IsOk()) return cursor.GetStatus();
+        cursor_ = std::move(*cursor);
+        return {};
+    }
+
     bool GiveUp(const jet::Status& status, RowKey& key) {
         if (status.Code() != jet::StatusCode::Corrupt) ThrowStatus(status, file_);
+        cursor_.reset();
         std::sort(given_.begin(), given_.end());
         scan_.emplace(table_, file_);
         return NextOther(key);
@@ -86,6 +107,7 @@ private:
     std::size_t index_;
     std::string prefix_;
     std::optional<jet::IndexCursor> cursor_;
+    bool stands_ = false;             // the cursor stands at the key
     std::vector<RowKey> given_;       // rows handed out so far
     std::optional<ScanStream> scan_;  // the index is damaged
 };
@@ -227,9 +249,9 @@ public:
             for (auto i = begin; i != end; ++i) found.push_back(i->second);
             return found;
         }
-        IndexStream stream(table_, file_, *index_,
-                           Check(table_.MakeKey(*index_, std::span(&*stored, 1)), file_));
-        for (RowKey key = 0; stream.Next(key);) found.push_back(FirstOf(key));
+        if (!stream_) stream_.emplace(table_, file_, *index_);
+        stream_->Restart(Check(table_.MakeKey(*index_, std::span(&*stored, 1)), file_));
+        for (RowKey key = 0; stream_->Next(key);) found.push_back(FirstOf(key));
         return found;
     }
 
@@ -271,6 +293,7 @@ private:
     const std::string& file_;
     std::size_t column_;
     std::optional<std::size_t> index_;
+    std::optional<IndexStream> stream_;  // of the look-ups in it
     bool hashed_ = false;
     std::unordered_multimap<std::string, jet::RowId> rows_;
 };
@@ -278,9 +301,11 @@ private:
 /// For each row of the outer table the rows of the inner one that the join finds for it.
 class JoinStream final : public KeyStream {
 public:
-    JoinStream(const RowSet& rows, const JoinOn& on, std::unique_ptr<KeyStream> outer)
+    JoinStream(const RowSet& rows, const JoinOn& on, RowReader& reader,
+               std::unique_ptr<KeyStream> outer)
         : rows_(rows),
           on_(on),
+          reader_(reader),
           outer_(std::move(outer)),
           inner_(rows.Table(1 - on.outer), rows.File(), on.innerColumn) {}
 
@@ -293,11 +318,8 @@ public:
             outerRow_ = FirstOf(outer);
             found_.clear();
             next_ = 0;
-            auto row = rows_.Table(on_.outer).Fetch(outerRow_);
-            if (!row.IsOk() && row.GetStatus().Code() == jet::StatusCode::NotFound) continue;
-            const jet::Row current = Check(std::move(row), rows_.File());
-            const jet::Value stored = Check(current.Get(on_.outerColumn), rows_.File());
-            found_ = inner_.Find(Check(FromStored(rows_.Table(on_.outer), stored), rows_.File()));
+            if (!reader_.LoadOne(on_.outer, outerRow_)) continue;
+            found_ = inner_.Find(reader_.Get(on_.outer, on_.outerColumn));
         }
         const jet::RowId innerRow = found_[next_++];
         key = on_.outer == 0 ? KeyOf(outerRow_, innerRow) : KeyOf(innerRow, outerRow_);
@@ -307,6 +329,7 @@ public:
 private:
     const RowSet& rows_;
     JoinOn on_;
+    RowReader& reader_;
     std::unique_ptr<KeyStream> outer_;
     InnerTable inner_;
     jet::RowId outerRow_;
@@ -336,7 +359,8 @@ private:
     RowKey outerKey_ = 0;
 };
 
-std::unique_ptr<KeyStream> OpenJoin(const RowSet& rows, const Conditions& conditions) {
+std::unique_ptr<KeyStream> OpenJoin(const RowSet& rows, RowReader& reader,
+                                    const Conditions& conditions) {
     std::optional<JoinOn> best;
     int bestCost = 0;
     for (const Expression* condition : conditions) {
@@ -366,7 +390,8 @@ std::unique_ptr<KeyStream> OpenJoin(const RowSet& rows, const Conditions& condit
         }
     }
     if (!best) return std::make_unique<ProductStream>(rows);
-    return std::make_unique<JoinStream>(rows, *best, OpenTable(rows, best->outer, conditions));
+    return std::make_unique<JoinStream>(rows, *best, reader,
+                                        OpenTable(rows, best->outer, conditions));
 }
 
 Conditions AllConditions(const RowSet& rows, const Expression* filter) {
@@ -384,8 +409,8 @@ Conditions AllConditions(const RowSet& rows, const Expression* filter) {
 std::unique_ptr<KeyStream> OpenStream(const RowSet& rows, const Expression* filter,
                                       RowReader& reader) {
     const Conditions conditions = AllConditions(rows, filter);
-    auto stream =
-        rows.TableCount() == 1 ? OpenTable(rows, 0, conditions) : OpenJoin(rows, conditions);
+    auto stream = rows.TableCount() == 1 ? OpenTable(rows, 0, conditions)
+                                         : OpenJoin(rows, reader, conditions);
     if (rows.Where() == nullptr && filter == nullptr) return stream;
     return std::make_unique<FilterStream>(rows, filter, reader, std::move(stream));
 }

@@ -1,6 +1,7 @@
 #include "ado/detail/RowSet.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "ado/detail/Convert.h"
 #include "ado/detail/ProviderError.h"
@@ -168,18 +169,33 @@ void RowSet::Bind(Expression& expression) const {
 bool RowReader::Load(RowKey key) {
     if (key_ == key) return true;
     key_.reset();
+    const auto known = std::exchange(loadedFirst_, std::nullopt);
     const jet::ReadScope scope = rows_.Table(0).Hold();
     Check(scope.GetStatus(), rows_.File());
     for (std::size_t i = 0; i < rows_.TableCount(); ++i) {
         const auto pointer = static_cast<std::uint32_t>(i == 0 ? key >> 32 : key);
-        auto row = rows_.Table(i).Fetch(jet::RowId::FromPointer(pointer));
-        if (!row.IsOk()) {
-            if (row.GetStatus().Code() == jet::StatusCode::NotFound) return false;
-            ThrowStatus(row.GetStatus(), rows_.File());
-        }
-        current_.at(i) = std::move(*row);
+        const jet::RowId row = jet::RowId::FromPointer(pointer);
+        if (known == i && current_.at(i).Id() == row) continue;
+        if (!Fetch(i, row)) return false;
     }
     key_ = key;
+    return true;
+}
+
+bool RowReader::LoadOne(std::size_t table, jet::RowId row) {
+    Forget();
+    if (!Fetch(table, row)) return false;
+    loadedFirst_ = table;
+    return true;
+}
+
+bool RowReader::Fetch(std::size_t table, jet::RowId row) {
+    auto fetched = rows_.Table(table).Fetch(row);
+    if (!fetched.IsOk()) {
+        if (fetched.GetStatus().Code() == jet::StatusCode::NotFound) return false;
+        ThrowStatus(fetched.GetStatus(), rows_.File());
+    }
+    current_.at(table) = std::move(*fetched);
     return true;
 }
 

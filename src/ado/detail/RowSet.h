@@ -73,17 +73,26 @@ public:
 
     /// Reads the row; false when it does not exist (any more).
     [[nodiscard]] bool Load(RowKey key);
-    void Forget() { key_.reset(); }
+    /// Reads the row of one table, for whoever looks for the other by it. A Load with this row that
+    /// follows at once does not read it again.
+    [[nodiscard]] bool LoadOne(std::size_t table, jet::RowId row);
+    void Forget() {
+        key_.reset();
+        loadedFirst_.reset();
+    }
     /// The row of one table as it was read. REQUIRES: Load has returned true.
     [[nodiscard]] const jet::Row& Current(std::size_t table) const { return current_.at(table); }
     [[nodiscard]] Value Get(std::size_t table, std::size_t column) const;
     [[nodiscard]] bool Holds(const Expression& condition) const;
 
 private:
+    [[nodiscard]] bool Fetch(std::size_t table, jet::RowId row);
+
     const RowSet& rows_;
     std::optional<RowKey> key_;
     std::array<jet::Row, RowSet::kMostTables> current_;
-    mutable jet::Value stored_;  // of the last Get, whose memory is used again
+    std::optional<std::size_t> loadedFirst_;  // the table of LoadOne, until the next Load
+    mutable jet::Value stored_;               // of the last Get, whose memory is used again
 };
 
 }  // namespace ado
