@@ -20,7 +20,8 @@ constexpr std::uint32_t kSystemFlags = 0x80000002;  // column Flags: made by the
 constexpr const char* kCatalogName = "MSysObjects";
 
 constexpr std::chrono::milliseconds kWriterWait{5'000};
-constexpr std::chrono::milliseconds kCommitWait{5'000};
+// Another program may be reading the whole of a big file.
+constexpr std::chrono::milliseconds kCommitWait{30'000};
 
 /// The columns of the catalog that matter here, by position.
 struct CatalogColumns {
@@ -111,7 +112,7 @@ Status Database::Join(Disk& disk, const std::string& path, OpenMode mode) {
 }
 
 Status Database::WhileQuiet(const std::function<Status(File&)>& action) {
-    const ReadScope scope(cache_);
+    const ReadScope scope = Hold();
     JET_TRY(scope.GetStatus());
     return action(*file_);
 }
@@ -168,6 +169,9 @@ Status Database::Begin() {
         }
         ++depth_;
         return {};
+    }
+    if (cache_.IsBeingRead()) {
+        return Status::BadArgument("nothing can be changed while one state of it is read");
     }
     JET_TRY(locks_->LockWriter(kWriterWait));
     Status status = RollBackJournal().GetStatusOrOk();

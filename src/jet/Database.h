@@ -57,6 +57,9 @@ public:
     [[nodiscard]] bool InTransaction() const { return depth_ > 0; }
 
     [[nodiscard]] jet::Format FileFormat() const { return context_.format; }
+    /// While it is there, every table shows the same committed state: for several rows that are one
+    /// answer. See ReadScope for its cost to others. No transaction begins or ends meanwhile.
+    [[nodiscard]] ReadScope Hold() { return ReadScope(cache_, ReadScope::Length::Long); }
     /// Runs `action` while no other program writes the file.
     Status WhileQuiet(const std::function<Status(File&)>& action);
     /// Computer names of the other programs that have the file open.

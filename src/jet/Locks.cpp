@@ -16,6 +16,7 @@ namespace {
 constexpr off_t kWriterLock = 0x100000000;
 constexpr off_t kPagesLock = 0x100000001;
 constexpr off_t kPresenceLock = 0x100000002;
+constexpr off_t kTurnLock = 0x100000003;  // held by a writer that waits for the pages
 
 constexpr std::chrono::milliseconds kPresenceWait{5'000};
 
@@ -52,12 +53,24 @@ public:
                               [&] { return locks_->Shared(kPagesLock, 1); });
     }
 
+    Status LetWriterFirst(std::chrono::milliseconds wait) override {
+        if (!isLockable_) return {};
+        JET_TRY(OfdLocks::Wait(wait, "another program waits to write its changes",
+                               [&] { return locks_->Shared(kTurnLock, 1); }));
+        locks_->Unlock(kTurnLock, 1);
+        return {};
+    }
+
     Status LockPages(std::span<const PageNo> changed, std::chrono::milliseconds wait) override {
         JET_TRY(OpenForWriting());
         // The other programs first: while they let this one wait, everybody can go on reading.
         if (users_ != nullptr) JET_TRY(users_->LockPages(changed, wait));
-        Status status = OfdLocks::Wait(wait, "another program goes on reading",
-                                       [&] { return locks_->Exclusive(kPagesLock, 1); });
+        const std::string what = "another program goes on reading";
+        Status status = OfdLocks::Wait(wait, what, [&] { return locks_->Exclusive(kTurnLock, 1); });
+        if (status.IsOk()) {
+            status = OfdLocks::Wait(wait, what, [&] { return locks_->Exclusive(kPagesLock, 1); });
+        }
+        locks_->Unlock(kTurnLock, 1);
         if (!status.IsOk() && users_ != nullptr) users_->UnlockPages();
         return status;
     }

@@ -35,6 +35,9 @@ public:
     /// numbers of the pages to be written.
     virtual Status LockPages(std::span<const PageNo> changed, std::chrono::milliseconds wait) = 0;
     virtual void UnlockPages() = 0;
+    /// For who is about to read for long, before it locks the pages: returns when no program waits
+    /// to write its changes. Several such readers, one behind the other, would leave it no gap.
+    virtual Status LetWriterFirst(std::chrono::milliseconds wait) = 0;
 
     /// This program's slot, 1..255.
     [[nodiscard]] virtual int User() const = 0;

@@ -111,9 +111,10 @@ public:
     /// do this first. Conflict when columns or indexes are no longer what they were.
     Status Refresh();
 
-    /// While it is there, nobody else changes the file, and several operations see it as it is at
-    /// one time. To be held for as short as possible.
-    [[nodiscard]] ReadScope Hold() const { return ReadScope(file_.cache); }
+    /// While it is there, several operations see one committed state; see ReadScope.
+    [[nodiscard]] ReadScope Hold(ReadScope::Length length = ReadScope::Length::Short) const {
+        return ReadScope(file_.cache, length);
+    }
 
     /// NotFound when there is no row at this address (any more).
     [[nodiscard]] Result<Row> Fetch(RowId id);

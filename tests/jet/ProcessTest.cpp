@@ -200,6 +200,50 @@ TEST_F(ProcessTest, TheLockFileShowsWhoIsThereAndGoesWithTheLast) {
     EXPECT_FALSE(fs::exists(lockFile));
 }
 
+TEST_F(ProcessTest, OneStateIsReadWhileAWriterWaitsAndTheWriterComesNext) {
+    auto reader = Open(OpenMode::Read);
+    auto table = Must(reader->OpenTable("TchrArchives"));
+    const RowId row = AllRows(*table).at(0).Id();
+    auto later = Must(OpenFileLocks(path_, false));
+    Status committed(StatusCode::Busy, "");
+    std::thread writer;
+    {
+        const ReadScope scope = reader->Hold();
+        ASSERT_OK(scope.GetStatus());
+        writer = std::thread([&] {
+            auto database = Open(OpenMode::ReadWrite);
+            auto rows = Must(database->OpenTable("TchrArchives"));
+            const std::size_t number = rows->Definition().FindColumn("CacheSize").value();
+            const std::array<Assignment, 1> change = {Assignment{number, Value(start_ + 1)}};
+            committed = database->Begin();
+            if (committed.IsOk()) committed = TableWriter(*rows).Update(row, change);
+            if (committed.IsOk()) committed = database->Commit();
+        });
+        // Whoever else is going to read for long finds the writer in front of him.
+        while (later->LetWriterFirst(std::chrono::milliseconds(0)).IsOk()) {
+            EXPECT_EQ(NumberIn(*table, row), start_);
+            std::this_thread::yield();
+        }
+        EXPECT_EQ(NumberIn(*table, row), start_);
+    }
+    writer.join();
+    EXPECT_TRUE(committed.IsOk()) << committed.Text();
+    ASSERT_OK(later->LetWriterFirst(std::chrono::milliseconds(0)));
+    EXPECT_EQ(NumberIn(*table, row), start_ + 1);
+}
+
+TEST_F(ProcessTest, NothingIsChangedInsideOfAReading) {
+    auto database = Open(OpenMode::ReadWrite);
+    {
+        const ReadScope scope = database->Hold();
+        ASSERT_OK(scope.GetStatus());
+        EXPECT_EQ(database->Begin().Code(), StatusCode::BadArgument);
+    }
+    ASSERT_OK(database->Begin());
+    EXPECT_TRUE(database->Hold().GetStatus().IsOk());
+    ASSERT_OK(database->Rollback());
+}
+
 TEST_F(ProcessTest, AWriterThatHasToWaitTooLongIsTold) {
     auto first = Open(OpenMode::ReadWrite);
     auto second = Open(OpenMode::ReadWrite);

@@ -15,6 +15,7 @@ public:
     void UnlockWriter() override {}
     bool IsWriterAtWork() override { return false; }
     Status LockPagesShared(std::chrono::milliseconds) override { return {}; }
+    Status LetWriterFirst(std::chrono::milliseconds) override { return {}; }
     Status LockPages(std::span<const PageNo>, std::chrono::milliseconds) override { return {}; }
     void UnlockPages() override {}
     int User() const override { return 1; }

@@ -12,6 +12,8 @@ namespace {
 
 // A commit holds the pages for as long as its writes and one sync take.
 constexpr std::chrono::milliseconds kReadWait{10'000};
+// One that waits to commit may have to wait for a reader of a big file before.
+constexpr std::chrono::milliseconds kTurnWait{60'000};
 
 }  // namespace
 
@@ -83,6 +85,12 @@ Status PageCache::BeginRead() {
         return {};
     }
     return {StatusCode::Busy, "programs that die while they write leave no time to read"};
+}
+
+Status PageCache::BeginLongRead() {
+    const bool isOuter = readers_ == 0 && !inTransaction_;
+    if (isOuter && locks_ != nullptr) JET_TRY(locks_->LetWriterFirst(kTurnWait));
+    return BeginRead();
 }
 
 void PageCache::EndRead() {

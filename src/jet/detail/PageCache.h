@@ -72,6 +72,9 @@ public:
     // nest; see ReadScope.
     Status BeginRead();
     void EndRead();
+    /// As BeginRead, for what takes longer than a few pages: lets a writer that waits go first.
+    Status BeginLongRead();
+    [[nodiscard]] bool IsBeingRead() const { return readers_ > 0; }
 
     /// Asks the file whether another program has changed it since the last call, and forgets all
     /// pages when it may have. Generation() is then a new number. Conflict when it is another
@@ -160,10 +163,15 @@ private:
     std::uint32_t stepPageCount_ = 0;
 };
 
-/// One reading operation.
+/// One reading operation: while it is there, everything that is read is of one committed state,
+/// and nobody writes. To be held for no longer than the file takes to be read: never while
+/// something else is waited for, such as a user or the reader of a pipe.
 class ReadScope {
 public:
-    explicit ReadScope(PageCache& cache) : cache_(cache), status_(cache.BeginRead()) {}
+    enum class Length { Short, Long };
+    explicit ReadScope(PageCache& cache, Length length = Length::Short)
+        : cache_(cache),
+          status_(length == Length::Short ? cache.BeginRead() : cache.BeginLongRead()) {}
     ~ReadScope() {
         if (status_.IsOk()) cache_.EndRead();
     }
