@@ -225,9 +225,12 @@ Status TableWriter::Assign(RowImage& image, std::vector<Value>& values,
         if (!fits) {
             return Status::BadArgument("column \"" + column.name + "\": a value of another type");
         }
-        const std::vector<std::byte> data =
-            text != nullptr ? EncodeText(*text, column.MayCompress()) : *binary;
-        JET_ASSIGN(bytes, LongValueWriter(file_.cache, column).Store(data));
+        std::vector<std::byte> encoded;
+        if (text != nullptr) {
+            JET_ASSIGN(encoded, EncodeText(column, *text));
+        }
+        JET_ASSIGN(bytes,
+                   LongValueWriter(file_.cache, column).Store(text != nullptr ? encoded : *binary));
     } else if (value.index() != 0) {
         JET_ASSIGN(bytes, EncodeValue(column, value));
     }

@@ -26,6 +26,10 @@ long=$(printf 'Kommentar mit Umläuten äöüß %.0s' 1 2 3 4 5 6)
 "$kvs" delete "$project" TchrTrends "ArchiveID = 6"
 "$kvs" delete "$project" TidxTexts "ID > 1100"
 "$kvs" set "$project" TalmClasses "ID = 1" "Description=$long$long$long$long" "Since=2026-11-21T10:20:30"
+# U+FEFF in front must not be taken for the mark of a compressed text.
+mark=$'\xEF\xBB\xBF'
+"$kvs" set "$project" TalmClasses "ID = 2" "Description=$mark$mark"
+"$kvs" set "$project" TchrTrends "ArchiveID = 3" "Comment=${mark}Größe" "Unit=${mark}°C"
 "$kvs" check "$project" | grep '^error' && exit 1
 compare() {
     python3 "$here/compare_with_mdbtools.py" "$kvs" "$1"

@@ -1,3 +1,4 @@
+#include "jet/detail/RowEncoder.h"
 #include "jet/detail/TextDecoder.h"
 #include "jet/TextKey.h"
 #include "JetTesting.h"
@@ -86,6 +87,29 @@ TEST(TextTest, DecodesEveryFormInPiecesOfAnySize) {
             EXPECT_EQ(text, c.text);
         }
     }
+}
+
+// U+FEFF looks like the mark of the compressed form.
+TEST(TextTest, ALeadingMarkIsPartOfTheText) {
+    Column column;
+    column.type = ColumnType::Memo;
+    for (const std::u16string text : {u"\uFEFF", u"\uFEFF\uFEFF", u"\uFEFFabc", u"\uFEFF ä\xFF",
+                                      u"\uFEFFa\u20AC b", u"a\uFEFF", u"\uFFFE", u""}) {
+        SCOPED_TRACE(ToUtf8(text));
+        std::u16string decoded;
+        TextDecoder(nullptr).Append(Must(EncodeText(column, text)), decoded);
+        EXPECT_EQ(decoded, text);
+    }
+    for (const std::u16string text : {u"\uFEFF\u0100", u"\uFEFFa\u4E00"}) {
+        EXPECT_EQ(EncodeText(column, text).GetStatusOrOk().Code(), StatusCode::BadArgument);
+    }
+    // A Text column holds it too, as far as there is room for the longer form.
+    column.type = ColumnType::Text;
+    column.length = 20;
+    EXPECT_TRUE(EncodeValue(column, std::u16string(u"\uFEFFabc")).IsOk());
+    EXPECT_TRUE(EncodeValue(column, u"\uFEFF" + std::u16string(9, u'a')).IsOk());
+    EXPECT_EQ(EncodeValue(column, u"\uFEFF" + std::u16string(9, u'\u20AC')).GetStatus().Code(),
+              StatusCode::TooLong);
 }
 
 TEST(TextTest, Utf8GoesThereAndBackAndMarksWhatIsNoText) {

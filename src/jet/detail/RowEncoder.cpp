@@ -13,6 +13,44 @@ using ByteVector = std::vector<std::byte>;
 constexpr std::size_t kShortestCompressed = 3;    // characters
 constexpr std::size_t kLongestCompressed = 1024;  // characters; longer memos are stored plain
 
+bool IsNarrow(char16_t c) {
+    return c >= 1 && c <= 0xFF;
+}
+
+/// Such a text, stored plain, would be taken for a compressed one.
+bool IsMarked(std::u16string_view text) {
+    return !text.empty() && text.front() == u'\uFEFF';
+}
+
+void AppendPlain(std::u16string_view text, ByteVector& bytes) {
+    const Bytes plain = std::as_bytes(std::span(text));
+    bytes.insert(bytes.end(), plain.begin(), plain.end());
+}
+
+void AppendNarrow(std::u16string_view text, ByteVector& bytes) {
+    for (const char16_t c : text) bytes.push_back(static_cast<std::byte>(c));
+}
+
+/// The compressed form, which leads to two-byte units and for a narrow rest back again.
+Result<ByteVector> EncodeMarked(const Column& column, std::u16string_view text) {
+    ByteVector bytes = {std::byte{0xFF}, std::byte{0xFE}, std::byte{0}};
+    AppendPlain(text.substr(0, 1), bytes);
+    text.remove_prefix(1);
+    if (!text.empty() && std::all_of(text.begin(), text.end(), IsNarrow)) {
+        bytes.push_back(std::byte{0});
+        AppendNarrow(text, bytes);
+        return bytes;
+    }
+    // A unit that begins with a byte 0 would lead back in its middle.
+    if (std::any_of(text.begin(), text.end(), [](char16_t c) { return (c & 0xFF) == 0; })) {
+        return Status::BadArgument(
+            "column \"" + column.name +
+            "\": a text that begins with U+FEFF cannot hold U+0000, U+0100, U+0200 and so on");
+    }
+    AppendPlain(text, bytes);
+    return bytes;
+}
+
 template <typename T>
 ByteVector BytesOf(T value) {
     ByteVector bytes(sizeof value);
@@ -42,12 +80,23 @@ Result<ByteVector> EncodeInteger(const Column& column, std::int32_t value) {
 Result<ByteVector> EncodeTextValue(const Column& column, std::u16string_view text) {
     const std::size_t most = column.length / 2;
     if (text.size() > most) return TooLong(column, text.size(), most, "characters");
-    // Stored plain, such a text would be taken for a compressed one.
-    if (!text.empty() && text.front() == u'\uFEFF') text.remove_prefix(1);
-    if (!column.IsFixed()) return EncodeText(text, column.MayCompress());
-    std::u16string padded(text);
-    padded.resize(most, u' ');
-    return EncodeText(padded, false);
+    ByteVector bytes;
+    if (column.IsFixed()) {
+        if (IsMarked(text)) {
+            return Status::BadArgument("column \"" + column.name +
+                                       "\": a column of fixed length takes no text that begins "
+                                       "with U+FEFF");
+        }
+        std::u16string padded(text);
+        padded.resize(most, u' ');
+        AppendPlain(padded, bytes);
+        return bytes;
+    }
+    JET_ASSIGN(bytes, EncodeText(column, text));
+    if (bytes.size() > column.length) {
+        return TooLong(column, bytes.size(), column.length, "bytes with U+FEFF in front");
+    }
+    return bytes;
 }
 
 Result<ByteVector> EncodeBinary(const Column& column, const Binary& value) {
@@ -79,16 +128,19 @@ Result<ByteVector> EncodeDecimal(const Column& column, const Decimal& value) {
 
 }  // namespace
 
-ByteVector EncodeText(std::u16string_view text, bool mayCompress) {
-    const bool compress =
-        mayCompress && text.size() >= kShortestCompressed && text.size() <= kLongestCompressed &&
-        std::all_of(text.begin(), text.end(), [](char16_t c) { return c >= 1 && c <= 0xFF; });
-    if (!compress) {
-        const Bytes plain = std::as_bytes(std::span(text));
-        return {plain.begin(), plain.end()};
+Result<ByteVector> EncodeText(const Column& column, std::u16string_view text) {
+    if (IsMarked(text)) return EncodeMarked(column, text);
+    const bool compress = column.MayCompress() && text.size() >= kShortestCompressed &&
+                          text.size() <= kLongestCompressed &&
+                          std::all_of(text.begin(), text.end(), IsNarrow);
+    ByteVector bytes;
+    if (compress) {
+        bytes.reserve(2 + text.size());
+        bytes = {std::byte{0xFF}, std::byte{0xFE}};
+        AppendNarrow(text, bytes);
+    } else {
+        AppendPlain(text, bytes);
     }
-    ByteVector bytes = {std::byte{0xFF}, std::byte{0xFE}};
-    for (const char16_t c : text) bytes.push_back(static_cast<std::byte>(c));
     return bytes;
 }
 

@@ -44,7 +44,9 @@ private:
 /// BadArgument when the type does not fit, TooLong when the value does not.
 [[nodiscard]] Result<std::vector<std::byte>> EncodeValue(const Column& column, const Value& value);
 
-/// Text in the shorter of the two stored forms that the column allows.
-[[nodiscard]] std::vector<std::byte> EncodeText(std::u16string_view text, bool mayCompress);
+/// Text in the shorter of the two stored forms that the column allows, of any length. One that
+/// begins with U+FEFF has the compressed form in any case; BadArgument when that cannot express it.
+[[nodiscard]] Result<std::vector<std::byte>> EncodeText(const Column& column,
+                                                        std::u16string_view text);
 
 }  // namespace jet
