@@ -13,6 +13,8 @@
 #include <tuple>
 #include <utility>
 
+#include "jet/detail/Descriptor.h"
+
 namespace jet {
 namespace {
 
@@ -26,18 +28,7 @@ public:
     PosixFile& operator=(const PosixFile&) = delete;
 
     Result<std::size_t> Read(std::uint64_t offset, std::span<std::byte> into) const override {
-        std::size_t done = 0;
-        while (done < into.size()) {
-            const ssize_t count = ::pread(descriptor_, into.data() + done, into.size() - done,
-                                          static_cast<off_t>(offset + done));
-            if (count < 0 && errno == EINTR) continue;
-            if (count < 0) {
-                return Status::FromErrno(errno, "reading at offset " + std::to_string(offset));
-            }
-            if (count == 0) break;
-            done += static_cast<std::size_t>(count);
-        }
-        return done;
+        return ReadAt(descriptor_, offset, into);
     }
 
     Result<FileStamp> Stamp() const override {
@@ -61,17 +52,7 @@ public:
     }
 
     Status Write(std::uint64_t offset, std::span<const std::byte> bytes) override {
-        while (!bytes.empty()) {
-            const ssize_t count =
-                ::pwrite(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(offset));
-            if (count < 0 && errno == EINTR) continue;
-            if (count < 0) {
-                return Status::FromErrno(errno, "writing at offset " + std::to_string(offset));
-            }
-            offset += static_cast<std::uint64_t>(count);
-            bytes = bytes.subspan(static_cast<std::size_t>(count));
-        }
-        return {};
+        return WriteAt(descriptor_, offset, bytes);
     }
 
     Status Sync() override {
