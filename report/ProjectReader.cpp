@@ -68,8 +68,8 @@ ProjectReader::ProjectReader() = default;
 ProjectReader::~ProjectReader() = default;
 
 void ProjectReader::Open(const QString& path) {
-    connection_.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + ToUtf8(path) +
-                     ";Mode=Read|Share Deny None;");
+    connection_.OpenSnapshot("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + ToUtf8(path) +
+                             ";Mode=Read|Share Deny None;");
     OpenSource(archiveRows_, kArchives, kArchiveColumnNames);
     OpenSource(trendRows_, kTrends, kTrendColumnNames);
     try {

@@ -23,7 +23,8 @@ struct Problem {
     QString detail;  // provider's description, column, or the number that leads nowhere
 };
 
-/// Reads a project for the report, in portions, and changes nothing in it.
+/// Reads a project for the report, in portions, and changes nothing in it. What it reads is the
+/// project as it was when it was opened, whatever others change while the report is shown.
 ///
 /// Collect goes through all rows once and keeps a place for each: eight bytes a trend. The rows
 /// themselves are read again when they are shown, so a project of any size needs little memory.

@@ -1,6 +1,8 @@
 #include "addin/Connect.h"
 
 #include <QScopeGuard>
+#include <utility>
+#include <vector>
 
 #include "addin/ArchiveIcon.h"
 #include "addin/MKVSGlobalEditors.h"
@@ -194,14 +196,17 @@ void Connect::FillArchiveNodes(projectdb::RowFailures& unreadable) {
     ado::Recordset& archives = project_.Environment().Recordset(Command::Archives);
     const std::size_t id = archives.FieldIndex("ID");
     const std::size_t name = archives.FieldIndex("Name");
-    projectdb::RowWalk walk(archives, unreadable);
-    for (bool found = walk.First(); found; found = walk.Next()) {
-        walk.Read([&] {
-            const QString text = projectdb::ToQString(ado::ToText(archives.Get(name)));
-            const QString key = projectdb::ArchiveNodeKey(ado::ToLong(archives.Get(id)));
-            host_->AddNode(kRootKey, text, key, {}, kIconKey, {});
-        });
+    std::vector<std::pair<QString, QString>> nodes;  // text and key
+    {
+        projectdb::RowWalk walk(archives, unreadable);
+        for (bool found = walk.First(); found; found = walk.Next()) {
+            walk.Read([&] {
+                nodes.emplace_back(projectdb::ToQString(ado::ToText(archives.Get(name))),
+                                   projectdb::ArchiveNodeKey(ado::ToLong(archives.Get(id))));
+            });
+        }
     }
+    for (const auto& [text, key] : nodes) host_->AddNode(kRootKey, text, key, {}, kIconKey, {});
 }
 
 void Connect::RemoveArchiveNodes() {

@@ -7,6 +7,7 @@
 #include "ado/detail/ConnectionRep.h"
 #include "ado/detail/ProviderError.h"
 #include "ado/Recordset.h"
+#include "jet/UnnamedFile.h"
 #include "paths/NativePath.h"
 
 namespace ado {
@@ -73,17 +74,9 @@ void RequireOpen(const Connection& connection) {
     }
 }
 
-}  // namespace
-
-Connection::Connection() : rep_(std::make_unique<Rep>()) {}
-
-Connection::~Connection() {
-    if (State() == ObjectState::Open) Close();
-}
-
-void Connection::Open(std::string_view connectionString, std::string_view /*userId*/,
-                      std::string_view /*password*/, int /*options*/) {
-    if (State() == ObjectState::Open) {
+/// The file that a connection string names, for a connection that is closed.
+std::string TakeSource(const Connection& connection, std::string_view connectionString) {
+    if (connection.State() == ObjectState::Open) {
         throw AdoError(ErrorNumber::kObjectOpen,
                        "The operation is not allowed while the connection is open.");
     }
@@ -97,29 +90,68 @@ void Connection::Open(std::string_view connectionString, std::string_view /*user
         throw AdoError(ErrorNumber::kInvalidArgument,
                        "The connection string names no data source.");
     }
-    const std::string native = paths::ToNative(source);
+    return source;
+}
+
+jet::Result<std::unique_ptr<jet::Database>> OpenDatabase(const std::string& native) {
     auto database = jet::Database::Open(jet::SystemDisk(), native, jet::OpenMode::ReadWrite);
     if (!database.IsOk() && database.GetStatus().Code() == jet::StatusCode::Permission) {
         // What may not be written can still be looked at.
         database = jet::Database::Open(jet::SystemDisk(), native, jet::OpenMode::Read);
     }
-    if (!database.IsOk() && database.GetStatus().Code() == jet::StatusCode::NotFound) {
+    return database;
+}
+
+void RequireOpened(const jet::Status& status, const std::string& source) {
+    if (status.IsOk()) return;
+    if (status.Code() == jet::StatusCode::NotFound) {
+        const std::string native = paths::ToNative(source);
         std::string text = "Could not find file \"" + source + "\"";
         if (native != source) text += " (looked for \"" + native + "\")";
         throw AdoError(ErrorNumber::kUnspecified, text + ".");
     }
-    if (!database.IsOk()) {
-        throw AdoError(ErrorNumber::kUnspecified,
-                       "\"" + source + "\": " + database.GetStatus().Text() + ".");
-    }
-    rep_->database = std::move(*database);
-    if (rep_->database->HasPassword()) {
-        rep_->database.reset();
+    throw AdoError(ErrorNumber::kUnspecified, "\"" + source + "\": " + status.Text() + ".");
+}
+
+}  // namespace
+
+Connection::Connection() : rep_(std::make_unique<Rep>()) {}
+
+Connection::~Connection() {
+    if (State() == ObjectState::Open) Close();
+}
+
+void Connection::Open(std::string_view connectionString, std::string_view /*userId*/,
+                      std::string_view /*password*/, int /*options*/) {
+    const std::string source = TakeSource(*this, connectionString);
+    auto database = OpenDatabase(paths::ToNative(source));
+    RequireOpened(database.GetStatusOrOk(), source);
+    TakeDatabase(std::move(*database), source);
+}
+
+void Connection::OpenSnapshot(std::string_view connectionString) {
+    const std::string source = TakeSource(*this, connectionString);
+    auto database = jet::Database::Open(paths::ToNative(source));
+    RequireOpened(database.GetStatusOrOk(), source);
+    std::unique_ptr<jet::File> copy;
+    const jet::Status copied = (*database)->WhileQuiet([&](const jet::File& file) -> jet::Status {
+        JET_ASSIGN(copy, jet::CopyToUnnamedFile(file));
+        return {};
+    });
+    RequireOpened(copied, source);
+    database = jet::Database::Open(std::move(copy));
+    RequireOpened(database.GetStatusOrOk(), source);
+    TakeDatabase(std::move(*database), source);
+}
+
+void Connection::TakeDatabase(std::unique_ptr<jet::Database> database, const std::string& source) {
+    if (database->HasPassword()) {
         throw AdoError(ErrorNumber::kNotAuthorised,
                        "\"" + source +
                            "\": not a valid password. Remove the file's password where "
                            "it was given.");
     }
+    rep_->database = std::move(database);
     rep_->source = source;
 }
 
@@ -168,5 +200,17 @@ std::vector<std::string> Connection::TableNames() const {
 std::vector<Recordset*> Connection::OpenRecordsets() const {
     return rep_->recordsets;
 }
+
+struct OneState::Rep {
+    jet::ReadScope scope;
+};
+
+OneState::OneState(const Connection& connection) {
+    RequireOpen(connection);
+    rep_.reset(new Rep{connection.rep_->database->Hold()});
+    Check(rep_->scope.GetStatus(), connection.rep_->source);
+}
+
+OneState::~OneState() = default;
 
 }  // namespace ado

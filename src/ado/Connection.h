@@ -5,6 +5,10 @@
 #include <string_view>
 #include <vector>
 
+namespace jet {
+class Database;
+}
+
 namespace ado {
 
 class Recordset;
@@ -30,6 +34,9 @@ public:
     /// `options` is the provider's own and ignored. The connection stays closed when it fails.
     void Open(std::string_view connectionString, std::string_view userId = {},
               std::string_view password = {}, int options = -1);
+    /// As Open, for reading the state that the file has now, however long that takes: it is copied
+    /// to a temporary file, and nobody else's changes are seen any more.
+    void OpenSnapshot(std::string_view connectionString);
     void Close();  // fails when it is closed already, like every operation below but State
 
     // Changes between BeginTrans and CommitTrans are in the file all or not at all. A transaction
@@ -49,6 +56,28 @@ public:
 
 private:
     friend class Recordset;
+    friend class OneState;
+    struct Rep;
+    void TakeDatabase(std::unique_ptr<jet::Database> database, const std::string& source);
+
+    std::unique_ptr<Rep> rep_;
+};
+
+/// While it is there, everything that is read through the connection is of one committed state, and
+/// other programs wait with their changes: for rows that make up one answer, read at one go. No
+/// change through the connection begins or ends meanwhile. Throws AdoError when another program
+/// does not end its change in time.
+class OneState {
+public:
+    /// `connection` is open, and borrowed.
+    explicit OneState(const Connection& connection);
+    /// Of the connection on which a recordset is open.
+    explicit OneState(const Recordset& rows);
+    ~OneState();
+    OneState(const OneState&) = delete;
+    OneState& operator=(const OneState&) = delete;
+
+private:
     struct Rep;
     std::unique_ptr<Rep> rep_;
 };

@@ -510,6 +510,8 @@ void Recordset::Requery() {
     Opened().Restart();
 }
 
+OneState::OneState(const Recordset& rows) : OneState(rows.Opened().connection) {}
+
 void Recordset::Resync() {
     Rep& rep = Opened();
     CancelUpdate();

@@ -126,6 +126,7 @@ public:
 
 private:
     friend class Connection;
+    friend class OneState;
     struct Rep;
     /// Throws when the recordset is closed.
     [[nodiscard]] Rep& Opened() const;

@@ -3,7 +3,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -65,6 +67,13 @@ using Value = std::variant<Null, bool, std::int32_t, float, double, Currency, Da
 [[nodiscard]] inline bool IsNull(const Value& value) {
     return value.index() == 0;
 }
+
+/// The number that a text as a whole stands for, with '.', blanks around it aside. Empty for what
+/// is none, and for "inf" and "nan".
+[[nodiscard]] std::optional<double> ToNumber(std::u16string_view text);
+/// An amount as a decimal number, to the last of its four places. Places beyond are rounded, halves
+/// to the even digit. Empty for what is no plain decimal number and for what is too great.
+[[nodiscard]] std::optional<Currency> ToCurrency(std::u16string_view text);
 
 // Conversions that every reader of a field needs. Null gives the stated default.
 [[nodiscard]] std::u16string ToText(const Value& value);  // Null: empty; numbers with '.'

@@ -191,8 +191,8 @@ void RecordsetModel::fetchMore(const QModelIndex& parent) {
 
 void RecordsetModel::ReadPortion(std::vector<Row>& portion) {
     complete_ = true;  // and stays so when something is thrown
-    if (lastRead_) recordset_->SetBookmark(*lastRead_);
     projectdb::RowWalk walk(*recordset_, missing_);
+    if (lastRead_) recordset_->SetBookmark(*lastRead_);
     for (bool found = lastRead_ ? walk.Next() : walk.First(); found; found = walk.Next()) {
         if (portion.size() == kPortion) {
             complete_ = false;

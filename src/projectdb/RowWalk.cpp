@@ -25,6 +25,15 @@ QString RowFailures::Text(QString more) const {
     return text;
 }
 
+RowWalk::RowWalk(ado::Recordset& recordset, RowFailures& failures)
+    : recordset_(recordset), failures_(failures) {
+    try {
+        state_.emplace(recordset);
+    } catch (const ado::AdoError& error) {
+        failures_.Note(error);
+    }
+}
+
 bool RowWalk::First() {
     return Repeat([this] {
         // An empty recordset has no first row to move to.
@@ -40,6 +49,7 @@ bool RowWalk::Next() {
 /// that it has failed for.
 template <typename Step>
 bool RowWalk::Repeat(Step step) {
+    if (!state_) return false;
     std::optional<ado::AdoError> first;
     for (int failed = 0; failed < kMaximumSteps; ++failed) {
         try {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "ado/AdoError.h"
+#include "ado/Connection.h"
 #include "ado/Recordset.h"
 #include "projectdb/Guard.h"
 
@@ -28,14 +29,16 @@ private:
 /// One way forward through the rows of a recordset that passes over those that cannot be read and
 /// notes them. Where the way itself is blocked it is given up, which counts as one failure.
 ///
+/// All rows are of one committed state, as long as the walk is there: it is no place to change
+/// anything, nor to ask the user.
+///
 ///     for (bool found = walk.First(); found; found = walk.Next()) {
 ///         walk.Read([&] { ... recordset.Get(...) ... });
 ///     }
 class RowWalk {
 public:
     /// Both are borrowed.
-    RowWalk(ado::Recordset& recordset, RowFailures& failures)
-        : recordset_(recordset), failures_(failures) {}
+    RowWalk(ado::Recordset& recordset, RowFailures& failures);
 
     /// To the first row that can be reached; false when there is none.
     [[nodiscard]] bool First();
@@ -58,6 +61,7 @@ private:
 
     ado::Recordset& recordset_;
     RowFailures& failures_;
+    std::optional<ado::OneState> state_;  // empty: the way is blocked, and that has been noted
 };
 
 }  // namespace projectdb

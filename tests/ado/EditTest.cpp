@@ -299,5 +299,65 @@ TEST_F(EditTest, ATransactionIsStoredWholeOrNotAtAll) {
     EXPECT_NE(ErrorOf([&] { connection_.CommitTrans(); }), 0);
 }
 
+TEST_F(EditTest, ASnapshotStaysAsItWasWhenItWasOpened) {
+    Connection snapshot;
+    snapshot.OpenSnapshot(ConnectionString(path_));
+    EXPECT_EQ(ErrorOf([&] { snapshot.OpenSnapshot(ConnectionString(path_)); }),
+              ErrorNumber::kObjectOpen);
+    Recordset kept;
+    kept.Open("TchrArchives", snapshot, CommandType::Table);
+    const auto before = StoredNames();
+    rows_.Open("TchrArchives", connection_, CommandType::Table);
+    rows_.Delete();
+    rows_.MoveNext();
+    rows_.Set("Name", std::u16string(u"Neu"));
+    rows_.Update();
+    EXPECT_NE(StoredNames(), before);
+    EXPECT_EQ(Column(kept, "Name"), before);
+    kept.MoveFirst();
+    kept.Set("Name", std::u16string(u"Neu"));
+    EXPECT_NE(ErrorOf([&] { kept.Update(); }), 0) << "it is nobody's file";
+    kept.CancelUpdate();
+}
+
+TEST_F(EditTest, OneStateIsReadAndNothingChangedMeanwhile) {
+    rows_.Open("TchrArchives", connection_, CommandType::Table);
+    const std::u16string before = Text(rows_, "Name");
+    rows_.Set("Name", std::u16string(u"Neu"));
+    {
+        const OneState state(rows_);
+        EXPECT_EQ(rows_.RecordCount(), 14U);
+        EXPECT_NE(ErrorOf([&] { rows_.Update(); }), 0);
+        EXPECT_EQ(StoredNames().front(), before) << "others read beside it";
+    }
+    rows_.Update();
+    EXPECT_EQ(StoredNames().front(), u"Neu");
+    Connection closed;
+    EXPECT_EQ(ErrorOf([&] { const OneState state(closed); }), ErrorNumber::kObjectClosed);
+}
+
+TEST(AmountTest, AmountsAreReadAndWrittenToTheLastPlace) {
+    const std::pair<const char16_t*, const char16_t*> cases[] = {
+        {u"90071992547409.9301", u"90071992547409.9301"},
+        {u"-922337203685477.5808", u"-922337203685477.5808"},
+        {u" +1.50 ", u"1.5"},
+        {u".00005", u"0"},
+        {u"0.00015", u"0.0002"},
+        {u"0.000151", u"0.0002"},
+        {u"-0.0002499", u"-0.0002"},
+        {u"-0.00025", u"-0.0002"},
+        {u"7.", u"7"},
+    };
+    for (const auto& [text, expected] : cases) {
+        const auto amount = ToCurrency(text);
+        ASSERT_TRUE(amount.has_value());
+        EXPECT_EQ(ToText(*amount), expected);
+    }
+    for (const char16_t* text : {u"", u".", u"-", u"1e3", u"1,5", u"922337203685477.5808",
+                                 u"99999999999999999999999", u"0x1"}) {
+        EXPECT_FALSE(ToCurrency(text).has_value());
+    }
+}
+
 }  // namespace
 }  // namespace ado

@@ -1,12 +1,10 @@
 #include "ado/detail/Convert.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <limits>
 
 #include "ado/AdoError.h"
-#include "jet/Unicode.h"
 
 namespace ado {
 namespace {
@@ -46,22 +44,6 @@ double DecimalToDouble(const Decimal& value) {
     for (const std::byte b : value.magnitude) number = number * 256 + static_cast<double>(b);
     number /= std::pow(10.0, value.scale);
     return value.negative ? -number : number;
-}
-
-std::optional<double> ParseNumber(std::u16string_view text) {
-    std::string digits = jet::ToUtf8(text);
-    const auto blank = [](char c) { return c == ' ' || c == '\t'; };
-    while (!digits.empty() && blank(digits.back())) digits.pop_back();
-    std::size_t begin = 0;
-    while (begin < digits.size() && (blank(digits[begin]) || digits[begin] == '+')) ++begin;
-    double number = 0;
-    const char* end = digits.data() + digits.size();
-    const auto parsed = std::from_chars(digits.data() + begin, end, number);
-    // "nan" and "inf" are texts, not numbers.
-    if (parsed.ec != std::errc() || parsed.ptr != end || !std::isfinite(number)) {
-        return std::nullopt;
-    }
-    return number;
 }
 
 std::optional<jet::Value> ToInteger(const Value& value, double lowest, double highest) {
@@ -127,7 +109,7 @@ std::optional<double> AsNumber(const Value& value) {
     }
     if (const auto* t = std::get_if<Date>(&value)) return t->days;
     if (const auto* n = std::get_if<Decimal>(&value)) return DecimalToDouble(*n);
-    if (const auto* s = std::get_if<std::u16string>(&value)) return ParseNumber(*s);
+    if (const auto* s = std::get_if<std::u16string>(&value)) return ToNumber(*s);
     return std::nullopt;
 }
 
@@ -167,6 +149,10 @@ std::optional<jet::Value> ToStored(const jet::Column& column, const Value& value
 
 namespace {
 
+// In ten-thousandths, as far as a double tells numbers apart.
+constexpr double kLowestAmount = -9223372036854775808.0;
+constexpr double kHighestAmount = 9223372036854774784.0;
+
 [[noreturn]] void ThrowWrongType(const jet::Column& column) {
     throw AdoError(ErrorNumber::kWrongType,
                    "The value has a type that column \"" + column.name + "\" cannot take.");
@@ -196,6 +182,12 @@ jet::Value TextFor(const jet::Column& column, const Value& value) {
     return text;
 }
 
+[[noreturn]] void ThrowTooManyPlaces(const jet::Column& column) {
+    throw AdoError(ErrorNumber::kDoesNotFit, "The number has more decimal places than the " +
+                                                 std::to_string(column.scale) + " of column \"" +
+                                                 column.name + "\".");
+}
+
 /// Exact for a decimal of the column's scale and for texts; other numbers go by their shortest
 /// text.
 jet::Value DecimalFor(const jet::Column& column, const Value& value) {
@@ -203,6 +195,7 @@ jet::Value DecimalFor(const jet::Column& column, const Value& value) {
         decimal != nullptr && decimal->scale == column.scale) {
         return jet::Decimal{decimal->negative, decimal->scale, decimal->magnitude};
     }
+    const bool isText = std::holds_alternative<std::u16string>(value);
     const std::u16string text = ToText(value);
     jet::Decimal result;
     result.scale = column.scale;
@@ -223,7 +216,10 @@ jet::Value DecimalFor(const jet::Column& column, const Value& value) {
             continue;
         }
         if (text[at] < u'0' || text[at] > u'9') ThrowWrongType(column);
-        if (fraction && ++*fraction > column.scale) continue;  // more places than the column has
+        if (fraction && ++*fraction > column.scale) {
+            if (isText && text[at] != u'0') ThrowTooManyPlaces(column);
+            continue;
+        }
         append(static_cast<unsigned>(text[at] - u'0'));
         ++digits;
     }
@@ -267,13 +263,18 @@ jet::Value ForAssignment(const jet::Column& column, const Value& value) {
             if (const auto* exact = std::get_if<Currency>(&value)) {
                 return jet::Currency{exact->tenThousandths};
             }
-            return jet::Currency{Whole(column, real() * 10000, -9.2e18, 9.2e18)};
-        case jet::ColumnType::Single: {
-            const double number = real();
-            if (std::abs(number) > std::numeric_limits<float>::max()) {
-                Whole(column, number, 1, 0);  // out of every range
+            if (const auto* text = std::get_if<std::u16string>(&value)) {
+                if (const auto amount = ToCurrency(*text)) {
+                    return jet::Currency{amount->tenThousandths};
+                }
             }
-            return static_cast<float>(number);
+            return jet::Currency{Whole(column, real() * 10000, kLowestAmount, kHighestAmount)};
+        case jet::ColumnType::Single: {
+            constexpr double kMost = std::numeric_limits<float>::max();
+            constexpr double kRoundedToNone = 0x1.FFFFFFp127;  // half a step beyond
+            const double number = real();
+            if (std::abs(number) >= kRoundedToNone) Whole(column, number, 1, 0);  // never in range
+            return static_cast<float>(std::clamp(number, -kMost, kMost));
         }
         case jet::ColumnType::Double:
             return real();

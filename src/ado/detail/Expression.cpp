@@ -277,6 +277,10 @@ int CompareValues(const Value& a, const Value& b) {
     if (IsNull(a) || IsNull(b)) return Order(!IsNull(a), !IsNull(b));
     const auto* textA = std::get_if<std::u16string>(&a);
     const auto* textB = std::get_if<std::u16string>(&b);
+    if (const auto* amount = std::get_if<Currency>(&a)) {
+        // As numbers, great amounts would be the same that are not.
+        if (const auto* other = std::get_if<Currency>(&b)) return Order(*amount, *other);
+    }
     if (textA == nullptr || textB == nullptr) {
         const std::optional<double> numberA = AsNumber(a);
         const std::optional<double> numberB = AsNumber(b);

@@ -54,6 +54,11 @@ void RowList::Remove(std::size_t position) {
 }
 
 std::size_t RowList::Count() {
+    if (!stream_) AppendAdded();
+    if (!stream_) return keys_.Size();
+    // All rows are one answer.
+    const jet::ReadScope scope = rows_.Table(0).Hold(jet::ReadScope::Length::Long);
+    Check(scope.GetStatus(), rows_.File());
     std::ignore = Has(SIZE_MAX);  // fetches to the end; there is no such row
     return keys_.Size();
 }
@@ -80,6 +85,8 @@ std::optional<std::size_t> RowList::Find(RowKey key) {
 }
 
 void RowList::Sort() {
+    const jet::ReadScope scope = rows_.Table(0).Hold(jet::ReadScope::Length::Long);
+    Check(scope.GetStatus(), rows_.File());
     std::vector<RowKey> keys;
     std::vector<std::vector<Value>> values;
     for (RowKey key = 0; stream_->Next(key);) {
