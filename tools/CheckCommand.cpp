@@ -15,7 +15,7 @@ ExitStatus Check(const std::string& file, std::FILE* out, std::FILE* err) {
         output.Append(isError ? "error: " : "warning: ");
         output.Append(finding.text);
         output.Append('\n');
-        return output.Error().empty();
+        return !output.HasFailed();
     };
     jet::Status status;
     if (auto database = OpenFile(file); database.IsOk()) {

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/Encoding.h"
+
 namespace tools {
 
 /// Exit statuses of the tool.
@@ -39,9 +41,11 @@ enum class DumpFormat { Csv, Json };
 // They write the number of rows to `out`.
 
 /// Appends the rows of a CSV file (- = standard input) with a heading row, in the form of Dump.
-/// Columns that it does not name are Null, an AutoNumber gets the next number.
+/// Columns that it does not name are Null, an AutoNumber gets the next number. What comes through a
+/// pipe is read to its end before anything is locked.
 [[nodiscard]] ExitStatus Load(const std::string& file, const std::string& table,
-                              const std::string& csv, std::FILE* out, std::FILE* err);
+                              const std::string& csv, Encoding encoding, std::FILE* out,
+                              std::FILE* err);
 /// Assigns columns in all rows that meet the criteria; an assignment is COLUMN=VALUE, the value in
 /// the form of Dump.
 [[nodiscard]] ExitStatus Set(const std::string& file, const std::string& table,

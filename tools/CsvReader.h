@@ -1,33 +1,50 @@
 #pragma once
 
-#include <istream>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "tools/Encoding.h"
+#include "tools/InputFile.h"
+
 namespace tools {
 
-/// One field of a CSV file: nothing at all is Null, "" is an empty text.
+/// One field of a CSV file, as UTF-8: nothing at all is Null, "" is an empty text.
 using CsvField = std::optional<std::string>;
 
-/// Reads CSV after RFC 4180, record by record. Lines may end with LF alone. A UTF-8 mark at the
-/// beginning is passed over.
+/// Reads CSV after RFC 4180, record by record; the first is the heading. Lines may end with LF
+/// alone. A mark of UTF-8 at the beginning is passed over.
 class CsvReader {
 public:
     /// `in` is borrowed.
-    explicit CsvReader(std::istream& in) : in_(in) {}
+    CsvReader(InputFile& in, Encoding encoding) : in_(in), encoding_(encoding) {}
 
-    /// False at the end, and after an error.
+    /// False at the end, and after an error. The strings in `record` are used again.
     [[nodiscard]] bool Next(std::vector<CsvField>& record);
-    /// The line on which the last record began, counted from 1.
-    [[nodiscard]] std::size_t Line() const { return line_; }
-    /// What is wrong with the last record; empty when nothing is.
+    /// Where the last record began, for messages: the file, and the line counted from 1.
+    [[nodiscard]] std::string Place() const { return PlaceOf(line_); }
+    /// What is wrong, and where; empty when nothing is.
     [[nodiscard]] const std::string& Error() const { return error_; }
 
 private:
-    [[nodiscard]] bool ReadQuoted(std::string& text);
+    enum class End { Field, Record, Failure };
 
-    std::istream& in_;
+    [[nodiscard]] bool HasMore();
+    [[nodiscard]] bool PassMark();
+    [[nodiscard]] End ReadField(CsvField& field);
+    [[nodiscard]] bool ReadQuoted(std::string& text);
+    void ReadPlain(std::string& text);
+    [[nodiscard]] End ReadEnd();
+    [[nodiscard]] bool Decode(std::string& text, std::size_t column, std::size_t line);
+    [[nodiscard]] std::string PlaceOf(std::size_t line) const;
+    void Fail(std::size_t line, const std::string& what);
+
+    InputFile& in_;
+    Encoding encoding_;
+    const char* at_ = nullptr;  // the bytes that have been read and not been used
+    const char* end_ = nullptr;
+    bool hasBegun_ = false;
+    std::vector<std::string> names_;  // of the columns
     std::size_t line_ = 0;
     std::size_t nextLine_ = 1;
     std::string error_;

@@ -8,6 +8,8 @@
 namespace tools {
 namespace {
 
+constexpr std::string_view kEmpty = "\"\"";  // what is there, but has no length
+
 void AppendDoublingQuotes(std::string_view text, TextBuffer& out) {
     for (const char c : text) {
         if (c == '"') out.Append('"');
@@ -48,7 +50,10 @@ struct Appender {
     void operator()(const jet::Decimal& value) const { AppendNumber(value, out); }
     void operator()(const jet::Date& value) const { AppendDate(value, out); }
     void operator()(const jet::Guid& value) const { AppendGuid(value, out); }
-    void operator()(const jet::Binary& value) const { AppendHex(value, out); }
+    void operator()(const jet::Binary& value) const {
+        if (value.empty()) out.Append(kEmpty);
+        AppendHex(value, out);
+    }
     void operator()(const std::u16string&) const {}
     void operator()(const jet::LongValue&) const {}
 };
@@ -114,10 +119,13 @@ jet::Status CsvWriter::PutMemo(std::size_t column, jet::MemoReader& text) {
 
 jet::Status CsvWriter::PutOle(std::size_t column, jet::LongValueReader& bytes) {
     Separate(column);
-    for (;;) {
+    for (bool isEmpty = true;; isEmpty = false) {
         jet::Result<jet::Bytes> piece = bytes.Next();
         if (!piece.IsOk()) return piece.GetStatus();
-        if (piece->empty()) return {};
+        if (piece->empty()) {
+            if (isEmpty) out_.Append(kEmpty);
+            return {};
+        }
         AppendHex(*piece, out_);
     }
 }

@@ -4,9 +4,9 @@
 
 namespace tools {
 
-/// CSV after RFC 4180 with a heading row: lines end with CR LF. Null is nothing and an empty text
-/// is ""; a text is put in quotes when it is empty or holds a comma, a quote or a line break, a
-/// memo always.
+/// CSV after RFC 4180 with a heading row: lines end with CR LF. Null is nothing, an empty text
+/// or binary is ""; a text is put in quotes when it is empty or holds a comma, a quote or a line
+/// break, a memo always.
 class CsvWriter final : public RowWriter {
 public:
     explicit CsvWriter(TextBuffer& out) : out_(out) {}

@@ -38,7 +38,7 @@ void WriteValue(const jet::Table& table, const jet::Row& row, std::size_t column
 void WriteRows(jet::Table& table, jet::RowCursor& rows, RowWriter& writer, TextBuffer& output,
                Messages& messages) {
     std::vector<jet::Value> values(table.Definition().columns.size());
-    while (output.Error().empty()) {
+    while (!output.HasFailed()) {
         jet::Result<bool> found = rows.Next();
         if (!found.IsOk()) {
             messages.Report(found.GetStatus());
@@ -53,32 +53,36 @@ void WriteRows(jet::Table& table, jet::RowCursor& rows, RowWriter& writer, TextB
     }
 }
 
+jet::Status DumpTable(const std::string& file, const std::string& name, RowWriter& writer,
+                      TextBuffer& output, Messages& messages) {
+    std::unique_ptr<jet::Database> database;
+    JET_ASSIGN(database, OpenFile(file));
+    const jet::ReadScope scope = database->Hold();
+    JET_TRY(scope.GetStatus());
+    std::unique_ptr<jet::Table> table;
+    JET_ASSIGN(table, database->OpenTable(name));
+    jet::RowCursor rows;
+    JET_ASSIGN(rows, table->Scan());
+    writer.Begin(table->Definition());
+    WriteRows(*table, rows, writer, output, messages);
+    writer.End();
+    return {};
+}
+
 }  // namespace
 
 ExitStatus Dump(const std::string& file, const std::string& table, DumpFormat format,
                 std::FILE* out, std::FILE* err) {
     Messages messages(err, file);
     TextBuffer output(out);
-    const auto fail = [&](const jet::Status& status) {
-        messages.Report(status);
-        return messages.Finish(output);
-    };
-    auto database = OpenFile(file);
-    if (!database.IsOk()) return fail(database.GetStatus());
-    auto opened = (*database)->OpenTable(table);
-    if (!opened.IsOk()) return fail(opened.GetStatus());
-    auto rows = (*opened)->Scan();
-    if (!rows.IsOk()) return fail(rows.GetStatus());
-
     std::unique_ptr<RowWriter> writer;
     if (format == DumpFormat::Csv) {
         writer = std::make_unique<CsvWriter>(output);
     } else {
         writer = std::make_unique<JsonWriter>(output);
     }
-    writer->Begin((*opened)->Definition());
-    WriteRows(**opened, *rows, *writer, output, messages);
-    writer->End();
+    jet::Status status = DumpTable(file, table, *writer, output, messages);
+    if (!status.IsOk()) messages.Report(status);
     return messages.Finish(output);
 }
 

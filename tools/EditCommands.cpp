@@ -1,8 +1,7 @@
 #include <unistd.h>
 
-#include <fstream>
+#include <algorithm>
 #include <functional>
-#include <iostream>
 
 #include "ado/AdoError.h"
 #include "ado/Connection.h"
@@ -13,18 +12,25 @@
 namespace tools {
 namespace {
 
-/// Runs `edit` on a table in one transaction; it returns the number of rows it has changed. What
-/// fails leaves the file as it was.
+/// What is done to a table; the input is read before anybody else has to wait.
+struct Change {
+    std::function<void(ado::Recordset&)> prepare;
+    /// Returns the number of rows that it has changed.
+    std::function<std::size_t(ado::Recordset&)> run;
+};
+
+/// Runs `change` on a table in one transaction. What fails leaves the file as it was.
 ExitStatus Edit(const std::string& file, const std::string& table, std::FILE* out, std::FILE* err,
-                const std::function<std::size_t(ado::Recordset&)>& edit) {
+                const Change& change) {
     try {
         ado::Connection connection;
         connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file +
                         ";Mode=Read|Write|Share Deny None;");
         ado::Recordset rows;
         rows.Open(table, connection, ado::CommandType::Table);
+        change.prepare(rows);
         connection.BeginTrans();
-        const std::size_t count = edit(rows);
+        const std::size_t count = change.run(rows);
         connection.CommitTrans();
         std::fprintf(out, "%zu %s\n", count, count == 1 ? "row" : "rows");
         return std::fflush(out) == 0 ? kSuccess : kFailure;
@@ -46,8 +52,7 @@ std::pair<std::size_t, ado::Value> ParseAssignment(const ado::Recordset& rows,
     const std::size_t field = rows.FieldIndex(text.substr(0, equals));
     const std::string value = text.substr(equals + 1);
     if (value.empty()) return {field, ado::Null{}};
-    return {field, value == "\"\"" ? ado::Value(std::u16string())
-                                   : ParseValue(rows.Fields()[field], value)};
+    return {field, ParseValue(rows.Fields()[field], value == "\"\"" ? "" : value)};
 }
 
 /// Shows how far it is, on a terminal and only there.
@@ -73,17 +78,52 @@ private:
     std::size_t count_ = 0;
 };
 
-std::size_t LoadRows(ado::Recordset& rows, std::istream& in, std::FILE* err) {
-    CsvReader reader(in);
+void Require(const jet::Status& status) {
+    if (!status.IsOk()) FailInput(status.Text() + ".");
+}
+
+void RequireNoError(const CsvReader& reader) {
+    if (!reader.Error().empty()) FailInput(reader.Error() + ".");
+}
+
+/// Collects what comes through a pipe and looks through it.
+void CollectInput(InputFile& in, Encoding encoding) {
+    Require(in.Collect());
+    if (!in.IsCollected()) return;
+    CsvReader reader(in, encoding);
     std::vector<CsvField> record;
-    if (!reader.Next(record)) FailInput("There is no heading row." + reader.Error());
-    std::vector<std::size_t> fields;
-    for (const CsvField& name : record) fields.push_back(rows.FieldIndex(name.value_or("")));
-    Progress progress(err);
     while (reader.Next(record)) {
-        const std::string line = "Line " + std::to_string(reader.Line()) + ": ";
+    }
+    RequireNoError(reader);
+    in.Rewind();
+}
+
+/// The fields that the heading row names.
+std::vector<std::size_t> ReadHeading(CsvReader& reader, const ado::Recordset& rows) {
+    std::vector<CsvField> names;
+    if (!reader.Next(names)) {
+        RequireNoError(reader);
+        FailInput(reader.Place() + ": there is no heading row.");
+    }
+    std::vector<std::size_t> fields;
+    for (const CsvField& name : names) {
+        fields.push_back(rows.FieldIndex(name.value_or("")));
+        if (std::find(fields.begin(), fields.end() - 1, fields.back()) != fields.end() - 1) {
+            FailInput(reader.Place() + ": the heading row names the column \"" + *name +
+                      "\" twice.");
+        }
+    }
+    return fields;
+}
+
+std::size_t LoadRows(ado::Recordset& rows, CsvReader& reader,
+                     const std::vector<std::size_t>& fields, std::FILE* err) {
+    Progress progress(err);
+    std::vector<CsvField> record;
+    while (reader.Next(record)) {
+        const auto line = [&] { return reader.Place() + ": "; };
         if (record.size() != fields.size()) {
-            FailInput(line + std::to_string(record.size()) + " values instead of " +
+            FailInput(line() + std::to_string(record.size()) + " values instead of " +
                       std::to_string(fields.size()) + ".");
         }
         try {
@@ -95,13 +135,11 @@ std::size_t LoadRows(ado::Recordset& rows, std::istream& in, std::FILE* err) {
             rows.Update();
         } catch (const ado::AdoError& error) {
             rows.CancelUpdate();
-            throw ado::AdoError(error.Number(), line + error.Description());
+            throw ado::AdoError(error.Number(), line() + error.Description());
         }
         progress.Step();
     }
-    if (!reader.Error().empty()) {
-        FailInput("Line " + std::to_string(reader.Line()) + ": " + reader.Error() + ".");
-    }
+    RequireNoError(reader);
     return progress.Count();
 }
 
@@ -109,9 +147,19 @@ std::size_t LoadRows(ado::Recordset& rows, std::istream& in, std::FILE* err) {
 
 ExitStatus Set(const std::string& file, const std::string& table, const std::string& criteria,
                const std::vector<std::string>& assignments, std::FILE* out, std::FILE* err) {
-    return Edit(file, table, out, err, [&](ado::Recordset& rows) {
-        std::vector<std::pair<std::size_t, ado::Value>> values;
-        for (const std::string& text : assignments) values.push_back(ParseAssignment(rows, text));
+    std::vector<std::pair<std::size_t, ado::Value>> values;
+    const auto prepare = [&](ado::Recordset& rows) {
+        for (const std::string& text : assignments) {
+            values.push_back(ParseAssignment(rows, text));
+            const auto isSame = [&](const auto& value) {
+                return value.first == values.back().first;
+            };
+            if (std::find_if(values.begin(), values.end(), isSame) != values.end() - 1) {
+                FailInput("\"" + text + "\" names its column a second time.");
+            }
+        }
+    };
+    const auto run = [&](ado::Recordset& rows) {
         rows.SetFilter(criteria);
         // Counted first: a change may put a row to another place of an index.
         const std::size_t count = rows.RecordCount();
@@ -120,32 +168,36 @@ ExitStatus Set(const std::string& file, const std::string& table, const std::str
             rows.Update();
         }
         return count;
-    });
+    };
+    return Edit(file, table, out, err, {prepare, run});
 }
 
 ExitStatus Delete(const std::string& file, const std::string& table, const std::string& criteria,
                   std::FILE* out, std::FILE* err) {
-    return Edit(file, table, out, err, [&](ado::Recordset& rows) {
+    const auto run = [&](ado::Recordset& rows) {
         rows.SetFilter(criteria);
         const std::size_t count = rows.RecordCount();
         for (std::size_t i = 0; i < count; ++i, rows.MoveNext()) rows.Delete();
         return count;
-    });
+    };
+    return Edit(file, table, out, err, {[](ado::Recordset&) {}, run});
 }
 
 ExitStatus Load(const std::string& file, const std::string& table, const std::string& csv,
-                std::FILE* out, std::FILE* err) {
-    std::ifstream opened;
-    if (csv != "-") {
-        opened.open(csv, std::ios::binary);
-        if (!opened) {
-            std::fprintf(err, "kvs: %s cannot be opened\n", csv.c_str());
-            return kFailure;
-        }
+                Encoding encoding, std::FILE* out, std::FILE* err) {
+    InputFile in;
+    if (const jet::Status status = in.Open(csv); !status.IsOk()) {
+        std::fprintf(err, "kvs: %s\n", status.Text().c_str());
+        return kFailure;
     }
-    return Edit(file, table, out, err, [&](ado::Recordset& rows) {
-        return LoadRows(rows, csv == "-" ? std::cin : opened, err);
-    });
+    CsvReader reader(in, encoding);
+    std::vector<std::size_t> fields;
+    const auto prepare = [&](ado::Recordset& rows) {
+        CollectInput(in, encoding);
+        fields = ReadHeading(reader, rows);
+    };
+    const auto run = [&](ado::Recordset& rows) { return LoadRows(rows, reader, fields, err); };
+    return Edit(file, table, out, err, {prepare, run});
 }
 
 }  // namespace tools

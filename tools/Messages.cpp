@@ -5,21 +5,21 @@
 namespace tools {
 
 void Messages::Report(const jet::Status& status) {
-    if (++count_ <= kMost) {
-        std::fprintf(stream_, "kvs: %s: %s\n", file_.c_str(), status.Text().c_str());
-    }
+    if (++count_ <= kMost) texts_.push_back(status.Text());
 }
 
 ExitStatus Messages::Finish(TextBuffer& out) {
-    out.Flush();
-    if (!out.Error().empty()) {
-        std::fprintf(stream_, "kvs: writing failed: %s\n", out.Error().c_str());
-        return kFailure;
+    out.Finish();
+    for (const std::string& text : texts_) {
+        std::fprintf(stream_, "kvs: %s: %s\n", file_.c_str(), text.c_str());
     }
     if (count_ > kMost) {
-        std::fprintf(stream_, "kvs: %s: %d more messages\n", file_.c_str(), count_ - kMost);
+        std::fprintf(stream_, "kvs: %s: %zu more messages\n", file_.c_str(), count_ - kMost);
     }
-    return count_ == 0 ? kSuccess : kFailure;
+    if (!out.Error().empty()) {
+        std::fprintf(stream_, "kvs: writing failed: %s\n", out.Error().c_str());
+    }
+    return count_ == 0 && !out.HasFailed() ? kSuccess : kFailure;
 }
 
 jet::Result<std::unique_ptr<jet::Database>> OpenFile(const std::string& file) {

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include "jet/Database.h"
 #include "tools/Commands.h"
@@ -10,21 +11,24 @@
 namespace tools {
 
 /// Messages about one file: "kvs: FILE: ...". They end after a while, so that a file that is
-/// damaged all over does not flood the terminal.
+/// damaged all over does not flood the terminal, and are kept until the end, since the terminal may
+/// take its time while the file is held.
 class Messages {
 public:
     Messages(std::FILE* stream, std::string file) : stream_(stream), file_(std::move(file)) {}
 
     void Report(const jet::Status& status);
-    /// The status with which the command ends; flushes `out` and reports when that fails.
+    /// Waits for `out` and shows the messages, also what has become of `out`. The status with which
+    /// the command ends. REQUIRES: the file is no longer held.
     [[nodiscard]] ExitStatus Finish(TextBuffer& out);
 
 private:
-    static constexpr int kMost = 100;
+    static constexpr std::size_t kMost = 100;
 
     std::FILE* stream_;
     std::string file_;
-    int count_ = 0;
+    std::size_t count_ = 0;
+    std::vector<std::string> texts_;  // the first kMost
 };
 
 /// Opens the project file that the user named, in either form of path. The messages name the file.

@@ -25,10 +25,12 @@ constexpr const char* kHelp =
     "                             refused while other programs have it open\n"
     "  load FILE TABLE CSV        append the rows of a CSV file as dump writes it; - = standard "
     "input\n"
+    "    --encoding utf-8|windows-1252\n"
+    "                             how its characters are stored (default: utf-8)\n"
     "  set FILE TABLE CRITERIA COLUMN=VALUE...\n"
     "                             change all rows that meet the criteria, such as \"ID = 7\"; a "
     "VALUE\n"
-    "                             is as in CSV: nothing is Null, \"\" an empty text\n"
+    "                             is as in CSV: nothing is Null, \"\" an empty text or binary\n"
     "  delete FILE TABLE CRITERIA delete all rows that meet the criteria; \"\" = all rows\n"
     "\n"
     "Options:\n"
@@ -50,6 +52,7 @@ ExitStatus WrongUsage(const std::string& what, std::FILE* err) {
 
 struct Options {
     std::string format;
+    std::string encoding;
     std::vector<std::string> lcids;
 };
 
@@ -60,6 +63,9 @@ ExitStatus RunCommand(const std::vector<std::string>& words, const Options& opti
     const std::string& format = options.format;
     if (!format.empty() && command != "dump") {
         return WrongUsage(command + ": --format is for dump", err);
+    }
+    if (!options.encoding.empty() && command != "load") {
+        return WrongUsage(command + ": --encoding is for load", err);
     }
     if (!options.lcids.empty() && command != "new") {
         return WrongUsage(command + ": --lcid is for new", err);
@@ -82,7 +88,13 @@ ExitStatus RunCommand(const std::vector<std::string>& words, const Options& opti
     }
     if (command == "load") {
         if (words.size() != 4) return WrongUsage("load: FILE, TABLE and CSV are needed", err);
-        return Load(words[1], words[2], words[3], out, err);
+        const auto encoding = EncodingOf(options.encoding.empty() ? "utf-8" : options.encoding);
+        if (!encoding) {
+            return WrongUsage("load: unknown encoding '" + options.encoding +
+                                  "'; there are utf-8 and windows-1252",
+                              err);
+        }
+        return Load(words[1], words[2], words[3], *encoding, out, err);
     }
     if (command == "set") {
         if (words.size() < 5) {
@@ -110,11 +122,13 @@ ExitStatus RunCommand(const std::vector<std::string>& words, const Options& opti
 }  // namespace
 
 ExitStatus Run(int argc, char** argv, std::FILE* out, std::FILE* err) {
-    static constexpr std::array<option, 5> kOptions = {{{"help", no_argument, nullptr, 'h'},
-                                                        {"version", no_argument, nullptr, 'V'},
-                                                        {"format", required_argument, nullptr, 'f'},
-                                                        {"lcid", required_argument, nullptr, 'l'},
-                                                        {nullptr, 0, nullptr, 0}}};
+    static constexpr std::array<option, 6> kOptions = {
+        {{"help", no_argument, nullptr, 'h'},
+         {"version", no_argument, nullptr, 'V'},
+         {"format", required_argument, nullptr, 'f'},
+         {"encoding", required_argument, nullptr, 'e'},
+         {"lcid", required_argument, nullptr, 'l'},
+         {nullptr, 0, nullptr, 0}}};
     Options options;
     optind = 1;
     opterr = 0;
@@ -126,6 +140,7 @@ ExitStatus Run(int argc, char** argv, std::FILE* out, std::FILE* err) {
             return WrongUsage(
                 std::string("unknown or incomplete option '") + argv[optind - 1] + "'", err);
         if (found == 'f') options.format = optarg;
+        if (found == 'e') options.encoding = optarg;
         if (found == 'l') options.lcids.emplace_back(optarg);
     }
     return RunCommand({argv + optind, argv + argc}, options, out, err);

@@ -24,24 +24,18 @@ std::uint64_t CountRows(jet::Table& table, Messages& messages) {
     }
 }
 
-}  // namespace
-
-ExitStatus Tables(const std::string& file, std::FILE* out, std::FILE* err) {
-    Messages messages(err, file);
-    TextBuffer output(out);
-    const auto fail = [&](const jet::Status& status) {
-        messages.Report(status);
-        return messages.Finish(output);
-    };
-    auto database = OpenFile(file);
-    if (!database.IsOk()) return fail(database.GetStatus());
+jet::Status ListTables(const std::string& file, TextBuffer& output, Messages& messages) {
+    std::unique_ptr<jet::Database> database;
+    JET_ASSIGN(database, OpenFile(file));
+    const jet::ReadScope scope = database->Hold();
+    JET_TRY(scope.GetStatus());
     std::vector<jet::Status> damage;
-    auto tables = (*database)->Tables(&damage);
-    if (!tables.IsOk()) return fail(tables.GetStatus());
+    std::vector<jet::CatalogEntry> tables;
+    JET_ASSIGN(tables, database->Tables(&damage));
     for (const jet::Status& status : damage) messages.Report(status);
-    for (const jet::CatalogEntry& entry : *tables) {
+    for (const jet::CatalogEntry& entry : tables) {
         if (!entry.isUserTable) continue;
-        auto table = (*database)->OpenTable(entry);
+        auto table = database->OpenTable(entry);
         if (!table.IsOk()) {
             messages.Report(table.GetStatus());
             continue;
@@ -51,6 +45,16 @@ ExitStatus Tables(const std::string& file, std::FILE* out, std::FILE* err) {
         output.Append(std::to_string(CountRows(**table, messages)));
         output.Append('\n');
     }
+    return {};
+}
+
+}  // namespace
+
+ExitStatus Tables(const std::string& file, std::FILE* out, std::FILE* err) {
+    Messages messages(err, file);
+    TextBuffer output(out);
+    jet::Status status = ListTables(file, output, messages);
+    if (!status.IsOk()) messages.Report(status);
     return messages.Finish(output);
 }
 

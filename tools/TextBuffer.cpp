@@ -1,14 +1,27 @@
 #include "tools/TextBuffer.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <system_error>
 
 namespace tools {
+namespace {
+
+/// Memory counts as a file: it takes everything at once.
+bool IsFile(std::FILE* stream) {
+    struct stat info {};
+    const int descriptor = ::fileno(stream);
+    return descriptor < 0 || (::fstat(descriptor, &info) == 0 && S_ISREG(info.st_mode));
+}
+
+}  // namespace
 
 TextBuffer::TextBuffer(std::FILE* stream)
     : stream_(stream),
+      spool_(IsFile(stream) ? nullptr : std::make_unique<Spool>(stream)),
       block_(std::make_unique_for_overwrite<char[]>(kBlock)),
       end_(block_.get()),
       limit_(end_ + kBlock) {}
@@ -26,10 +39,21 @@ void TextBuffer::Append(std::string_view text) {
 void TextBuffer::Flush() {
     const auto size = static_cast<std::size_t>(end_ - block_.get());
     end_ = block_.get();
-    if (!error_.empty()) return;
-    if (std::fwrite(block_.get(), 1, size, stream_) != size || std::fflush(stream_) != 0) {
+    if (hasFailed_ || size == 0) return;
+    if (spool_) {
+        hasFailed_ = !spool_->Put(std::string(block_.get(), size));
+    } else if (std::fwrite(block_.get(), 1, size, stream_) != size || std::fflush(stream_) != 0) {
+        hasFailed_ = true;
         error_ = std::generic_category().message(errno);
     }
+}
+
+void TextBuffer::Finish() {
+    Flush();
+    if (!spool_) return;
+    spool_->Finish();
+    error_ = spool_->Error();
+    hasFailed_ = !error_.empty() || spool_->IsClosedByReader();
 }
 
 }  // namespace tools

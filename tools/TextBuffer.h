@@ -6,10 +6,13 @@
 #include <string>
 #include <string_view>
 
+#include "tools/Spool.h"
+
 namespace tools {
 
-/// Text on its way to a stream: gathered in one block, written when the block is full. Remembers
-/// the first failed write and drops everything behind it.
+/// Text on its way to a stream: gathered in one block, handed on when the block is full. A file
+/// gets it at once, everything else through a Spool, so that nobody is kept waiting by a slow
+/// reader. Remembers the first failed write and drops everything behind it.
 class TextBuffer {
 public:
     /// `stream` is borrowed.
@@ -34,7 +37,14 @@ public:
     void Commit(char* end) { end_ = end; }
 
     void Flush();
-    /// Why a write failed; empty when none has.
+    /// What is written from now on is dropped: there is no use in making more of it.
+    [[nodiscard]] bool HasFailed() const { return hasFailed_; }
+
+    /// Waits until everything has been written, or writing has failed. Nothing follows.
+    void Finish();
+    // To be asked after Finish().
+    /// Why a write failed; empty when none has, or when the reader has closed the pipe, as `head`
+    /// does when it has enough: that is no failure to speak of.
     [[nodiscard]] const std::string& Error() const { return error_; }
 
     static constexpr std::size_t kBlock = std::size_t{64} << 10;  // bytes
@@ -43,9 +53,11 @@ private:
     static constexpr std::size_t kMostDigits = 40;
 
     std::FILE* stream_;
+    std::unique_ptr<Spool> spool_;  // null for a file
     std::unique_ptr<char[]> block_;
     char* end_;
     char* limit_;
+    bool hasFailed_ = false;
     std::string error_;
 };
 

@@ -1,6 +1,8 @@
 #include "tools/ValueParser.h"
 
+#include <charconv>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <optional>
 #include <string>
@@ -81,16 +83,66 @@ std::optional<ado::Date> ParseDate(const std::string& text) {
     return ado::Date{days < 0 ? days - time : days + time};
 }
 
+std::optional<double> ParseNumber(std::string_view text) {
+    double number = 0;
+    const char* end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, number);
+    if (parsed.ec == std::errc() && parsed.ptr == end && std::isfinite(number)) return number;
+    return ado::ToNumber(jet::ToUtf16(text));
+}
+
+/// A number that has no places behind the point, though it may be written with them.
+std::optional<double> ParseWhole(std::string_view text) {
+    const auto number = ParseNumber(text);
+    return number && std::trunc(*number) == *number ? number : std::nullopt;
+}
+
+/// Digits that the column cannot hold would be lost.
+bool IsMoney(std::string_view text) {
+    constexpr std::size_t kMostPlaces = 4;
+    const std::size_t point = text.find('.');
+    if (point == std::string_view::npos) return true;
+    const std::size_t last = text.find_last_not_of('0');
+    return last <= point + kMostPlaces;
+}
+
+/// What stands for a date outside the years that are written as such.
+std::optional<ado::Date> ParseDays(std::string_view text) {
+    const auto number = ParseNumber(text);
+    constexpr double kFirstDay = -693593;    // 0001-01-01
+    constexpr double kBehindLast = 2958466;  // 10000-01-01
+    if (!number || (*number >= kFirstDay && *number < kBehindLast)) return std::nullopt;
+    return ado::Date{*number};
+}
+
 }  // namespace
 
 ado::Value ParseValue(const ado::Field& field, std::string_view text) {
     switch (field.type) {
+        case ado::DataType::UnsignedTinyInt:
+        case ado::DataType::SmallInt:
+        case ado::DataType::Integer: {
+            std::int32_t plain = 0;
+            const char* end = text.data() + text.size();
+            const auto parsed = std::from_chars(text.data(), end, plain);
+            if (parsed.ec == std::errc() && parsed.ptr == end && !text.empty()) return plain;
+            if (const auto number = ParseWhole(text)) return *number;
+            Fail(field, text, "whole number");
+        }
+        case ado::DataType::Single:
+        case ado::DataType::Double:
+            if (const auto number = ParseNumber(text)) return *number;
+            Fail(field, text, "number");
+        case ado::DataType::Currency:
+            if (ParseNumber(text) && IsMoney(text)) return jet::ToUtf16(text);
+            Fail(field, text, "amount of money with at most four decimal places");
         case ado::DataType::Boolean:
             if (text == "true") return true;
             if (text == "false") return false;
             Fail(field, text, "true or false");
         case ado::DataType::Date:
             if (const auto date = ParseDate(std::string(text))) return *date;
+            if (const auto date = ParseDays(text)) return *date;
             Fail(field, text, "date such as 2026-11-21T10:20:30");
         case ado::DataType::VarBinary:
         case ado::DataType::LongVarBinary:
@@ -100,7 +152,7 @@ ado::Value ParseValue(const ado::Field& field, std::string_view text) {
             if (const auto guid = ParseGuid(text)) return *guid;
             Fail(field, text, "GUID");
         default:
-            // Numbers are read by the assignment itself.
+            // A decimal is read by the assignment itself.
             return jet::ToUtf16(text);
     }
 }

@@ -8,6 +8,7 @@ namespace jet {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
+constexpr char32_t kMalformed = 0xFFFFFFFF;  // no code point
 
 void AppendCodePoint(char32_t c, std::string& out) {
     const auto tail = [&](int shift) { out += static_cast<char>(0x80 | ((c >> shift) & 0x3F)); };
@@ -35,22 +36,22 @@ bool IsLow(char16_t unit) {
     return (unit & 0xFC00) == 0xDC00;
 }
 
-/// Reads one code point at `at` and moves behind it; a malformed byte stands for kReplacement.
+/// Reads one code point at `at` and moves behind it; a malformed byte gives kMalformed.
 char32_t NextCodePoint(std::string_view text, std::size_t& at) {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned char lead = byte(at++);
     if (lead < 0x80) return lead;
     const int more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
-    if (lead < 0xC2 || lead > 0xF4) return kReplacement;
+    if (lead < 0xC2 || lead > 0xF4) return kMalformed;
     char32_t c = lead & (0x3F >> more);
     for (int i = 0; i < more; ++i) {
-        if (at >= text.size() || (byte(at) & 0xC0) != 0x80) return kReplacement;
+        if (at >= text.size() || (byte(at) & 0xC0) != 0x80) return kMalformed;
         c = c << 6 | (byte(at++) & 0x3F);
     }
     constexpr std::array<char32_t, 4> kSmallest = {0, 0x80, 0x800, 0x10000};
     const bool valid = c >= kSmallest.at(static_cast<std::size_t>(more)) && c <= 0x10FFFF &&
                        (c < 0xD800 || c > 0xDFFF);
-    return valid ? c : kReplacement;
+    return valid ? c : kMalformed;
 }
 
 }  // namespace
@@ -85,11 +86,20 @@ std::string ToUtf8(std::u16string_view text) {
     return out;
 }
 
+std::optional<std::size_t> FindInvalidUtf8(std::string_view text) {
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t begin = at;
+        if (NextCodePoint(text, at) == kMalformed) return begin;
+    }
+    return std::nullopt;
+}
+
 std::u16string ToUtf16(std::string_view text) {
     std::u16string out;
     out.reserve(text.size());
     for (std::size_t at = 0; at < text.size();) {
-        const char32_t c = NextCodePoint(text, at);
+        char32_t c = NextCodePoint(text, at);
+        if (c == kMalformed) c = kReplacement;
         if (c < 0x10000) {
             out += static_cast<char16_t>(c);
         } else {

@@ -22,27 +22,6 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-struct Outcome {
-    ExitStatus status = kSuccess;
-    std::string out;
-    std::string err;
-};
-
-Outcome RunTool(std::vector<std::string> words) {
-    words.insert(words.begin(), "kvs");
-    std::vector<char*> arguments;
-    for (std::string& word : words) arguments.push_back(word.data());
-    Outcome outcome;
-    outcome.err = Written([&](std::FILE* err) {
-        outcome.out = Written([&](std::FILE* out) {
-            outcome.status = Run(static_cast<int>(arguments.size()), arguments.data(), out, err);
-        });
-    });
-    return outcome;
-}
-
-const std::string kBrewery = std::string(KV_EXAMPLES) + "/Brauerei.kvs";
-
 TEST(CommandTest, ListsTheTablesWithTheirRows) {
     const Outcome outcome = RunTool({"tables", kBrewery});
     EXPECT_EQ(outcome.status, kSuccess);
@@ -83,7 +62,7 @@ TEST(CommandTest, AKilledLoadLeavesTheOldRowsOrAll) {
         const pid_t child = ::fork();
         if (child == 0) {
             std::FILE* out = std::fopen("/dev/null", "w");
-            ::_exit(Load(project, "TidxTexts", csv, out, out));
+            ::_exit(Load(project, "TidxTexts", csv, Encoding::Utf8, out, out));
         }
         ::usleep(static_cast<useconds_t>(round * 2500));
         ::kill(child, SIGKILL);
@@ -159,6 +138,8 @@ TEST(CommandTest, TellsSuccessFailureAndWrongUsageApart) {
         {{"tables", "--nonsense"}, kUsage, "--nonsense"},
         {{"check"}, kUsage, "FILE"},
         {{"check", "a", "--format=csv"}, kUsage, "--format"},
+        {{"dump", "a", "b", "--encoding=utf-8"}, kUsage, "--encoding"},
+        {{"load", "a", "b", "c", "--encoding=latin-9"}, kUsage, "'latin-9'"},
         {{"check", std::string(KV_TEST_DATA) + "/test2V1997.mdb"}, kFailure, "only Jet 4"},
         {{"tables", "/nonexistent/x.kvs"}, kFailure, "/nonexistent/x.kvs"},
         {{"tables", KV_EXAMPLES}, kFailure, "folder"},
@@ -222,26 +203,6 @@ TEST(CommandTest, ChecksAFile) {
     EXPECT_EQ(damaged.err, "");
 }
 
-/// A copy of a project that goes with the test.
-class ProjectCopy {
-public:
-    explicit ProjectCopy(const std::string& original) {
-        std::string pattern = std::filesystem::temp_directory_path() / "kvs-XXXXXX";
-        folder_ = ::mkdtemp(pattern.data());
-        std::filesystem::copy_file(original, Path());
-    }
-    ~ProjectCopy() { std::filesystem::remove_all(folder_); }
-    ProjectCopy(const ProjectCopy&) = delete;
-    ProjectCopy& operator=(const ProjectCopy&) = delete;
-
-    [[nodiscard]] std::string Path(const std::string& name = "project.kvs") const {
-        return folder_ / name;
-    }
-
-private:
-    std::filesystem::path folder_;
-};
-
 // What dump writes, load reads: the same rows in another file.
 TEST(CommandTest, LoadedRowsDumpTheSame) {
     const ProjectCopy target(std::string(KV_TEST_DATA) + "/Leer.kvs");
@@ -286,7 +247,29 @@ TEST(CommandTest, AChangeThatFailsChangesNothing) {
     std::ofstream(copy.Path("short.csv")) << "ID,LCID\n7,1036\n8\n";
     std::ofstream(copy.Path("open.csv")) << "ID,Font\n7,\"Arial\n";
     std::ofstream(copy.Path("column.csv")) << "ID,Colour\n7,1\n";
+    std::ofstream(copy.Path("twice.csv")) << "ID,LCID,id\n7,1036,8\n";
+    std::ofstream(copy.Path("behind.csv")) << "ID,Font\n7,\"Arial\"8\n";
+    std::ofstream(copy.Path("part.csv")) << "ID,LCID\n7,1036\n8,1.5\n";
+    // As a spreadsheet with the station's code page writes it.
+    std::ofstream(copy.Path("bytes.csv")) << "ID,Font,kbLayout\n7,\"a\nM\xFCller\",1\n";
+    std::ofstream(copy.Path("half.csv")) << "ID,Font\n7,M\xC3\n";
+    std::ofstream(copy.Path("free.csv")) << "ID,Font\n7,\xE4\x81\n";
+    std::ofstream(copy.Path("marked.csv")) << "\xEF\xBB\xBFID,Font\n7,a\n";
+    const auto load = [&](const char* csv, const char* encoding = "utf-8") {
+        return std::vector<std::string>{"load",         copy.Path(),  "TcfgLanguages",
+                                        copy.Path(csv), "--encoding", encoding};
+    };
     const Case cases[] = {
+        {load("twice.csv"), "the column \"id\" twice"},
+        {load("behind.csv"), "Line 2: something stands between a closing quote"},
+        {load("part.csv"), "Line 3: Column \"LCID\": \"1.5\" is no whole number"},
+        {load("bytes.csv"), "Line 3: column 2 (\"Font\"), character 4: the byte FC is no UTF-8"},
+        {load("half.csv"), "Line 2: column 2 (\"Font\"), character 2: the byte C3"},
+        {load("free.csv", "windows-1252"), "character 2: the byte 81"},
+        {load("marked.csv", "windows-1252"), "mark of UTF-8"},
+        {{"set", copy.Path(), "TcfgLanguages", "", "LCID=1.5"}, "\"1.5\" is no whole number"},
+        {{"set", copy.Path(), "TcfgLanguages", "", "LCID=1", "lcid=2"}, "a second time"},
+        {{"set", copy.Path(), "TcfgLanguages", "", "LCID=\"\""}, "\"\" is no whole number"},
         {{"load", copy.Path(), "TcfgLanguages", copy.Path("double.csv")}, "Line 4"},
         {{"load", copy.Path(), "TcfgLanguages", copy.Path("short.csv")}, "1 values instead of 2"},
         {{"load", copy.Path(), "TcfgLanguages", copy.Path("open.csv")}, "closing quote"},
@@ -348,6 +331,7 @@ TEST(CommandTest, QuotesAndEscapesOnlyWhereNeeded) {
         {true, "true", "true"},
         {2.5, "2.5", "2.5"},
         {std::numeric_limits<double>::quiet_NaN(), "nan", "\"nan\""},
+        {jet::Binary{}, "\"\"", "\"\""},
         {jet::Binary{std::byte{0}, std::byte{0xAB}}, "00ab", "\"00ab\""},
         {jet::Guid{}, "{00000000-0000-0000-0000-000000000000}",
          "\"{00000000-0000-0000-0000-000000000000}\""},

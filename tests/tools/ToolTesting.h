@@ -1,8 +1,13 @@
 #pragma once
 
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
+
+#include "tools/Commands.h"
 
 namespace tools {
 
@@ -17,5 +22,47 @@ namespace tools {
     std::free(text);
     return result;
 }
+
+struct Outcome {
+    ExitStatus status = kSuccess;
+    std::string out;
+    std::string err;
+};
+
+/// Runs the program with these arguments.
+[[nodiscard]] inline Outcome RunTool(std::vector<std::string> words) {
+    words.insert(words.begin(), "kvs");
+    std::vector<char*> arguments;
+    for (std::string& word : words) arguments.push_back(word.data());
+    Outcome outcome;
+    outcome.err = Written([&](std::FILE* err) {
+        outcome.out = Written([&](std::FILE* out) {
+            outcome.status = Run(static_cast<int>(arguments.size()), arguments.data(), out, err);
+        });
+    });
+    return outcome;
+}
+
+inline const std::string kBrewery = std::string(KV_EXAMPLES) + "/Brauerei.kvs";
+
+/// A copy of a project that goes with the test.
+class ProjectCopy {
+public:
+    explicit ProjectCopy(const std::string& original) {
+        std::string pattern = std::filesystem::temp_directory_path() / "kvs-XXXXXX";
+        folder_ = ::mkdtemp(pattern.data());
+        std::filesystem::copy_file(original, Path());
+    }
+    ~ProjectCopy() { std::filesystem::remove_all(folder_); }
+    ProjectCopy(const ProjectCopy&) = delete;
+    ProjectCopy& operator=(const ProjectCopy&) = delete;
+
+    [[nodiscard]] std::string Path(const std::string& name = "project.kvs") const {
+        return folder_ / name;
+    }
+
+private:
+    std::filesystem::path folder_;
+};
 
 }  // namespace tools
