@@ -103,7 +103,8 @@ bool HtmlExportTask::DoSection(std::size_t index) {
 
 bool HtmlExportTask::Finish() {
     Write(writer_.FileFoot());
-    if (!file_.commit()) {
+    // Committing alone does not tell that the last bytes, still in memory, find no room.
+    if (!file_.flush() || !file_.commit()) {
         throw TaskError{texts_(Text::CannotWrite).arg(file_.fileName(), file_.errorString())};
     }
     return true;

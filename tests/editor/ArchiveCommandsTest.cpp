@@ -68,8 +68,9 @@ TEST_F(ArchiveCommandsTest, ANewArchiveTakesTheFirstFreeName) {
 TEST_F(ArchiveCommandsTest, AProjectWithoutARootGroupGetsGroupsAtTheTop) {
     for (const bool isNew : {false, true}) {
         isNew ? OpenNew() : OpenEmpty();
+        InsertForeignGroup(0);  // at the top as well, and no place for archives
         Content expected = Read();
-        AddNewArchive(expected, 1, 1, 1, 0, "Neues Archiv");
+        AddNewArchive(expected, 1, 2, 1, 0, "Neues Archiv");
         EXPECT_EQ(archives_.New(kGerman), 1);
         EXPECT_EQ(Read(), expected);
         project_.CloseDatabase();
@@ -174,6 +175,7 @@ TEST_F(ArchiveCommandsTest, ARenamedArchiveTakesItsNodeGroupAndTextAlong) {
         {"a text not there", 8, 10, 0}, {"no text", 9, 11, 0},
     };
     OpenEdgeCases();
+    for (const std::int32_t archive : {1, 12}) InsertForeignGroup(archive);
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         Content expected = Read();

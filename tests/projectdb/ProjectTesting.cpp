@@ -66,12 +66,19 @@ Content ReadContent(const std::string& path) {
     return content;
 }
 
-std::vector<std::string> ErrorsIn(const std::string& path) {
+std::vector<std::string> ErrorsIn(const std::string& path, const std::string& expected) {
     std::vector<std::string> errors;
     const auto file = jet::OpenFile(path);
     if (!file.IsOk()) return {file.GetStatus().Text()};
     const jet::Status status = jet::Check(**file, [&](const jet::Finding& finding) {
-        if (finding.severity == jet::Finding::Severity::Error) errors.push_back(finding.text);
+        const auto holds = [&](const std::string& text) {
+            return !text.empty() && finding.text.find(text) != std::string::npos;
+        };
+        const bool isUsual = holds("different keys and has") ||
+                             holds("is deleted and still takes") || holds(expected);
+        if (finding.severity == jet::Finding::Severity::Error || !isUsual) {
+            errors.push_back(finding.text);
+        }
         return true;
     });
     if (!status.IsOk()) errors.push_back(status.Text());
@@ -104,7 +111,7 @@ ProjectTest::~ProjectTest() {
         }
         project_.CloseDatabase();
     }
-    EXPECT_THAT(ErrorsIn(path_), testing::IsEmpty());
+    EXPECT_THAT(ErrorsIn(path_, expectedWarning_), testing::IsEmpty());
 }
 
 void ProjectTest::Open() {
@@ -151,6 +158,13 @@ std::int32_t ProjectTest::Insert(const std::string& table,
     for (const auto& [name, value] : fields) rows.Set(name, value);
     rows.Update();
     return ado::ToLong(rows.Get("ID"));
+}
+
+void ProjectTest::InsertForeignGroup(std::int32_t archiveId) {
+    Insert("TidxGroups", {{"Name", std::u16string(u"Fremd")},
+                          {"ParentID", std::int32_t{0}},
+                          {"Type", std::int32_t{-5}},
+                          {"Parameter", archiveId}});
 }
 
 void Erase(std::vector<std::string>& rows, const std::set<std::int32_t>& ids) {

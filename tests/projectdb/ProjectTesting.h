@@ -21,8 +21,11 @@
 using Content = std::map<std::string, std::vector<std::string>>;
 
 [[nodiscard]] Content ReadContent(const std::string& path);
-/// What jet::Check finds wrong in a file.
-[[nodiscard]] std::vector<std::string> ErrorsIn(const std::string& path);
+/// What jet::Check finds wrong in a file, warnings included, but for the different keys that an
+/// index has had, and what other programs leave in rows they have deleted.
+/// `expected` is part of a warning more that is no error.
+[[nodiscard]] std::vector<std::string> ErrorsIn(const std::string& path,
+                                                const std::string& expected = {});
 /// The number of the AdoError that `action` throws; 0 when it throws none.
 [[nodiscard]] std::int32_t ErrorOf(const std::function<void()>& action);
 
@@ -70,11 +73,16 @@ protected:
     /// Adds a row from the outside; fields that are not named are Null. Returns its ID.
     std::int32_t Insert(const std::string& table, const std::map<std::string, ado::Value>& fields);
 
+    /// Adds a group of another editor that has the number of an archive too; only the type tells
+    /// them apart.
+    void InsertForeignGroup(std::int32_t archiveId);
+
     [[nodiscard]] Content Read() const { return ReadContent(path_); }
     [[nodiscard]] ADOArchiv& Environment() { return project_.Environment(); }
 
     QTemporaryDir folder_;
     std::string path_;
+    std::string expectedWarning_;  // of the check at the end; none when empty
     projectdb::ProjectContext project_;
     FakeStatus status_;
     FakeWindow window_{project_};
