@@ -4,6 +4,7 @@
 
 #include "languages/MResources.h"
 #include "platform/Locale.h"
+#include "project/Schema.h"
 
 namespace report {
 
@@ -22,9 +23,6 @@ constexpr int kTypeMemory = 8;
 constexpr int kTypeSafe = 16;
 constexpr int kTypeRedundancy = 64;
 constexpr int kTypeKnown = kTypeMask | kTypeMemory | kTypeSafe | kTypeRedundancy;
-
-// The last mode of the list; a larger code counts as it.
-constexpr int kNoHysteresis = 3;
 
 struct FileChangeEvent {
     QStringView english;
@@ -279,20 +277,20 @@ Lines Wording::SubstitutionWords(const TrendRow& row) const {
     return lines;
 }
 
-/// As the dialog understands it: without an amount there is no hysteresis, and the mode is limited
-/// to its list.
+/// As the dialog understands it.
 Lines Wording::HysteresisWords(const TrendRow& row) const {
-    const std::optional<int> mode = Integer(row[TC::HysteresisMode]);
     if (row[TC::Hysteresis].damaged || row[TC::HysteresisMode].damaged) {
         return {{texts_(Text::Damaged), Line::Look::Warning}};
     }
     const QString amount = Value(row[TC::Hysteresis]);
-    if (amount.isEmpty() || !mode || *mode >= kNoHysteresis) {
+    const std::int32_t mode =
+        project::HysteresisMode(!amount.isEmpty(), Integer(row[TC::HysteresisMode]).value_or(0));
+    if (mode == project::kNoHysteresis) {
         return {{texts_(Text::HysteresisNone), Line::Look::Muted}};
     }
     constexpr std::array words = {Text::HysteresisAbsolute, Text::HysteresisRange,
                                   Text::HysteresisValue};
-    return {Line{texts_(words[static_cast<std::size_t>(std::max(*mode, 0))]).arg(amount)}};
+    return {Line{texts_(words.at(static_cast<std::size_t>(mode))).arg(amount)}};
 }
 
 Lines Wording::FilterWords(const TrendRow& row) const {

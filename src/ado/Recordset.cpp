@@ -325,6 +325,25 @@ ado::EditMode Recordset::EditMode() const {
     return rep.edits.IsEmpty() ? ado::EditMode::None : ado::EditMode::InProgress;
 }
 
+std::vector<std::int32_t> Recordset::NumbersOf(std::size_t field) const {
+    const RowSet& rows = Opened().rows;
+    jet::RowCursor cursor = Check(rows.Table(0).Scan(), rows.File());
+    const std::size_t column = rows.OriginOf(field).column;
+    std::vector<std::int32_t> numbers;
+    jet::Value stored;
+    for (;;) {
+        const auto found = cursor.Next();
+        if (found.IsOk() && !*found) return numbers;
+        if (!found.IsOk() || !cursor.Current().Read(column, stored).IsOk()) continue;
+        if (const auto* number = std::get_if<std::int32_t>(&stored)) numbers.push_back(*number);
+    }
+}
+
+void Recordset::RequireWritable() const {
+    Rep& rep = Opened();
+    Check(jet::TableWriter(rep.rows.Table(0)).CheckWritable(), rep.rows.File());
+}
+
 void Recordset::Delete() {
     Rep& rep = Opened();
     if (rep.isNew) return CancelUpdate();

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <QAbstractTableModel>
 #include <QString>
 #include <QVariant>
@@ -90,6 +91,10 @@ public:
     /// far as needed; with another key it begins at the top. An empty model in between (released,
     /// then read anew) loses nothing. An invalid key never matches.
     [[nodiscard]] virtual QVariant ContentKey() const { return {}; }
+
+    /// What a text typed into a cell of the column means there: an invalid value when it is empty,
+    /// nothing when it is no value for the column. By default as the column's kind says.
+    [[nodiscard]] virtual std::optional<QVariant> ReadCell(int column, const QString& text) const;
 
     /// Writes one cell. `value` is of the column's kind: QString, qlonglong or double; invalid
     /// when the cell has been cleared. Checks of the value (an empty name) belong here. On

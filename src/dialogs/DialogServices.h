@@ -20,6 +20,8 @@ public:
 
     /// True when the name is in use.
     [[nodiscard]] virtual bool TestNameInGroup(QStringView group, const QString& name) = 0;
+    /// True when both are one name in the lists.
+    [[nodiscard]] virtual bool IsSameName(const QString& a, const QString& b) const = 0;
     virtual void ChangeNameInGroup(QStringView group, const QString& oldName,
                                    const QString& newName) = 0;
 };

@@ -1,12 +1,10 @@
 #include "dialogs/FArchiv.h"
 
-#include <span>
 #include <utility>
 
 #include "dialogs/ArchiveSummary.h"
 #include "dialogs/FolderChoice.h"
 #include "help/HelpTopics.h"
-#include "languages/KeyFilter.h"
 #include "languages/MResourceTable.h"
 #include "platform/Locale.h"
 
@@ -18,19 +16,8 @@ using namespace MResourceTable;
 constexpr int kCircularBuffer = 0;
 constexpr int kContinuationFile = 1;
 
-struct ListEntry {
-    int text;
-    int itemData;
-};
-constexpr std::array<ListEntry, 2> kTypes = {
-    {{kTextTypeCircularBuffer, 0}, {kTextTypeContinuationFile, 1}}};
-// Code 5, no recording at all, is valid in a project but not offered.
-constexpr std::array<ListEntry, 6> kSampleModes = {{{kTextSampleSynchronous, 0},
-                                                    {kTextSampleAsynchronous, 1},
-                                                    {kTextSampleXVariable, 2},
-                                                    {kTextSampleTrigger, 3},
-                                                    {kTextSampleAllOnOneChange, 4},
-                                                    {kTextSampleManual, 6}}};
+constexpr std::array<project::Code, 2> kTypes = {
+    {{0, kTextTypeCircularBuffer}, {1, kTextTypeContinuationFile}}};
 constexpr std::array<int, 2> kScanTimeUnits = {kTextUnitProcessCycles, kTextUnitMilliseconds};
 
 // The list indices of cmbSampleMode that UpdateSampleModeFields tells apart
@@ -43,13 +30,6 @@ constexpr std::array<const char16_t*, 7> kClockEvents = {u"$Year", u"$Month",  u
 
 constexpr int kCharactersShown = 64;
 
-// What may be typed, see MResources::KeyFilter
-constexpr int kNameKeys = 0;
-constexpr int kVariableKeys = 1;
-constexpr int kDigitKeys = 2;
-constexpr int kFileNameKeys = 8;
-constexpr int kPathKeys = 9;
-
 }  // namespace
 
 FArchiv::FArchiv(const DialogServices& services, QStringView nameGroup, QWidget* owner)
@@ -59,7 +39,6 @@ FArchiv::FArchiv(const DialogServices& services, QStringView nameGroup, QWidget*
     SetUpFrame({tabArchive, cmdOk, cmdCancel, cmdHelp, txtName});
     SetCaptions();
     FillLists();
-    RestrictInputs();
     ConnectControls();
     ConnectPickers();
     NameControls();
@@ -82,6 +61,19 @@ void FArchiv::SetDisplayTextAvailable(bool available) {
 
 int FArchiv::HelpTopic(int page) const {
     return help::kHelpArchiveStandard + page;
+}
+
+/// Without a count or a variable the event would be stored as none at all.
+std::optional<PropertyDialog::Objection> FArchiv::WhatIsMissing() const {
+    if (!cboNewFile->isEnabledTo(this) || !Touched(*cboNewFile)) return std::nullopt;
+    if (cboNewFile->currentIndex() == FileChange::kCount &&
+        platform::LeadingNumber(txtMaxSamples->text()) == 0) {
+        return Objection{txtMaxSamples, Text(kTextCountMissing)};
+    }
+    if (cboNewFile->currentIndex() == FileChange::kTrigger && txtNewFile->text().isEmpty()) {
+        return Objection{txtNewFile, Text(kTextTriggerMissing)};
+    }
+    return std::nullopt;
 }
 
 void FArchiv::CollectArrays() {
@@ -143,12 +135,8 @@ void FArchiv::SetCaptions() {
 }
 
 void FArchiv::FillLists() {
-    const auto fill = [this](QComboBox* combo, std::span<const ListEntry> entries) {
-        for (const ListEntry& entry : entries) combo->addItem(Text(entry.text), entry.itemData);
-        combo->setCurrentIndex(-1);  // the record selects
-    };
-    fill(cmbType, kTypes);
-    fill(cmbSampleMode, kSampleModes);
+    FillWithCodes(*cmbType, kTypes);
+    FillWithCodes(*cmbSampleMode, project::FindArchiveColumn("SampleMode")->codes);
     for (int entry = FileChange::kTrigger; entry <= FileChange::kNever; ++entry) {
         cboNewFile->addItem(Text(kTextNewFileTrigger + entry), entry);
     }
@@ -158,21 +146,6 @@ void FArchiv::FillLists() {
         path->setCurrentIndex(-1);
         path->setInsertPolicy(QComboBox::NoInsert);
         path->setCompleter(nullptr);  // would change a path's capitals to those of the entry
-    }
-}
-
-void FArchiv::RestrictInputs() {
-    MResources::RestrictInput(*txtName, kNameKeys);
-    MResources::RestrictInput(*txtFileName, kFileNameKeys);
-    for (QComboBox* path : {cboFilePath, cboRedundancyFilePath}) {
-        MResources::RestrictInput(*path, kPathKeys);
-    }
-    for (QLineEdit* variable : {txtTrigger, txtNewFile, txtXVar, txtStartStop, txtReset}) {
-        MResources::RestrictInput(*variable, kVariableKeys);
-    }
-    for (QLineEdit* number : {txtScantime, txtMaxSamples, txtCacheSize, txtAuthorizationLevel,
-                              txtMaxFiles, txtMaxSizekB}) {
-        MResources::RestrictInput(*number, kDigitKeys);
     }
 }
 
@@ -199,7 +172,7 @@ void FArchiv::ConnectControls() {
 
 void FArchiv::ConnectPickers() {
     ConnectTextEditor(cmdEditRuntimeName, txtTextID);
-    ConnectTextEditor(cmdEditFileName, txtFileName, kFileNameKeys);
+    ConnectTextEditor(cmdEditFileName, txtFileName);
     ConnectFolderPicker(cmdChoosePath[0], cboFilePath, kTextArchiveChooseFilePath);
     ConnectFolderPicker(cmdChoosePath[1], cboRedundancyFilePath,
                         kTextArchiveChooseRedundancyFilePath);

@@ -39,6 +39,7 @@ public slots:
 
 protected:
     [[nodiscard]] int HelpTopic(int page) const override;
+    [[nodiscard]] std::optional<Objection> WhatIsMissing() const override;
 
 private slots:
     void cmbType_Click();
@@ -52,7 +53,6 @@ private:
     void CollectArrays();
     void SetCaptions();
     void FillLists();
-    void RestrictInputs();
     void ConnectControls();
     void ConnectPickers();
     void ChooseFileChange();

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <initializer_list>
 #include <optional>
-#include <span>
+#include <string_view>
 #include <utility>
 
 #include "dialogs/ColourTexts.h"
@@ -17,17 +17,6 @@ namespace {
 using namespace MResourceTable;
 
 constexpr int kDigitKeys = 2;  // see MResources::KeyFilter
-
-// Texts of the lists. The position in a list is the code that is stored, and the item data.
-// No hysteresis comes last although its text has the lowest number.
-constexpr std::array kHysteresisModes = {kTextHysteresisAbsolute, kTextHysteresisOfRange,
-                                         kTextHysteresisOfValue, kTextHysteresisNone};
-constexpr std::array kFilters = {kTextFilterNone, kTextFilterAverage, kTextFilterAveraging,
-                                 kTextFilterMaximum, kTextFilterMinimum};
-constexpr std::array kLineStyles = {kTextStyleLine, kTextStyleDashed, kTextStyleDotted};
-constexpr std::array kConfigs = {kTextConfigCurveColor, kTextConfigToleranceLine, kTextConfigBoth};
-// Splines, points and bars are set elsewhere; the dialog does not offer them.
-constexpr std::array kDrawModes = {kTextDrawLines, kTextDrawStairs};
 
 constexpr int kNoFilter = 0;
 
@@ -135,15 +124,17 @@ void FTrend::SetColorTexts() {
 }
 
 void FTrend::FillLists() {
-    const auto fill = [this](QComboBox* list, std::span<const int> texts) {
-        for (const int text : texts) list->addItem(Text(text), list->count());
-        list->setCurrentIndex(-1);  // the record selects
-    };
-    fill(cmbHysteresisMode, kHysteresisModes);
-    fill(cmbFilter, kFilters);
-    fill(cmbVLineStyle, kLineStyles);
-    fill(cmbVConfig, kConfigs);
-    fill(cmbVDrawMode, kDrawModes);
+    // The position in a list is the code that is stored, and the item data. No hysteresis comes
+    // last.
+    const std::initializer_list<std::pair<QComboBox*, std::string_view>> lists = {
+        {cmbHysteresisMode, "HysteresisMode"},
+        {cmbFilter, "Filter"},
+        {cmbVLineStyle, "VLineStyle"},
+        {cmbVConfig, "VConfig"},
+        {cmbVDrawMode, "VDrawMode"}};
+    for (const auto& [list, column] : lists) {
+        FillWithCodes(*list, project::FindTrendColumn(column)->codes);
+    }
 }
 
 void FTrend::RestrictInputs() {
@@ -151,7 +142,7 @@ void FTrend::RestrictInputs() {
     // whole numbers. What is stored is shown as it is.
     for (QLineEdit* field :
          {txtFilterDepth, txtVLineWidth, txtVLower, txtVMax, txtVMaxSamples, txtVMin, txtVUpper}) {
-        MResources::RestrictInput(*field, kDigitKeys);
+        MResources::RestrictInput(*field, kDigitKeys, &Services().texts);
     }
 }
 

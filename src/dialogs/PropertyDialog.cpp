@@ -1,5 +1,8 @@
 #include "dialogs/PropertyDialog.h"
 
+#include <algorithm>
+#include <cmath>
+#include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
 #include <QKeyEvent>
@@ -12,13 +15,18 @@
 #include <QTabBar>
 #include <QTabWidget>
 #include <utility>
+#include <vector>
 
+#include "controls/KVColorSelect.h"
 #include "dialogs/AccessKeys.h"
 #include "dialogs/FieldColours.h"
+#include "dialogs/FieldMark.h"
 #include "dialogs/FolderChoice.h"
 #include "dialogs/TextDialog.h"
+#include "languages/KeyFilter.h"
 #include "languages/MResources.h"
 #include "languages/MResourceTable.h"
+#include "platform/Locale.h"
 #include "platform/MessageBox.h"
 
 namespace {
@@ -27,6 +35,33 @@ bool IsField(const QWidget* control) {
     return qobject_cast<const QLineEdit*>(control) != nullptr ||
            qobject_cast<const QComboBox*>(control) != nullptr ||
            qobject_cast<const QPlainTextEdit*>(control) != nullptr;
+}
+
+/// What the user sees or has chosen in a control; invalid for controls that hold nothing.
+QVariant ContentOf(const QWidget& control) {
+    // Before the buttons, of which it is one.
+    if (const auto* color = qobject_cast<const KVColorSelect*>(&control)) {
+        return color->HasColor() ? QVariant(color->Color()) : QVariant();
+    }
+    if (const auto* text = qobject_cast<const QLineEdit*>(&control)) return text->text();
+    if (const auto* list = qobject_cast<const QComboBox*>(&control)) {
+        return list->isEditable() ? QVariant(list->currentText()) : list->currentIndex();
+    }
+    if (const auto* button = qobject_cast<const QAbstractButton*>(&control)) {
+        return button->isCheckable() ? QVariant(button->isChecked()) : QVariant();
+    }
+    if (const auto* holder = qobject_cast<const QLabel*>(&control)) return holder->text();
+    return {};
+}
+
+std::u16string ToUtf16(const QString& text) {
+    return text.toStdU16String();
+}
+
+/// A number as it would be stored, in the user's own form.
+QString StoredNumber(const ado::Value& value, const project::NumberRange& range) {
+    const double number = std::get<double>(value);
+    return platform::NumberToText(range.integral ? std::nearbyint(number) : number);
 }
 
 /// The first control of a page that the Tab key reaches; null when there is none.
@@ -71,6 +106,11 @@ void PropertyDialog::SetUpFrame(const Frame& frame) {
 }
 
 void PropertyDialog::NameControls() {
+    for (QLineEdit* field : findChildren<QLineEdit*>()) {
+        if (!MResources::IsRestricted(*field)) {
+            MResources::RestrictInput(*field, MResources::kEveryKey, &services_.texts);
+        }
+    }
     for (const QLabel* label : findChildren<QLabel*>()) {
         if (label->buddy() != nullptr && label->buddy()->accessibleName().isEmpty()) {
             label->buddy()->setAccessibleName(WithoutAccessKey(label->text()));
@@ -88,10 +128,90 @@ void PropertyDialog::NameControls() {
 void PropertyDialog::SetOpenedName(const QString& name) {
     openedName_ = name;
     loaded_ = true;
+    loadedContents_.clear();
+    for (const QWidget* control : findChildren<QWidget*>()) {
+        loadedContents_.insert(control, ContentOf(*control));
+    }
 }
 
-void PropertyDialog::TakeBackName() {
-    services_.names.ChangeNameInGroup(nameGroup_, frame_.txtName->text(), openedName_);
+bool PropertyDialog::Touched(const QWidget& control) const {
+    const auto loaded = loadedContents_.constFind(&control);
+    return loaded == loadedContents_.constEnd() || *loaded != ContentOf(control);
+}
+
+void PropertyDialog::ShowCode(QComboBox& list, std::optional<int> code,
+                              std::span<const project::Code> codes) {
+    QString shown;
+    if (code && list.findData(*code) < 0) {
+        shown = QString::number(*code);
+        for (const project::Code& each : codes) {
+            if (each.code == *code) shown = Text(each.text) + QStringLiteral(" (%1)").arg(shown);
+        }
+    }
+    list.setPlaceholderText(shown);
+    list.setCurrentIndex(code ? list.findData(*code) : -1);
+}
+
+void PropertyDialog::SetReadOnly(QLineEdit& field) {
+    field.setReadOnly(true);
+    PaintField(&field, false);
+}
+
+void PropertyDialog::ExpectNumber(QLineEdit& field, const project::NumberRange& range) {
+    if (!numbers_.contains(&field)) {
+        connect(&field, &QLineEdit::textChanged, this, [this, &field] { MarkNumber(field); });
+    }
+    numbers_.insert(&field, range);
+}
+
+/// What has been loaded is right as it is, whatever it is.
+void PropertyDialog::MarkNumber(QLineEdit& field) {
+    using enum project::Problem;
+    const project::Reading read =
+        project::ReadDialogText(ToUtf16(field.text()), numbers_.value(&field));
+    FieldMark& mark = FieldMark::Of(field);
+    if (!loaded_ || !Touched(field) || read.problem == None) return mark.Clear();
+    if (read.problem == OutOfRange) {
+        mark.Show(Text(MResourceTable::kTextTooLarge),
+                  NumberText(field, MResourceTable::kTextNumberTooLarge));
+    } else {
+        const int text = read.problem == NotWhole ? MResourceTable::kTextWholeNumbers
+                                                  : MResourceTable::kTextNoWholeNumber;
+        mark.Show(QStringLiteral("\u2192 ") + StoredNumber(read.value, numbers_.value(&field)),
+                  NumberText(field, text));
+    }
+}
+
+/// The text with all that it can tell of the field.
+QString PropertyDialog::NumberText(const QLineEdit& field, int text) const {
+    const project::NumberRange range = numbers_.value(&field);
+    const project::Reading read = project::ReadDialogText(ToUtf16(field.text()), range);
+    return Text(text)
+        .replace(QStringLiteral("<smallest>"), platform::NumberToText(range.smallest))
+        .replace(QStringLiteral("<largest>"), platform::NumberToText(range.largest))
+        .replace(QStringLiteral("<number>"), StoredNumber(read.value, range))
+        .replace(QStringLiteral("<text>"), field.text());
+}
+
+std::optional<PropertyDialog::Objection> PropertyDialog::NumberThatDoesNotFit() const {
+    for (QLineEdit* field : findChildren<QLineEdit*>()) {
+        const auto range = numbers_.constFind(field);
+        if (range == numbers_.constEnd() || !Touched(*field)) continue;
+        if (project::ReadDialogText(ToUtf16(field->text()), *range).problem ==
+            project::Problem::OutOfRange) {
+            return Objection{field, NumberText(*field, MResourceTable::kTextNumberTooLarge)};
+        }
+    }
+    return std::nullopt;
+}
+
+void PropertyDialog::FillWithCodes(QComboBox& list, std::span<const project::Code> codes) {
+    std::vector<project::Code> offered(codes.begin(), codes.end());
+    std::erase_if(offered, [](const project::Code& code) { return !code.inDialog; });
+    std::sort(offered.begin(), offered.end(),
+              [](const auto& a, const auto& b) { return a.code < b.code; });
+    for (const project::Code& code : offered) list.addItem(Text(code.text), code.code);
+    list.setCurrentIndex(-1);  // the record selects
 }
 
 void PropertyDialog::SetIndexTextParamNames(std::optional<QString> names) {
@@ -134,10 +254,10 @@ void PropertyDialog::ConnectFolderPicker(QPushButton* button, QComboBox* field, 
     });
 }
 
-void PropertyDialog::ConnectTextEditor(QPushButton* button, QLineEdit* field, int keyFilter) {
+void PropertyDialog::ConnectTextEditor(QPushButton* button, QLineEdit* field) {
     AddPicker(button, field, MResourceTable::kTextEditText);
-    connect(button, &QPushButton::clicked, this, [this, field, keyFilter] {
-        TextDialog editor(services_.texts, *field, keyFilter, this);
+    connect(button, &QPushButton::clicked, this, [this, field] {
+        TextDialog editor(services_.texts, *field, this);
         if (editor.exec() == QDialog::Accepted) field->setText(editor.Text());
         field->setFocus();
     });
@@ -161,21 +281,29 @@ void PropertyDialog::AddPicker(QPushButton* button, QWidget* field, int toolTip)
 
 void PropertyDialog::cmdOk_Click() {
     const QString name = frame_.txtName->text();
-    if (name != openedName_ && services_.names.TestNameInGroup(nameGroup_, name)) {
-        platform::ShowMessage(Text(MResourceTable::kTextDoubleName), platform::MessageButtons::Ok,
-                              windowTitle(), this);
-        for (int page = 0; page < frame_.tabs->count(); ++page) {
-            if (frame_.tabs->widget(page)->isAncestorOf(frame_.txtName)) {
-                frame_.tabs->setCurrentIndex(page);
-            }
-        }
-        frame_.txtName->setFocus();
-        frame_.txtName->selectAll();
-        return;
+    // Another spelling of the own name is no second use of it.
+    if (!services_.names.IsSameName(name, openedName_) &&
+        services_.names.TestNameInGroup(nameGroup_, name)) {
+        return Refuse({frame_.txtName, Text(MResourceTable::kTextDoubleName)});
     }
+    if (const auto number = NumberThatDoesNotFit()) return Refuse(*number);
+    if (const auto missing = WhatIsMissing()) return Refuse(*missing);
+    if (store_ && !store_()) return;
     services_.names.ChangeNameInGroup(nameGroup_, openedName_, name);
     cancelled_ = false;
     accept();
+}
+
+/// Says what stands against OK and leads to the field where it can be put right.
+void PropertyDialog::Refuse(const Objection& objection) {
+    platform::ShowMessage(objection.text, platform::MessageButtons::Ok, windowTitle(), this);
+    for (int page = 0; page < frame_.tabs->count(); ++page) {
+        if (frame_.tabs->widget(page)->isAncestorOf(objection.field)) {
+            frame_.tabs->setCurrentIndex(page);
+        }
+    }
+    objection.field->setFocus();
+    objection.field->selectAll();
 }
 
 void PropertyDialog::cmdHelp_Click() {

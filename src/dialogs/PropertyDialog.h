@@ -1,13 +1,18 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <optional>
 #include <QDialog>
+#include <QHash>
 #include <QList>
-#include <QPointer>
 #include <QString>
+#include <QVariant>
+#include <span>
 
 #include "dialogs/DialogServices.h"
+#include "project/FieldText.h"
+#include "project/Schema.h"
 
 class QComboBox;
 class QLabel;
@@ -34,9 +39,23 @@ public:
     /// the controls have been filled: from then on the dialog answers to the user.
     void SetOpenedName(const QString& name);
     [[nodiscard]] const QString& OpenedName() const noexcept { return openedName_; }
-    /// Gives the record its old name back among the names in use. For a record that could not be
-    /// stored after OK, which has entered the new one there.
-    void TakeBackName();
+    /// Whether the control holds something else than when the record had been loaded. What does not
+    /// is not written back.
+    [[nodiscard]] bool Touched(const QWidget& control) const;
+
+    /// Stores the record; run by OK. Where it gives false, having told the user why, the dialog
+    /// stays open with all that was typed.
+    void SetStore(std::function<bool()> store) { store_ = std::move(store); }
+
+    /// Selects the entry that stands for a stored code. One that the list does not offer is shown
+    /// in grey, with its number and what it means, and selects nothing; so does Null.
+    void ShowCode(QComboBox& list, std::optional<int> code,
+                  std::span<const project::Code> codes = {});
+    /// What is stored there cannot be typed.
+    void SetReadOnly(QLineEdit& field);
+    /// The field stands for a number in this range. Where its text is none as a whole, or does not
+    /// fit, the field is marked and shows what would be stored; OK refuses what does not fit.
+    void ExpectNumber(QLineEdit& field, const project::NumberRange& range);
 
     /// `ParamNames` of the index text, carried through; nothing: Null.
     [[nodiscard]] const std::optional<QString>& IndexTextParamNames() const noexcept {
@@ -62,6 +81,13 @@ protected:
     /// Gives every field the text of its label as accessible name, and every label, option and
     /// check box without an access key one that is free on its page.
     void NameControls();
+    /// Why OK cannot store the record as it is, and the field to put that right.
+    struct Objection {
+        QLineEdit* field;
+        QString text;
+    };
+    /// Asked by OK; nothing when all that the record needs is there.
+    [[nodiscard]] virtual std::optional<Objection> WhatIsMissing() const { return std::nullopt; }
     /// Context number of the help on a page.
     [[nodiscard]] virtual int HelpTopic(int page) const = 0;
 
@@ -73,6 +99,8 @@ protected:
     /// Usable or not. Fields and drop-downs that are not stay visible on the colour of a button's
     /// face; usable ones have that of a window.
     void SetUsable(QWidget* control, bool usable);
+    /// Fills a list with the codes that dialogs offer, in their own order; none is selected.
+    void FillWithCodes(QComboBox& list, std::span<const project::Code> codes);
 
     /// Names the members of a control array `name(0)`, `name(1)`, ...
     template <typename Control, std::size_t N>
@@ -87,8 +115,7 @@ protected:
     void ConnectVariablePicker(QPushButton* button, QLineEdit* field);
     /// `title`: number of the text that names what is chosen.
     void ConnectFolderPicker(QPushButton* button, QComboBox* field, int title);
-    /// `keyFilter`: what may be typed, as for MResources::RestrictInput; -1: everything.
-    void ConnectTextEditor(QPushButton* button, QLineEdit* field, int keyFilter = -1);
+    void ConnectTextEditor(QPushButton* button, QLineEdit* field);
 
     void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
@@ -107,6 +134,10 @@ private:
     /// Tells the user where the field cannot hold what has been chosen.
     bool Fits(const QString& chosen, const QLineEdit& field);
     void AddPicker(QPushButton* button, QWidget* field, int toolTip);
+    void MarkNumber(QLineEdit& field);
+    [[nodiscard]] std::optional<Objection> NumberThatDoesNotFit() const;
+    [[nodiscard]] QString NumberText(const QLineEdit& field, int text) const;
+    void Refuse(const Objection& objection);
     void ShowNextPage(int step);
     void PaintField(QWidget* field, bool usable);
 
@@ -115,6 +146,9 @@ private:
     Frame frame_{};
     QList<QWidget*> fields_;  // whose background follows their being usable
     QList<Picker> pickers_;
+    QHash<const QWidget*, QVariant> loadedContents_;
+    QHash<const QLineEdit*, project::NumberRange> numbers_;
+    std::function<bool()> store_;
     QString openedName_;
     std::optional<QString> indexTextParamNames_;
     bool cancelled_ = true;

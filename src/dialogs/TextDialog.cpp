@@ -16,8 +16,7 @@ constexpr int kCharactersShown = 72;
 
 }  // namespace
 
-TextDialog::TextDialog(const MResources::TextTable& texts, const QLineEdit& field, int keyFilter,
-                       QWidget* owner)
+TextDialog::TextDialog(const MResources::TextTable& texts, const QLineEdit& field, QWidget* owner)
     : QDialog(owner), texts_(texts), txtText_(new QLineEdit(this)), lblCount_(new QLabel(this)) {
     setObjectName(QStringLiteral("TextDialog"));
     setWindowTitle(field.accessibleName());
@@ -27,7 +26,7 @@ TextDialog::TextDialog(const MResources::TextTable& texts, const QLineEdit& fiel
     txtText_->setMaxLength(field.maxLength());
     txtText_->setText(field.text());
     txtText_->setMinimumWidth(txtText_->fontMetrics().averageCharWidth() * kCharactersShown);
-    if (keyFilter >= 0) MResources::RestrictInput(*txtText_, keyFilter);
+    MResources::RestrictInput(*txtText_, MResources::kEveryKey, &texts);
 
     lblCount_->setObjectName(QStringLiteral("lblCount"));
     auto* ok = new QPushButton(texts.GetText(MResourceTable::kTextOk), this);

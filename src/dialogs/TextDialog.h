@@ -15,10 +15,8 @@ class TextDialog final : public QDialog {
     Q_OBJECT
 
 public:
-    /// Takes text, font, longest length and label from `field`, which stays as it is. `keyFilter`
-    /// as for MResources::RestrictInput; -1: everything.
-    TextDialog(const MResources::TextTable& texts, const QLineEdit& field, int keyFilter,
-               QWidget* owner);
+    /// Takes text, font, longest length and label from `field`, which stays as it is.
+    TextDialog(const MResources::TextTable& texts, const QLineEdit& field, QWidget* owner);
 
     [[nodiscard]] QString Text() const;
 

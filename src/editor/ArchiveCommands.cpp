@@ -4,6 +4,7 @@
 #include <tuple>
 
 #include "languages/MResourceTable.h"
+#include "project/Names.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
 #include "projectdb/Transaction.h"
@@ -14,61 +15,46 @@ using namespace Qt::Literals::StringLiterals;
 using projectdb::EditScope;
 using projectdb::NameOf;
 using projectdb::ProjectRows;
+using projectdb::ToQString;
 using projectdb::ToUtf16;
 using projectdb::ToUtf8;
 
-constexpr std::u16string_view kPlaceholder = u"@New@";
-std::int32_t AddArchive(ado::Recordset& archives, const QString& name) {
-    const EditScope scope(archives);
-    archives.AddNew();
-    archives.Set("Name", std::u16string(kPlaceholder));
-    archives.Update();
-    archives.Set("Name", ToUtf16(name));
-    archives.Update();
-    return ado::ToLong(archives.Get("ID"));
-}
-
-std::int32_t AddText(ado::Recordset& texts, std::int32_t group, const QString& name,
-                     const QString& languageColumn) {
-    const EditScope scope(texts);
-    texts.AddNew();
-    texts.Set("ParentID", group);
-    texts.Set("Name", ToUtf16(u"arch"_s + name));
-    const std::string column = ToUtf8(languageColumn);
-    if (projectdb::HasField(texts, column)) texts.Set(column, ToUtf16(name));
-    texts.Update();
-    return ado::ToLong(texts.Get("ID"));
+/// Group and index text bear the name of their archive, the current one.
+void RenameGroupAndText(std::int32_t archiveId, ProjectRows& rows) {
+    const std::u16string name = project::NameOf(rows.Archives());
+    if (rows.SeekGroup(archiveId)) {
+        const EditScope scope(rows.Groups());
+        rows.Groups().Set("Name", name);
+        rows.Groups().Update();
+    }
+    if (rows.SeekTextOf(rows.Archives())) {
+        rows.Texts().Set("Name", project::ArchiveTextName(name));
+        rows.Texts().Update();
+    }
 }
 
 }  // namespace
-
-QString ArchiveCommands::FreeName() {
-    const QString first = texts_.GetText(MResourceTable::kTextNewArchiveName);
-    QString name = first;
-    for (int n = 1; names_.TestNameInGroup(projectdb::kArchiveNames, name); ++n) {
-        name = first + u'(' + QString::number(n) + u')';
-    }
-    return name;
-}
 
 std::int32_t ArchiveCommands::New(const QString& languageColumn) {
     ADOArchiv& environment = project_.Environment();
     ProjectRows rows(environment);
     ado::Recordset& archives = rows.Archives();
     std::int32_t id = 0;
-    QString name;
+    std::u16string name;
     projectdb::CommitWhatIsDone(environment.Connection(), [&] {
         names_.NamesInGroup(projectdb::kArchiveNames, archives);
-        name = FreeName();
-        id = AddArchive(archives, name);
+        name = project::FreeName(ToUtf16(texts_.GetText(MResourceTable::kTextNewArchiveName)),
+                                 names_.UseIn(projectdb::kArchiveNames));
+        id = rows.AddArchive(name);
         const std::int32_t group = rows.AddGroup(id, name);
-        const std::int32_t text = AddText(rows.Texts(), group, name, languageColumn);
+        const std::int32_t text = rows.AddArchiveText(group, name, ToUtf8(languageColumn));
         const EditScope scope(archives);
         archives.Set("TextID", text);
         archives.Update();
+        return true;
     });
-    names_.AddNameInGroup(projectdb::kArchiveNames, name);
-    tree_.AddArchiveNode(id, name);
+    names_.AddNameInGroup(projectdb::kArchiveNames, ToQString(name));
+    tree_.AddArchiveNode(id, ToQString(name));
     return id;
 }
 
@@ -82,28 +68,37 @@ bool ArchiveCommands::Edit(std::int32_t archiveId, const EditArchive& edit) {
 
     const EditScope archiveScope(archives);
     const EditScope textScope(texts);
-    if (!edit(archives, texts)) return false;
-    archives.Update();
+    const auto save = [&] {
+        projectdb::Transaction transaction(project_.Environment().Connection());
+        if (texts.EditMode() != ado::EditMode::None) texts.Update();
+        archives.Update();
+        if (NameOf(archives) != oldName) RenameGroupAndText(archiveId, rows);
+        transaction.Commit();
+    };
+    if (!edit(archives, texts, save)) return false;
     const QString newName = NameOf(archives);
-    if (newName != oldName) Rename(archiveId, oldName, newName, rows);
+    if (newName == oldName) return true;
+    // The dialog may have changed the list already.
+    if (!names_.TestNameInGroup(projectdb::kArchiveNames, newName)) {
+        names_.ChangeNameInGroup(projectdb::kArchiveNames, oldName, newName);
+    }
+    tree_.SetArchiveNodeText(archiveId, newName);
     return true;
 }
 
-void ArchiveCommands::Rename(std::int32_t archiveId, const QString& oldName, const QString& newName,
-                             ProjectRows& rows) {
-    // The dialog may have changed the list already.
-    const bool isListed = names_.TestNameInGroup(projectdb::kArchiveNames, newName);
-    if (!isListed) names_.ChangeNameInGroup(projectdb::kArchiveNames, oldName, newName);
-    tree_.SetArchiveNodeText(archiveId, newName);
-    if (rows.SeekGroup(archiveId)) {
-        const EditScope scope(rows.Groups());
-        rows.Groups().Set("Name", ToUtf16(newName));
-        rows.Groups().Update();
-    }
-    if (rows.SeekTextOf(rows.Archives())) {
-        rows.Texts().Set("Name", ToUtf16(u"arch"_s + newName));
-        rows.Texts().Update();
-    }
+ado::AdoError WithRest(const ado::AdoError& error, const projectdb::Hierarchy& hierarchy,
+                       const MResources::TextTable& texts) {
+    const projectdb::Deletion& deletion = hierarchy.LastDeletion();
+    const auto archives = static_cast<int>(deletion.archives.size());
+    const auto trends = static_cast<int>(deletion.trends.size());
+    if (archives + trends == 0) return error;
+    const int text = archives > 0 ? MResourceTable::kTextArchivePartlyDeleted
+                                  : MResourceTable::kTextTrendsPartlyDeleted;
+    const QString rest =
+        texts.GetText(text)
+            .replace(u"<n>"_s, QString::number(trends))
+            .replace(u"<left>"_s, QString::number(hierarchy.LastTotal() - archives - trends));
+    return {error.Number(), error.Description() + "\n\n" + ToUtf8(rest)};
 }
 
 bool ArchiveCommands::Delete(const QString& nodeKey, const AskUser& ask,
@@ -130,9 +125,9 @@ bool ArchiveCommands::Delete(const QString& nodeKey, const AskUser& ask,
     };
     try {
         if (!hierarchy_.DeleteArchive(nodeKey, confirm, progress)) return false;
-    } catch (...) {
+    } catch (const ado::AdoError& error) {
         follow();
-        throw;
+        throw WithRest(error, hierarchy_, texts_);
     }
     follow();
     return true;

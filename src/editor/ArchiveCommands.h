@@ -4,6 +4,7 @@
 #include <functional>
 #include <QString>
 
+#include "ado/AdoError.h"
 #include "editor/NameLists.h"
 #include "languages/MResources.h"
 #include "projectdb/Hierarchy.h"
@@ -20,6 +21,12 @@ public:
 
 /// Shows a question with OK and Cancel, the latter the default; true for OK.
 using AskUser = std::function<bool(const QString& question)>;
+
+/// The error that ended a deletion, with a sentence behind it that says what has been deleted
+/// before and what is left.
+[[nodiscard]] ado::AdoError WithRest(const ado::AdoError& error,
+                                     const projectdb::Hierarchy& hierarchy,
+                                     const MResources::TextTable& texts);
 
 /// New, Edit and Delete of archives. Each keeps four things in step: the archive's row, its text
 /// group and index text, its node in the host's tree, and the list of names in use.
@@ -42,22 +49,20 @@ public:
     /// column of the project's current language ("L1031"); a language without one gets no text.
     std::int32_t New(const QString& languageColumn);
 
-    /// Edits the current row of `archives` without storing it, and its text in `texts`, which is
-    /// then stored. False when the user gave up or nothing could be edited.
-    using EditArchive = std::function<bool(ado::Recordset& archives, ado::Recordset& texts)>;
-    /// Edits an archive and takes a new name over into node, group and index text. False when
-    /// nothing has been edited.
+    /// Edits the current row of `archives`, and its text in `texts`, and stores both by `save`,
+    /// which throws when it cannot; both rows then wait to be cancelled. False when the user gave
+    /// up or nothing could be edited.
+    using EditArchive = std::function<bool(ado::Recordset& archives, ado::Recordset& texts,
+                                           const std::function<void()>& save)>;
+    /// Edits an archive and takes a new name over into node, group and index text. What reaches the
+    /// file is one change. False when nothing has been edited.
     bool Edit(std::int32_t archiveId, const EditArchive& edit);
 
     /// Deletes the archive of a tree node with all that hangs from it. Asks first unless `ask` is
-    /// empty; false when the user declined.
+    /// empty; false when the user declined or gave up: then nothing has changed.
     bool Delete(const QString& nodeKey, const AskUser& ask, const projectdb::Progress& progress);
 
 private:
-    [[nodiscard]] QString FreeName();
-    void Rename(std::int32_t archiveId, const QString& oldName, const QString& newName,
-                projectdb::ProjectRows& rows);
-
     projectdb::ProjectContext& project_;
     projectdb::Hierarchy& hierarchy_;
     NameLists& names_;

@@ -60,18 +60,3 @@ QString ShownText(const std::u16string& text) {
     static const std::u16string kEmptyText(1, u'\0');
     return text == kEmptyText ? QString() : projectdb::ToQString(text);
 }
-
-bool IsNumber(ado::DataType type) {
-    switch (type) {
-        case ado::DataType::SmallInt:
-        case ado::DataType::Integer:
-        case ado::DataType::Single:
-        case ado::DataType::Double:
-        case ado::DataType::Currency:
-        case ado::DataType::UnsignedTinyInt:
-        case ado::DataType::Numeric:
-            return true;
-        default:
-            return false;
-    }
-}

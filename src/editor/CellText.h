@@ -15,6 +15,3 @@
 /// A text as the grid holds it. The one character U+0000 stands for an empty text where a column
 /// forbids those.
 [[nodiscard]] QString ShownText(const std::u16string& text);
-
-/// Numbers stand at the right edge of their cell.
-[[nodiscard]] bool IsNumber(ado::DataType type);

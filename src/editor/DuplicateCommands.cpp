@@ -6,14 +6,15 @@
 #include <utility>
 
 #include "editor/DuplicateName.h"
+#include "project/Names.h"
 #include "projectdb/Text.h"
 #include "projectdb/Transaction.h"
 
 namespace {
 
-using namespace Qt::Literals::StringLiterals;
 using projectdb::NameOf;
 using projectdb::ProjectRows;
+using projectdb::ToQString;
 using projectdb::ToUtf16;
 
 using Assignments = std::initializer_list<std::pair<std::string_view, ado::Value>>;
@@ -54,8 +55,7 @@ std::int32_t CopyText(CopyRows& rows, const ado::Recordset& owner, const QString
     const bool hasText = rows.from.SeekTextOf(owner);
     if (!group && hasText) group = projectdb::NumberOf(rows.from.Texts(), "ParentID");
     if (!group) {
-        group = rows.from.SeekGroup(archiveId) ? projectdb::NumberOf(rows.from.Groups(), "ID")
-                                               : rows.from.RootGroup();
+        group = rows.from.GroupOfTrends(archiveId);
     }
     return AddCopy(hasText ? &rows.from.Texts() : nullptr, rows.to.Texts(),
                    {{"Name", ToUtf16(name)}, {"ParentID", group.value_or(0)}});
@@ -65,7 +65,8 @@ std::int32_t CopyText(CopyRows& rows, const ado::Recordset& owner, const QString
 std::int32_t CopyTrend(CopyRows& rows, const QString& name, std::int32_t archiveId,
                        std::optional<std::int32_t> group) {
     const ado::Recordset& trends = rows.from.Trends();
-    const std::int32_t text = CopyText(rows, trends, u"Idx"_s + name, group, archiveId);
+    const std::int32_t text =
+        CopyText(rows, trends, ToQString(project::TrendTextName(ToUtf16(name))), group, archiveId);
     return AddCopy(&trends, rows.to.Trends(),
                    {{"Name", ToUtf16(name)}, {"ArchiveID", archiveId}, {"TextID", text}});
 }
@@ -73,7 +74,7 @@ std::int32_t CopyTrend(CopyRows& rows, const QString& name, std::int32_t archive
 std::int32_t CopyGroup(CopyRows& rows, std::int32_t archiveId, std::int32_t copyId,
                        const QString& name) {
     std::ignore = rows.from.SeekGroup(archiveId);  // of several, the first is current
-    if (rows.from.Groups().IsEOF()) return rows.to.AddGroup(copyId, name);
+    if (rows.from.Groups().IsEOF()) return rows.to.AddGroup(copyId, ToUtf16(name));
     return AddCopy(&rows.from.Groups(), rows.to.Groups(),
                    {{"Name", ToUtf16(name)}, {"Parameter", copyId}});
 }
@@ -95,7 +96,9 @@ std::optional<std::int32_t> DuplicateCommands::DuplicateArchive(
     const ado::Recordset& archives = rows.from.Archives();
     const QString original = NameOf(archives);
     const QString name = DuplicateName(
-        original, qMin(LengthOfName(archives), LengthOfName(rows.to.Texts()) - 4), texts_,
+        original,
+        qMin(LengthOfName(archives), LengthOfName(rows.to.Texts()) - project::kArchiveTextPrefix),
+        texts_,
         [&](const QString& n) { return names_.TestNameInGroup(projectdb::kArchiveNames, n); });
 
     std::ignore = rows.from.SeekTrendsOf(archiveId);
@@ -103,7 +106,8 @@ std::optional<std::int32_t> DuplicateCommands::DuplicateArchive(
     if (!GoesOn(progress, 0, total)) return std::nullopt;
     const std::int32_t id = AddCopy(&archives, rows.to.Archives(), {{"Name", ToUtf16(name)}});
     const std::int32_t group = CopyGroup(rows, archiveId, id, name);
-    const std::int32_t text = CopyText(rows, archives, u"arch"_s + name, group, id);
+    const std::int32_t text =
+        CopyText(rows, archives, ToQString(project::ArchiveTextName(ToUtf16(name))), group, id);
     rows.to.Archives().Set("TextID", text);
     rows.to.Archives().Update();
     ado::Recordset& trends = rows.from.Trends();
@@ -137,7 +141,9 @@ std::vector<std::int32_t> DuplicateCommands::DuplicateTrends(std::span<const std
                 names.NamesInGroup(projectdb::kTrendNames, rows.to.Trends());
             }
             const QString name = DuplicateName(
-                NameOf(trends), qMin(LengthOfName(trends), LengthOfName(rows.to.Texts()) - 3),
+                NameOf(trends),
+                qMin(LengthOfName(trends),
+                     LengthOfName(rows.to.Texts()) - project::kTrendTextPrefix),
                 texts_,
                 [&](const QString& n) { return names.TestNameInGroup(projectdb::kTrendNames, n); });
             names.AddNameInGroup(projectdb::kTrendNames, name);

@@ -19,7 +19,7 @@ const QString kSaveOnExit = u"SaveOnExit"_s;
 const QString kCurrentLcid = u"CurrentLCID"_s;
 
 constexpr double kColumnWidth = 3000;  // twips
-constexpr platform::Lcid kDefaultLcid = platform::kLcidEnglish;
+constexpr int kNoLcid = 0;
 constexpr double kLargestLcid = 0xFFFFF;
 constexpr double kTwipsPerPixel = 15;  // at 96 dpi, which Qt's pixels are
 
@@ -52,13 +52,15 @@ void EditorLayout::LoadFile(const QString& projectPath) {
     }
     file_ = projectPath.left(projectPath.lastIndexOf(u'\\') + 1) + kFileName;
     defaultOrders_ = settings_->ReadAValueFromCInits(kColumnOrders).AsText();
+    // What the built-in layout says has not been stored by anybody.
+    settings_->WriteAValueToCInits(kCurrentLcid, kNoLcid);
     settings_->LoadInits(file_);
 }
 
-platform::Lcid EditorLayout::CurrentLcid() const {
-    const double lcid =
-        settings_->ReadAValueFromCInits(kCurrentLcid, kDefaultLcid).AsNumber(kDefaultLcid);
-    return lcid >= 0 && lcid <= kLargestLcid ? static_cast<platform::Lcid>(lcid) : kDefaultLcid;
+std::optional<platform::Lcid> EditorLayout::StoredLcid() const {
+    const double lcid = settings_->ReadAValueFromCInits(kCurrentLcid, kNoLcid).AsNumber(kNoLcid);
+    if (!(lcid > kNoLcid) || lcid > kLargestLcid) return std::nullopt;
+    return static_cast<platform::Lcid>(lcid);
 }
 
 void EditorLayout::Apply() {
@@ -93,7 +95,11 @@ void EditorLayout::Save(platform::Lcid currentLcid) {
     }
     settings_->GetInitFromControl(u"tdbA"_s);
     settings_->GetInitFromControl(u"Me"_s);
-    settings_->WriteAValueToCInits(kCurrentLcid, currentLcid);
+    if (currentLcid != kNoLcid) {
+        settings_->WriteAValueToCInits(kCurrentLcid, currentLcid);
+    } else {
+        settings_->DeleteAValueInCInits(kCurrentLcid);  // what the file has stays
+    }
     TakeColumnOrders();
     settings_->SaveInits(file_);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <QPointF>
 #include <QSizeF>
 #include <QString>
@@ -31,7 +32,9 @@ public:
     void LoadDefaults();
     /// The file in the folder of the project (a path in the form with backslashes).
     void LoadFile(const QString& projectPath);
-    [[nodiscard]] platform::Lcid CurrentLcid() const;
+    /// The text language that the settings file names, which the project need not have; nothing
+    /// when it names none.
+    [[nodiscard]] std::optional<platform::Lcid> StoredLcid() const;
     /// Gives grid and window the values that are in force.
     void Apply();
     /// Brings the trend columns into the order that is in force.
@@ -40,7 +43,8 @@ public:
     void TakeColumnOrders();
 
     /// Takes the layout of the window over and writes it, or, when the user does not want it
-    /// saved, only that choice. Throws platform::Error.
+    /// saved, only that choice. `currentLcid` 0: the project has no language, and none is written.
+    /// Throws platform::Error.
     void Save(platform::Lcid currentLcid);
 
     // The window's state (0 normal, 1 minimised, 2 maximised), place and size in twips. While the

@@ -3,35 +3,13 @@
 #include <initializer_list>
 
 #include "languages/MResourceTable.h"
+#include "project/Schema.h"
+#include "projectdb/Text.h"
 
 namespace GridColumns {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-
-constexpr int kFirstCaption = 101;
-/// Their captions follow each other.
-constexpr QStringView kTrendFields[] = {
-    u"Name",         u"TrendVar",    u"Maximum",     u"Minimum",        u"SurrogateMax",
-    u"SurrogateMin", u"ErrorValue",  u"Hysteresis",  u"HysteresisMode", u"Factor",
-    u"Offset",       u"Filter",      u"FilterDepth", u"Unit",           u"VMax",
-    u"VMin",         u"VUpper",      u"VLower",      u"VLineColor",     u"VLineWidth",
-    u"VLineStyle",   u"VUpperColor", u"VLowerColor", u"VConfig",        u"VDrawMode",
-    u"VMaxSamples",  u"VUnitID",     u"Comment"};
-constexpr int kCommentCaption = kFirstCaption + 27;
-
-/// Columns whose stored numbers stand for texts: code 0, 1, 2 ... is text `first`, first + 1 ...
-struct ValueList {
-    QStringView field;
-    int first;
-    int count;
-};
-constexpr ValueList kValueLists[] = {
-    {u"HysteresisMode", 130, 4}, {u"Filter", 134, 5},    {u"VLineStyle", 140, 3},
-    {u"VConfig", 144, 3},        {u"VDrawMode", 151, 5},
-};
-
-constexpr QStringView kChoosers[] = {u"TrendVar", u"VLineColor", u"VUpperColor", u"VLowerColor"};
 
 constexpr double kArchiveWidth = 3000;  // twips
 
@@ -48,11 +26,11 @@ void SetUpArchives(GridSplit& archives, const MResources::TextTable& texts) {
     // The key keeps its place in front of the name, where the layouts of old have it.
     if (GridColumn* key = archives.Column(u"ID")) key->SetVisible(false);
     if (GridColumn* name = archives.Column(u"Name")) {
-        name->SetCaption(texts.GetText(kFirstCaption));
+        name->SetCaption(texts.GetText(MResourceTable::kTextTrendName));
         name->SetWidth(kArchiveWidth);
     }
     if (GridColumn* comment = archives.Column(u"Comment")) {
-        comment->SetCaption(texts.GetText(kCommentCaption));
+        comment->SetCaption(texts.GetText(MResourceTable::kTextTrendComment));
         comment->SetWidth(kArchiveWidth);
     }
 }
@@ -66,29 +44,27 @@ void SetUpTrends(GridSplit& trends, const MResources::TextTable& texts) {
             column->SetNumberFormat(u"General Number"_s);
         }
     }
-    int caption = kFirstCaption;
-    for (const QStringView field : kTrendFields) {
-        if (GridColumn* column = trends.Column(field)) column->SetCaption(texts.GetText(caption));
-        ++caption;
-    }
-    for (const ValueList& list : kValueLists) {
-        GridColumn* column = trends.Column(list.field);
+    for (const project::Column& known : project::TrendColumns()) {
+        GridColumn* column = trends.Column(projectdb::ToQString(known.name));
         if (column == nullptr) continue;
+        column->SetCaption(texts.GetText(known.caption));
         GridValueItems items;
-        for (int code = 0; code < list.count; ++code) {
-            items.append({code, texts.GetText(list.first + code)});
+        for (const project::Code& code : known.codes) {
+            items.append({code.code, texts.GetText(code.text)});
         }
-        column->SetValueItems(items);
-    }
-    for (const QStringView field : kChoosers) {
-        if (GridColumn* column = trends.Column(field)) column->SetButton(true);
+        if (!items.isEmpty()) column->SetValueItems(items);
+        const bool chosen =
+            known.kind == project::Kind::Colour || known.kind == project::Kind::Variable;
+        if (chosen) column->SetButton(true);
     }
 }
 
 QList<QString> TrendFields() {
     static const QList<QString> fields = [] {
         QList<QString> names;
-        for (const QStringView field : kTrendFields) names.append(field.toString());
+        for (const project::Column& column : project::TrendColumns()) {
+            names.append(projectdb::ToQString(column.name));
+        }
         return names;
     }();
     return fields;

@@ -46,6 +46,12 @@ projectdb::RowFailures NameLists::NamesInGroup(QStringView group, ADOArchiv& env
     return unreadable;
 }
 
+std::function<bool(const std::u16string& name)> NameLists::UseIn(QStringView group) {
+    return [this, key = group.toString()](const std::u16string& name) {
+        return TestNameInGroup(key, projectdb::ToQString(name));
+    };
+}
+
 void NameLists::AddNameInGroup(QStringView group, const QString& name) {
     ++groups_[group.toString()][KeyOf(name)];
 }
@@ -67,6 +73,6 @@ void NameLists::ChangeNameInGroup(QStringView group, const QString& oldName,
     DeleteNameInGroup(group, oldName);
 }
 
-bool NameLists::IsSameName(const QString& a, const QString& b) {
+bool NameLists::IsSameName(const QString& a, const QString& b) const {
     return KeyOf(a) == KeyOf(b);
 }

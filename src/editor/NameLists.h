@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <QHash>
 #include <QString>
+#include <string>
 
 #include "ado/Recordset.h"
 #include "dialogs/DialogServices.h"
@@ -23,18 +25,19 @@ public:
     /// The same from the group's own recordset, which is opened for it when it is closed.
     projectdb::RowFailures NamesInGroup(QStringView group, ADOArchiv& environment);
 
+    /// Tells of names whether the group has them; for as long as the lists live.
+    [[nodiscard]] std::function<bool(const std::u16string& name)> UseIn(QStringView group);
+
     void AddNameInGroup(QStringView group, const QString& name);
     void DeleteNameInGroup(QStringView group, const QString& name);
 
     // INameRegistry
     [[nodiscard]] bool TestNameInGroup(QStringView group, const QString& name) override;
+    [[nodiscard]] bool IsSameName(const QString& a, const QString& b) const override;
     /// Does nothing when the names are equal. Whether the new one is free is for the caller to test
     /// before: a name may be changed to itself in another case.
     void ChangeNameInGroup(QStringView group, const QString& oldName,
                            const QString& newName) override;
-
-    /// True when both are one name in the lists.
-    [[nodiscard]] static bool IsSameName(const QString& a, const QString& b);
 
 private:
     using Names = QHash<QString, int>;  // by key, how often in use

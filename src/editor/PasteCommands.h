@@ -5,19 +5,10 @@
 #include <QString>
 #include <span>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "editor/ArchiveCommands.h"
-
-/// What is known of one trend that is to be made.
-struct PastedTrend {
-    using Values = std::vector<std::pair<std::string, ado::Value>>;
-
-    QString name;   // empty: the name of a new trend
-    Values values;  // by column of the table of trends
-    Values texts;   // by column of the index texts
-};
+#include "project/Rows.h"
 
 /// Trends that come from outside, such as the clipboard. One transaction: when a row cannot be
 /// stored, or the user gives up, none is.
@@ -29,9 +20,11 @@ public:
         : project_(project), window_(window), texts_(texts) {}
 
     /// Adds the trends to the open archive, each with its index text, and reloads the trend split.
-    /// A name that is taken becomes that of a copy. Returns the new IDs in the order given; empty
-    /// when the user gave up or no archive is open. Failures as those of ArchiveCommands.
-    std::vector<std::int32_t> PasteTrends(std::span<const PastedTrend> trends,
+    /// A name that is taken becomes that of a copy; what a trend does not say has the default of a
+    /// new one. The trends need no `colour`, `isInUse` and `assigning`. Returns the new IDs in the
+    /// order given; empty when the user gave up or no archive is open. Failures as those of
+    /// ArchiveCommands.
+    std::vector<std::int32_t> PasteTrends(std::span<const project::NewTrend> trends,
                                           const projectdb::Progress& progress);
 
     /// What could not be stored when PasteTrends has thrown: a trend's number, from 0, and the
@@ -43,9 +36,6 @@ public:
     [[nodiscard]] const std::optional<Place>& Refused() const noexcept { return refused_; }
 
 private:
-    /// Gives a row its values, and notes which of them it is meanwhile.
-    void Assign(ado::Recordset& row, std::size_t trend, const PastedTrend::Values& values);
-
     std::optional<Place> refused_;
     projectdb::ProjectContext& project_;
     projectdb::IEditorWindow& window_;

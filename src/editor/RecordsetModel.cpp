@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "editor/CellInput.h"
 #include "editor/CellText.h"
 #include "projectdb/Guard.h"
 #include "projectdb/Text.h"
@@ -116,6 +117,15 @@ void RecordsetModel::Forget(int row) {
 
 bool RecordsetModel::HasChanged(int row) const {
     return ReadRow().values != rows_.at(static_cast<std::size_t>(row)).values;
+}
+
+std::optional<QVariant> RecordsetModel::ReadCell(int column, const QString& text) const {
+    if (recordset_ == nullptr) return std::nullopt;
+    const project::Reading read = CellInput(text, FieldAt(column), locale_, texts_);
+    // A text that is too long is the field's to refuse, which tells why.
+    if (read.problem == project::Problem::TooLong) return text;
+    if (read.problem != project::Problem::None) return std::nullopt;
+    return Stored(read.value);
 }
 
 GridCommit RecordsetModel::CommitCell(GridRowId /*row*/, int /*column*/,

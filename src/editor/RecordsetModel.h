@@ -62,6 +62,7 @@ public:
     [[nodiscard]] GridRowId IdAt(int row) const override;
     [[nodiscard]] int RowOf(GridRowId id) const override;
     [[nodiscard]] QVariant ContentKey() const override { return contentKey_; }
+    [[nodiscard]] std::optional<QVariant> ReadCell(int column, const QString& text) const override;
     GridCommit CommitCell(GridRowId row, int column, const QVariant& value) override;
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;

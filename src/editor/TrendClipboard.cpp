@@ -28,38 +28,19 @@ int ColumnOf(const QString& heading, const Reader& reader) {
     return -1;
 }
 
-/// A colour as the grid shows it: #RRGGBB, or &H and the stored bits.
-std::optional<ado::Value> Colour(const QString& text) {
-    bool isNumber = false;
-    if (text.startsWith(u'#') && text.size() == 7) {
-        const uint rgb = text.mid(1).toUInt(&isNumber, 16);
-        const uint stored = (rgb & 0xFF) << 16 | (rgb & 0xFF00) | rgb >> 16;
-        if (isNumber) return ado::Value(static_cast<std::int32_t>(stored));
-    }
-    if (text.startsWith(u"&H"_s, Qt::CaseInsensitive)) {
-        const uint stored = text.mid(2).toUInt(&isNumber, 16);
-        if (isNumber) return ado::Value(static_cast<std::int32_t>(stored));
-    }
-    return std::nullopt;
-}
-
-/// Longer texts than the field takes are no values for it.
-bool Fits(const ado::Value& value, const ado::Field& field) {
-    const auto* text = std::get_if<std::u16string>(&value);
-    return text == nullptr || field.type != ado::DataType::VarWChar ||
-           text->size() <= static_cast<std::size_t>(field.definedSize);
-}
-
-/// Takes one cell into the trend; false when it is no value.
-bool TakeCell(const QString& cell, int column, const Reader& reader, PastedTrend& trend) {
+/// Takes one cell into the trend; false when it is no value. An empty one has the default, unless
+/// it is a stored Null.
+bool TakeCell(const QString& cell, int column, const Reader& reader, project::NewTrend& trend) {
+    if (cell.isEmpty() && !reader.asStored) return true;
     const bool isName = reader.trends.ColumnAt(column)->DataField() == u"Name"_s;
     const std::optional<ado::Value> value =
-        ReadCell(isName ? cell.trimmed() : cell, column, reader);
+        cell.isEmpty() ? ado::Value(ado::Null())
+                       : ReadCell(isName ? cell.trimmed() : cell, column, reader);
     if (!value) return false;
     if (isName) {
-        trend.name = cell.trimmed();
-    } else if (!ado::IsNull(*value)) {
-        PastedTrend::Values& values = reader.rows.IsLanguage(column) ? trend.texts : trend.values;
+        trend.name = projectdb::ToUtf16(cell.trimmed());
+    } else {
+        project::Values& values = reader.rows.IsLanguage(column) ? trend.texts : trend.values;
         values.emplace_back(reader.rows.FieldAt(column).baseColumn, *value);
     }
     return true;
@@ -88,16 +69,10 @@ bool IsBlank(const QStringList& line) {
 }  // namespace
 
 std::optional<ado::Value> ReadCell(const QString& text, int column, const Reader& reader) {
-    const GridColumn& known = *reader.trends.ColumnAt(column);
-    for (const GridValueItem& item : known.ValueItems()) {
-        if (text.compare(item.text, Qt::CaseInsensitive) == 0) return ado::Value(item.code);
-    }
-    if (known.Kind() == GridKind::Colour) {
-        if (const auto colour = Colour(text.trimmed())) return colour;
-    }
-    const ado::Field& field = reader.rows.FieldAt(column);
-    const std::optional<ado::Value> value = CellInput(text, field, reader.locale, reader.texts);
-    return value && Fits(*value, field) ? value : std::nullopt;
+    const project::Reading read =
+        CellInput(text, reader.rows.FieldAt(column), reader.locale, reader.texts, reader.asStored);
+    if (read.problem != project::Problem::None) return std::nullopt;
+    return read.value;
 }
 
 QString Refusal(const MResources::TextTable& texts, std::size_t row, const QString& column,
@@ -153,6 +128,7 @@ std::optional<Pasted> Parse(const QMimeData& data, const Reader& reader) {
     if (!data.hasFormat(kWholeTrends)) return Parse(data.text(), reader);
     Reader neutral{reader};
     neutral.locale = QLocale::c();
+    neutral.asStored = true;
     return Parse(QString::fromUtf8(data.data(kWholeTrends)), neutral);
 }
 
@@ -169,7 +145,7 @@ std::optional<Pasted> Parse(const QString& text, const Reader& reader) {
     if (!pasted.refusal.isEmpty()) return pasted;
     for (qsizetype row = 1; row < lines.size(); ++row) {
         if (IsBlank(lines[row])) continue;
-        PastedTrend trend;
+        project::NewTrend trend;
         for (qsizetype i = 0; i < lines[row].size(); ++i) {
             const QString& cell = lines[row][i];
             const bool headed = i < columns.size();

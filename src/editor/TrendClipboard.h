@@ -25,16 +25,18 @@ namespace TrendClipboard {
                                                     const QList<GridRowId>& ids);
 
 struct Pasted {
-    std::vector<PastedTrend> trends;
+    std::vector<project::NewTrend> trends;
     QString refusal;  // not empty: what is wrong, in words; nothing may be pasted then
 };
 
-/// What is needed to read cells; borrowed. `locale`: how numbers and dates are written.
+/// What is needed to read cells; borrowed. `locale`: how numbers and dates are written. `asStored`:
+/// the cells are stored values.
 struct Reader {
     const GridSplit& trends;
     const TrendRows& rows;
     const MResources::TextTable& texts;
     QLocale locale;
+    bool asStored = false;
 };
 
 /// nullopt: the clipboard holds a single cell. Otherwise the first line of its text holds headings,

@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "languages/MResourceTable.h"
+#include "project/CurveColours.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
 #include "projectdb/Transaction.h"
@@ -15,38 +16,6 @@ using namespace Qt::Literals::StringLiterals;
 using projectdb::EditScope;
 using projectdb::NameOf;
 using projectdb::ProjectRows;
-using projectdb::ToUtf16;
-
-constexpr std::u16string_view kPlaceholder = u"@New@";
-
-std::int32_t AddTrend(ado::Recordset& trends, std::int32_t archiveId) {
-    trends.SetFilter("");
-    const EditScope scope(trends);
-    trends.AddNew();
-    trends.Set("ArchiveID", archiveId);
-    trends.Set("Name", std::u16string(kPlaceholder));
-    trends.Update();
-    const std::int32_t id = ado::ToLong(trends.Get("ID"));
-    trends.Set("Name", ToUtf16(u"Trd"_s + QString::number(id)));
-    trends.Update();
-    return id;
-}
-
-std::int32_t AddText(ProjectRows& rows, std::int32_t archiveId, const QString& trendName) {
-    const bool hasGroup = rows.SeekGroup(archiveId);
-    const std::int32_t group = hasGroup ? ado::ToLong(rows.Groups().Get("ID")) : rows.RootGroup();
-    ado::Recordset& texts = rows.Texts();
-    const EditScope scope(texts);
-    texts.AddNew();
-    texts.Set("ParentID", group);
-    texts.Set("Name", std::u16string(kPlaceholder));
-    texts.Update();
-    texts.Set("Name", std::u16string(u" "));
-    texts.Set("Name", ToUtf16(u"Idx"_s + trendName));
-    texts.Update();
-    texts.Resync();
-    return ado::ToLong(texts.Get("ID"));
-}
 
 }  // namespace
 
@@ -62,11 +31,16 @@ std::int32_t TrendCommands::New() {
             // One that another program has deleted must not get a trend; the look fails then.
             std::ignore = rows.SeekArchive(archiveId);
             std::ignore = rows.Archives().Get("ID");
-            id = AddTrend(rows.Trends(), archiveId);
-            const std::int32_t text = AddText(rows, archiveId, NameOf(rows.Trends()));
-            const EditScope scope(rows.Trends());
-            rows.Trends().Set("TextID", text);
-            rows.Trends().Update();
+            // As the file has them now: another program may have taken a name.
+            NameLists names;
+            std::ignore = rows.SeekTrendsOf(archiveId);
+            names.NamesInGroup(projectdb::kTrendNames, rows.Trends());
+            project::NewTrend trend;
+            trend.colour = project::CurveColours(rows, archiveId).Next();
+            trend.isInUse = names.UseIn(projectdb::kTrendNames);
+            id = rows.AddTrend(archiveId, trend);
+            rows.AddTrendText(rows.GroupOfTrends(archiveId), trend);
+            return true;
         });
     }
     projectdb::ReloadTrends(project_, window_);
@@ -104,5 +78,9 @@ bool TrendCommands::Delete(std::span<const std::int32_t> trendIds, const AskUser
             return ask(texts_.GetText(text).replace(u"<td>"_s, QString::number(trends)));
         };
     }
-    return hierarchy_.DeleteTrends(trendIds, confirm, progress);
+    try {
+        return hierarchy_.DeleteTrends(trendIds, confirm, progress);
+    } catch (const ado::AdoError& error) {
+        throw WithRest(error, hierarchy_, texts_);
+    }
 }

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "editor/NameLists.h"
 #include "languages/MResourceTable.h"
+#include "project/Rows.h"
 #include "projectdb/Hierarchy.h"
 #include "projectdb/Text.h"
 
@@ -102,8 +102,7 @@ bool TrendRows::AcceptName(const QString& stored, const QString& name) {
         return false;
     }
     // Another spelling of the own name is no second use of it.
-    if (!NameLists::IsSameName(name, stored) &&
-        names_.TestNameInGroup(projectdb::kTrendNames, name)) {
+    if (!names_.IsSameName(name, stored) && names_.TestNameInGroup(projectdb::kTrendNames, name)) {
         refuse_(MResourceTable::kTextNameInUse);
         return false;
     }
@@ -118,7 +117,11 @@ GridCommit TrendRows::Write(int row, int column, const ado::Value& value) {
             TakeOver(row);
             return GridCommit::Failed(kRowChanged, {});
         }
-        Rows().Set(Columns()[static_cast<std::size_t>(column)].field, value);
+        const std::string& field = Columns()[static_cast<std::size_t>(column)].field;
+        if (field == "Name") {
+            project::RenameTrendText(Rows(), project::NameOf(Rows()), ado::ToText(value));
+        }
+        Rows().Set(field, value);
         Rows().Update();
         TakeOver(row);
         return GridCommit::Stored();

@@ -10,6 +10,7 @@
 #include <QStatusBar>
 #include <QToolBar>
 #include <QVBoxLayout>
+#include <tuple>
 #include <utility>
 
 #include "controls/FontProperties.h"
@@ -80,7 +81,7 @@ void frmtabGrid::Load() {
                   environment.PrepareRecordset(Command::TLanguages), project_.projectPath);
     environment.PrepareRecordset(Command::IdxTexts);
     layout_->LoadFile(project_.projectPath);
-    dblangs->InitLanguageComboBox(*cmbLanguage, layout_->CurrentLcid());
+    dblangs->InitLanguageComboBox(*cmbLanguage, dblangs->StartLanguage(layout_->StoredLcid()));
     connect(dblangs, &CDBLanguages::LanguageChanged, this, [this] {
         Guard(u"frmtabGrid: dblangs_LanguageChanged"_s, [&] { dblangs_LanguageChanged(); });
     });
@@ -241,10 +242,32 @@ void frmtabGrid::ReleaseTrends() {
 void frmtabGrid::TrendsReloaded() {
     ado::Recordset& trends = project_.Environment().Recordset(Command::tabTrends);
     trends_->AttachTrends(trends, projectdb::NodeId(project_.currentNodeKey));
+    CountMissingTexts(trends);
     UpdateCommands();
     if (unreadable_.Count() > 0) {
         QMetaObject::invokeMethod(this, &frmtabGrid::ShowMissingTrends, Qt::QueuedConnection);
     }
+}
+
+/// Trends that name no index text stand in no row of the query, though they count as trends of the
+/// archive wherever those are counted.
+void frmtabGrid::CountMissingTexts(ado::Recordset& shown) {
+    std::size_t missing = 0;
+    try {
+        projectdb::ProjectRows rows(project_.Environment());
+        std::ignore = rows.SeekTrendsOf(projectdb::NodeId(project_.currentNodeKey));
+        const std::size_t all = rows.Trends().RecordCount();
+        const std::size_t there = shown.RecordCount();
+        missing = all > there ? all - there : 0;
+    } catch (const ado::AdoError&) {
+        // Rows that cannot be read are told of where they are shown.
+    }
+    const int text =
+        missing == 1 ? MResourceTable::kTextOneTextMissing : MResourceTable::kTextTextsMissing;
+    lblTextsMissing->setText(
+        missing == 0 ? QString()
+                     : texts_.GetText(text).replace(u"<n>"_s, QString::number(missing)));
+    lblTextsMissing->setVisible(missing > 0);
 }
 
 // Of missing archives the add-in tells, which reads them first.

@@ -130,6 +130,7 @@ public:
     QComboBox* cmbLanguage = nullptr;
     QLineEdit* txtFind = nullptr;
     QStatusBar* sb = nullptr;
+    QLabel* lblTextsMissing = nullptr;  // tells of trends that are not shown; hidden without any
     CDBLanguages* dblangs = nullptr;
 
 signals:
@@ -152,6 +153,7 @@ private:
     void ArchiveRowChanged();
     void UpdateCommands();
     void ShowMissingTrends();
+    void CountMissingTexts(ado::Recordset& shown);
     void ShowDataError(int number, const QString& text);
     void ChooseForCell(std::int64_t row, int column);
     void Tell(const QString& text);

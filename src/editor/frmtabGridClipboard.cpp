@@ -62,7 +62,7 @@ void frmtabGrid::PasteCell(const QString& text) {
     const int column = trends.CurrentColumn();
     if (row == kNoGridRow || column < 0 || !trends.CanEdit(row, column)) return;
     const auto value =
-        TrendClipboard::ReadCell(text.trimmed(), column, {trends, *trends_, texts_, QLocale()});
+        TrendClipboard::ReadCell(text, column, {trends, *trends_, texts_, QLocale()});
     if (!value) {
         return Tell(TrendClipboard::Refusal(texts_, 1, trends.ColumnAt(column)->Caption(), text));
     }

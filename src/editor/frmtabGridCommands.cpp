@@ -115,10 +115,12 @@ void frmtabGrid::mnuArchiv_Click(int index) {
             return;
         }
         case kEdit:
-            archiveCommands_->Edit(
-                projectdb::NodeId(key), [&](ado::Recordset& archives, ado::Recordset& texts) {
-                    return MArchiv::EditArchive({archives, texts, CurrentLcid()}, Services(), this);
-                });
+            archiveCommands_->Edit(projectdb::NodeId(key),
+                                   [&](ado::Recordset& archives, ado::Recordset& texts,
+                                       const std::function<void()>& save) {
+                                       return MArchiv::EditArchive({archives, texts, CurrentLcid()},
+                                                                   Services(), this, save);
+                                   });
             return;
         case kDelete: {
             RowProgress progress(texts_, MResourceTable::kTextDeletingTrends, this);

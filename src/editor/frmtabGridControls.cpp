@@ -236,4 +236,9 @@ void frmtabGrid::BuildStatusBar() {
         sb->addWidget(panel, i == 0 ? 2 : 1);
         panels_[i] = panel;
     }
+    lblTextsMissing = new QLabel(sb);
+    lblTextsMissing->setObjectName(u"lblTextsMissing"_s);
+    lblTextsMissing->setTextFormat(Qt::PlainText);
+    lblTextsMissing->hide();
+    sb->addPermanentWidget(lblTextsMissing);
 }

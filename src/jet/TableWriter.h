@@ -38,6 +38,9 @@ public:
         return writer;
     }
 
+    /// Whether rows of the table can be changed at all: Unsupported when they cannot.
+    Status CheckWritable() const;
+
     /// Columns that are not assigned are Null, Booleans false; an AutoNumber gets the next number,
     /// or a random GUID, unless it is assigned.
     [[nodiscard]] Result<RowId> Insert(std::span<const Assignment> values);
@@ -75,7 +78,6 @@ private:
     Status UpdateNow(RowId row, std::span<const Assignment> values);
     Status DeleteNow(RowId row);
 
-    Status CheckWritable() const;
     [[nodiscard]] Result<std::vector<Value>> ValuesOf(const Row& row) const;
     [[nodiscard]] Result<std::vector<Key>> KeysOf(std::span<const Value> values) const;
     Status CheckKey(std::size_t index, const Key& key, const Key* before);

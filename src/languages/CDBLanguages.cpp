@@ -157,6 +157,12 @@ const CDBLanguage* CDBLanguages::Item(platform::Lcid lcid) const {
     return found == end() ? nullptr : &*found;
 }
 
+platform::Lcid CDBLanguages::StartLanguage(std::optional<platform::Lcid> stored) const {
+    if (stored && Item(*stored) != nullptr) return *stored;
+    if (Item(interfaceLanguage_) != nullptr) return interfaceLanguage_;
+    return languages_.empty() ? 0 : languages_.front().lcid;
+}
+
 QString CDBLanguages::ProjectLanguage() const {
     try {
         return platform::ProfileFile(projectPath_).Read(u"Global", u"LCID");

@@ -65,6 +65,10 @@ public:
     /// The language that is being edited; null when there is none. Valid until the next Init.
     [[nodiscard]] const CDBLanguage* Current() const { return Item(current_); }
 
+    /// The language to begin with: the one that has been stored for the user, when the project has
+    /// it; else the interface's, else the project's first; 0 when it has none.
+    [[nodiscard]] platform::Lcid StartLanguage(std::optional<platform::Lcid> stored) const;
+
     /// The project's own language as its file names it in section "Global", key "LCID"; empty when
     /// it does not.
     [[nodiscard]] QString ProjectLanguage() const;

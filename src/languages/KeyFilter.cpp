@@ -14,11 +14,16 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QStringView>
+#include <QToolTip>
 
+#include "languages/MResources.h"
+#include "languages/MResourceTable.h"
 #include "platform/Locale.h"
 
 namespace MResources {
 namespace {
+
+using namespace Qt::Literals::StringLiterals;
 
 constexpr int kBackspace = 8;
 constexpr int kFloatMode = 5;
@@ -26,23 +31,31 @@ constexpr int kFloatMode = 5;
 struct Rule {
     bool listed;  // passes what is listed, or what is not
     QStringView characters;
+    QStringView shown;  // the characters as they are told to the user, the blank apart
 };
 
 constexpr std::array<Rule, 10> kRules = {{
-    {false, u"\"#"},
-    {false, u" \"#"},
-    {true, u"0123456789"},
-    {true, u"0123456789abcdef"},
-    {true, u"+-0123456789"},
-    {true, u"+-0123456789eE"},
-    {true, u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_1234567890"},
-    {true, u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_1234567890."},
-    {false, u"\\/:*?\"<>| "},
-    {false, u"/*?<>|\" "},
+    {false, u"\"#", u"\" #"},
+    {false, u" \"#", u"\" #"},
+    {true, u"0123456789", u"0-9"},
+    {true, u"0123456789abcdef", u"0-9 a-f"},
+    {true, u"+-0123456789", u"+ - 0-9"},
+    {true, u"+-0123456789eE", u"+ - 0-9 e E"},
+    {true, u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_1234567890", u"a-z A-Z 0-9 _"},
+    {true, u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_1234567890.", u"a-z A-Z 0-9 _ ."},
+    {false, u"\\/:*?\"<>| ", u"\\ / : * ? \" < > |"},
+    {false, u"/*?<>|\" ", u"/ * ? < > | \""},
 }};
 
 bool IsControl(QChar c) {
     return c < u' ' || c == QChar(0x7F);
+}
+
+/// Spreadsheets put a line end behind a cell.
+QString WithoutLineEnd(QString text) {
+    if (text.endsWith(u'\n')) text.chop(1);
+    if (text.endsWith(u'\r')) text.chop(1);
+    return text;
 }
 
 /// Whether a line edit takes the key for text rather than for a command.
@@ -75,8 +88,8 @@ class InputFilter final : public QObject {
 public:
     static constexpr char16_t kObjectName[] = u"KeyFilter";
 
-    InputFilter(QLineEdit& field, QWidget* around, int mode)
-        : QObject(&field), field_(field), mode_(mode) {
+    InputFilter(QLineEdit& field, QWidget* around, int mode, const TextTable* texts)
+        : QObject(&field), field_(field), mode_(mode), texts_(texts) {
         setObjectName(QStringView(kObjectName).toString());
         field.installEventFilter(this);
         if (around != nullptr) around->installEventFilter(this);
@@ -106,6 +119,7 @@ protected:
 
 private:
     [[nodiscard]] QString Passing(const QString& text) const {
+        if (mode_ == kEveryKey) return text;
         QString passing;
         passing.reserve(text.size());
         for (const QChar c : text) {
@@ -114,12 +128,55 @@ private:
         return passing;
     }
 
-    /// What the user brings in by other means than his clipboard command, which Qt carries out
-    /// itself when nothing is to be held back. True when it has been dealt with.
-    bool Insert(const QString& text) {
-        const QString passing = Passing(text);
-        if (passing == text) return false;
-        if (!passing.isEmpty()) field_.insert(passing);
+    /// Whether the whole text can come in; else tells why not.
+    bool Takes(const QString& text) {
+        const qsizetype length = field_.text().size() - field_.selectedText().size() + text.size();
+        if (Passing(text) != text) {
+            Tell(text, KeysTold());
+        } else if (length > field_.maxLength()) {
+            Tell(text, Text(MResourceTable::kTextPasteTooLong)
+                           .replace(u"<max>"_s, QString::number(field_.maxLength())));
+        } else {
+            return true;
+        }
+        return false;
+    }
+
+    [[nodiscard]] QString Text(int id) const {
+        return texts_ != nullptr ? texts_->GetText(id) : QString();
+    }
+    [[nodiscard]] QString KeysTold() const {
+        const Rule& rule = kRules.at(static_cast<std::size_t>(mode_));
+        QString keys = rule.shown.toString();
+        if (mode_ == kFloatMode) keys += u' ' + QString(platform::DecimalSeparator());
+        if (rule.characters.contains(u' ')) {
+            keys += u' ' + Text(MResourceTable::kTextBlankKey);
+        }
+        const int text =
+            rule.listed ? MResourceTable::kTextKeysTaken : MResourceTable::kTextKeysNotTaken;
+        return Text(text).replace(u"<keys>"_s, keys);
+    }
+    /// Over the field, where the user looks. `refused`: what was to be pasted; may be empty.
+    void Tell(const QString& refused, const QString& why) const {
+        if (texts_ == nullptr) return;
+        constexpr qsizetype kShown = 60;  // characters
+        QString text = why;
+        if (!refused.isEmpty()) {
+            QString begin = refused.left(kShown);
+            if (begin.size() < refused.size()) begin += QChar(0x2026);
+            text = Text(MResourceTable::kTextNotPasted).replace(u"<text>"_s, begin) + u' ' + why;
+        }
+        QToolTip::showText(field_.mapToGlobal(field_.rect().bottomLeft()),
+                           QStringLiteral("<p>%1</p>").arg(text.toHtmlEscaped()), &field_);
+    }
+
+    /// What the user brings in as a whole. True when it has been dealt with; else Qt carries the
+    /// command out itself, so that undo steps stay as users know them.
+    bool Bring(const QString& text) {
+        const QString whole = WithoutLineEnd(text);
+        if (!Takes(whole)) return true;
+        if (whole == text) return false;
+        field_.insert(whole);
         return true;
     }
 
@@ -129,10 +186,11 @@ private:
             const bool fromSelection =
                 event.key() == Qt::Key_Insert &&
                 event.modifiers() == (Qt::ControlModifier | Qt::ShiftModifier);
-            done = Insert(QGuiApplication::clipboard()->text(
-                fromSelection ? QClipboard::Selection : QClipboard::Clipboard));
-        } else if (TypesText(event)) {
-            done = Insert(event.text());
+            done = Bring(QGuiApplication::clipboard()->text(fromSelection ? QClipboard::Selection
+                                                                          : QClipboard::Clipboard));
+        } else if (TypesText(event) && Passing(event.text()) != event.text()) {
+            Tell({}, KeysTold());
+            done = true;
         }
         // A swallowed key is no shortcut of the dialog's either.
         if (done) event.accept();
@@ -142,6 +200,7 @@ private:
     bool FilterInputMethod(QObject& watched, QInputMethodEvent& event) {
         const QString passing = Passing(event.commitString());
         if (passing == event.commitString()) return false;
+        Tell({}, KeysTold());
         QInputMethodEvent filtered(event.preeditString(), event.attributes());
         filtered.setCommitString(passing, event.replacementStart(), event.replacementLength());
         Forward(watched, filtered);
@@ -152,21 +211,19 @@ private:
     bool FilterDrop(QObject& watched, QDropEvent& event) {
         if (event.source() == &field_) return false;  // text moved inside brings nothing new
         const QString text = event.mimeData()->text();
-        const QString passing = Passing(text);
-        if (passing == text) return false;
-        if (passing.isEmpty()) {
+        const QString whole = WithoutLineEnd(text);
+        if (!Takes(whole)) {
             event.setDropAction(Qt::IgnoreAction);
             event.ignore();
             return true;
         }
-        // Where the rest would be lost, the source keeps its text.
-        if (event.possibleActions().testFlag(Qt::CopyAction)) event.setDropAction(Qt::CopyAction);
+        if (whole == text) return false;
         QMimeData mimeData;
-        mimeData.setText(passing);
-        QDropEvent filtered(event.position(), event.possibleActions(), &mimeData, event.buttons(),
-                            event.modifiers());
-        Forward(watched, filtered);
-        event.setAccepted(filtered.isAccepted());
+        mimeData.setText(whole);
+        QDropEvent cell(event.position(), event.possibleActions(), &mimeData, event.buttons(),
+                        event.modifiers());
+        Forward(watched, cell);
+        event.setAccepted(cell.isAccepted());
         return true;
     }
 
@@ -174,9 +231,8 @@ private:
         QClipboard* clipboard = QGuiApplication::clipboard();
         if (event.button() != Qt::MiddleButton || !clipboard->supportsSelection()) return false;
         const QString text = clipboard->text(QClipboard::Selection);
-        if (Passing(text) == text) return false;
-        field_.deselect();
-        return Insert(text);
+        field_.deselect();  // it goes where the click was, and replaces nothing
+        return Bring(text);
     }
 
     bool FilterMenu(QObject& watched, const QContextMenuEvent& event) {
@@ -187,7 +243,7 @@ private:
         if (QAction* paste = PasteAction(*menu)) {
             paste->disconnect(&field_);
             connect(paste, &QAction::triggered, this, [this] {
-                if (!Insert(QGuiApplication::clipboard()->text())) field_.paste();
+                if (!Bring(QGuiApplication::clipboard()->text())) field_.paste();
             });
         }
         menu->popup(event.globalPos());
@@ -202,13 +258,18 @@ private:
 
     QLineEdit& field_;
     int mode_;
+    const TextTable* texts_;
     bool forwarding_ = false;
 };
 
-void Install(QLineEdit& field, QWidget* around, int mode) {
-    delete field.findChild<QObject*>(QStringView(InputFilter::kObjectName).toString(),
+QObject* FilterOf(const QLineEdit& field) {
+    return field.findChild<QObject*>(QStringView(InputFilter::kObjectName).toString(),
                                      Qt::FindDirectChildrenOnly);
-    new InputFilter(field, around, mode);  // the field's child
+}
+
+void Install(QLineEdit& field, QWidget* around, int mode, const TextTable* texts) {
+    delete FilterOf(field);
+    new InputFilter(field, around, mode, texts);  // the field's child
 }
 
 }  // namespace
@@ -225,13 +286,17 @@ int KeyFilter(int mode, int keyCode) {
     return passes ? keyCode : 0;
 }
 
-void RestrictInput(QLineEdit& field, int mode) {
-    Install(field, nullptr, mode);
+void RestrictInput(QLineEdit& field, int mode, const TextTable* texts) {
+    Install(field, nullptr, mode, texts);
 }
 
-void RestrictInput(QComboBox& field, int mode) {
+void RestrictInput(QComboBox& field, int mode, const TextTable* texts) {
     Q_ASSERT(field.lineEdit() != nullptr);
-    if (field.lineEdit() != nullptr) Install(*field.lineEdit(), &field, mode);
+    if (field.lineEdit() != nullptr) Install(*field.lineEdit(), &field, mode, texts);
+}
+
+bool IsRestricted(const QLineEdit& field) {
+    return FilterOf(field) != nullptr;
 }
 
 }  // namespace MResources

@@ -18,14 +18,24 @@ namespace MResources {
 /// in every mode, everything passes in a mode that is not listed.
 [[nodiscard]] int KeyFilter(int mode, int keyCode);
 
-/// Lets only what KeyFilter passes get into `field` by the user's hand: typed, pasted by key, menu
-/// or middle click, dropped, or sent by an input method. Of a longer text the passing characters
-/// come in. What stands in the field already and what the program sets is left alone, whatever it
-/// is. Control characters never come in; they are keys, not text.
+class TextTable;
+
+/// No filter: everything may be typed.
+inline constexpr int kEveryKey = -1;
+
+/// Holds the user's hand to what `field` takes: the keys that KeyFilter passes, and no more
+/// characters than its length. A key that it does not take is swallowed. What is pasted, by key,
+/// menu or middle click, or dropped comes in whole or not at all; only the line end that
+/// spreadsheets put behind a cell is no part of it. In each case a tool tip at the field says why;
+/// without `texts` nothing is said. Control characters are keys, not text: a filter passes none.
 ///
-/// May be called again with another mode. The restriction ends with the field.
-void RestrictInput(QLineEdit& field, int mode);
+/// What stands in the field already and what the program sets is left alone, whatever it is. May
+/// be called again with another mode. The restriction ends with the field. `texts` is borrowed and
+/// outlives the field.
+void RestrictInput(QLineEdit& field, int mode, const TextTable* texts = nullptr);
 /// The same for the text field of a combo box. REQUIRES: `field` is editable, and stays so.
-void RestrictInput(QComboBox& field, int mode);
+void RestrictInput(QComboBox& field, int mode, const TextTable* texts = nullptr);
+/// Whether RestrictInput has been called for the field.
+[[nodiscard]] bool IsRestricted(const QLineEdit& field);
 
 }  // namespace MResources

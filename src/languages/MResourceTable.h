@@ -264,6 +264,8 @@ inline constexpr int kTextCharacterCount = 1102;  // <n> and <max> are replaced
 inline constexpr int kTextArchiveSaveMode = 1103;
 inline constexpr int kTextMeaning = 1104;
 inline constexpr int kTextChoiceTooLong = 1105;  // <text> and <max> are replaced
+inline constexpr int kTextRecordChanged = 1106;
+inline constexpr int kTextRecordGone = 1107;
 
 // What the settings of an archive mean; the word in <> is replaced
 inline constexpr int kTextFileEachYear = 1110;  // seven, in the order of the file-change list
@@ -301,6 +303,19 @@ inline constexpr int kTextFirstTint = 1163;  // three: light, dark, very dark
 inline constexpr int kTextFirstGrey = 1166;  // four, from white to black
 inline constexpr int kTextSampleCurve = 1170;
 
+// What fields take
+inline constexpr int kTextKeysTaken = 1180;     // <keys> is replaced
+inline constexpr int kTextKeysNotTaken = 1181;  // <keys> is replaced
+inline constexpr int kTextBlankKey = 1182;
+inline constexpr int kTextNotPasted = 1183;       // <text> is replaced
+inline constexpr int kTextPasteTooLong = 1184;    // <max> is replaced
+inline constexpr int kTextNoWholeNumber = 1185;   // <text> and <number> are replaced
+inline constexpr int kTextWholeNumbers = 1186;    // <number> is replaced
+inline constexpr int kTextNumberTooLarge = 1187;  // <text>, <smallest> and <largest> are replaced
+inline constexpr int kTextTooLarge = 1188;
+inline constexpr int kTextCountMissing = 1189;
+inline constexpr int kTextTriggerMissing = 1190;
+
 // Options dialog: tool tips
 inline constexpr int kTextAddColumn = 1260;
 inline constexpr int kTextRemoveColumn = 1261;
@@ -325,7 +340,11 @@ inline constexpr int kTextDeletingTrends = 1372;
 inline constexpr int kTextCopyingTrends = 1373;
 inline constexpr int kTextPastingTrends = 1374;
 inline constexpr int kTextRowChanged = 1375;
-inline constexpr int kTextPasteRefused = 1377;  // <row>, <column> and <cause> are replaced
+inline constexpr int kTextArchivePartlyDeleted = 1376;  // <n> and <left> are replaced
+inline constexpr int kTextPasteRefused = 1377;          // <row>, <column> and <cause> are replaced
+inline constexpr int kTextTrendsPartlyDeleted = 1378;   // <n> and <left> are replaced
+inline constexpr int kTextOneTextMissing = 1379;
+inline constexpr int kTextTextsMissing = 1380;  // <n> is replaced
 
 /// Words that every dialog uses; they are entered first.
 extern const std::span<const Entry> kCommonWords;

@@ -19,6 +19,17 @@ constexpr Entry kAll[] = {
     {1105, u"'<text>' ist zu lang: Dieses Feld fasst höchstens <max> Zeichen.",
      u"'<text>' is too long: this field holds <max> characters at most."},
 
+    {1106,
+     u"Ein anderes Programm hat diese Zeile inzwischen geändert. Was Sie eingegeben haben, steht "
+     u"noch im Dialog: OK speichert es, Abbrechen lässt die Werte des anderen Programms stehen.",
+     u"Another program has changed this row meanwhile. What you have entered is still in the "
+     u"dialog: OK stores it, Cancel leaves the values of the other program."},
+    {1107,
+     u"Ein anderes Programm hat diese Zeile inzwischen gelöscht. Was Sie eingegeben haben, steht "
+     u"noch im Dialog, kann aber nicht mehr gespeichert werden.",
+     u"Another program has deleted this row meanwhile. What you have entered is still in the "
+     u"dialog but can no longer be stored."},
+
     // What the settings of an archive mean
     {1110, u"1 Datei je Jahr", u"1 file a year"},
     {1111, u"1 Datei je Monat", u"1 file a month"},
@@ -76,6 +87,26 @@ constexpr Entry kAll[] = {
     {1169, u"Schwarz", u"Black"},
     {1170, u"Beispielkurve", u"Sample curve"},
 
+    // What fields take
+    {1180, u"Dieses Feld nimmt nur diese Zeichen: <keys>", u"This field takes these keys only: <keys>"},
+    {1181, u"Dieses Feld nimmt diese Zeichen nicht: <keys>", u"This field does not take these keys: <keys>"},
+    {1182, u"Leerzeichen", u"blank"},
+    {1183, u"'<text>' wurde nicht eingefügt.", u"'<text>' has not been pasted."},
+    {1184, u"Das Feld fasst höchstens <max> Zeichen.", u"The field holds <max> characters at most."},
+    {1185, u"'<text>' ist nicht als Ganzes eine Zahl. Gespeichert wird <number>.",
+     u"'<text>' is no number as a whole. What is stored is <number>."},
+    {1186, u"Dieses Feld nimmt ganze Zahlen. Gespeichert wird <number>.",
+     u"This field takes whole numbers. What is stored is <number>."},
+    {1187, u"'<text>' ist zu groß für dieses Feld: Es nimmt Zahlen von <smallest> bis <largest>.",
+     u"'<text>' is too large for this field: it takes numbers from <smallest> to <largest>."},
+    {1188, u"zu groß", u"too large"},
+    {1189, u"Geben Sie an, nach wie vielen Datensätzen eine neue Datei beginnt, oder wählen Sie ein "
+     u"anderes Ereignis.",
+     u"Say after how many data records a new file begins, or choose another event."},
+    {1190, u"Geben Sie die Variable an, die eine neue Datei beginnt, oder wählen Sie ein anderes "
+     u"Ereignis.",
+     u"Name the variable that begins a new file, or choose another event."},
+
     // Options dialog
     {1260, u"Spalte anzeigen (Eingabe)", u"Show column (Enter)"},
     {1261, u"Spalte ausblenden (Entf)", u"Hide column (Del)"},
@@ -121,8 +152,19 @@ constexpr Entry kAll[] = {
     {1374, u"Trends werden eingefügt ...", u"Pasting trends ..."},
     {1375, u"Ein anderes Programm hat diese Zeile inzwischen geändert oder gelöscht.",
      u"Another program has changed or deleted this row meanwhile."},
+    {1376,
+     u"Das Archiv und <n> seiner Trends sind gelöscht. <left> seiner Trends sind noch da und "
+     u"gehören zu keinem Archiv mehr.",
+     u"The archive and <n> of its trends have been deleted. <left> of its trends are left and "
+     u"belong to no archive any more."},
     {1377, u"Zeile <row>, Spalte '<column>': <cause>\n\nEs wurde nichts eingefügt.",
      u"Row <row>, column '<column>': <cause>\n\nNothing has been pasted."},
+    {1378, u"<n> Trends sind gelöscht, <left> sind noch da.",
+     u"<n> trends have been deleted, <left> are left."},
+    {1379, u"1 Trend wird nicht angezeigt, sein Text fehlt",
+     u"1 trend is not shown, its text is missing"},
+    {1380, u"<n> Trends werden nicht angezeigt, ihre Texte fehlen",
+     u"<n> trends are not shown, their texts are missing"},
 };
 // clang-format on
 

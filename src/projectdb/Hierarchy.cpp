@@ -1,5 +1,6 @@
 #include "projectdb/Hierarchy.h"
 
+#include <algorithm>
 #include <exception>
 
 #include "projectdb/Guard.h"
@@ -30,6 +31,27 @@ void ReloadTrends(ProjectContext& project, IEditorWindow& editor) {
     editor.NamesInGroup(kTrendNames);
     editor.TrendsReloaded();
 }
+
+namespace {
+
+/// The texts that several archives and trends name, and how many. Rows that cannot be read name
+/// none.
+std::unordered_map<std::int32_t, int> SharedTexts(ProjectRows& rows) {
+    const auto texts = [](const ado::Recordset& owners) {
+        return owners.NumbersOf(owners.FieldIndex("TextID"));
+    };
+    std::vector<std::int32_t> named = texts(rows.Trends());
+    const std::vector<std::int32_t> archives = texts(rows.Archives());
+    named.insert(named.end(), archives.begin(), archives.end());
+    std::sort(named.begin(), named.end());
+    std::unordered_map<std::int32_t, int> shared;
+    for (std::size_t i = 1; i < named.size(); ++i) {
+        if (named[i] == named[i - 1]) ++shared.try_emplace(named[i], 1).first->second;
+    }
+    return shared;
+}
+
+}  // namespace
 
 void Hierarchy::CollectArchive(const QString& nodeKey) {
     nodes_.Clear();
@@ -69,8 +91,9 @@ bool Hierarchy::Delete(const Confirm& confirm, const Progress& progress) {
     counters_.Reset({});
     // The split must not read rows while they go, should the progress let the window paint.
     window_.ReleaseTrends();
+    bool deleted = false;
     try {
-        Cascade(progress);
+        deleted = Cascade(progress);
     } catch (...) {
         const std::exception_ptr failure = std::current_exception();
         try {
@@ -82,20 +105,32 @@ bool Hierarchy::Delete(const Confirm& confirm, const Progress& progress) {
         std::rethrow_exception(failure);
     }
     BringUpToDate();
-    return true;
+    return deleted;
 }
 
-void Hierarchy::Cascade(const Progress& progress) {
+/// False when the user gave up.
+bool Hierarchy::Cascade(const Progress& progress) {
     ADOArchiv& environment = project_.Environment();
     ProjectRows rows(environment);
     done_ = 0;
+    bool goesOn = true;
     CommitWhatIsDone(
         environment.Connection(),
-        [&] { deletion_.cancelled = !DeleteNodes(nodes_, rows, progress); },
+        [&] {
+            // Asked of all of them first: a failure in the middle leaves deleted what is deleted.
+            for (const ado::Recordset* table :
+                 {&rows.Archives(), &rows.Groups(), &rows.Texts(), &rows.Trends()}) {
+                table->RequireWritable();
+            }
+            sharedTexts_ = SharedTexts(rows);
+            goesOn = DeleteNodes(nodes_, rows, progress);
+            return goesOn;
+        },
         [&] {
             deletion_ = {};
             counters_.Reset(DeleteFunction());
         });
+    return goesOn;
 }
 
 /// False when the user gave up.
@@ -118,15 +153,24 @@ void Hierarchy::DeleteArchiveRows(std::int32_t id, ProjectRows& rows) {
     if (!rows.SeekArchive(id)) return;  // another program was faster
     // With several groups nobody can tell which one is the archive's.
     if (rows.SeekGroup(id)) rows.Groups().Delete();
-    if (rows.SeekTextOf(rows.Archives())) rows.Texts().Delete();
+    DeleteTextOf(rows.Archives(), rows);
     rows.Archives().Delete();
     deletion_.archives.push_back(id);
     counters_.Add(DeleteFunction(), 1, 0);
 }
 
+/// A text that another row names as well is that row's, too.
+void Hierarchy::DeleteTextOf(const ado::Recordset& owner, ProjectRows& rows) {
+    const auto text = NumberOf(owner, "TextID");
+    if (!text) return;
+    const auto shared = sharedTexts_.find(*text);
+    if (shared != sharedTexts_.end() && --shared->second > 0) return;
+    if (rows.SeekText(*text)) rows.Texts().Delete();
+}
+
 void Hierarchy::DeleteTrendRows(std::int32_t id, ProjectRows& rows) {
     if (!rows.SeekTrend(id)) return;
-    if (rows.SeekTextOf(rows.Trends())) rows.Texts().Delete();
+    DeleteTextOf(rows.Trends(), rows);
     rows.Trends().Delete();
     deletion_.trends.push_back(id);
     counters_.Add(DeleteFunction(), 0, 1);

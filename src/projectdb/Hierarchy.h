@@ -3,6 +3,7 @@
 #include <functional>
 #include <QStringView>
 #include <span>
+#include <unordered_map>
 #include <vector>
 
 #include "projectdb/CHNds.h"
@@ -39,14 +40,14 @@ using Progress = std::function<bool(int done, int total)>;
 struct Deletion {
     std::vector<std::int32_t> archives;  // IDs
     std::vector<std::int32_t> trends;    // IDs
-    bool cancelled = false;              // given up by the user before everything was deleted
 };
 
 /// The operations on an archive with all that hangs from it: trends, index texts, text groups. The
 /// file declares none of these relations, so they are kept here. One object per editor window.
 ///
-/// A cascade is one transaction. It is committed as far as it came when it fails or is cancelled:
-/// what was deleted stays deleted. An archive's own rows go before its trends.
+/// A cascade is one transaction. It is committed as far as it came when it fails: what was deleted
+/// stays deleted. When it is cancelled all of it is taken back. An archive's own rows go before its
+/// trends; a text that another row names as well stays.
 class Hierarchy {
 public:
     /// All three are borrowed and outlive the object.
@@ -61,8 +62,9 @@ public:
     /// when the archive is not there.
     void CollectArchive(const QString& nodeKey);
 
-    /// False when the user declined: then nothing has changed. Throws what the database throws;
-    /// the window shows what is in the file all the same, and LastDeletion() tells what has gone.
+    /// False when the user declined or gave up: then nothing has changed. Throws what the database
+    /// throws; the window shows what is in the file all the same, and LastDeletion() tells what has
+    /// gone.
     bool DeleteArchive(const QString& nodeKey, const Confirm& confirm, const Progress& progress);
     /// The same for trends, which go in the order given.
     bool DeleteTrends(std::span<const std::int32_t> trendIds, const Confirm& confirm,
@@ -70,15 +72,18 @@ public:
 
     /// What the last deletion has taken out of the file, also when it failed.
     [[nodiscard]] const Deletion& LastDeletion() const noexcept { return deletion_; }
+    /// How many archives and trends it was to take out.
+    [[nodiscard]] int LastTotal() const noexcept { return total_; }
     [[nodiscard]] const CHNds& Nodes() const noexcept { return nodes_; }
     [[nodiscard]] FunctionCounters& Counters() noexcept { return counters_; }
 
 private:
     bool Delete(const Confirm& confirm, const Progress& progress);
-    void Cascade(const Progress& progress);
+    bool Cascade(const Progress& progress);
     bool DeleteNodes(const CHNds& nodes, ProjectRows& rows, const Progress& progress);
     void DeleteArchiveRows(std::int32_t id, ProjectRows& rows);
     void DeleteTrendRows(std::int32_t id, ProjectRows& rows);
+    void DeleteTextOf(const ado::Recordset& owner, ProjectRows& rows);
     void BringUpToDate();
 
     ProjectContext& project_;
@@ -86,8 +91,9 @@ private:
     FunctionCounters counters_;
     CHNds nodes_;  // of the operation that ran last
     Deletion deletion_;
-    int done_ = 0;   // nodes of the deletion so far
-    int total_ = 0;  // all nodes of the deletion
+    std::unordered_map<std::int32_t, int> sharedTexts_;  // how many rows name it, by ID
+    int done_ = 0;                                       // nodes of the deletion so far
+    int total_ = 0;                                      // all nodes of the deletion
 };
 
 }  // namespace projectdb

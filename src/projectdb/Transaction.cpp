@@ -26,21 +26,23 @@ void Transaction::Commit() {
     connection_.CommitTrans();
 }
 
-void CommitWhatIsDone(ado::Connection& connection, const std::function<void()>& steps,
+void CommitWhatIsDone(ado::Connection& connection, const std::function<bool()>& steps,
                       const std::function<void()>& undone) {
-    Transaction transaction(connection);
     std::exception_ptr failure;
+    bool wanted = true;
     try {
-        steps();
-    } catch (...) {
-        failure = std::current_exception();
-    }
-    try {
-        transaction.Commit();
+        Transaction transaction(connection);
+        try {
+            wanted = steps();
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        if (wanted) transaction.Commit();
     } catch (...) {
         if (undone) undone();
         if (!failure) throw;  // else the first one is to be told
     }
+    if (!wanted && undone) undone();
     if (failure) std::rethrow_exception(failure);
 }
 

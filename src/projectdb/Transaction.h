@@ -26,9 +26,10 @@ private:
 };
 
 /// Runs `steps` as one transaction that is committed even when one of them throws: the steps before
-/// it stay done. Then throws on what the step has thrown, or what the commit has. `undone` is
-/// called when the commit failed, so that nothing of the steps is in the file.
-void CommitWhatIsDone(ado::Connection& connection, const std::function<void()>& steps,
+/// it stay done. Then throws on what the step has thrown, or what the commit has. When `steps`
+/// gives false all of it is taken back. `undone` is called when nothing of the steps is in the
+/// file.
+void CommitWhatIsDone(ado::Connection& connection, const std::function<bool()>& steps,
                       const std::function<void()>& undone = {});
 
 }  // namespace projectdb

@@ -1,6 +1,7 @@
 #include "projectfile/CreateProject.h"
 
 #include <cstdio>
+#include <initializer_list>
 #include <set>
 
 #include "jet/CreateDatabase.h"
@@ -34,21 +35,39 @@ std::string WrongLanguages(std::span<const std::uint32_t> lcids) {
     return {};
 }
 
+using NamedValues = std::initializer_list<std::pair<const char*, jet::Value>>;
+
+jet::Status AddRow(jet::Table& table, const NamedValues& values) {
+    std::vector<jet::Assignment> row;
+    for (const auto& [name, value] : values) {
+        row.push_back({*table.Definition().FindColumn(name), value});
+    }
+    return jet::TableWriter(table).Insert(row).GetStatusOrOk();
+}
+
+/// The group above those of all archives. Without it the group of the first archive would become
+/// it, and go with that archive.
+jet::Status AddRootGroup(jet::Database& database) {
+    std::unique_ptr<jet::Table> table;
+    JET_ASSIGN(table, database.OpenTable(kGroupsTable));
+    constexpr std::int32_t kArchiveGroup = -2;
+    return AddRow(*table, {{"ParentID", 0},
+                           {"Name", jet::ToUtf16("Archive")},
+                           {"Type", kArchiveGroup},
+                           {"Parameter", 0},
+                           {"Delete", false},
+                           {"Rename", false}});
+}
+
 jet::Status AddLanguages(jet::Database& database, std::span<const std::uint32_t> lcids) {
     std::unique_ptr<jet::Table> table;
     JET_ASSIGN(table, database.OpenTable(kLanguagesTable));
     for (const std::uint32_t lcid : lcids) {
         char layout[9];
         std::snprintf(layout, sizeof layout, "%08X", static_cast<unsigned>(lcid));
-        std::vector<jet::Assignment> row;
-        const std::pair<const char*, jet::Value> values[] = {
-            {"LCID", static_cast<std::int32_t>(lcid)},
-            {"kbLayout", jet::ToUtf16(layout)},
-            {"Font", jet::ToUtf16(kFont)}};
-        for (const auto& [name, value] : values) {
-            row.push_back({*table->Definition().FindColumn(name), value});
-        }
-        JET_TRY(jet::TableWriter(*table).Insert(row).GetStatusOrOk());
+        JET_TRY(AddRow(*table, {{"LCID", static_cast<std::int32_t>(lcid)},
+                                {"kbLayout", jet::ToUtf16(layout)},
+                                {"Font", jet::ToUtf16(kFont)}}));
     }
     return {};
 }
@@ -63,6 +82,7 @@ Outcome CreateProject(const std::string& path, std::span<const std::uint32_t> lc
         for (const jet::TableSpec& table : ProjectTables(lcids)) {
             JET_TRY(jet::CreateTable(database, table));
         }
+        JET_TRY(AddRootGroup(database));
         return AddLanguages(database, lcids);
     };
     const jet::Status status = jet::CreateDatabase(jet::SystemDisk(), paths::ToNative(path), fill);

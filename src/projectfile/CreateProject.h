@@ -17,8 +17,9 @@ struct [[nodiscard]] Outcome {
     std::string text;  // why there is no project: UTF-8, does not name the file
 };
 
-/// Makes a new, empty project file with texts in the languages `lcids`: Windows locale ids, 1 to
-/// 0xFFFFF, 1 to 251 different ones, in the order in which the project shall list them.
+/// Makes a new project file, empty but for the group above all archives' groups, with texts in the
+/// languages `lcids`: Windows locale ids, 1 to 0xFFFFF, 1 to 251 different ones, in the order in
+/// which the project shall list them.
 ///
 /// `path` is UTF-8, with slashes or as projects write paths (see paths::ToNative). A file that is
 /// there already is never touched, and after a failure there is none. The new file is durable.

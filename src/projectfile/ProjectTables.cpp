@@ -82,7 +82,7 @@ constexpr TableForm kTables[] = {
     {"TchrArchives", kArchives},
     {"TchrTrends", kTrends, "ArchiveID"},
     {"TidxTexts", kTexts, "ParentID", true},
-    {"TidxGroups", kGroups},
+    {kGroupsTable, kGroups},
     {"TpdbStructs", kStructs},
     {"TpdbVars", kVars},
     {kLanguagesTable, kLanguages},

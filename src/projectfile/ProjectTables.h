@@ -8,6 +8,7 @@
 
 namespace projectfile {
 
+inline constexpr const char* kGroupsTable = "TidxGroups";
 inline constexpr const char* kLanguagesTable = "TcfgLanguages";
 
 /// The tables of a project with texts in these languages, in the order in which projects have them.

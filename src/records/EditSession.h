@@ -1,12 +1,16 @@
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <QLineEdit>
 #include <QtGlobal>
 #include <string>
 #include <utility>
 
 #include "ado/Recordset.h"
+#include "dialogs/PropertyDialog.h"
 #include "platform/Locale.h"
+#include "project/FieldText.h"
 #include "projectdb/Guard.h"
 
 /// What the edit sessions of archives and trends have in common.
@@ -17,22 +21,31 @@ namespace EditSession {
     return "L" + std::to_string(language);
 }
 
-/// Lets no longer text be typed than the column takes.
-inline void LimitLength(QLineEdit& text, const ado::Field& field) {
+/// Lets the control take what the column does: no longer text, numbers of its range. What a column
+/// holds that no text can be typed for is only shown.
+inline void BindToField(PropertyDialog& dialog, QLineEdit& text, const ado::Field& field) {
     if (field.type == ado::DataType::VarWChar) text.setMaxLength(field.definedSize);
+    if (const auto range = project::RangeOf(field.type)) dialog.ExpectNumber(text, *range);
+    if (!project::IsText(field.type) && !project::IsNumber(field.type)) dialog.SetReadOnly(text);
 }
 
 /// Runs a step of the session. Its failure has a text of its own for the user; the cause goes to
-/// the log. False when something was thrown.
+/// the log too. Empty when nothing was thrown.
 template <typename Step>
-bool Succeeds(const char* procedure, Step&& step) noexcept {
+std::optional<projectdb::Failure> Try(const char* procedure, Step&& step) noexcept {
     try {
         std::forward<Step>(step)();
-        return true;
+        return std::nullopt;
     } catch (...) {
-        qWarning("%s: %s", procedure, qUtf8Printable(projectdb::Failure::Current().Text()));
-        return false;
+        projectdb::Failure failure = projectdb::Failure::Current();
+        qWarning("%s: %s", procedure, qUtf8Printable(failure.Text()));
+        return failure;
     }
 }
+
+/// Tells the user over the open dialog that its record could not be stored, and why. `text`: number
+/// of the first sentence. `gone`: the row could not be read again either.
+void TellNotStored(PropertyDialog& dialog, const MResources::TextTable& texts, int text,
+                   const projectdb::Failure& failure, bool gone);
 
 }  // namespace EditSession

@@ -5,15 +5,14 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <tuple>
 #include <utility>
-#include <vector>
 
 #include "dialogs/ArchiveSummary.h"
 #include "dialogs/FArchiv.h"
 #include "languages/MResources.h"
 #include "languages/MResourceTable.h"
 #include "platform/MessageBox.h"
+#include "project/Rows.h"
 #include "projectdb/Hierarchy.h"
 #include "projectdb/Text.h"
 #include "records/EditSession.h"
@@ -22,9 +21,10 @@
 namespace MArchiv {
 namespace {
 
+using EditSession::BindToField;
 using EditSession::LanguageColumn;
-using EditSession::LimitLength;
-using EditSession::Succeeds;
+using EditSession::TellNotStored;
+using EditSession::Try;
 
 // Bits of `Type`, as they are stored
 constexpr int kKindMask = 7;  // the list index of cmbType
@@ -96,12 +96,6 @@ ado::Value ValueOf(const std::optional<QString>& text) {
     return text ? ValueOf(*text) : ado::Value(ado::Null());
 }
 
-bool HasColumn(const ado::Recordset& rows, std::string_view name) {
-    const std::vector<ado::Field>& fields = rows.Fields();
-    return std::any_of(fields.begin(), fields.end(),
-                       [&](const ado::Field& field) { return field.name == name; });
-}
-
 bool StandsOnRow(const ado::Recordset& rows) {
     return !rows.IsEOF() && !rows.IsBOF();
 }
@@ -128,28 +122,30 @@ private:
         const std::string_view name = field.name;
         if (const TextColumn* text = FindTextColumn(name)) {
             QLineEdit& control = *(dialog_.*text->control);
-            LimitLength(control, field);
+            BindToField(dialog_, control, field);
             MDialogs::FieldToText(rows_.archive, column, control);
             return;
         }
         const ado::Value value = rows_.archive.Get(column);
         if (name == "FileName") {
-            LimitLength(*dialog_.txtFileName, field);
+            BindToField(dialog_, *dialog_.txtFileName, field);
             dialog_.txtFileName->setText(TextOf(value));
         } else if (name == "FilePath") {
-            LimitLength(*dialog_.cboFilePath->lineEdit(), field);
+            BindToField(dialog_, *dialog_.cboFilePath->lineEdit(), field);
             dialog_.cboFilePath->setEditText(TextOf(value));
         } else if (name == "RedundancyFilePath") {
-            LimitLength(*dialog_.cboRedundancyFilePath->lineEdit(), field);
+            BindToField(dialog_, *dialog_.cboRedundancyFilePath->lineEdit(), field);
             dialog_.cboRedundancyFilePath->setEditText(TextOf(value));
         } else if (name == kParamNames) {
             dialog_.SetParamNames(NullableTextOf(value));
         } else if (name == "SampleMode") {
-            MDialogs::SelectComboByItemData(*dialog_.cmbSampleMode, value);
+            dialog_.ShowCode(*dialog_.cmbSampleMode, projectdb::NumberOf(rows_.archive, name),
+                             project::FindArchiveColumn(name)->codes);
         } else if (name == "MaxSamples") {
+            BindToField(dialog_, *dialog_.txtMaxSamples, field);
             maxSamples_ = ado::ToLong(value);
         } else if (name == "NewFile") {
-            LimitLength(*dialog_.txtNewFile, field);
+            BindToField(dialog_, *dialog_.txtNewFile, field);
             newFile_ = TextOf(value);
         } else if (name == "Type") {
             LoadType(ado::ToLong(value));
@@ -159,8 +155,7 @@ private:
     }
 
     void LoadType(int type) {
-        const int kind = type & kKindMask;
-        dialog_.cmbType->setCurrentIndex(kind < dialog_.cmbType->count() ? kind : -1);
+        dialog_.ShowCode(*dialog_.cmbType, type & kKindMask);
         dialog_.optHDRAM.at((type & kMainMemory) != 0 ? 1 : 0)->setChecked(true);
         dialog_.optSaveFast.at((type & kSaveSafe) != 0 ? 1 : 0)->setChecked(true);
         dialog_.chkRedundancy->setChecked((type & kRedundancy) != 0);
@@ -179,15 +174,15 @@ private:
                                       platform::MessageButtons::Ok, dialog_.windowTitle(), owner_);
             } else {
                 texts.Resync();
-                available = HasColumn(texts, column);
-                if (HasColumn(texts, kParamNames)) {
+                available = project::HasField(texts, column);
+                if (project::HasField(texts, kParamNames)) {
                     dialog_.SetIndexTextParamNames(NullableTextOf(texts.Get(kParamNames)));
                 }
             }
         }
         if (available) {
             const std::size_t index = texts.FieldIndex(column);
-            LimitLength(*dialog_.txtTextID, texts.Fields().at(index));
+            BindToField(dialog_, *dialog_.txtTextID, texts.Fields().at(index));
             MDialogs::FieldToText(texts, index, *dialog_.txtTextID);
         }
         dialog_.SetDisplayTextAvailable(available);
@@ -220,13 +215,20 @@ private:
 };
 
 void StoreType(ado::Recordset& archive, std::size_t column, const FArchiv& dialog) {
-    if (dialog.cmbType->currentIndex() < 0) return;
-    int type = dialog.cmbType->currentData().toInt();
+    const std::int32_t stored = ado::ToLong(archive.Get(column));
+    const bool kindShown = dialog.cmbType->currentIndex() >= 0;
+    int type = kindShown ? dialog.cmbType->currentData().toInt() : stored & kKindMask;
     if (dialog.optHDRAM[1]->isChecked()) type |= kMainMemory;
     if (dialog.optSaveFast[1]->isChecked()) type |= kSaveSafe;
     if (dialog.chkRedundancy->isChecked()) type |= kRedundancy;
     // On purpose not masked: bits that the dialog does not edit survive only an unchanged type.
-    if ((ado::ToLong(archive.Get(column)) & kEditedBits) != type) archive.Set(column, type);
+    if ((stored & kEditedBits) != type) archive.Set(column, type);
+}
+
+void AssignIfOther(ado::Recordset& row, std::string_view column,
+                   const std::optional<QString>& kept) {
+    const ado::Value value = ValueOf(kept);
+    if (row.Get(column) != value) row.Set(column, value);
 }
 
 /// The recordset may stand anywhere when the archive has no text; a row that belongs to something
@@ -236,31 +238,54 @@ void StoreDisplayText(ado::Recordset& texts, const ado::Value& textId, platform:
     if (ado::IsNull(textId) || !StandsOnRow(texts)) return;
     if (ado::ToLong(texts.Get("ID")) != ado::ToLong(textId)) return;
     const std::string column = LanguageColumn(language);
-    if (HasColumn(texts, column)) texts.Set(column, ValueOf(dialog.txtTextID->text()));
-    if (HasColumn(texts, kParamNames)) {
-        texts.Set(kParamNames, ValueOf(dialog.IndexTextParamNames()));
+    if (dialog.Touched(*dialog.txtTextID) && project::HasField(texts, column)) {
+        texts.Set(column, ValueOf(dialog.txtTextID->text()));
+    }
+    if (project::HasField(texts, kParamNames)) {
+        AssignIfOther(texts, kParamNames, dialog.IndexTextParamNames());
     }
 }
 
+/// The English form of an event of the clock takes the place of the German one.
+void StoreNewFile(ado::Recordset& archive, std::size_t column, const FArchiv& dialog) {
+    const QString stored = TextOf(archive.Get(column));
+    const QString now = dialog.lblNewFile->text();
+    const bool isEvent =
+        std::any_of(kClockEvents.begin(), kClockEvents.end(),
+                    [&](const ClockEvent& known) { return known.placeholder == stored; });
+    if (dialog.Touched(*dialog.lblNewFile) || (isEvent && now != stored)) {
+        archive.Set(column, ValueOf(now));
+    }
+}
+
+/// What the user has left alone is not written, so that it stays as it is.
 void StoreColumn(const Rows& rows, std::size_t column, const FArchiv& dialog) {
     ado::Recordset& archive = rows.archive;
     const std::string_view name = archive.Fields().at(column).name;
-    if (const TextColumn* text = FindTextColumn(name)) {
-        MDialogs::TextToField(archive, column, *(dialog.*text->control));
+    const auto assign = [&](const QWidget& control, const QString& text) {
+        if (dialog.Touched(control)) archive.Set(column, ValueOf(text));
+    };
+    if (const TextColumn* known = FindTextColumn(name)) {
+        const QLineEdit& text = *(dialog.*known->control);
+        if (dialog.Touched(text)) MDialogs::TextToField(archive, column, text);
     } else if (name == "FileName") {
-        archive.Set(column, ValueOf(dialog.txtFileName->text()));
+        assign(*dialog.txtFileName, dialog.txtFileName->text());
     } else if (name == "FilePath") {
-        archive.Set(column, ValueOf(dialog.cboFilePath->currentText()));
+        assign(*dialog.cboFilePath, dialog.cboFilePath->currentText());
     } else if (name == "RedundancyFilePath") {
-        archive.Set(column, ValueOf(dialog.cboRedundancyFilePath->currentText()));
+        assign(*dialog.cboRedundancyFilePath, dialog.cboRedundancyFilePath->currentText());
     } else if (name == kParamNames) {
-        archive.Set(column, ValueOf(dialog.ParamNames()));
+        AssignIfOther(archive, name, dialog.ParamNames());
     } else if (name == "SampleMode") {
-        MDialogs::ComboToField(archive, column, *dialog.cmbSampleMode);
+        if (dialog.Touched(*dialog.cmbSampleMode)) {
+            MDialogs::ComboToField(archive, column, *dialog.cmbSampleMode);
+        }
     } else if (name == "MaxSamples") {
-        archive.Set(column, platform::LeadingNumber(dialog.lblMaxSamples->text()));
+        if (dialog.Touched(*dialog.lblMaxSamples)) {
+            archive.Set(column, platform::LeadingNumber(dialog.lblMaxSamples->text()));
+        }
     } else if (name == "NewFile") {
-        archive.Set(column, ValueOf(dialog.lblNewFile->text()));
+        StoreNewFile(archive, column, dialog);
     } else if (name == "Type") {
         StoreType(archive, column, dialog);
     } else if (name == "TextID") {
@@ -268,51 +293,55 @@ void StoreColumn(const Rows& rows, std::size_t column, const FArchiv& dialog) {
     }
 }
 
-/// Drops what has been assigned, so that neither row keeps half of the values.
-void TakeBack(const Rows& rows) {
-    std::ignore = Succeeds("CancelUpdate", [&] { rows.archive.CancelUpdate(); });
-    std::ignore = Succeeds("Resync", [&] {
-        if (StandsOnRow(rows.indexTexts)) rows.indexTexts.Resync();
-    });
+void Store(const Rows& rows, const FArchiv& dialog) {
+    for (std::size_t i = 0; i < rows.archive.Fields().size(); ++i) StoreColumn(rows, i, dialog);
+}
+
+/// Drops what has been assigned, so that neither row keeps half of the values, and reads both as
+/// they are now. False when one of them cannot be read again.
+bool TakeBack(const Rows& rows) {
+    const auto readAgain = [](const char* procedure, ado::Recordset& row) {
+        return !Try(procedure, [&] {
+            row.CancelUpdate();
+            if (StandsOnRow(row)) row.Resync();
+        });
+    };
+    const bool archive = readAgain("CancelUpdate", rows.archive);
+    return readAgain("Resync", rows.indexTexts) && archive;
 }
 
 }  // namespace
 
 bool ArchiveToDialog(const Rows& rows, FArchiv& dialog, const MResources::TextTable& texts,
                      QWidget* owner) {
-    return Succeeds("ArchiveToDialog", [&] { Loader(rows, dialog, texts, owner).Load(); });
+    return !Try("ArchiveToDialog", [&] { Loader(rows, dialog, texts, owner).Load(); });
 }
 
 bool DialogToArchive(const Rows& rows, const FArchiv& dialog) {
-    return Succeeds("DialogToArchive", [&] {
-        for (std::size_t i = 0; i < rows.archive.Fields().size(); ++i) {
-            StoreColumn(rows, i, dialog);
-        }
-    });
+    return !Try("DialogToArchive", [&] { Store(rows, dialog); });
 }
 
-bool EditArchive(const Rows& rows, const DialogServices& services, QWidget* owner) {
+bool EditArchive(const Rows& rows, const DialogServices& services, QWidget* owner,
+                 const std::function<void()>& save) {
     FArchiv dialog(services, projectdb::kArchiveNames, owner);
-    const auto tell = [&](int text) {
-        platform::ShowMessage(services.texts.GetText(text), platform::MessageButtons::Ok,
-                              dialog.windowTitle(), owner);
-    };
     if (!ArchiveToDialog(rows, dialog, services.texts, owner)) {
-        tell(MResourceTable::kTextArchiveInitFailed);
+        platform::ShowMessage(services.texts.GetText(MResourceTable::kTextArchiveInitFailed),
+                              platform::MessageButtons::Ok, dialog.windowTitle(), owner);
         return false;
     }
+    dialog.SetStore([&] {
+        const auto failure = Try("DialogToArchive", [&] {
+            Store(rows, dialog);
+            save();
+        });
+        if (!failure) return true;
+        const bool gone = !TakeBack(rows);
+        TellNotStored(dialog, services.texts, MResourceTable::kTextArchiveWriteBackFailed, *failure,
+                      gone);
+        return false;
+    });
     dialog.exec();
-    if (dialog.Cancelled()) return false;
-    const bool written = DialogToArchive(rows, dialog) && Succeeds("EditArchive", [&] {
-                             if (rows.indexTexts.EditMode() != ado::EditMode::None)
-                                 rows.indexTexts.Update();
-                         });
-    if (!written) {
-        tell(MResourceTable::kTextArchiveWriteBackFailed);
-        TakeBack(rows);
-        dialog.TakeBackName();
-    }
-    return written;
+    return !dialog.Cancelled();
 }
 
 }  // namespace MArchiv

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "ado/Recordset.h"
 #include "dialogs/DialogServices.h"
 #include "platform/Locale.h"
@@ -20,21 +22,23 @@ struct Rows {
     platform::Lcid language;
 };
 
-/// Lets the user edit an archive. True when he has accepted and everything could be written: the
-/// index text is then saved, and the archive's row waits for the caller to save it. False: nothing
-/// has changed; where something failed the user has been told. Throws nothing.
-[[nodiscard]] bool EditArchive(const Rows& rows, const DialogServices& services, QWidget* owner);
+/// Lets the user edit an archive. `save` stores both rows, which then have their new values, as one
+/// change or not at all; when it throws, the user is told why and the dialog stays open with all
+/// that was typed. True when the archive has been stored. False: nothing has changed; where
+/// something failed the user has been told. Throws nothing.
+[[nodiscard]] bool EditArchive(const Rows& rows, const DialogServices& services, QWidget* owner,
+                               const std::function<void()>& save);
 
 /// Fills the dialog. False when a column cannot be read.
 ///
 /// An archive whose `TextID` names no index text is opened after a message, without a display text.
-/// Codes that the dialog does not know select nothing and are left as they are by OK.
+/// Codes that the dialog does not know are shown with their number and left as they are by OK.
 [[nodiscard]] bool ArchiveToDialog(const Rows& rows, FArchiv& dialog,
                                    const MResources::TextTable& texts, QWidget* owner);
 
-/// Assigns the dialog's values to the archive's row and, where `indexTexts` stands on the archive's
-/// text, to that; neither is saved. False when a value cannot be assigned; both rows are then
-/// to be cancelled.
+/// Assigns what the user has changed to the archive's row and, where `indexTexts` stands on the
+/// archive's text, to that; neither is saved. False when a value cannot be assigned; both rows are
+/// then to be cancelled.
 ///
 /// `Type` is assigned only when one of its edited bits has changed; its other bits are then
 /// cleared.

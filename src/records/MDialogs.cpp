@@ -3,7 +3,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 
-#include "platform/Locale.h"
+#include "project/FieldText.h"
 #include "projectdb/Text.h"
 
 namespace MDialogs {
@@ -23,22 +23,9 @@ void TextToField(ado::Recordset& row, std::size_t column, const QLineEdit& text)
 }
 
 void TextToField(ado::Recordset& row, std::size_t column, QStringView text) {
-    using enum ado::DataType;
-    switch (row.Fields().at(column).type) {
-        case SmallInt:
-        case Integer:
-            row.Set(column, platform::LeadingNumber(text));
-            break;
-        case Single:
-        case Double:
-            row.Set(column, platform::LeadingNumber(text.toString().replace(u',', u'.')));
-            break;
-        case VarWChar:
-            row.Set(column, text.isEmpty() ? kEmptyText : projectdb::ToUtf16(text));
-            break;
-        default:
-            break;
-    }
+    const project::Reading read =
+        project::ReadDialogText(projectdb::ToUtf16(text), row.Fields().at(column));
+    if (read.problem != project::Problem::NotEditable) row.Set(column, read.value);
 }
 
 void SelectComboByItemData(QComboBox& combo, const ado::Value& value,

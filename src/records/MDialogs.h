@@ -25,13 +25,8 @@ struct ComboEntry {
 /// the user's locale, so that an unchanged text gives the same number back.
 void FieldToText(const ado::Recordset& row, std::size_t column, QLineEdit& text);
 
-/// By the column's type:
-///   small integer, integer   the leading number of the text; no number gives 0
-///   single, double           likewise; "," counts as the decimal point, too
-///   text (VarWChar)          the text
-///   others                   the field is not written
-/// An empty text is stored as the one character U+0000: columns that forbid an empty text accept
-/// it.
+/// Stores what project::ReadDialogText makes of the text. A field that holds neither a number nor a
+/// text is not written.
 void TextToField(ado::Recordset& row, std::size_t column, const QLineEdit& text);
 /// The same for a text that no control shows.
 void TextToField(ado::Recordset& row, std::size_t column, QStringView text);

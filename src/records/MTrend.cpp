@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -11,6 +12,7 @@
 #include "languages/MResources.h"
 #include "languages/MResourceTable.h"
 #include "platform/MessageBox.h"
+#include "project/Rows.h"
 #include "projectdb/Hierarchy.h"
 #include "projectdb/Text.h"
 #include "records/EditSession.h"
@@ -19,9 +21,14 @@
 namespace MTrend {
 namespace {
 
+using EditSession::BindToField;
 using EditSession::LanguageColumn;
-using EditSession::LimitLength;
-using EditSession::Succeeds;
+using EditSession::TellNotStored;
+using EditSession::Try;
+
+constexpr std::string_view kParamNames = "ParamNames";
+constexpr std::string_view kHysteresis = "Hysteresis";
+constexpr std::string_view kHysteresisMode = "HysteresisMode";
 
 template <typename Control>
 struct Column {
@@ -84,77 +91,89 @@ QString TextOf(const ado::Value& value) {
     return text == std::u16string_view(u"\0", 1) ? QString() : projectdb::ToQString(text);
 }
 
-/// A text control shows fewer digits of a floating number than it has. Where the user has left it
-/// alone the number must not lose them.
-bool ShowsStoredNumber(const ado::Value& stored, const QLineEdit& control) {
-    const bool floating =
-        std::holds_alternative<double>(stored) || std::holds_alternative<float>(stored);
-    return floating && control.text() == TextOf(stored);
-}
-
 void Load(const ado::Recordset& trend, FTrend& dialog, platform::Lcid language) {
     const std::string languageColumn = LanguageColumn(language);
     QString hysteresis;
     std::int32_t mode = 0;
     dialog.SetDisplayTextAvailable(false);
+    const auto show = [&](QLineEdit& text, std::size_t column) {
+        BindToField(dialog, text, trend.Fields()[column]);
+        text.setText(TextOf(trend.Get(column)));
+    };
     for (std::size_t i = 0; i < trend.Fields().size(); ++i) {
-        const ado::Field& field = trend.Fields()[i];
-        const std::string_view name = field.name;
+        const std::string_view name = trend.Fields()[i].name;
         if (name == languageColumn) {
             dialog.SetDisplayTextAvailable(true);
-            LimitLength(*dialog.txtTextID, field);
-            dialog.txtTextID->setText(TextOf(trend.Get(i)));
-        } else if (name == "ParamNames") {
+            show(*dialog.txtTextID, i);
+        } else if (name == kParamNames) {
             const ado::Value names = trend.Get(i);
             dialog.SetIndexTextParamNames(
                 ado::IsNull(names) ? std::nullopt
                                    : std::optional(projectdb::ToQString(ado::ToText(names))));
-        } else if (name == "Hysteresis") {
-            LimitLength(*dialog.txtHysteresis, field);
+        } else if (name == kHysteresis) {
+            BindToField(dialog, *dialog.txtHysteresis, trend.Fields()[i]);
             hysteresis = TextOf(trend.Get(i));
-        } else if (name == "HysteresisMode") {
+        } else if (name == kHysteresisMode) {
             mode = ado::ToLong(trend.Get(i));
         } else if (QLineEdit* text = Find(kTextColumns, name, dialog)) {
-            LimitLength(*text, field);
-            text->setText(TextOf(trend.Get(i)));
+            show(*text, i);
         } else if (QComboBox* list = Find(kCodeColumns, name, dialog)) {
-            const std::int32_t code = ado::ToLong(trend.Get(i), -1);
-            list->setCurrentIndex(code >= 0 && code < list->count() ? code : -1);
+            dialog.ShowCode(*list, projectdb::NumberOf(trend, name),
+                            project::FindTrendColumn(name)->codes);
         } else if (KVColorSelect* color = Find(kColorColumns, name, dialog)) {
             const ado::Value value = trend.Get(i);
             ado::IsNull(value) ? color->ClearColor() : color->SetColor(ado::ToLong(value));
         }
     }
-    const int last = dialog.cmbHysteresisMode->count() - 1;
-    if (hysteresis.isEmpty()) mode = last;
-    dialog.cmbHysteresisMode->setCurrentIndex(std::clamp(mode, 0, last));
+    dialog.cmbHysteresisMode->setCurrentIndex(project::HysteresisMode(!hysteresis.isEmpty(), mode));
     dialog.txtHysteresis->setText(hysteresis);
     dialog.SetOpenedName(dialog.txtName->text());
 }
 
+/// Amount and mode go together: what has been chosen for one says what the other means.
+void StoreHysteresis(ado::Recordset& trend, const FTrend& dialog) {
+    if (!dialog.Touched(*dialog.txtHysteresis) && !dialog.Touched(*dialog.cmbHysteresisMode)) {
+        return;
+    }
+    const std::int32_t mode = dialog.cmbHysteresisMode->currentIndex();
+    const bool none = mode == dialog.cmbHysteresisMode->count() - 1;
+    const QString amount = none ? QString() : dialog.txtHysteresis->text();
+    for (std::size_t i = 0; i < trend.Fields().size(); ++i) {
+        const ado::Field& field = trend.Fields()[i];
+        if (field.name == kHysteresisMode) trend.Set(i, mode);
+        if (field.name != kHysteresis) continue;
+        const bool noNumber = amount.isEmpty() && project::IsNumber(field.type);
+        trend.Set(i, noNumber ? ado::Value(ado::Null()) : ado::Value(projectdb::ToUtf16(amount)));
+    }
+}
+
+/// What the user has left alone is not written, so that it stays as it is to the last digit, and
+/// what another program has changed meanwhile stays that program's.
 void Store(ado::Recordset& trend, const FTrend& dialog, platform::Lcid language) {
     const std::string languageColumn = LanguageColumn(language);
-    const int mode = dialog.cmbHysteresisMode->currentIndex();
-    const bool none = mode == dialog.cmbHysteresisMode->count() - 1;
-    const QString hysteresis = none ? QString() : dialog.txtHysteresis->text();
     for (std::size_t i = 0; i < trend.Fields().size(); ++i) {
         const std::string_view name = trend.Fields()[i].name;
-        if (name == languageColumn) {
-            MDialogs::TextToField(trend, i, *dialog.txtTextID);
-        } else if (name == "ParamNames") {
+        const QLineEdit* text =
+            name == languageColumn ? dialog.txtTextID : Find(kTextColumns, name, dialog);
+        if (text != nullptr) {
+            if (dialog.Touched(*text)) MDialogs::TextToField(trend, i, *text);
+        } else if (name == kParamNames) {
             const std::optional<QString>& names = dialog.IndexTextParamNames();
-            trend.Set(i, names ? ado::Value(projectdb::ToUtf16(*names)) : ado::Value(ado::Null()));
-        } else if (name == "Hysteresis") {
-            trend.Set(i, projectdb::ToUtf16(hysteresis));
-        } else if (name == "HysteresisMode") {
-            trend.Set(i, static_cast<std::int32_t>(mode));
-        } else if (const QLineEdit* text = Find(kTextColumns, name, dialog)) {
-            if (!ShowsStoredNumber(trend.Get(i), *text)) MDialogs::TextToField(trend, i, *text);
+            const ado::Value kept =
+                names ? ado::Value(projectdb::ToUtf16(*names)) : ado::Value(ado::Null());
+            if (trend.Get(i) != kept) trend.Set(i, kept);
         } else if (const QComboBox* list = Find(kCodeColumns, name, dialog)) {
-            MDialogs::ComboToField(trend, i, *list);
+            if (dialog.Touched(*list)) MDialogs::ComboToField(trend, i, *list);
         } else if (const KVColorSelect* color = Find(kColorColumns, name, dialog)) {
-            if (color->HasColor()) trend.Set(i, static_cast<std::int32_t>(color->Color()));
+            if (color->HasColor() && dialog.Touched(*color)) {
+                trend.Set(i, static_cast<std::int32_t>(color->Color()));
+            }
         }
+    }
+    StoreHysteresis(trend, dialog);
+    if (dialog.Touched(*dialog.txtName)) {
+        project::RenameTrendText(trend, projectdb::ToUtf16(dialog.OpenedName()),
+                                 projectdb::ToUtf16(dialog.txtName->text()));
     }
     trend.Update();
 }
@@ -162,33 +181,35 @@ void Store(ado::Recordset& trend, const FTrend& dialog, platform::Lcid language)
 }  // namespace
 
 bool TrendToDialog(const ado::Recordset& trend, FTrend& dialog, platform::Lcid language) {
-    return Succeeds("TrendToDialog", [&] { Load(trend, dialog, language); });
+    return !Try("TrendToDialog", [&] { Load(trend, dialog, language); });
 }
 
 bool DialogToTrend(ado::Recordset& trend, const FTrend& dialog, platform::Lcid language) {
-    return Succeeds("DialogToTrend", [&] { Store(trend, dialog, language); });
+    return !Try("DialogToTrend", [&] { Store(trend, dialog, language); });
 }
 
 bool EditTrend(ado::Recordset& trend, platform::Lcid language, const DialogServices& services,
                QWidget* owner) {
     FTrend dialog(services, projectdb::kTrendNames, owner);
-    const auto tell = [&](int text) {
-        platform::ShowMessage(services.texts.GetText(text), platform::MessageButtons::Ok,
-                              dialog.windowTitle(), owner);
-    };
     if (!TrendToDialog(trend, dialog, language)) {
-        tell(MResourceTable::kTextTrendInitFailed);
+        platform::ShowMessage(services.texts.GetText(MResourceTable::kTextTrendInitFailed),
+                              platform::MessageButtons::Ok, dialog.windowTitle(), owner);
         return false;
     }
+    dialog.SetStore([&] {
+        const auto failure = Try("DialogToTrend", [&] { Store(trend, dialog, language); });
+        if (!failure) return true;
+        // The row as it is now: another OK stores into it what has been typed.
+        const bool gone = Try("Resync", [&] {
+                              trend.CancelUpdate();
+                              trend.Resync();
+                          }).has_value();
+        TellNotStored(dialog, services.texts, MResourceTable::kTextTrendWriteBackFailed, *failure,
+                      gone);
+        return false;
+    });
     dialog.exec();
-    if (dialog.Cancelled()) return false;
-    if (!DialogToTrend(trend, dialog, language)) {
-        tell(MResourceTable::kTextTrendWriteBackFailed);
-        std::ignore = Succeeds("CancelUpdate", [&] { trend.CancelUpdate(); });
-        dialog.TakeBackName();
-        return false;
-    }
-    return true;
+    return !dialog.Cancelled();
 }
 
 }  // namespace MTrend

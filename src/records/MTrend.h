@@ -13,21 +13,21 @@ class QWidget;
 namespace MTrend {
 
 /// Lets the user edit the trend on whose row `trend` stands. True when he has accepted and the row
-/// has been saved. False: nothing has changed; where something failed the user has been told.
-/// Throws nothing.
+/// has been saved. When that fails the user is told why, and the dialog stays open with all that
+/// was typed. False: nothing has changed. Throws nothing.
 [[nodiscard]] bool EditTrend(ado::Recordset& trend, platform::Lcid language,
                              const DialogServices& services, QWidget* owner);
 
 /// Fills the dialog; numbers as the user writes them. False when a column cannot be read.
 ///
 /// A trend without a hysteresis shows the mode that says so, whatever mode is stored. Other codes
-/// that the dialog does not know select nothing, and a missing colour shows none; OK leaves both
-/// as they are.
+/// that the dialog does not know are shown with their number, and a missing colour shows none; OK
+/// leaves both as they are.
 [[nodiscard]] bool TrendToDialog(const ado::Recordset& trend, FTrend& dialog,
                                  platform::Lcid language);
 
-/// Assigns the dialog's values to the row and saves it. False when that fails; the row's edit is
-/// then to be cancelled.
+/// Assigns what the user has changed to the row and saves it. False when that fails; the row's edit
+/// is then to be cancelled.
 [[nodiscard]] bool DialogToTrend(ado::Recordset& trend, const FTrend& dialog,
                                  platform::Lcid language);
 

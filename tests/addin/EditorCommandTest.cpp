@@ -377,6 +377,8 @@ TEST_F(EditorCommandTest, TextFromASpreadsheetIsPastedOrRefusedAsAWhole) {
         {u"Name\tFactor\nF\t1\nG\tone\n"_s, {}, u"Row 2, column 'Factor': 'one'"_s},
         {u"Name\tVDrawMode\nF\tsomehow\n"_s, {}, u"Row 1, column 'Output Type': 'somehow'"_s},
         {u"Name\tVLineWidth\nF\t70000\n"_s, {}, u"'70000'"_s},
+        {u"Name\tHysteresisMode\nF\t99\n"_s, {}, u"'99'"_s},
+        {u"Name\tFactor\nF\t1.000,5\n"_s, {}, u"'1.000,5'"_s},
         {u"Name\tComment\nF\tx\n"_s + longName + u"\ty\n"_s, {}, u"Row 2, column 'Runtime Name'"_s},
         {u"Name\tNonsense\nF\t1\n"_s, {}, u"'Nonsense'"_s},
         {u"Name\tArchiveID\nF\t2\n"_s, {}, u"'ArchiveID'"_s},
@@ -406,7 +408,7 @@ TEST_F(EditorCommandTest, TextFromASpreadsheetIsPastedOrRefusedAsAWhole) {
     EXPECT_EQ(Stored(u"B"_s, "Factor"), u"2.5"_s);
     EXPECT_EQ(Stored(u"D"_s, "VDrawMode"), u"4"_s);
     EXPECT_EQ(Stored(u"D"_s, "VLineColor"), u"255"_s);
-    EXPECT_EQ(Stored(u"Copy of A"_s, "Factor"), u"(Null)"_s);
+    EXPECT_EQ(Stored(u"Copy of A"_s, "Factor"), u"1"_s) << "the default of a new trend";
 }
 
 TEST_F(EditorCommandTest, ATextIsPastedIntoTheCell) {
@@ -424,6 +426,11 @@ TEST_F(EditorCommandTest, ATextIsPastedIntoTheCell) {
         {u"VDrawMode"_s, u"Bars"_s, u"4"_s, false},
         {u"VDrawMode"_s, u"Stripes"_s, u"4"_s, true},
         {u"VLineColor"_s, u"#00FF00"_s, u"65280"_s, false},
+        {u"VLineColor"_s, u"99999999"_s, u"65280"_s, true},
+        {u"Filter"_s, u"3"_s, u"3"_s, false},
+        {u"Filter"_s, u"120"_s, u"3"_s, true},
+        {u"VLineStyle"_s, u"1"_s, u"1"_s, false},
+        {u"VLineStyle"_s, u"10"_s, u"1"_s, true},
         {u"Name"_s, u"Läuterbottich Temperatur"_s, {}, false},
     };
     Open();

@@ -58,7 +58,7 @@ TEST_F(EditorEditTest, EveryKindOfCellTakesWhatItsColumnHolds) {
         {u"Offset"_s, u"-0,5"_s, u"-0.5"_s, u"-0.5"_s, u"-0,5"_s},
         {u"VMax"_s, u"1e3"_s, u"1000"_s, u"1000"_s, u"1000"_s},
         {u"VDrawMode"_s, u"B"_s, u"4"_s, u"Bars"_s, u"Balken"_s},
-        {u"HysteresisMode"_s, u"a"_s, u"1"_s, u"absolute"_s, u"Absolut"_s},
+        {u"HysteresisMode"_s, u"a"_s, u"0"_s, u"absolute"_s, u"Absolut"_s},
         {u"VLineColor"_s, u"#0000FF"_s, u"16711680"_s, u"#0000FF"_s, u"#0000FF"_s},
     };
     for (const bool english : {true, false}) {

@@ -51,7 +51,7 @@ TEST_F(EditorLayoutTest, WithoutAFileTheBuiltInLayoutIsShown) {
         EXPECT_EQ(Width(field), 3000) << field.toStdString();
     }
     EXPECT_EQ(Split(1)->columnWidth(ColumnNumber(1, u"Name"_s)), 200);
-    EXPECT_EQ(Lcid(), 1031) << "the built-in default names German";
+    EXPECT_EQ(Lcid(), 1033) << "the interface's: nobody has stored one";
     EXPECT_EQ(CurrentRow(), 0);
     EXPECT_TRUE(Editor()->findChild<QStatusBar*>(u"sb"_s)->isVisible());
     EXPECT_EQ(Ini(), "");
@@ -123,9 +123,9 @@ TEST_F(EditorLayoutTest, FilesOfOtherStationsAreRead) {
          "TDBAColOrders=,3,999,-1,x,3\r\n",
          3000, kByPosition, 1033, true},
         // What is out of range, or of another kind.
-        {"CurrentLCID=99\r\nSaveOnExit=maybe\r\n", 3000, kDefault, 0, true},
+        {"CurrentLCID=99\r\nSaveOnExit=maybe\r\n", 3000, kDefault, 1031, true},
         {"CurrentLCID=99999999999\r\nsb.Visible=False\r\nMe.WindowState=1\r\n", 3000, kDefault,
-         1033, false},
+         1031, false},
         {"tdbA.Splits(1).Columns(\"VDrawMode\").Visible=True\r\n"
          "tdbA.Splits(1).Columns(\"Name\").Visible=False\r\n",
          3000,

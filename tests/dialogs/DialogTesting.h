@@ -25,6 +25,9 @@ public:
         asked << QStringLiteral("%1 %2").arg(group, name);
         return inUse.contains(name);
     }
+    [[nodiscard]] bool IsSameName(const QString& a, const QString& b) const override {
+        return a.compare(b, Qt::CaseInsensitive) == 0;
+    }
     void ChangeNameInGroup(QStringView group, const QString& oldName,
                            const QString& newName) override {
         changed << QStringLiteral("%1 %2>%3").arg(group, oldName, newName);

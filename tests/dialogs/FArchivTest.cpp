@@ -2,12 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
+#include <QClipboard>
 #include <QTabBar>
 #include <QTimer>
 #include <QtTest>
 
+#include "dialogs/ArchiveSummary.h"
 #include "dialogs/DialogTesting.h"
+#include "dialogs/FieldMark.h"
 #include "dialogs/TextDialog.h"
 #include "help/HelpTopics.h"
 
@@ -17,13 +21,15 @@ class FArchivTest : public testing::TestWithParam<std::uint32_t> {
 protected:
     FArchivTest() { dialog_->SetOpenedName({}); }
 
-    /// Shows the dialog with an archive as it would have been loaded.
-    void Show(const QString& name = QStringLiteral("Arc1")) {
+    /// Shows the dialog with an archive as it would have been loaded; `load` adds to that.
+    void Show(const QString& name = QStringLiteral("Arc1"),
+              const std::function<void()>& load = {}) {
         dialog_ = std::make_unique<FArchiv>(around_.services, u"Arc");
         dialog_->txtName->setText(name);
         dialog_->txtTextID->setText(name);
         dialog_->cmbType->setCurrentIndex(1);
         dialog_->cboNewFile->setCurrentIndex(5);
+        if (load) load();
         dialog_->SetOpenedName(name);
         dialog_->show();
         ASSERT_TRUE(QTest::qWaitForWindowActive(dialog_.get()));
@@ -381,36 +387,108 @@ TEST_P(FArchivTest, TextEditorChangesTheFieldOnOkOnly) {
     ShowPage(1);
     edit(QStringLiteral("a/b c"), "cmdOk");
     QTest::mouseClick(dialog_->cmdEditFileName, Qt::LeftButton);
-    EXPECT_EQ(dialog_->txtFileName->text(), QStringLiteral("abc"));
+    EXPECT_EQ(dialog_->txtFileName->text(), QStringLiteral("a/b c"));
 }
 
-TEST_P(FArchivTest, OnlyFittingKeysGetIntoTheFields) {
+// "C:\Program Files\Daten" used to become "C:\ProgramFiles\Daten".
+TEST_P(FArchivTest, WhatIsTypedAndPastedComesInAsItIs) {
     Show();
     dialog_->cmbType->setCurrentIndex(0);
     dialog_->cmbSampleMode->setCurrentIndex(3);
-    dialog_->cboFilePath->setEditText(QStringLiteral("<ProjectDir>"));
     const struct {
-        QWidget* field;
+        QLineEdit* field;
         int page;
-        const char16_t* typed;
         const char16_t* text;
     } cases[] = {
-        {dialog_->txtMaxSamples, 1, u"-1a2,", u"12"},
-        {dialog_->txtFileName, 1, u"sud haus*1", u"sudhaus1"},
-        {dialog_->txtTrigger, 2, u"Sud .\"Takt[1]#", u"Sud.Takt[1]"},
-        {dialog_->txtName, 0, u"Süd (1)#", u"Süd (1)"},
-        {dialog_->txtTextID, 0, u"Süd \"1\" #", u"Süd \"1\" #"},
+        {dialog_->cboFilePath->lineEdit(), 1, u"C:\\Program Files\\Daten"},
+        {dialog_->cboFilePath->lineEdit(), 1, u"<ProjectDir>\\sub dir"},
+        {dialog_->txtFileName, 1, u"sud haus 1"},
+        {dialog_->txtTrigger, 2, u"Sud .\"Takt[1]#"},
+        {dialog_->txtName, 0, u"Süd (1) #"},
+        {dialog_->txtTextID, 0, u"Süd \"1\" #"},
     };
     for (const auto& row : cases) {
         ShowPage(row.page);
-        Type(row.field, QString::fromUtf16(row.typed));
-        EXPECT_EQ(qobject_cast<QLineEdit*>(row.field)->text(), QString::fromUtf16(row.text));
+        const QString text = QString::fromUtf16(row.text);
+        Type(row.field, text);
+        EXPECT_EQ(row.field->text(), text);
+        row.field->clear();
+        QApplication::clipboard()->setText(text);
+        QTest::keyClick(row.field, Qt::Key_V, Qt::ControlModifier);
+        EXPECT_EQ(row.field->text(), text);
     }
-    // What was loaded stays, though it could not be typed.
-    ShowPage(1);
-    QTest::keyClick(dialog_->cboFilePath, Qt::Key_End);
-    QTest::keyClicks(dialog_->cboFilePath, QStringLiteral("\\Alt?"));
-    EXPECT_EQ(dialog_->cboFilePath->currentText(), QStringLiteral("<ProjectDir>\\Alt"));
+    dialog_->txtName->setMaxLength(5);
+    dialog_->txtName->clear();
+    QApplication::clipboard()->setText(QStringLiteral("123456"));
+    QTest::keyClick(dialog_->txtName, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(dialog_->txtName->text(), QString()) << "half a name is another name";
+}
+
+TEST_P(FArchivTest, ANumberThatIsNotQuiteOneShowsWhatWouldBeStored) {
+    const struct {
+        const char16_t* typed;
+        const char16_t* mark;
+        bool stores;
+    } cases[] = {{u"12", u"", true},
+                 {u"12 Stück", u"\u2192 12", true},
+                 {u"abc", u"\u2192 0", true},
+                 {u"", u"\u2192 0", true},
+                 {u"1,5", u"\u2192 1", true},
+                 {u"2.5", u"\u2192 2", true},
+                 {u"2147483647", u"", true},
+                 {u"99999999999", nullptr, false},
+                 {u"-99999999999", nullptr, false}};
+    for (const auto& row : cases) {
+        Show(QStringLiteral("Arc1"), [this] {
+            dialog_->txtMaxFiles->setText(QStringLiteral("31"));
+            dialog_->ExpectNumber(*dialog_->txtMaxFiles, *project::RangeOf(ado::DataType::Integer));
+        });
+        ShowPage(1);
+        around_.messages.clear();
+        Type(dialog_->txtMaxFiles, QString::fromUtf16(row.typed));
+        const auto* mark = dialog_->txtMaxFiles->findChild<FieldMark*>();
+        const QString shown = mark != nullptr && mark->isVisible() ? mark->text() : QString();
+        EXPECT_EQ(shown,
+                  row.mark != nullptr ? QString::fromUtf16(row.mark) : around_.texts.GetText(1188));
+        ShowPage(0);
+        QTest::mouseClick(dialog_->cmdOk, Qt::LeftButton);
+        EXPECT_EQ(dialog_->Cancelled(), !row.stores);
+        EXPECT_EQ(around_.messages.size(), row.stores ? 0 : 1);
+        if (row.stores) continue;
+        EXPECT_TRUE(dialog_->isVisible());
+        EXPECT_EQ(Focus(), QStringLiteral("txtMaxFiles"));
+        EXPECT_TRUE(dialog_->txtMaxFiles->isVisible()) << "on its page";
+        Type(dialog_->txtMaxFiles, QStringLiteral("31"));
+        EXPECT_FALSE(mark->isVisible());
+    }
+}
+
+// Both used to be stored as "never".
+TEST_P(FArchivTest, AFileChangeNeedsWhatItHappensOn) {
+    for (const int entry : {FileChange::kTrigger, FileChange::kCount}) {
+        Show(QStringLiteral("Arc1"),
+             [this] { dialog_->cboNewFile->setCurrentIndex(FileChange::kNever); });
+        around_.messages.clear();
+        dialog_->cboNewFile->setCurrentIndex(entry);
+        QTest::mouseClick(dialog_->cmdOk, Qt::LeftButton);
+        EXPECT_TRUE(dialog_->Cancelled());
+        const bool trigger = entry == FileChange::kTrigger;
+        EXPECT_EQ(around_.messages, QStringList(around_.texts.GetText(trigger ? 1190 : 1189)));
+        EXPECT_EQ(Focus(),
+                  trigger ? QStringLiteral("txtNewFile") : QStringLiteral("txtMaxSamples"));
+        Type(trigger ? dialog_->txtNewFile : dialog_->txtMaxSamples, QStringLiteral("5"));
+        QTest::mouseClick(dialog_->cmdOk, Qt::LeftButton);
+        EXPECT_FALSE(dialog_->Cancelled());
+    }
+}
+
+TEST_P(FArchivTest, TheOwnNameMayBeWrittenInAnotherWay) {
+    Show();
+    around_.names.inUse = {QStringLiteral("Arc1"), QStringLiteral("ARC1")};
+    Type(dialog_->txtName, QStringLiteral("ARC1"));
+    QTest::mouseClick(dialog_->cmdOk, Qt::LeftButton);
+    EXPECT_FALSE(dialog_->Cancelled());
+    EXPECT_EQ(around_.names.changed, QStringList{QStringLiteral("Arc Arc1>ARC1")});
 }
 
 TEST_P(FArchivTest, SummaryFollowsTheFields) {

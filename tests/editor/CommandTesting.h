@@ -7,6 +7,20 @@
 #include "projectdb/ProjectTesting.h"
 #include "projectdb/Text.h"
 
+/// The fields of a new archive behind its keys, and of a new trend.
+inline std::string NewArchiveFields(const std::string& fileName) {
+    return "|Type=0|FileName=" + fileName +
+           "|FilePath=<ProjectDir>|RedundancyFilePath=<ProjectDir>|SampleMode=1|ScanTime=1000"
+           "|MaxSamples=10000|CacheSize=100|AuthorizationLevel=0|MaxFiles=0|MaxSizeKb=0";
+}
+inline std::string NewTrendFields(std::int32_t colour) {
+    return "|HysteresisMode=3|Factor=1|Offset=0|Filter=0|FilterDepth=0|VMax=100|VMin=0|VUpper=90"
+           "|VLower=10|VLineColor=" +
+           std::to_string(colour) +
+           "|VLineWidth=1|VLineStyle=0|VUpperColor=255|VLowerColor=16711680|VConfig=0|VDrawMode=0"
+           "|VMaxSamples=1000";
+}
+
 /// The archives' nodes as the host would show them.
 struct FakeTree final : IArchiveTree {
     void AddArchiveNode(std::int32_t archiveId, const QString& name) override {

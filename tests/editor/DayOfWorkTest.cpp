@@ -9,13 +9,10 @@ using namespace Qt::Literals::StringLiterals;
 
 class DayOfWorkTest : public CommandTest {
 protected:
-    std::vector<std::int32_t> Ids(ADOArchiv::Command table, const std::string& filter = "") {
-        projectdb::ProjectRows rows(Environment());
+    static std::vector<std::int32_t> Ids(ado::Recordset& rows, const std::string& filter = "") {
         std::vector<std::int32_t> ids;
-        rows[table].SetFilter(filter);
-        for (; !rows[table].IsEOF(); rows[table].MoveNext()) {
-            ids.push_back(ado::ToLong(rows[table].Get("ID")));
-        }
+        rows.SetFilter(filter);
+        for (; !rows.IsEOF(); rows.MoveNext()) ids.push_back(ado::ToLong(rows.Get("ID")));
         return ids;
     }
     /// A few of them, in any order.
@@ -25,14 +22,16 @@ protected:
         return ids;
     }
     void Rename(std::int32_t archive) {
-        const auto edit = [&](ado::Recordset& archives, ado::Recordset&) {
+        const auto edit = [&](ado::Recordset& archives, ado::Recordset&, const auto& save) {
             archives.Set("Name", projectdb::ToUtf16(u"Behälter %1"_s.arg(++renamed_)));
+            save();
             return true;
         };
         EXPECT_TRUE(archives_.Edit(archive, edit));
     }
     void RunOneCommand() {
-        const std::vector<std::int32_t> archives = Ids(ADOArchiv::Command::Archives);
+        projectdb::ProjectRows rows(Environment());
+        const std::vector<std::int32_t> archives = Ids(rows.Archives());
         const auto kind = archives.empty() ? 0 : random_() % 9;
         const std::int32_t archive = archives.empty() ? 0 : archives[random_() % archives.size()];
         if (kind <= 1) {
@@ -40,8 +39,7 @@ protected:
             return;
         }
         OpenArchive(archive);
-        const auto trends =
-            Ids(ADOArchiv::Command::Trends, "ArchiveID = " + std::to_string(archive));
+        const auto trends = Ids(rows.Trends(), "ArchiveID = " + std::to_string(archive));
         if (kind <= 4 || trends.empty()) {
             trends_.New();
         } else if (kind == 5) {

@@ -14,11 +14,15 @@ TEST_F(TrendCommandsTest, ANewTrendIsNamedAfterItsNumber) {
         const char* what;
         std::int32_t archive;
         std::int32_t parent;  // of its text
+        std::int32_t colour;
     };
-    const Case cases[] = {{"the archive's group", 11, 13},
-                          {"no trends yet", 1, 3},
-                          {"no group", 12, 1},
-                          {"two groups", 13, 1}};
+    constexpr std::int32_t kRed = 0x0000FF;
+    constexpr std::int32_t kOrange = 0x00A5FF;
+    const Case cases[] = {{"the archive's group", 11, 13, kOrange},
+                          {"no trends yet", 1, 3, kRed},
+                          {"another colour than the first", 1, 3, kOrange},
+                          {"no group", 12, 1, kRed},
+                          {"two groups", 13, 1, kRed}};
     OpenEdgeCases();
     Content expected = Read();
     int id = 7;
@@ -29,9 +33,9 @@ TEST_F(TrendCommandsTest, ANewTrendIsNamedAfterItsNumber) {
         const qsizetype shown = window_.trends.size();
         const std::string number = std::to_string(++id);
         ++text;
-        Put(expected["TchrTrends"], "ID=" + number + "|Name=Trd" + number +
-                                        "|ArchiveID=" + std::to_string(c.archive) +
-                                        "|TextID=" + std::to_string(text));
+        Put(expected["TchrTrends"],
+            "ID=" + number + "|Name=Trd" + number + "|ArchiveID=" + std::to_string(c.archive) +
+                "|TextID=" + std::to_string(text) + NewTrendFields(c.colour));
         Put(expected["TidxTexts"], "ID=" + std::to_string(text) + "|ParentID=" +
                                        std::to_string(c.parent) + "|Name=IdxTrd" + number);
         EXPECT_EQ(trends_.New(), id);
@@ -48,6 +52,46 @@ TEST_F(TrendCommandsTest, ANewTrendIsNamedAfterItsNumber) {
     EXPECT_EQ(ErrorOf([&] { trends_.New(); }), ado::ErrorNumber::kNoCurrentRecord)
         << "another program has deleted it";
     EXPECT_EQ(Read(), expected);
+}
+
+TEST_F(TrendCommandsTest, ANewTrendGetsANameThatNoOtherHas) {
+    OpenBrewery();
+    OpenArchive(1);
+    Insert("TchrTrends", {{"ArchiveID", 1}, {"Name", std::u16string(u"TRD230")}});
+    Insert("TchrTrends", {{"ArchiveID", 2}, {"Name", std::u16string(u"Trd232")}});
+    for (const char* name : {"Trd231", "Trd232"}) {
+        const std::int32_t id = trends_.New();
+        EXPECT_THAT(RowOf(Read().at("TchrTrends"), id),
+                    testing::HasSubstr("Name=" + std::string(name) + "|"));
+    }
+    Insert("TchrTrends", {{"ArchiveID", 1}, {"Name", std::u16string(u"trd234")}});
+    EXPECT_EQ(trends_.New(), 234);
+    const Content after = Read();
+    EXPECT_THAT(RowOf(after.at("TchrTrends"), 234), testing::HasSubstr("Name=Trd234(1)|"));
+    EXPECT_THAT(after.at("TidxTexts").back(), testing::HasSubstr("Name=IdxTrd234(1)"));
+}
+
+TEST_F(TrendCommandsTest, ATableWithOtherColumnsGetsTheDefaultsThatItTakes) {
+    OpenAltered([](jet::TableSpec& form) {
+        std::erase_if(form.columns, [](const auto& c) { return c.name == "CacheSize"; });
+        for (jet::ColumnSpec& column : form.columns) {
+            if (column.name == "VLineColor" || column.name == "Factor") {
+                column.type = jet::ColumnType::Text;
+                column.length = 10;
+            }
+            if (column.name == "FilePath") column.length = 5;
+        }
+    });
+    const std::int32_t archive = archives_.New(u"L1031"_s);
+    EXPECT_EQ(Read().at("TchrArchives")[0], Replaced(Replaced("ID=1|Name=Neues Archiv|TextID=1" +
+                                                                  NewArchiveFields("Neues_Archiv"),
+                                                              "|FilePath=<ProjectDir>", ""),
+                                                     "|CacheSize=100", ""));
+    OpenArchive(archive);
+    EXPECT_EQ(trends_.New(), 1);
+    std::string fields = Replaced(NewTrendFields(0), "|VLineColor=0", "");
+    fields = Replaced(fields, "|Factor=1", "");
+    EXPECT_EQ(Read().at("TchrTrends")[0], "ID=1|Name=Trd1|ArchiveID=1|TextID=2" + fields);
 }
 
 TEST_F(TrendCommandsTest, WithoutARootGroupTheTextHasNoGroup) {
@@ -67,8 +111,7 @@ TEST_F(TrendCommandsTest, AFailingStepOfNewLeavesTheStepsBeforeIt) {
     };
     const Case cases[] = {
         {"TchrTrends", 4, {}, {}},
-        {"TidxTexts", 4, {"ID=1|Name=Trd1|ArchiveID=1"}, {}},
-        {"TidxTexts", 5, {"ID=1|Name=Trd1|ArchiveID=1"}, {"ID=1|ParentID=0|Name=@New@"}},
+        {"TidxTexts", 5, {"ID=1|Name=Trd1|ArchiveID=1" + NewTrendFields(255)}, {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.length);

@@ -14,6 +14,9 @@
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolTip>
+
+#include "languages/MResources.h"
 
 namespace {
 
@@ -127,44 +130,49 @@ protected:
     QLineEdit field_;
 };
 
-TEST_F(RestrictInputTest, EveryWayInIsFilteredAlike) {
+// Of a pasted path only "C:\ProgramFiles" used to be left.
+TEST_F(RestrictInputTest, KeysAreSwallowedAndWhatIsPastedComesInWholeOrNotAtAll) {
     struct Case {
         const char* way;
+        bool keys;  // a key at a time
         void (*enter)(QLineEdit&, const QString&);
     };
     const Case ways[] = {
-        {"typed", [](QLineEdit& field, const QString& text) { Type(field, text); }},
-        {"pasted",
+        {"typed", true, [](QLineEdit& field, const QString& text) { Type(field, text); }},
+        {"from an input method", true,
+         [](QLineEdit& field, const QString& text) { Commit(field, text); }},
+        {"pasted", false,
          [](QLineEdit& field, const QString& text) {
              QGuiApplication::clipboard()->setText(text);
              QTest::keySequence(&field, QKeySequence::Paste);
          }},
-        {"pasted by Shift+Insert",
+        {"pasted by Shift+Insert", false,
          [](QLineEdit& field, const QString& text) {
              QGuiApplication::clipboard()->setText(text);
              QTest::keyClick(&field, Qt::Key_Insert, Qt::ShiftModifier);
          }},
-        {"pasted by the menu",
+        {"pasted by the menu", false,
          [](QLineEdit& field, const QString& text) {
              QGuiApplication::clipboard()->setText(text);
              PasteByMenu(field);
          }},
-        {"dropped", [](QLineEdit& field, const QString& text) { Drop(field, text); }},
-        {"from an input method",
-         [](QLineEdit& field, const QString& text) { Commit(field, text); }},
+        {"dropped", false, [](QLineEdit& field, const QString& text) { Drop(field, text); }},
     };
     struct Text {
         int mode;
         const char16_t* entered;
-        const char16_t* expected;
+        const char16_t* typed;
+        const char16_t* pasted;
     };
     const Text texts[] = {
-        {kDigits, u"-1.5 kg 20", u"1520"},
-        {kDigits, u"abc", u""},
-        {kDigits, u"815", u"815"},
-        {kIdentifier, u"Pumpe 1-ä", u"Pumpe1"},
-        {kFileName, u"a b*?.dat", u"ab.dat"},
-        {kPath, u"C:\\Daten\\<x> y", u"C:\\Daten\\xy"},
+        {kDigits, u"-1.5 kg 20", u"1520", u""},
+        {kDigits, u"abc", u"", u""},
+        {kDigits, u"815", u"815", u"815"},
+        {kIdentifier, u"Pumpe 1-ä", u"Pumpe1", u""},
+        {kFileName, u"a b*?.dat", u"ab.dat", u""},
+        {kPath, u"C:\\Daten\\<x> y", u"C:\\Daten\\xy", u""},
+        {MResources::kEveryKey, u"C:\\Program Files <x>\"#", u"C:\\Program Files <x>\"#",
+         u"C:\\Program Files <x>\"#"},
     };
     for (const Case& way : ways) {
         for (const Text& text : texts) {
@@ -172,9 +180,40 @@ TEST_F(RestrictInputTest, EveryWayInIsFilteredAlike) {
             MResources::RestrictInput(field_, text.mode);
             field_.clear();
             way.enter(field_, QString::fromUtf16(text.entered));
-            EXPECT_EQ(field_.text(), QString::fromUtf16(text.expected));
+            EXPECT_EQ(field_.text(), QString::fromUtf16(way.keys ? text.typed : text.pasted));
         }
     }
+}
+
+TEST_F(RestrictInputTest, TheFieldTellsWhatItTakes) {
+    MResources::TextTable texts;
+    texts.AddTexts(1180, {u"nur <keys>"});
+    texts.AddTexts(1181, {u"nicht <keys>"});
+    texts.AddTexts(1182, {u"Leerzeichen"});
+    texts.AddTexts(1183, {u"nichts aus '<text>'."});
+    texts.AddTexts(1184, {u"höchstens <max>"});
+    const auto told = [&](int mode, const QString& text, bool paste) {
+        QToolTip::hideText();  // takes a moment
+        EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
+        MResources::RestrictInput(field_, mode, &texts);
+        field_.clear();
+        if (paste) {
+            QGuiApplication::clipboard()->setText(text);
+            QTest::keySequence(&field_, QKeySequence::Paste);
+        } else {
+            QTest::keyClicks(&field_, text);
+        }
+        return QToolTip::isVisible() ? QToolTip::text() : QString();
+    };
+    field_.setMaxLength(5);
+    EXPECT_EQ(told(kDigits, u"7"_s, false), QString());
+    EXPECT_EQ(told(kDigits, u"7x"_s, false), u"<p>nur 0-9</p>"_s);
+    EXPECT_EQ(told(kPath, u" "_s, false), u"<p>nicht / * ? &lt; &gt; | &quot; Leerzeichen</p>"_s);
+    EXPECT_EQ(told(kDigits, u"1<b>"_s, true), u"<p>nichts aus '1&lt;b&gt;'. nur 0-9</p>"_s);
+    EXPECT_EQ(told(MResources::kEveryKey, u"123456"_s, true),
+              u"<p>nichts aus '123456'. höchstens 5</p>"_s);
+    EXPECT_EQ(field_.text(), QString()) << "nothing is cut off";
+    EXPECT_EQ(told(MResources::kEveryKey, u"12345"_s, true), QString());
 }
 
 TEST_F(RestrictInputTest, MiddleClickIsFilteredWherePlatformsKnowIt) {
@@ -185,15 +224,25 @@ TEST_F(RestrictInputTest, MiddleClickIsFilteredWherePlatformsKnowIt) {
         clipboard->setText(text, QClipboard::Selection);
         QTest::mouseClick(&field_, Qt::MiddleButton, {}, field_.rect().center());
     }
-    EXPECT_EQ(field_.text(), u"1234"_s);
+    EXPECT_EQ(field_.text(), u"34"_s);
 }
 
-// Copying cells of a spreadsheet ends in a line break, which no field can hold.
-TEST_F(RestrictInputTest, ControlCharactersNeverComeIn) {
+TEST_F(RestrictInputTest, TheLineEndOfASpreadsheetsCellIsNoPartOfIt) {
+    for (const int mode : {0, MResources::kEveryKey}) {
+        MResources::RestrictInput(field_, mode);
+        field_.clear();
+        QGuiApplication::clipboard()->setText(u"Kessel 1\r\n"_s);
+        QTest::keySequence(&field_, QKeySequence::Paste);
+        EXPECT_EQ(field_.text(), u"Kessel 1"_s);
+        field_.clear();
+        Drop(field_, u"Kessel 2\n"_s);
+        EXPECT_EQ(field_.text(), u"Kessel 2"_s);
+    }
     MResources::RestrictInput(field_, 0);
-    QGuiApplication::clipboard()->setText(u"Kessel\t1\r\n"_s);
+    field_.clear();
+    QGuiApplication::clipboard()->setText(u"Kessel\t1"_s);
     QTest::keySequence(&field_, QKeySequence::Paste);
-    EXPECT_EQ(field_.text(), u"Kessel1"_s);
+    EXPECT_EQ(field_.text(), QString()) << "two cells are no text";
 }
 
 TEST_F(RestrictInputTest, WhatStandsInTheFieldIsLeftAlone) {
@@ -221,10 +270,10 @@ TEST_F(RestrictInputTest, EditingKeysAndUndoWork) {
 
     field_.setText(u"40"_s);
     QSignalSpy edited(&field_, &QLineEdit::textEdited);
-    QGuiApplication::clipboard()->setText(u"a1b"_s);
+    QGuiApplication::clipboard()->setText(u"1\n"_s);
     QTest::keySequence(&field_, QKeySequence::Paste);
     EXPECT_EQ(field_.text(), u"401"_s);
-    EXPECT_EQ(edited.size(), 1) << "the foreign characters must not be seen in between";
+    EXPECT_EQ(edited.size(), 1) << "the line end must not be seen in between";
     QTest::keySequence(&field_, QKeySequence::Undo);
     EXPECT_EQ(field_.text(), u"40"_s);
     QTest::keySequence(&field_, QKeySequence::Redo);
@@ -236,10 +285,9 @@ TEST_F(RestrictInputTest, EditingKeysAndUndoWork) {
 TEST_F(RestrictInputTest, NothingComesIntoAReadOnlyOrFullField) {
     MResources::RestrictInput(field_, kDigits);
     field_.setMaxLength(3);
-    QGuiApplication::clipboard()->setText(u"a12345"_s);
+    QGuiApplication::clipboard()->setText(u"12345"_s);
     QTest::keySequence(&field_, QKeySequence::Paste);
-    EXPECT_EQ(field_.text(), u"123"_s);
-    field_.clear();
+    EXPECT_EQ(field_.text(), QString());
     field_.setReadOnly(true);
     QTest::keySequence(&field_, QKeySequence::Paste);
     QTest::keyClicks(&field_, u"1"_s);
@@ -247,10 +295,11 @@ TEST_F(RestrictInputTest, NothingComesIntoAReadOnlyOrFullField) {
     EXPECT_EQ(field_.text(), QString());
 }
 
-TEST_F(RestrictInputTest, ADropOfWhichNothingPassesIsRefused) {
+TEST_F(RestrictInputTest, ADropOfWhichNotAllPassesIsRefused) {
     MResources::RestrictInput(field_, kDigits);
     EXPECT_FALSE(Drop(field_, u"abc"_s));
-    EXPECT_TRUE(Drop(field_, u"a1"_s));
+    EXPECT_FALSE(Drop(field_, u"a1"_s));
+    EXPECT_TRUE(Drop(field_, u"1"_s));
     EXPECT_EQ(field_.text(), u"1"_s);
 }
 
@@ -272,18 +321,20 @@ TEST_F(RestrictInputTest, EditableComboBoxFiltersToo) {
     EXPECT_EQ(combo.currentText(), u"D:\\Ab1"_s);
 
     combo.clearEditText();
-    QGuiApplication::clipboard()->setText(u"E:\\? c"_s);
-    QTest::keySequence(&combo, QKeySequence::Paste);
-    EXPECT_EQ(combo.currentText(), u"E:\\c"_s);
-    combo.clearEditText();
-    PasteByMenu(*combo.lineEdit());
-    EXPECT_EQ(combo.currentText(), u"E:\\c"_s);
+    for (const bool whole : {false, true}) {
+        QGuiApplication::clipboard()->setText(whole ? u"E:\\c"_s : u"E:\\? c"_s);
+        QTest::keySequence(&combo, QKeySequence::Paste);
+        EXPECT_EQ(combo.currentText(), whole ? u"E:\\c"_s : QString());
+        combo.clearEditText();
+        PasteByMenu(*combo.lineEdit());
+        EXPECT_EQ(combo.currentText(), whole ? u"E:\\c"_s : QString());
+    }
     combo.clearEditText();
     Commit(combo, u"F:\\|d"_s);
     EXPECT_EQ(combo.currentText(), u"F:\\d"_s);
     combo.clearEditText();
     Drop(*combo.lineEdit(), u"G:\\ e"_s);
-    EXPECT_EQ(combo.currentText(), u"G:\\e"_s);
+    EXPECT_EQ(combo.currentText(), QString());
 
     combo.setCurrentIndex(-1);
     QTest::keyClick(&combo, Qt::Key_Down);

@@ -193,6 +193,26 @@ TEST_F(LanguagesTest, OnlyTheUsersChoiceIsReported) {
     EXPECT_EQ(languages_.Current(), nullptr);
 }
 
+// A project without the built-in default used to begin without any language.
+TEST_F(LanguagesTest, BeginsWithTheStoredLanguageElseTheInterfacesElseTheFirst) {
+    OpenCopy(QStringLiteral(KV_TEST_DATA "/Leer.kvs"));  // German and English
+    const struct {
+        std::uint32_t interface;
+        std::optional<platform::Lcid> stored;
+        platform::Lcid start;
+    } cases[] = {{kEnglish, kGerman, kGerman},
+                 {kEnglish, std::nullopt, kEnglish},
+                 {kEnglish, kFrench, kEnglish},
+                 {kFrench, std::nullopt, kGerman},
+                 {kFrench, kFrench, kGerman},
+                 {kFrench, 0, kGerman}};
+    for (const auto& each : cases) {
+        registry_.WriteDword(MResources::kStudioKey, u"LCID", each.interface);
+        Init();
+        EXPECT_EQ(languages_.StartLanguage(each.stored), each.start);
+    }
+}
+
 TEST_F(LanguagesTest, TheProjectMayBeLoadedAnewInTheMidstOfAChoice) {
     OpenCopy(QStringLiteral(KV_TEST_DATA "/Leer.kvs"));
     Init();

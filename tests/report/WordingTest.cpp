@@ -124,6 +124,13 @@ TEST_F(WordingTest, SaysWhatATrendDoesAndWhatItCannotRead) {
     EXPECT_EQ(cells[5].front().look, Line::Look::Warning);
     EXPECT_EQ(cells[8].front().curve->Colour(), QColor(Qt::blue));
 
+    // The mode is limited to its list, as in the dialog.
+    const std::pair<report::Cell, QString> modes[] = {
+        {Value(7), u"keine"_s}, {Value(-1), u"5 absolut"_s}, {{}, u"5 absolut"_s}};
+    for (const auto& [mode, shown] : modes) {
+        set(TrendColumn::HysteresisMode, mode);
+        EXPECT_EQ(Words(wording.Trend(row)[4]), shown);
+    }
     // Without an amount there is no hysteresis, whatever the mode says.
     set(TrendColumn::Hysteresis, {});
     EXPECT_EQ(Words(wording.Trend(row)[4]), u"keine"_s);

@@ -106,7 +106,7 @@ void DayTest::AddTrendsByKey() {
         const QString name = u"Kessel %1"_s.arg(i);
         User::Type(name);
         User::Press(Qt::Key_Return);
-        archive.trends.append({name, {}, {}, u"Idx"_s + first});
+        archive.trends.append({name, {}});
     }
     EXPECT_EQ(Trends().Names(), archive.TrendNames());
 

@@ -82,15 +82,6 @@ protected:
         const std::uint32_t languages[] = {kGerman, kEnglish};
         EXPECT_EQ(projectfile::CreateProject(file_.toStdString(), languages).kind,
                   projectfile::Outcome::Kind::Made);
-        {
-            ado::Connection connection;
-            Connect(connection);
-            AddRow(connection, "TidxGroups",
-                   {{"ParentID", 0},
-                    {"Name", std::u16string(u"Archive")},
-                    {"Type", -2},
-                    {"Parameter", 0}});
-        }
         others_ = ReadContent(file_.toStdString());
         StartWithProject(kEnglish);
         for (const QString& name : {u"Alpha"_s, u"Beta"_s}) AddArchive(name);
@@ -184,10 +175,7 @@ std::vector<FailureTest::Command> FailureTest::AllCommands() {
          },
          [this] { TypeOver(u"kPa"_s); }, [this] { Alpha().trends[0].fields["Unit"] = "kPa"; }},
         {"rename trend", [this] { MarkTrend(0); }, [this] { TypeOver(u"first"_s); },
-         [this] {
-             Alpha().trends[0].name = u"first"_s;
-             Alpha().trends[0].nameOfText = u"Idxone"_s;
-         }},
+         [this] { Alpha().trends[0].name = u"first"_s; }},
         {"edit trend", [this] { MarkTrend(1); },
          [this] {
              EditInDialog(u"FTrend"_s, [](QWidget& dialog) {

@@ -37,6 +37,8 @@ void StudioDesk::EditInDialog(const QString& dialog, const User::Step& step) {
         [&](QWidget& shown) {
             step(shown);
             if (shown.isVisible()) User::Press(Qt::Key_Return);
+            // What could not be stored stays in the dialog.
+            if (shown.isVisible()) User::Press(Qt::Key_Escape);
         },
         [] { User::Press(Qt::Key_F9); });
 }

@@ -129,7 +129,7 @@ bool CellEdit::Changed() const {
 
 std::optional<QVariant> CellEdit::Value() const {
     if (list_ != nullptr) return QVariant(list_->currentData().toLongLong());
-    return cellvalue::Parse(line_->text(), split_.ColumnAt(column_)->Kind());
+    return split_.Source()->ReadCell(column_, line_->text());
 }
 
 void CellEdit::Close() {

@@ -13,18 +13,15 @@ constexpr double kSmallestPlain = 1e-5;
 constexpr double kLargestPlain = 1e15;
 
 std::optional<QVariant> ParseNumber(QString text) {
-    static const QRegularExpression kLeading(u"^[+-]?(\\d+(\\.\\d*)?|\\.\\d+)([eE][+-]?\\d+)?"_s);
-    const QRegularExpressionMatch match = kLeading.match(text.replace(u',', u'.'));
     bool ok = false;
-    const double number = match.captured().toDouble(&ok);
-    if (!match.hasMatch() || !ok || !std::isfinite(number)) return std::nullopt;
+    const double number = text.replace(u',', u'.').toDouble(&ok);
+    if (!ok || !std::isfinite(number)) return std::nullopt;
     return number;
 }
 
 std::optional<QVariant> ParseInteger(const QString& text) {
-    static const QRegularExpression kLeading(u"^[+-]?\\d+"_s);
     bool ok = false;
-    const qlonglong number = kLeading.match(text).captured().toLongLong(&ok);
+    const qlonglong number = text.toLongLong(&ok);
     if (!ok) return std::nullopt;
     return number;
 }
@@ -83,7 +80,9 @@ QString InputPattern(GridKind kind) {
         case GridKind::Integer:
             return u"[+-]?\\d{0,10}"_s;
         case GridKind::Number:
-            return u"[+-]?\\d*[.,]?\\d*([eE][+-]?\\d{0,3})?"_s;
+            // A second separator may be typed and is refused with the number as a whole: without it
+            // the digits behind it would go on the first one's.
+            return u"[+-]?[\\d.,]*([eE][+-]?\\d{0,3})?"_s;
         case GridKind::Colour:
             return u"#[0-9a-fA-F]{0,6}|\\d{0,8}"_s;
         case GridKind::Text:

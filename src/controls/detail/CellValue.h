@@ -23,8 +23,7 @@ namespace cellvalue {
 [[nodiscard]] bool Accepts(const QString& typed, GridKind kind);
 
 /// What `text` means in a cell: an invalid value when it is empty (cleared), nothing when it is no
-/// value of the kind. Numbers are read up to their first character that is none, with "," or "."
-/// before their fraction.
+/// value of the kind as a whole. Numbers have "," or "." before their fraction.
 [[nodiscard]] std::optional<QVariant> Parse(const QString& text, GridKind kind);
 
 }  // namespace cellvalue

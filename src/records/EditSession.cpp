@@ -1,0 +1,21 @@
+#include "records/EditSession.h"
+
+#include "ado/AdoError.h"
+#include "languages/MResources.h"
+#include "languages/MResourceTable.h"
+#include "platform/MessageBox.h"
+
+namespace EditSession {
+
+void TellNotStored(PropertyDialog& dialog, const MResources::TextTable& texts, int text,
+                   const projectdb::Failure& failure, bool gone) {
+    QString cause = failure.description;
+    if (failure.number == ado::ErrorNumber::kRowNotLocated) {
+        cause = texts.GetText(gone ? MResourceTable::kTextRecordGone
+                                   : MResourceTable::kTextRecordChanged);
+    }
+    platform::ShowMessage(texts.GetText(text) + QStringLiteral("\n\n") + cause,
+                          platform::MessageButtons::Ok, dialog.windowTitle(), &dialog);
+}
+
+}  // namespace EditSession
