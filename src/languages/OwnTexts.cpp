@@ -88,11 +88,14 @@ constexpr Entry kAll[] = {
     {1170, u"Beispielkurve", u"Sample curve"},
 
     // What fields take
-    {1180, u"Dieses Feld nimmt nur diese Zeichen: <keys>", u"This field takes these keys only: <keys>"},
-    {1181, u"Dieses Feld nimmt diese Zeichen nicht: <keys>", u"This field does not take these keys: <keys>"},
+    {1180, u"Dieses Feld nimmt nur diese Zeichen: <keys>",
+     u"This field takes these keys only: <keys>"},
+    {1181, u"Dieses Feld nimmt diese Zeichen nicht: <keys>",
+     u"This field does not take these keys: <keys>"},
     {1182, u"Leerzeichen", u"blank"},
     {1183, u"'<text>' wurde nicht eingefügt.", u"'<text>' has not been pasted."},
-    {1184, u"Das Feld fasst höchstens <max> Zeichen.", u"The field holds <max> characters at most."},
+    {1184, u"Das Feld fasst höchstens <max> Zeichen.",
+     u"The field holds <max> characters at most."},
     {1185, u"'<text>' ist nicht als Ganzes eine Zahl. Gespeichert wird <number>.",
      u"'<text>' is no number as a whole. What is stored is <number>."},
     {1186, u"Dieses Feld nimmt ganze Zahlen. Gespeichert wird <number>.",
@@ -100,10 +103,12 @@ constexpr Entry kAll[] = {
     {1187, u"'<text>' ist zu groß für dieses Feld: Es nimmt Zahlen von <smallest> bis <largest>.",
      u"'<text>' is too large for this field: it takes numbers from <smallest> to <largest>."},
     {1188, u"zu groß", u"too large"},
-    {1189, u"Geben Sie an, nach wie vielen Datensätzen eine neue Datei beginnt, oder wählen Sie ein "
+    {1189,
+     u"Geben Sie an, nach wie vielen Datensätzen eine neue Datei beginnt, oder wählen Sie ein "
      u"anderes Ereignis.",
      u"Say after how many data records a new file begins, or choose another event."},
-    {1190, u"Geben Sie die Variable an, die eine neue Datei beginnt, oder wählen Sie ein anderes "
+    {1190,
+     u"Geben Sie die Variable an, die eine neue Datei beginnt, oder wählen Sie ein anderes "
      u"Ereignis.",
      u"Name the variable that begins a new file, or choose another event."},
 
