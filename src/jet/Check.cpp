@@ -6,6 +6,7 @@
 #include "jet/detail/Bytes.h"
 #include "jet/detail/check/CatalogCheck.h"
 #include "jet/detail/check/IndexContentCheck.h"
+#include "jet/detail/check/IndexWalk.h"
 #include "jet/detail/check/MapCheck.h"
 #include "jet/detail/FileHeader.h"
 #include "jet/detail/TableDefReader.h"
@@ -74,6 +75,18 @@ void CheckContent(PageCache& cache, Reporter& report, check::PageLedger& pages,
     }
 }
 
+/// Holds the pages of the indexes' trees against their maps.
+void CheckTrees(PageCache& cache, Reporter& report, check::PageLedger& pages,
+                const TableEntry& entry) {
+    if (entry.firstOwner == OwnerId::Nobody) return;
+    Result<TableDef> def = ReadTableDef(cache, Format::Jet4, nullptr, entry.page);
+    if (!def.IsOk()) return;
+    const CheckedTable table(entry, std::move(*def));
+    for (std::size_t i = 0; i < table.indexes.size(); ++i) {
+        check::IndexWalk(cache, report, pages, table, i, {}).RunPages();
+    }
+}
+
 }  // namespace
 
 Result<std::vector<std::uint32_t>> CheckPages(PageCache& cache) {
@@ -87,7 +100,10 @@ Result<std::vector<std::uint32_t>> CheckPages(PageCache& cache) {
     check::DefinitionCheck definitions(cache, report, pages, maps);
     for (TableEntry& entry : tables) definitions.Check(entry);
     maps.CheckDoubleUse();
-    for (const Subject subject : {Subject::Maps, Subject::Pages}) {
+    pages.Seal();
+    for (const TableEntry& entry : tables) CheckTrees(cache, report, pages, entry);
+    for (const Subject subject :
+         {Subject::Maps, Subject::Pages, Subject::Columns, Subject::Indexes}) {
         if (!report.FirstError(subject).empty()) return Status::Corrupt(report.FirstError(subject));
     }
     return maps.WithLeftOvers();
@@ -120,6 +136,12 @@ Status Check(File& file, const FindingSink& sink, const CheckOptions& options) {
     }
     report.Finish();
     return {};
+}
+
+Status CheckWritable(File& file) {
+    PageCache cache(file, CheckOptions().cacheBytes);
+    JET_TRY(cache.Revalidate());
+    return CheckPages(cache).GetStatusOrOk();
 }
 
 }  // namespace jet

@@ -40,12 +40,16 @@ struct CheckOptions {
 /// another version than Jet 4. A place that cannot be read is a finding.
 Status Check(File& file, const FindingSink& sink, const CheckOptions& options = {});
 
+/// Corrupt, with the reason, for a file to which every change will be refused.
+Status CheckWritable(File& file);
+
 class PageCache;
 
 /// The part of it that must hold before anything is written (Jet 4): every page belongs to one
-/// thing, or is free. Reads definitions and usage maps only. Corrupt with the first fault. Returns
-/// the row pointers of maps with bits that are left over behind the end of the file: they are to be
-/// removed before the file grows.
+/// thing, or is free, the trees of indexes consist of their own pages, and no two columns share a
+/// place. Reads definitions, usage maps and the nodes of indexes only. Corrupt with the first
+/// fault. Returns the row pointers of maps with bits that are left over behind the end of the file:
+/// they are to be removed before the file grows.
 [[nodiscard]] Result<std::vector<std::uint32_t>> CheckPages(PageCache& cache);
 
 }  // namespace jet

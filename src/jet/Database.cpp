@@ -108,7 +108,23 @@ Status Database::Join(Disk& disk, const std::string& path, OpenMode mode) {
     JET_TRY(file_->Stamp().GetStatusOrOk());
     if (std::string notice = locks_->Notice(); !notice.empty()) Notify(std::move(notice));
     cache_.SetLocks(locks_.get(), [this] { return Recover(); });
-    return Recover().GetStatusOrOk();
+    JET_TRY(Recover().GetStatusOrOk());
+    return mode == OpenMode::ReadWrite && context_.format == Format::Jet4 ? TellWhetherWritable()
+                                                                          : Status();
+}
+
+/// Whoever opens a file for writing shall know before his work that it will be refused.
+Status Database::TellWhetherWritable() {
+    const ReadScope scope(cache_);
+    // While another program commits there is no time for it; it is asked again before a change.
+    if (scope.GetStatus().Code() == StatusCode::Busy) return {};
+    JET_TRY(scope.GetStatus());
+    const Status pages = CheckPages(cache_).GetStatusOrOk();
+    if (!pages.IsOk()) {
+        Notify("it can only be read: " + pages.Text() +
+               "; kvs repair writes what can be read into a new file");
+    }
+    return {};
 }
 
 Status Database::WhileQuiet(const std::function<Status(File&)>& action) {

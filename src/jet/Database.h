@@ -66,7 +66,8 @@ public:
     [[nodiscard]] std::vector<std::string> OtherUsers() const;
     [[nodiscard]] bool IsWritable() const { return mode_ == OpenMode::ReadWrite; }
     /// What the user should know about the file since the last call, a sentence each: left-over
-    /// journals, things of other people where files of the engine belong. No failures.
+    /// journals, things of other people where files of the engine belong, and why a file that has
+    /// been opened for writing can only be read. No failures.
     [[nodiscard]] std::vector<std::string> TakeNotices() { return std::exchange(notices_, {}); }
     /// True when the file asks its users for a password. Its content is readable all the same.
     [[nodiscard]] bool HasPassword() const { return hasPassword_; }
@@ -81,11 +82,13 @@ public:
 
 private:
     friend class Compaction;
+    friend class Repairing;
     friend Status CreateTable(Database& database, const TableSpec& wanted);
     Database(std::unique_ptr<File> file, std::size_t cacheBytes);
     Status ReadHeader();
     Status Join(Disk& disk, const std::string& path, OpenMode mode);
     void Notify(std::string notice);
+    Status TellWhetherWritable();
     [[nodiscard]] Result<bool> Recover();
     [[nodiscard]] Result<bool> RollBackJournal();
     Status RenewKnownTables();

@@ -179,11 +179,7 @@ Status TableWriter::InsertKeys(const std::vector<Key>& keys, RowId row,
             if (isDuplicate) JET_TRY(CheckKey(i, keys[i], nullptr));
             return isNew.GetStatus();
         }
-        if (!*isNew) continue;
-        MutableBytes page;
-        JET_ASSIGN(page, file_.cache.Edit(def.page));
-        const std::size_t at = kUniqueCounts + kUniqueCountSize * i;
-        StoreU32(page, at, LoadU32(page, at) + 1);
+        if (*isNew) JET_TRY(CountKeys(i, 1));
     }
     return {};
 }
@@ -194,7 +190,24 @@ Status TableWriter::RemoveKeys(const std::vector<Key>& keys, RowId row,
     for (std::size_t i = 0; i < keys.size(); ++i) {
         const Key* next = after != nullptr ? &(*after)[i] : nullptr;
         if (!keys[i].hasEntry || (next != nullptr && next->bytes == keys[i].bytes)) continue;
-        JET_TRY(IndexWriter(file_.cache, def.page, def.realIndexes[i]).Remove(keys[i].bytes, row));
+        bool isShared = false;
+        JET_ASSIGN(
+            isShared,
+            IndexWriter(file_.cache, def.page, def.realIndexes[i]).Remove(keys[i].bytes, row));
+        if (!isShared) JET_TRY(CountKeys(i, -1));
+    }
+    return {};
+}
+
+/// The number of different keys is a statistic: what other programs have put there is not set
+/// right, and never falls below nothing.
+Status TableWriter::CountKeys(std::size_t index, int difference) {
+    MutableBytes page;
+    JET_ASSIGN(page, file_.cache.Edit(table_.Definition().page));
+    const std::size_t at = kUniqueCounts + kUniqueCountSize * index;
+    const std::uint32_t count = LoadU32(page, at);
+    if (difference > 0 || count > 0) {
+        StoreU32(page, at, count + static_cast<std::uint32_t>(difference));
     }
     return {};
 }
@@ -253,7 +266,11 @@ Status TableWriter::NumberRow(RowImage& image, std::vector<Value>& values,
         JET_ASSIGN(page, file_.cache.Edit(def.page));
         const auto last = Load<std::int32_t>(page, kLastAutoNumber);
         if (!IsAssigned(assigned, i)) {
-            if (last == INT32_MAX) return {StatusCode::Full, "there are no more numbers for rows"};
+            if (last == INT32_MAX) {
+                return {StatusCode::Full, "column \"" + def.columns[i].name +
+                                              "\": the last number, " + std::to_string(last) +
+                                              ", has been given; kvs repair sets the count back"};
+            }
             JET_TRY(Assign(image, values, {i, Value(last + 1)}));
         }
         const auto* number = std::get_if<std::int32_t>(&values[i]);

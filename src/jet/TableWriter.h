@@ -84,6 +84,7 @@ private:
     [[nodiscard]] Result<bool> HasKey(std::size_t index, const Key& key);
     Status InsertKeys(const std::vector<Key>& keys, RowId row, const std::vector<Key>* before);
     Status RemoveKeys(const std::vector<Key>& keys, RowId row, const std::vector<Key>* after);
+    Status CountKeys(std::size_t index, int difference);
 
     Status CheckRules(std::span<const Value> values, std::span<const bool> assigned);
     [[nodiscard]] Result<Relation> OpenRelation(const LogicalIndex& end);

@@ -8,6 +8,7 @@ namespace jet {
 namespace {
 
 constexpr std::size_t kMostDepth = 24;
+constexpr std::size_t kRowSize = 4;  // of an entry, behind its key
 // More restarts than this would mean that splitting makes no room.
 constexpr int kMostRounds = 1000;
 
@@ -244,7 +245,29 @@ Status IndexWriter::Split(Path& path, std::size_t depth) {
     return Save(above.page, parent);
 }
 
-Status IndexWriter::Remove(const std::string& key, RowId row) {
+Result<bool> IndexWriter::HasTwin(const Spot& spot, const std::string& key) const {
+    const IndexSearch& leaf = spot.search;
+    const bool isFirst = spot.place.begin == 0;
+    const IndexSearch::Place behind = leaf.At(spot.place.end);
+    if (!isFirst && leaf.HasKey(leaf.Before(spot.place), key)) return true;
+    if (!behind.IsEnd() && leaf.HasKey(behind, key)) return true;
+    for (const bool toLeft : {true, false}) {
+        if (toLeft ? !isFirst : !behind.IsEnd()) continue;
+        const PageNo page = toLeft ? leaf.Previous() : leaf.Next();
+        if (Raw(page) == 0) continue;
+        PageRef ref;
+        JET_ASSIGN(ref, cache_.Read(page));
+        IndexSearch neighbour;
+        JET_ASSIGN(neighbour, IndexSearch::Open(ref.Bytes(), page, table_));
+        const std::size_t size = neighbour.Size();
+        if (size == 0) continue;
+        const auto place = toLeft ? neighbour.Before({size, size}) : neighbour.At(0);
+        if (neighbour.HasKey(place, key)) return true;
+    }
+    return false;
+}
+
+Result<bool> IndexWriter::Remove(const std::string& key, RowId row) {
     const std::string entry = EntryOf(key, row);
     Spot spot;
     JET_ASSIGN(spot, Find(entry));
@@ -252,9 +275,11 @@ Status IndexWriter::Remove(const std::string& key, RowId row) {
         return Status::Corrupt("index " + PageText(spot.leaf.Number()) +
                                " has no entry for the row; its table must be repaired");
     }
+    bool hasTwin = false;
+    JET_ASSIGN(hasTwin, HasTwin(spot, key));
     bool isDone = false;
     JET_ASSIGN(isDone, RemoveInPlace(spot));
-    if (isDone) return {};
+    if (isDone) return hasTwin;
     Path path;
     JET_ASSIGN(path, Descend(entry));
     Step& leaf = path.back();
@@ -267,7 +292,7 @@ Status IndexWriter::Remove(const std::string& key, RowId row) {
     for (int round = 0; round < kMostRounds; ++round) {
         bool done = false;
         JET_ASSIGN(done, MendStale(entry));
-        if (done) return {};
+        if (done) return hasTwin;
     }
     return Endless(root_);
 }

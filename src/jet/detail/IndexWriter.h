@@ -29,8 +29,8 @@ public:
     /// True when no other row has the key. TooLong when the key is longer than an entry may be;
     /// Duplicate, and nothing is inserted, when `isUnique` and another row has it.
     [[nodiscard]] Result<bool> Insert(const std::string& key, RowId row, bool isUnique);
-    /// Corrupt when the entry is missing.
-    Status Remove(const std::string& key, RowId row);
+    /// True when another row has an entry with the same key. Corrupt when the entry is missing.
+    [[nodiscard]] Result<bool> Remove(const std::string& key, RowId row);
 
 private:
     /// A page on the way from the root to a leaf, and the place of its child on that way: an
@@ -52,6 +52,8 @@ private:
     };
     [[nodiscard]] Result<Spot> Find(const std::string& entry) const;
     [[nodiscard]] Result<bool> HasKey(const Spot& spot, const std::string& key) const;
+    /// The same beside the entry that has been found.
+    [[nodiscard]] Result<bool> HasTwin(const Spot& spot, const std::string& key) const;
     [[nodiscard]] Result<bool> InsertInPlace(Spot& spot, const std::string& entry);
     [[nodiscard]] Result<bool> RemoveInPlace(Spot& spot);
 

@@ -270,8 +270,8 @@ Status PageAllocator::Free(PageNo page) {
     MutableBytes bytes;
     JET_ASSIGN(bytes, cache_.Edit(page));
     // What free pages of other programs look like: former definitions 8, former data pages 9.
-    if (LoadU8(bytes, 0) == 1) bytes[0] = std::byte{9};
-    if (LoadU8(bytes, 0) == 2) bytes[0] = std::byte{8};
+    const std::uint8_t type = LoadU8(bytes, 0);
+    bytes[0] = type == 1 ? std::byte{9} : type == 2 ? std::byte{8} : std::byte{0};
     bool reaches = false;
     JET_ASSIGN(reaches, Reaches(page));
     // A page that cannot be entered as free is the one that the map lacks.

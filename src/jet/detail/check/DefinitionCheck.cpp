@@ -157,10 +157,10 @@ void DefinitionCheck::CheckColumns(const CheckedTable& table) {
             rooms.push_back(
                 {column.fixedOffset, std::size_t{column.fixedOffset} + column.length, &column});
         } else if (column.variableIndex >= byIndex.size()) {
-            Error(where, "is variable column " + std::to_string(column.variableIndex) + " of " +
-                             std::to_string(byIndex.size()));
+            Misplaced(where, "is variable column " + std::to_string(column.variableIndex) + " of " +
+                                 std::to_string(byIndex.size()));
         } else if (const Column*& other = byIndex[column.variableIndex]; other != nullptr) {
-            Error(where, "shares its place with \"" + other->name + "\"");
+            Misplaced(where, "shares its place with \"" + other->name + "\"");
         } else {
             other = &column;
         }
@@ -169,8 +169,8 @@ void DefinitionCheck::CheckColumns(const CheckedTable& table) {
               [](const Room& a, const Room& b) { return a.begin < b.begin; });
     for (std::size_t i = 1; i < rooms.size(); ++i) {
         if (rooms[i].begin >= rooms[i - 1].end) continue;
-        Error(table.name + ", column \"" + rooms[i].column->name + "\"",
-              "overlaps \"" + rooms[i - 1].column->name + "\" in the fixed area");
+        Misplaced(table.name + ", column \"" + rooms[i].column->name + "\"",
+                  "overlaps \"" + rooms[i - 1].column->name + "\" in the fixed area");
     }
 }
 

@@ -58,6 +58,10 @@ private:
     void Error(const std::string& name, const std::string& what) {
         report_.Error(Subject::Definitions, name + ": " + what);
     }
+    /// Of a column whose values are read and written where others are.
+    void Misplaced(const std::string& name, const std::string& what) {
+        report_.Error(Subject::Columns, name + ": " + what);
+    }
 
     PageCache& cache_;
     Reporter& report_;

@@ -41,6 +41,14 @@ bool CanMakeKeys(const TableDef& def, const RealIndex& index) {
     });
 }
 
+bool IsKeyOfNulls(const RealIndex& index, std::string_view key) {
+    if (key.size() != index.columns.size()) return false;
+    for (std::size_t i = 0; i < key.size(); ++i) {
+        if (key[i] != (index.columns[i].ascending ? '\0' : '\xFF')) return false;
+    }
+    return true;
+}
+
 Status MakeIndexKey(PageCache& cache, const TableDef& def, const RealIndex& index,
                     const RowView& row, IndexKey& key) {
     key.bytes.clear();

@@ -33,6 +33,9 @@ struct IndexKey {
 /// True when the keys of the index can be computed.
 [[nodiscard]] bool CanMakeKeys(const TableDef& def, const RealIndex& index);
 
+/// True for the key of a row with nothing but Nulls, which a unique index may hold many times.
+[[nodiscard]] bool IsKeyOfNulls(const RealIndex& index, std::string_view key);
+
 /// Computes the key of a row. `key` gets it; its memory is used again. REQUIRES: CanMakeKeys.
 Status MakeIndexKey(PageCache& cache, const TableDef& def, const RealIndex& index,
                     const RowView& row, IndexKey& key);

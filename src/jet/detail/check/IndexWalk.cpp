@@ -1,6 +1,10 @@
 #include "jet/detail/check/IndexWalk.h"
 
+#include <tuple>
+#include <vector>
+
 #include "jet/detail/Bytes.h"
+#include "jet/detail/check/IndexKeys.h"
 
 namespace jet::check {
 namespace {
@@ -24,12 +28,7 @@ IndexWalk::IndexWalk(PageCache& cache, Reporter& report, PageLedger& pages,
       table_(table.def.page),
       owner_(table.indexes[realIndex]),
       name_(table.IndexName(realIndex)),
-      sink_(std::move(sink)),
-      nullKey_(index_.columns.size(), '\0') {
-    for (std::size_t i = 0; i < nullKey_.size(); ++i) {
-        if (!index_.columns[i].ascending) nullKey_[i] = '\xFF';
-    }
-}
+      sink_(std::move(sink)) {}
 
 void IndexWalk::Error(PageNo page, const std::string& what) {
     report_.Error(Subject::Indexes, name_ + ", " + PageText(page) + ": " + what);
@@ -51,8 +50,33 @@ void IndexWalk::CheckUnvisited() {
     }
 }
 
-/// False when something below could not be read, so that the entry above it proves nothing.
-bool IndexWalk::Visit(PageNo number, int depth) {
+void IndexWalk::RunPages() {
+    pages_.BeginWalk();
+    VisitPlace(index_.root, 0);
+    if (!report_.IsStopped()) CheckUnvisited();
+}
+
+bool IndexWalk::VisitPlace(PageNo number, int depth) {
+    if (!Enter(number, depth)) return false;
+    PageRef ref;
+    const Result<IndexPage> page = Open(number, ref);
+    if (!page.IsOk()) return false;
+    if (page->IsLeaf()) return true;
+    std::vector<PageNo> children;
+    for (std::size_t i = 0; i < page->Count(); ++i) children.push_back(page->Child(i));
+    if (Raw(page->Tail()) != 0) children.push_back(page->Tail());
+    bool areLeaves = false;
+    for (std::size_t i = 0; i < children.size() && !report_.IsStopped(); ++i) {
+        if (i > 0 && areLeaves) {
+            std::ignore = Enter(children[i], depth + 1);
+        } else {
+            areLeaves = VisitPlace(children[i], depth + 1);
+        }
+    }
+    return false;
+}
+
+bool IndexWalk::Enter(PageNo number, int depth) {
     if (report_.IsStopped()) return false;
     if (depth > kMaxDepth) {
         Error(number, "lies too deep in the tree");
@@ -66,19 +90,30 @@ bool IndexWalk::Visit(PageNo number, int depth) {
         Error(number, "is in the tree twice");
         return false;
     }
-    Result<PageRef> ref = cache_.ReadOnce(number);
+    return true;
+}
+
+Result<IndexPage> IndexWalk::Open(PageNo number, PageRef& ref) {
+    Result<PageRef> read = cache_.ReadOnce(number);
+    if (read.IsOk()) ref = *read;
     Result<IndexPage> page =
-        ref.IsOk() ? IndexPage::Open(*ref, table_) : Result<IndexPage>(ref.GetStatus());
-    if (!page.IsOk()) {
-        report_.Error(Subject::Indexes, name_ + ": " + page.GetStatus().Text());
-        return false;
-    }
+        read.IsOk() ? IndexPage::Open(ref, table_) : Result<IndexPage>(read.GetStatus());
+    if (!page.IsOk()) report_.Error(Subject::Indexes, name_ + ": " + page.GetStatus().Text());
+    return page;
+}
+
+/// False when something below could not be read, so that the entry above it proves nothing.
+bool IndexWalk::Visit(PageNo number, int depth) {
+    if (!Enter(number, depth)) return false;
+    PageRef ref;
+    const Result<IndexPage> page = Open(number, ref);
+    if (!page.IsOk()) return false;
     if (page->StatedFree() != page->Free()) {
         Error(number, "states " + std::to_string(page->StatedFree()) + " free bytes instead of " +
                           std::to_string(page->Free()));
     }
     if (!page->IsLeaf()) return VisitNode(*page, depth);
-    if (LoadU8(ref->Bytes(), kLevel) != 0) Error(number, "a leaf is not on level 0");
+    if (LoadU8(ref.Bytes(), kLevel) != 0) Error(number, "a leaf is not on level 0");
     return VisitLeaf(*page, depth == 0);
 }
 
@@ -140,7 +175,7 @@ void IndexWalk::CheckEntry(const IndexPage& page, std::size_t i) {
         Error(page.Number(), "entry " + std::to_string(i) + what);
     };
     if (entry_ <= last_) named(" is not greater than the one before");
-    if (!isNew && index_.IsUnique() && KeyOf(entry_) != nullKey_) {
+    if (!isNew && index_.IsUnique() && !IsKeyOfNulls(index_, KeyOf(entry_))) {
         named(" has the key of the one before, in a unique index");
     }
 }

@@ -21,12 +21,20 @@ public:
               std::size_t realIndex, EntrySink sink);
 
     void Run();
+    /// Only compares the pages of the tree with those of its map. Of the leaves it reads none but
+    /// the first below each node.
+    void RunPages();
 
     /// Different keys found. After Run().
     [[nodiscard]] std::uint64_t DistinctKeys() const { return distinct_; }
 
 private:
+    /// True when the page is one of the index's and has not been visited before.
+    [[nodiscard]] bool Enter(PageNo number, int depth);
+    [[nodiscard]] Result<IndexPage> Open(PageNo number, PageRef& ref);
     bool Visit(PageNo number, int depth);
+    /// True when the page is a leaf.
+    bool VisitPlace(PageNo number, int depth);
     [[nodiscard]] bool VisitLeaf(const IndexPage& page, bool isRoot);
     [[nodiscard]] bool VisitNode(const IndexPage& page, int depth);
     void CheckLeafLink(const IndexPage& page);
@@ -42,7 +50,6 @@ private:
     OwnerId owner_;
     std::string name_;
     EntrySink sink_;
-    std::string nullKey_;
 
     std::string entry_;
     std::string last_;           // the last entry of a leaf, with its row

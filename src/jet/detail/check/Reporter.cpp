@@ -4,8 +4,8 @@ namespace jet::check {
 namespace {
 
 constexpr std::array<const char*, kSubjects> kSubjectNames = {
-    "the file", "the catalog", "table definitions", "usage maps", "pages",
-    "rows",     "long values", "indexes",           "counters"};
+    "the file", "the catalog", "table definitions", "columns", "usage maps",
+    "pages",    "rows",        "long values",       "indexes", "counters"};
 
 /// Names come from the file; a finding stays one line whatever they hold.
 void MakeOneLine(std::string& text) {

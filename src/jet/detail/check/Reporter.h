@@ -9,8 +9,19 @@ namespace jet::check {
 
 /// What a finding is about. Findings are limited for each on its own, so that thousands about one
 /// do not hide the others.
-enum class Subject { File, Catalog, Definitions, Maps, Pages, Rows, LongValues, Indexes, Counters };
-inline constexpr std::size_t kSubjects = 9;
+enum class Subject {
+    File,
+    Catalog,
+    Definitions,
+    Columns,
+    Maps,
+    Pages,
+    Rows,
+    LongValues,
+    Indexes,
+    Counters
+};
+inline constexpr std::size_t kSubjects = 10;
 
 /// Hands findings over, up to the limit of each subject, and counts the rest.
 class Reporter {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "jet/detail/AutoNumber.h"
 #include "jet/detail/Bytes.h"
 #include "jet/detail/ValueCodec.h"
 
@@ -24,20 +25,12 @@ RowCheck::RowCheck(PageCache& cache, Reporter& report, const PageLedger& pages,
       table_(table),
       rows_(cache, report, pages, table),
       longValues_(cache, report, pages, table),
-      mustHave_(table.def.columns.size()),
+      mustHave_(ColumnsWithoutNull(table.def)),
       autoNumber_(table.def.columns.size()) {
     const TableDef& def = table.def;
     sums_.indexes.resize(def.realIndexes.size());
     for (const RealIndex& index : def.realIndexes) {
         canMakeKeys_.push_back(CanMakeKeys(def, index));
-        for (const IndexColumn& part : index.columns) {
-            if (index.IsRequired()) mustHave_[part.column] = true;
-        }
-    }
-    if (const auto primary = def.PrimaryKey()) {
-        for (const IndexColumn& part : def.realIndexes[*primary].columns) {
-            mustHave_[part.column] = true;
-        }
     }
     for (std::size_t i = 0; i < def.columns.size(); ++i) {
         const Column& column = def.columns[i];
@@ -61,7 +54,7 @@ void RowCheck::Error(const std::string& what) {
 
 void RowCheck::CheckRow() {
     const Bytes row = rows_.Row();
-    Status status = CheckLayout(row);
+    Status status = CheckRowLayout(table_.def, row);
     RowView view;
     if (status.IsOk()) {
         Result<RowView> parsed = RowView::Parse(Format::Jet4, table_.def, row);
@@ -87,9 +80,17 @@ void RowCheck::CheckRow() {
     }
 }
 
-/// The frame of a row: counts, offsets and null mask, for dropped columns too.
-Status RowCheck::CheckLayout(Bytes row) const {
-    const TableDef& def = table_.def;
+std::vector<bool> ColumnsWithoutNull(const TableDef& def) {
+    std::vector<bool> mustHave(def.columns.size());
+    const auto primary = def.PrimaryKey();
+    for (std::size_t i = 0; i < def.realIndexes.size(); ++i) {
+        if (!def.realIndexes[i].IsRequired() && primary != i) continue;
+        for (const IndexColumn& part : def.realIndexes[i].columns) mustHave[part.column] = true;
+    }
+    return mustHave;
+}
+
+Status CheckRowLayout(const TableDef& def, Bytes row) {
     if (row.size() < kCount) return Bad("its " + std::to_string(row.size()) + " bytes are no row");
     const std::size_t columns = LoadU16(row, 0);
     if (columns > def.highestColumnCount) {
@@ -148,7 +149,10 @@ Status RowCheck::CheckValue(std::size_t position, const RowView& view) {
     if (const auto* value = std::get_if<LongValue>(&value_)) {
         return longValues_.Check(position, *value);
     }
-    if (position == autoNumber_) greatest_ = std::max(greatest_, std::get<std::int32_t>(value_));
+    if (position == autoNumber_) {
+        const auto number = std::get<std::int32_t>(value_);
+        if (!IsNearLastAutoNumber(number)) greatest_ = std::max(greatest_, number);
+    }
     return {};
 }
 
@@ -176,6 +180,13 @@ void RowCheck::CheckCounters() {
         report_.Warn(Subject::Counters, table_.name + ": its last automatic number is " +
                                             std::to_string(def.lastAutoNumber) +
                                             ", but a row has " + std::to_string(greatest_));
+    }
+    const bool isCounted = autoNumber_ < def.columns.size();
+    if (isCounted && IsNearLastAutoNumber(static_cast<std::int32_t>(def.lastAutoNumber))) {
+        report_.Warn(Subject::Counters,
+                     table_.name + ": its last automatic number is " +
+                         std::to_string(static_cast<std::int32_t>(def.lastAutoNumber)) +
+                         "; few are left, and a repair sets it back");
     }
 }
 

@@ -14,6 +14,11 @@ struct RowSums {
     Unreadable unreadable;
 };
 
+/// The frame of a row: counts, offsets and null mask, for dropped columns too.
+[[nodiscard]] Status CheckRowLayout(const TableDef& def, Bytes row);
+/// By column: whether an index or the primary key forbids Null in it.
+[[nodiscard]] std::vector<bool> ColumnsWithoutNull(const TableDef& def);
+
 /// Checks all rows of one table with their values, and sums up the keys that its indexes ought to
 /// hold. Borrows its arguments.
 class RowCheck {
@@ -25,7 +30,6 @@ public:
 
 private:
     void CheckRow();
-    Status CheckLayout(Bytes row) const;
     Status CheckValue(std::size_t column, const RowView& view);
     void AddKeys(const RowView& view);
     void CheckCounters();
