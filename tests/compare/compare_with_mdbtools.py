@@ -39,6 +39,14 @@ KNOWN_DIFFERENCES = {
     ("Grenzfaelle.kvs", "TchrArchives", "NewFile"): (1, "empty"),
     ("Grenzfaelle.kvs", "TidxTexts", "L1031"): (1, "empty"),
     ("Grenzfaelle.kvs", "TidxTexts", "L1033"): (1, "empty"),
+    ("Stadtwerke.kvs", "TchrArchives", "FileName"): (1, "empty"),
+    ("Stadtwerke.kvs", "TchrArchives", "XVar"): (1, "empty"),
+    ("Stadtwerke.kvs", "TchrTrends", "Name"): (1, "empty"),
+    ("Stadtwerke.kvs", "TchrTrends", "TrendVar"): (1, "empty"),
+    ("Stadtwerke.kvs", "TchrTrends", "Unit"): (152, "empty"),
+    ("Stadtwerke.kvs", "TidxTexts", "L1033"): (3, "empty"),
+    ("Stadtwerke.kvs", "TidxTexts", "L1036"): (3, "empty"),
+    ("Stadtwerke.kvs", "TpdbVars", "Unit"): (152, "empty"),
 }
 # What a reason lets through: mdb-export's value and ours, both in the common form.
 REASONS = {

@@ -111,8 +111,8 @@ TEST(UsageMapTest, AFileWhoseMapBeginsBehindItsPagesIsWritten) {
     }
     EXPECT_THAT(ErrorsIn(disk), IsEmpty());
     EXPECT_THAT(aboutPages(), IsEmpty());
-    const std::size_t largest = PageCount(disk);
     DeleteAll(disk, "TchrTrends");
+    const std::size_t largest = PageCount(disk);
     EXPECT_THAT(ErrorsIn(disk), IsEmpty());
     EXPECT_THAT(aboutPages(), IsEmpty());
     auto database = Must(Database::Open(disk, kProject, OpenMode::ReadWrite));
