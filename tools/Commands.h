@@ -37,6 +37,13 @@ enum class DumpFormat { Csv, Json };
 /// while other programs have the file open.
 [[nodiscard]] ExitStatus Compact(const std::string& file, std::FILE* out, std::FILE* err);
 
+/// Writes what can be read of a Jet 4 file into a new one: `to`, or when that is empty a name
+/// beside the old one, "FILE-repaired". The old file is only read. Writes the name of the new file
+/// with the numbers of its tables and rows to `out`, and a line to `err` for all that could not be
+/// saved; the status is kFailure then.
+[[nodiscard]] ExitStatus Repair(const std::string& file, const std::string& to, std::FILE* out,
+                                std::FILE* err);
+
 // The commands that change a table, through recordsets: all of it in one transaction or nothing.
 // They write the number of rows to `out`.
 

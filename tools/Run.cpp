@@ -23,6 +23,11 @@ constexpr const char* kHelp =
     "  check FILE                 a line for each fault of the file (Jet 4)\n"
     "  compact FILE               rewrite the file without the room that nothing uses (Jet 4);\n"
     "                             refused while other programs have it open\n"
+    "  repair FILE                write what can be read of a damaged file into a new one (Jet 4) "
+    "with\n"
+    "                             maps, indexes and counters made anew; FILE is left alone\n"
+    "    --to NEW                   the new file, which must not be there (default: beside FILE,\n"
+    "                               its name with -repaired)\n"
     "  load FILE TABLE CSV        append the rows of a CSV file as dump writes it; - = standard "
     "input\n"
     "    --encoding utf-8|windows-1252\n"
@@ -54,6 +59,7 @@ struct Options {
     std::string format;
     std::string encoding;
     std::vector<std::string> lcids;
+    std::string to;
 };
 
 ExitStatus RunCommand(const std::vector<std::string>& words, const Options& options, std::FILE* out,
@@ -69,6 +75,9 @@ ExitStatus RunCommand(const std::vector<std::string>& words, const Options& opti
     }
     if (!options.lcids.empty() && command != "new") {
         return WrongUsage(command + ": --lcid is for new", err);
+    }
+    if (!options.to.empty() && command != "repair") {
+        return WrongUsage(command + ": --to is for repair", err);
     }
     if (command == "new") {
         if (words.size() != 2) return WrongUsage("new: one FILE is needed", err);
@@ -116,18 +125,23 @@ ExitStatus RunCommand(const std::vector<std::string>& words, const Options& opti
         if (words.size() != 2) return WrongUsage("compact: one FILE is needed", err);
         return Compact(words[1], out, err);
     }
+    if (command == "repair") {
+        if (words.size() != 2) return WrongUsage("repair: one FILE is needed", err);
+        return Repair(words[1], options.to, out, err);
+    }
     return WrongUsage("unknown command '" + command + "'", err);
 }
 
 }  // namespace
 
 ExitStatus Run(int argc, char** argv, std::FILE* out, std::FILE* err) {
-    static constexpr std::array<option, 6> kOptions = {
+    static constexpr std::array<option, 7> kOptions = {
         {{"help", no_argument, nullptr, 'h'},
          {"version", no_argument, nullptr, 'V'},
          {"format", required_argument, nullptr, 'f'},
          {"encoding", required_argument, nullptr, 'e'},
          {"lcid", required_argument, nullptr, 'l'},
+         {"to", required_argument, nullptr, 't'},
          {nullptr, 0, nullptr, 0}}};
     Options options;
     optind = 1;
@@ -141,6 +155,7 @@ ExitStatus Run(int argc, char** argv, std::FILE* out, std::FILE* err) {
                 std::string("unknown or incomplete option '") + argv[optind - 1] + "'", err);
         if (found == 'f') options.format = optarg;
         if (found == 'e') options.encoding = optarg;
+        if (found == 't') options.to = optarg;
         if (found == 'l') options.lcids.emplace_back(optarg);
     }
     return RunCommand({argv + optind, argv + argc}, options, out, err);

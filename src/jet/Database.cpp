@@ -19,6 +19,8 @@ constexpr std::int32_t kTableObject = 1;            // column Type of the catalo
 constexpr std::uint32_t kSystemFlags = 0x80000002;  // column Flags: made by the system
 constexpr const char* kCatalogName = "MSysObjects";
 
+constexpr const char* kRepairHint = "; kvs repair writes what can be read into a new file";
+
 constexpr std::chrono::milliseconds kWriterWait{5'000};
 // Another program may be reading the whole of a big file.
 constexpr std::chrono::milliseconds kCommitWait{30'000};
@@ -121,8 +123,7 @@ Status Database::TellWhetherWritable() {
     JET_TRY(scope.GetStatus());
     const Status pages = CheckPages(cache_).GetStatusOrOk();
     if (!pages.IsOk()) {
-        Notify("it can only be read: " + pages.Text() +
-               "; kvs repair writes what can be read into a new file");
+        Notify("it can only be read: " + pages.Text() + kRepairHint);
     }
     return {};
 }
@@ -195,7 +196,10 @@ Status Database::Begin() {
     std::vector<std::uint32_t> leftOvers;
     if (status.IsOk() && !pagesAreSound_) {
         Result<std::vector<std::uint32_t>> checked = CheckPages(cache_);
-        status = checked.GetStatusOrOk().In("it is damaged and cannot be written");
+        if (!checked.IsOk()) {
+            status = Status::Corrupt(
+                "it is damaged and cannot be written: " + checked.GetStatus().Text() + kRepairHint);
+        }
         if (checked.IsOk()) leftOvers = std::move(*checked);
         // Until a transaction that removes them has been committed, the next one has to.
         pagesAreSound_ = status.IsOk() && leftOvers.empty();

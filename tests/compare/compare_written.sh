@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
 # Changes a copy of the brewery with kvs, and lets other readers read what came of it, before and
-# after it is compacted.
+# after it is compacted and repaired; the same for a file whose map of free pages begins behind its
+# pages.
 #
-#   compare_written.sh KVS BREWERY
+#   compare_written.sh KVS BREWERY WORKS
 set -euo pipefail
 
 kvs=$1
 brewery=$2
+works=$3
 command -v mdb-export >/dev/null || { echo "SKIPPED: mdbtools is not here"; exit 77; }
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 folder=$(mktemp -d)
@@ -39,4 +41,21 @@ compare() {
 compare "$project"
 "$kvs" compact "$project"
 "$kvs" check "$project" | grep . && exit 1
+compare "$project"
+
+# The map of free pages and all usage maps of the system's tables are gone.
+mkdir "$folder/repaired"
+for page in 1 6; do
+    dd if=/dev/zero of="$project" bs=4096 seek=$page count=1 conv=notrunc status=none
+done
+"$kvs" repair "$project" --to "$folder/repaired/Brauerei.kvs"
+"$kvs" check "$folder/repaired/Brauerei.kvs" | grep . && exit 1
+compare "$folder/repaired/Brauerei.kvs"
+
+project=$folder/$(basename "$works")
+cp "$works" "$project"
+chmod u+w "$project"
+"$kvs" set "$project" TchrTrends "" "Comment=$long"
+"$kvs" delete "$project" TidxGroups ""
+"$kvs" check "$project" | grep '^error' && exit 1
 compare "$project"

@@ -140,6 +140,9 @@ TEST(CommandTest, TellsSuccessFailureAndWrongUsageApart) {
         {{"check", "a", "--format=csv"}, kUsage, "--format"},
         {{"dump", "a", "b", "--encoding=utf-8"}, kUsage, "--encoding"},
         {{"load", "a", "b", "c", "--encoding=latin-9"}, kUsage, "'latin-9'"},
+        {{"check", "a", "--to=b"}, kUsage, "--to"},
+        {{"repair"}, kUsage, "FILE"},
+        {{"repair", std::string(KV_TEST_DATA) + "/test2V1997.mdb", "--to=/tmp"}, kFailure, "Jet 4"},
         {{"check", std::string(KV_TEST_DATA) + "/test2V1997.mdb"}, kFailure, "only Jet 4"},
         {{"tables", "/nonexistent/x.kvs"}, kFailure, "/nonexistent/x.kvs"},
         {{"tables", KV_EXAMPLES}, kFailure, "folder"},
@@ -200,7 +203,34 @@ TEST(CommandTest, ChecksAFile) {
     std::filesystem::remove(name);
     EXPECT_EQ(damaged.status, kFailure);
     EXPECT_THAT(damaged.out, StartsWith("error: the file's size of "));
-    EXPECT_EQ(damaged.err, "");
+    EXPECT_THAT(damaged.err, testing::AllOf(StartsWith("kvs: " + name), HasSubstr("kvs repair"),
+                                            testing::Not(HasSubstr("cannot be written"))));
+}
+
+TEST(CommandTest, RepairsAFileIntoANewOne) {
+    const ProjectCopy project(kBrewery);
+    const std::string rows = RunTool({"dump", kBrewery, "TchrTrends"}).out;
+    {
+        // The global map and the usage maps of the system's tables are gone.
+        std::fstream file(project.Path(), std::ios::binary | std::ios::in | std::ios::out);
+        for (const int page : {1, 6}) {
+            file.seekp(page * 4096);
+            file << std::string(4096, '\0');
+        }
+    }
+    EXPECT_THAT(RunTool({"check", project.Path()}).err,
+                testing::AllOf(HasSubstr("cannot be written"), HasSubstr("kvs repair")));
+    EXPECT_EQ(RunTool({"delete", project.Path(), "TchrTrends", ""}).status, kFailure);
+    const Outcome outcome = RunTool({"repair", project.Path()});
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.status, kSuccess);
+    const std::string repaired = project.Path("project-repaired.kvs");
+    EXPECT_THAT(outcome.out, testing::AllOf(StartsWith(repaired + ": "), HasSubstr(" tables, ")));
+    EXPECT_EQ(RunTool({"dump", repaired, "TchrTrends"}).out, rows);
+    EXPECT_EQ(RunTool({"check", repaired}).out, "");
+    EXPECT_THAT(RunTool({"repair", project.Path()}).err, HasSubstr("project-repaired.kvs"));
+    EXPECT_EQ(RunTool({"repair", project.Path(), "--to", project.Path("b.kvs")}).out,
+              project.Path("b.kvs") + outcome.out.substr(repaired.size()));
 }
 
 // What dump writes, load reads: the same rows in another file.

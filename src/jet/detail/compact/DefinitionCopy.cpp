@@ -11,6 +11,7 @@ namespace {
 
 // Offsets and sizes in the stream; see TableDefImage and TableDefWriter.cpp.
 constexpr std::size_t kRowCount = 0x10;
+constexpr std::size_t kLastAutoNumber = 0x14;
 constexpr std::size_t kColumnCount = 0x2D;
 constexpr std::size_t kLogicalCount = 0x2F;
 constexpr std::size_t kRealCount = 0x33;
@@ -24,7 +25,14 @@ constexpr std::size_t kRealSize = 52;
 constexpr std::size_t kRealMap = 34;
 constexpr std::size_t kRealRoot = 38;
 constexpr std::size_t kLogicalSize = 28;
+// In a logical index.
+constexpr std::size_t kSide = 12;
+constexpr std::size_t kPartner = 13;
 constexpr std::size_t kOtherTable = 17;
+constexpr std::size_t kUpdates = 21;
+constexpr std::size_t kDeletes = 22;
+constexpr std::size_t kRole = 23;
+constexpr std::byte kNoRelationship{4};  // in kUpdates and kDeletes
 constexpr std::size_t kLongValueSize = 10;
 constexpr std::uint16_t kEnd = 0xFFFF;
 
@@ -73,6 +81,10 @@ void DefinitionCopy::SetRowCount(std::size_t count) {
     StoreU32(stream_, kRowCount, count);
 }
 
+void DefinitionCopy::SetLastAutoNumber(std::uint32_t number) {
+    StoreU32(stream_, kLastAutoNumber, number);
+}
+
 void DefinitionCopy::SetOwnedMap(std::uint32_t pointer) {
     StoreU32(stream_, kOwnedMap, pointer);
 }
@@ -96,6 +108,15 @@ void DefinitionCopy::SetLongValueMaps(std::uint16_t column, std::uint32_t owned,
         StoreU32(stream_, at + 2, owned);
         StoreU32(stream_, at + 6, free);
     }
+}
+
+void DefinitionCopy::MakeOrdinary(std::size_t logicalIndex) {
+    const auto block =
+        MutableBytes(stream_).subspan(logicalIndexes_ + kLogicalSize * logicalIndex, kLogicalSize);
+    block[kSide] = block[kRole] = std::byte{0};
+    StoreU32(block, kPartner, 0xFFFFFFFF);
+    StoreU32(block, kOtherTable, 0);
+    block[kUpdates] = block[kDeletes] = kNoRelationship;
 }
 
 void DefinitionCopy::MoveOtherTables(const TableMoves& moves) {

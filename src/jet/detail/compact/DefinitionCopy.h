@@ -16,12 +16,16 @@ public:
     [[nodiscard]] std::size_t PageCount() const;
 
     void SetRowCount(std::size_t count);
+    void SetLastAutoNumber(std::uint32_t number);
     void SetOwnedMap(std::uint32_t pointer);
     void SetFreeMap(std::uint32_t pointer);
     // By the position in TableDef::realIndexes.
     void SetIndex(std::size_t index, std::uint32_t map, PageNo root, std::uint32_t distinctKeys);
     /// The maps of a memo or OLE column, by its number.
     void SetLongValueMaps(std::uint16_t column, std::uint32_t owned, std::uint32_t free);
+    /// Takes the role in a relationship from an index, by its position in
+    /// TableDef::logicalIndexes.
+    void MakeOrdinary(std::size_t logicalIndex);
     /// Relationships name the other table by its page.
     void MoveOtherTables(const TableMoves& moves);
 

@@ -14,7 +14,7 @@ namespace jet::compact {
 Result<PageNo> Draft::Take() {
     while (kept_.contains(next_)) ++next_;
     if (next_ >= kMostPages) {
-        return Status(StatusCode::Full, "the compacted file would be larger than 2 GB");
+        return Status(StatusCode::Full, "the new file would be larger than 2 GB");
     }
     return PageNo{next_++};
 }
