@@ -200,12 +200,9 @@ TEST_F(LanguagesTest, BeginsWithTheStoredLanguageElseTheInterfacesElseTheFirst) 
         std::uint32_t interface;
         std::optional<platform::Lcid> stored;
         platform::Lcid start;
-    } cases[] = {{kEnglish, kGerman, kGerman},
-                 {kEnglish, std::nullopt, kEnglish},
-                 {kEnglish, kFrench, kEnglish},
-                 {kFrench, std::nullopt, kGerman},
-                 {kFrench, kFrench, kGerman},
-                 {kFrench, 0, kGerman}};
+    } cases[] = {{kEnglish, kGerman, kGerman},  {kEnglish, std::nullopt, kEnglish},
+                 {kEnglish, kFrench, kEnglish}, {kFrench, std::nullopt, kGerman},
+                 {kFrench, kFrench, kGerman},   {kFrench, 0, kGerman}};
     for (const auto& each : cases) {
         registry_.WriteDword(MResources::kStudioKey, u"LCID", each.interface);
         Init();
