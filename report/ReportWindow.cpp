@@ -23,6 +23,7 @@
 #include "paths/NativePath.h"
 #include "platform/Error.h"
 #include "platform/MessageBox.h"
+#include "platform/PlainTexts.h"
 #include "platform/Registry.h"
 #include "projectdb/Guard.h"
 #include "projectdb/Text.h"
@@ -49,6 +50,7 @@ QString FileName(const QString& path) {
 ReportWindow::ReportWindow(platform::Registry& registry, QString projectPath, QWidget* parent)
     : QMainWindow(parent, Qt::Window), texts_(registry), projectPath_(std::move(projectPath)) {
     setObjectName(u"frmReport"_s);
+    platform::KeepTextsPlain(*this);
     setWindowTitle(texts_(Text::WindowTitle).arg(FileName(projectPath_)));
     setAttribute(Qt::WA_DeleteOnClose);
     resize(1180, 760);

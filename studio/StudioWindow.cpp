@@ -17,6 +17,7 @@
 #include <QTimer>
 
 #include "platform/MessageBox.h"
+#include "platform/PlainTexts.h"
 #include "studio/AddInsDialog.h"
 #include "studio/AddInSet.h"
 #include "studio/EditorArea.h"
@@ -51,6 +52,7 @@ StudioWindow::StudioWindow(StudioRegistry& registry, AddInSet& addIns,
     setObjectName(u"frmStudio"_s);
     setWindowIcon(StudioIcon());
     setAcceptDrops(true);
+    platform::KeepTextsPlain(*this);
     BuildAreas();
     BuildFileMenu();
     BuildOtherMenus();
@@ -264,6 +266,7 @@ void StudioWindow::mnuHelpAbout_Click() {
     box.setObjectName(u"frmAbout"_s);
     box.setWindowTitle(texts_(Text::AboutTitle));
     box.setIconPixmap(windowIcon().pixmap(64));
+    box.setTextFormat(Qt::RichText);
     box.setText(texts_(Text::AboutBody).arg(QCoreApplication::applicationVersion()));
     box.exec();
 }

@@ -22,6 +22,7 @@
 #include "languages/CDBLanguages.h"
 #include "languages/MResourceTable.h"
 #include "platform/MessageBox.h"
+#include "platform/PlainTexts.h"
 #include "projectdb/Guard.h"
 #include "projectdb/NodeKey.h"
 #include "settings/CInit.h"
@@ -50,6 +51,7 @@ frmtabGrid::frmtabGrid(projectdb::ProjectContext& project, const MResources::Tex
       trendCommands_(std::make_unique<TrendCommands>(project, hierarchy_, *this, names_, texts)),
       layout_(std::make_unique<EditorLayout>(*this)) {
     setObjectName(u"frmtabGrid"_s);
+    platform::KeepTextsPlain(*this);
     setWindowTitle(texts_.GetText(MResourceTable::kTextEditorTitle));
     BuildMenus();
     BuildGrid();

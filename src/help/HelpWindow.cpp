@@ -20,6 +20,7 @@
 #include "help/HelpPage.h"
 #include "help/HelpTexts.h"
 #include "help/HelpTopics.h"
+#include "platform/PlainTexts.h"
 
 namespace help {
 
@@ -43,6 +44,7 @@ QString Stamp(const QString& path) {
 HelpWindow::HelpWindow(const MResources::TextTable& texts)
     : texts_(texts), language_(GetText(texts_, Text::Folder)), builtIn_(language_) {
     setObjectName(u"frmHelp"_s);
+    platform::KeepTextsPlain(*this);
     // The program ends with its own windows; this one goes with them.
     setAttribute(Qt::WA_QuitOnClose, false);
     resize(980, 680);
