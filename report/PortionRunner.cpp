@@ -6,6 +6,8 @@
 
 namespace report {
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 // Between two portions the window answers keys and mouse.
 constexpr std::chrono::milliseconds kPortion(30);
@@ -29,7 +31,7 @@ void PortionRunner::Cancel() {
 }
 
 void PortionRunner::Step() {
-    QString failure;
+    platform::Message failure;
     try {
         if (task_->Step(kPortion)) {
             End(Outcome::Done, {});
@@ -38,19 +40,19 @@ void PortionRunner::Step() {
         }
         return;
     } catch (const TaskError& error) {
-        failure = error.text;
+        failure.text = error.text;
     } catch (...) {
-        failure = projectdb::Failure::Current().Text();
+        failure = projectdb::Failure::Current().ToMessage(u"KVProjectReport: Step"_s);
     }
     End(Outcome::Failed, failure);
 }
 
-void PortionRunner::End(Outcome outcome, const QString& text) {
+void PortionRunner::End(Outcome outcome, const platform::Message& failure) {
     timer_.stop();
     const std::unique_ptr<Task> task = std::exchange(task_, nullptr);
     const Finished finished = std::exchange(finished_, nullptr);
     emit RunningChanged(false);
-    if (finished) finished(*task, outcome, text);
+    if (finished) finished(*task, outcome, failure);
 }
 
 }  // namespace report

@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QTimer>
 
+#include "platform/MessageBox.h"
 #include "report/Tasks.h"
 
 namespace report {
@@ -15,8 +16,9 @@ class PortionRunner final : public QObject {
     Q_OBJECT
 public:
     enum class Outcome { Done, Cancelled, Failed };
-    /// `text` says why it failed. The task still exists while this runs.
-    using Finished = std::function<void(Task& task, Outcome outcome, const QString& text)>;
+    /// `failure` says why it failed. The task still exists while this runs.
+    using Finished =
+        std::function<void(Task& task, Outcome outcome, const platform::Message& failure)>;
 
     explicit PortionRunner(QObject* parent = nullptr);
 
@@ -32,7 +34,7 @@ signals:
 
 private:
     void Step();
-    void End(Outcome outcome, const QString& text);
+    void End(Outcome outcome, const platform::Message& failure);
 
     std::unique_ptr<Task> task_;
     Finished finished_;

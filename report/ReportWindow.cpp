@@ -197,6 +197,11 @@ void ReportWindow::BuildStatusBar() {
     connect(cmdCancel_, &QPushButton::clicked, &runner_, &PortionRunner::Cancel);
 }
 
+void ReportWindow::Tell(platform::Message message) {
+    message.title = windowTitle();
+    platform::ShowMessage(message, this);
+}
+
 bool ReportWindow::Read() {
     runner_.Cancel();
     ready_ = false;
@@ -208,25 +213,27 @@ bool ReportWindow::Read() {
     try {
         reader_->Open(projectPath_);
     } catch (...) {
-        const QString reason = projectdb::Failure::Current().description;
+        const projectdb::Failure failure = projectdb::Failure::Current();
         reader_.reset();
         SetRunning(false);
         lblState_->clear();
-        platform::ShowMessage(texts_(Text::CannotOpen).arg(projectPath_, reason),
-                              platform::MessageButtons::Ok, windowTitle(), this);
+        platform::Message message = failure.ToMessage(u"KVProjectReport: Read"_s);
+        message.text = texts_(Text::CannotOpen).arg(projectPath_, message.text);
+        Tell(message);
         return false;
     }
     writer_ =
         std::make_unique<HtmlWriter>(*reader_, texts_, projectPath_, HtmlWriter::Target::Screen);
     runner_.Start(std::make_unique<CollectTask>(*reader_, texts_),
-                  [this](Task&, PortionRunner::Outcome outcome, const QString& text) {
+                  [this](Task&, PortionRunner::Outcome outcome, const platform::Message& failure) {
                       if (outcome == PortionRunner::Outcome::Done) Collected();
                       if (outcome == PortionRunner::Outcome::Cancelled) {
                           lblState_->setText(texts_(Text::Cancelled));
                       }
                       if (outcome == PortionRunner::Outcome::Failed) {
-                          platform::ShowMessage(texts_(Text::CannotOpen).arg(projectPath_, text),
-                                                platform::MessageButtons::Ok, windowTitle(), this);
+                          platform::Message message = failure;
+                          message.text = texts_(Text::CannotOpen).arg(projectPath_, failure.text);
+                          Tell(message);
                       }
                       emit TaskEnded(outcome == PortionRunner::Outcome::Done);
                   });
@@ -304,32 +311,32 @@ void ReportWindow::Find(bool backward) {
     if (txtReport_->find(needle, flags)) return;
     auto task =
         std::make_unique<FindTask>(*reader_, texts_, projectPath_, needle, shown_, backward);
-    runner_.Start(
-        std::move(task), [this, needle, flags, backward](
-                             Task& ended, PortionRunner::Outcome outcome, const QString& text) {
-            const std::optional<Section> found = static_cast<FindTask&>(ended).Found();
-            lblState_->setText(outcome == PortionRunner::Outcome::Failed ? text : QString());
-            if (outcome == PortionRunner::Outcome::Cancelled) {
-                lblState_->setText(texts_(Text::Cancelled));
-            } else if (found) {
-                if (!(*found == shown_)) Show(*found);
-                txtReport_->moveCursor(backward ? QTextCursor::End : QTextCursor::Start);
-                txtReport_->find(needle, flags);
-            } else if (outcome == PortionRunner::Outcome::Done) {
-                lblState_->setText(texts_(Text::FindNothing).arg(needle));
-            }
-            emit TaskEnded(found.has_value());
-        });
+    runner_.Start(std::move(task), [this, needle, flags, backward](
+                                       Task& ended, PortionRunner::Outcome outcome,
+                                       const platform::Message& failure) {
+        const std::optional<Section> found = static_cast<FindTask&>(ended).Found();
+        lblState_->setText(outcome == PortionRunner::Outcome::Failed ? failure.text : QString());
+        if (outcome == PortionRunner::Outcome::Cancelled) {
+            lblState_->setText(texts_(Text::Cancelled));
+        } else if (found) {
+            if (!(*found == shown_)) Show(*found);
+            txtReport_->moveCursor(backward ? QTextCursor::End : QTextCursor::Start);
+            txtReport_->find(needle, flags);
+        } else if (outcome == PortionRunner::Outcome::Done) {
+            lblState_->setText(texts_(Text::FindNothing).arg(needle));
+        }
+        emit TaskEnded(found.has_value());
+    });
 }
 
 void ReportWindow::Start(std::unique_ptr<Task> task, const QString& doneText) {
     runner_.Start(std::move(task), [this, doneText](Task&, PortionRunner::Outcome outcome,
-                                                    const QString& text) {
+                                                    const platform::Message& failure) {
         const bool done = outcome == PortionRunner::Outcome::Done;
         lblState_->setText(done ? doneText : texts_(Text::Cancelled));
         if (outcome == PortionRunner::Outcome::Failed) {
-            lblState_->setText(text);
-            platform::ShowMessage(text, platform::MessageButtons::Ok, windowTitle(), this);
+            lblState_->setText(failure.text);
+            Tell(failure);
         }
         emit TaskEnded(done);
     });

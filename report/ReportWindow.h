@@ -60,6 +60,8 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    /// The message under the title of this window.
+    void Tell(platform::Message message);
     void BuildActions();
     void BuildBody();
     void BuildStatusBar();

@@ -13,9 +13,11 @@ class AddInSet;
 
 /// What became of one library of the add-in folders.
 struct AddInReport {
+    enum class State { Loaded, NoLibrary, NoName, NameTaken, Failed };
     QString name;  // the ProgID, or the file's name when it has none
     QString file;
-    QString failure;  // empty: loaded
+    State state = State::Loaded;
+    QString failure = {};  // why it is not loaded, in English
 };
 
 /// Loads every component that implements KV4AddIn::CKV4Extensibility into `addIns`, and tells what

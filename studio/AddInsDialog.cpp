@@ -5,11 +5,25 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-#include "studio/StudioTexts.h"
-
 namespace studio {
 
 using namespace Qt::Literals::StringLiterals;
+
+Text TextOf(AddInReport::State state) {
+    switch (state) {
+        case AddInReport::State::NoLibrary:
+            return Text::AddInNoLibrary;
+        case AddInReport::State::NoName:
+            return Text::AddInNoName;
+        case AddInReport::State::NameTaken:
+            return Text::AddInNameTaken;
+        case AddInReport::State::Failed:
+            return Text::AddInFailed;
+        case AddInReport::State::Loaded:
+            break;
+    }
+    return Text::AddInLoaded;
+}
 
 AddInsDialog::AddInsDialog(const QList<AddInReport>& reports, const StudioTexts& texts,
                            QWidget* parent)
@@ -23,11 +37,12 @@ AddInsDialog::AddInsDialog(const QList<AddInReport>& reports, const StudioTexts&
     list->setHeaderLabels(
         {texts(Text::AddInColumn), texts(Text::AddInStateColumn), texts(Text::AddInFileColumn)});
     for (const AddInReport& report : reports) {
-        const QString state = report.failure.isEmpty() ? texts(Text::AddInLoaded) : report.failure;
+        const QString state = texts(TextOf(report.state));
         auto* row = new QTreeWidgetItem(list, {report.name, state, report.file});
         for (int column = 0; column < list->columnCount(); ++column) {
             row->setToolTip(column, row->text(column));
         }
+        if (!report.failure.isEmpty()) row->setToolTip(1, state + u'\n' + report.failure);
     }
     list->resizeColumnToContents(0);
     list->setColumnWidth(1, 240);

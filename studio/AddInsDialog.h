@@ -3,10 +3,12 @@
 #include <QDialog>
 
 #include "studio/AddInLoader.h"
+#include "studio/StudioTexts.h"
 
 namespace studio {
 
-class StudioTexts;
+/// The state of an add-in in words.
+[[nodiscard]] Text TextOf(AddInReport::State state);
 
 /// Shows which add-ins are loaded, and why others are not.
 class AddInsDialog final : public QDialog {

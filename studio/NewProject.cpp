@@ -13,6 +13,7 @@
 
 #include "platform/Locale.h"
 #include "platform/MessageBox.h"
+#include "platform/ReasonText.h"
 #include "projectfile/CreateProject.h"
 
 namespace studio {
@@ -120,15 +121,19 @@ void NewProjectDialog::cmdOk_Click() {
         if (item.checkState() == Qt::Checked) lcids.push_back(item.data(Qt::UserRole).toUInt());
     }
     const projectfile::Outcome outcome = projectfile::CreateProject(file.toStdString(), lcids);
-    if (outcome.kind != projectfile::Outcome::Kind::Made) {
-        return Complain(texts_(Text::ErrorNotMade).arg(file, QString::fromStdString(outcome.text)));
+    using Kind = projectfile::Outcome::Kind;
+    if (outcome.kind == Kind::Exists) return Complain(texts_(Text::ErrorExists).arg(file));
+    if (outcome.kind != Kind::Made) {
+        return Complain(texts_(Text::ErrorNotMade).arg(file, platform::ReasonText(outcome.reason)),
+                        QString::fromStdString(outcome.text));
     }
     file_ = file;
     accept();
 }
 
-void NewProjectDialog::Complain(const QString& message) {
-    platform::ShowMessage(message, platform::MessageButtons::Ok, texts_(Text::NewTitle), this);
+void NewProjectDialog::Complain(const QString& message, const QString& details) {
+    platform::ShowMessage({message, platform::MessageButtons::Ok, texts_(Text::NewTitle), details},
+                          this);
     txtFile_->setFocus();
     txtFile_->selectAll();
 }

@@ -32,7 +32,7 @@ private:
     void FillLanguages();
     /// What the user has typed as a path: in the folder, and with the extension of projects.
     [[nodiscard]] QString PathOf(QString typed) const;
-    void Complain(const QString& message);
+    void Complain(const QString& message, const QString& details = {});
 
     StudioTexts texts_;
     QString folder_;

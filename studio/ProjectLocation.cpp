@@ -1,5 +1,8 @@
 #include "studio/ProjectLocation.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -14,6 +17,7 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 const QString kExtension = u".kvs"_s;
+constexpr qint64 kHeadBytes = 21;  // up to the format's version
 
 QString ToNative(const QString& path) {
     return QString::fromStdString(paths::ToNative(path.toStdString()));
@@ -37,6 +41,20 @@ QString FileOfName(const QString& name, StudioRegistry& registry) {
     return folder.isEmpty() ? QString() : folder + u'\\' + name + kExtension;
 }
 
+/// Whether whoever runs this program can look at the project only. Asked of the system and not of
+/// Qt, which asks for the user who has started the program, as the file is opened.
+bool IsReadOnly(const QString& nativePath) {
+    const auto mayWrite = [](const QString& path) {
+        return ::faccessat(AT_FDCWD, QFile::encodeName(path).constData(), W_OK, AT_EACCESS) == 0;
+    };
+    // What a change needs beside the file is made in its folder.
+    if (!mayWrite(nativePath) || !mayWrite(QFileInfo(nativePath).path())) return true;
+    QFile file(nativePath);
+    if (!file.open(QIODevice::ReadOnly)) return false;
+    const QByteArray head = file.read(kHeadBytes);
+    return head.size() == kHeadBytes && head.back() == '\0';  // the version before Jet 4
+}
+
 /// Empty, or why the file cannot be a project.
 QString Refusal(const QString& nativePath, const StudioTexts& texts) {
     const QFileInfo info(nativePath);
@@ -48,7 +66,7 @@ QString Refusal(const QString& nativePath, const StudioTexts& texts) {
     }
     // Whether the database itself can be used is found out by whoever opens it; this tells a text
     // or picture from a database: 4 bytes 00 01 00 00, then the name of the format.
-    const QByteArray start = file.read(19);
+    const QByteArray start = file.read(kHeadBytes);
     if (file.error() != QFileDevice::NoError) {
         return texts(Text::ErrorNotReadable).arg(nativePath, file.errorString());
     }
@@ -90,6 +108,7 @@ std::variant<ProjectLocation, QString> Locate(const QString& project, StudioRegi
     location.shown = QFileInfo(location.nativePath).completeBaseName();
     const QString refusal = Refusal(location.nativePath, texts);
     if (!refusal.isEmpty()) return refusal;
+    location.isReadOnly = IsReadOnly(location.nativePath);
     return location;
 }
 

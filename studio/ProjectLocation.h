@@ -10,10 +10,11 @@ class StudioTexts;
 
 /// A project that can be opened.
 struct ProjectLocation {
-    QString forAddIns;   // as the add-ins get it: a name, or a full path with backslashes
-    QString nativePath;  // the project file
-    QString remembered;  // for the list of recent projects: a name, or the native path
-    QString shown;       // the project's name without folder and extension
+    QString forAddIns;        // as the add-ins get it: a name, or a full path with backslashes
+    QString nativePath;       // the project file
+    QString remembered;       // for the list of recent projects: a name, or the native path
+    QString shown;            // the project's name without folder and extension
+    bool isReadOnly = false;  // by the rights to the file and its folder, or by its version
 };
 
 /// Finds out what `project` is - a project file or the name of a registered project - and whether

@@ -2,7 +2,6 @@
 
 #include <QtGlobal>
 
-#include "platform/Error.h"
 #include "studio/StudioTexts.h"
 
 namespace studio {
@@ -25,12 +24,12 @@ int StudioRegistry::InterfaceLanguage() {
     }
 }
 
-QString StudioRegistry::SetInterfaceLanguage(int lcid) {
+std::optional<platform::Error> StudioRegistry::SetInterfaceLanguage(int lcid) {
     try {
         registry_.WriteDword(kStudioKey, kLcid, static_cast<std::uint32_t>(lcid));
-        return {};
+        return std::nullopt;
     } catch (const platform::Error& error) {
-        return error.Description();
+        return error;
     }
 }
 

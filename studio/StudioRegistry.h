@@ -1,7 +1,9 @@
 #pragma once
 
+#include <optional>
 #include <QString>
 
+#include "platform/Error.h"
 #include "platform/Registry.h"
 
 namespace studio {
@@ -12,8 +14,8 @@ class StudioRegistry {
 public:
     /// Locale identifier of the interface language; German when none is set.
     [[nodiscard]] int InterfaceLanguage();
-    /// Returns an empty string, or why it could not be saved.
-    [[nodiscard]] QString SetInterfaceLanguage(int lcid);
+    /// Returns why it could not be saved, if so.
+    [[nodiscard]] std::optional<platform::Error> SetInterfaceLanguage(int lcid);
     /// The folder of a registered project; empty when there is none of this name.
     [[nodiscard]] QString ProjectFolder(const QString& projectName);
 

@@ -7,6 +7,7 @@ namespace studio {
 /// The studio's own interface texts. Add-ins bring their own.
 enum class Text {
     StudioTitle,
+    ReadOnlyProject,
     MenuFile,
     FileNew,
     FileNewTip,
@@ -49,6 +50,7 @@ enum class Text {
     OpenFilter,
     StatusReady,
     StatusOpened,
+    StatusOpenedReadOnly,
     StatusClosed,
     StatusBusy,
     StatusAddInFailed,
@@ -70,6 +72,10 @@ enum class Text {
     AddInFileColumn,
     AddInStateColumn,
     AddInLoaded,
+    AddInNoLibrary,
+    AddInNoName,
+    AddInNameTaken,
+    AddInFailed,
     VariablesTitle,
     VariablesSearch,
     VariablesSearchHint,

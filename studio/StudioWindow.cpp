@@ -18,6 +18,7 @@
 
 #include "platform/MessageBox.h"
 #include "platform/PlainTexts.h"
+#include "platform/ReasonText.h"
 #include "studio/AddInsDialog.h"
 #include "studio/AddInSet.h"
 #include "studio/EditorArea.h"
@@ -69,9 +70,10 @@ StudioWindow::StudioWindow(StudioRegistry& registry, AddInSet& addIns,
     statusBar()->showMessage(texts_(Text::StatusReady), kStatusMs);
     for (const AddInReport& report : addInReports_) {
         if (report.failure.isEmpty()) continue;
-        const QString text = texts_(Text::StatusAddInFailed).arg(report.name, report.failure);
-        qWarning("%s", qUtf8Printable(text));
-        statusBar()->showMessage(text);
+        qWarning("Add-in not loaded: %s (%s)", qUtf8Printable(report.name),
+                 qUtf8Printable(report.failure));
+        statusBar()->showMessage(
+            texts_(Text::StatusAddInFailed).arg(report.name, texts_(TextOf(report.state))));
     }
 }
 
@@ -98,7 +100,8 @@ bool StudioWindow::OpenProject(const QString& project) {
     tree_->HostSelect(kProjectKey.toString());
     ApplyProjectState();
     recent_.Add(project_->remembered);
-    statusBar()->showMessage(texts_(Text::StatusOpened).arg(project_->shown), kStatusMs);
+    const Text opened = project_->isReadOnly ? Text::StatusOpenedReadOnly : Text::StatusOpened;
+    statusBar()->showMessage(texts_(opened).arg(project_->shown), kStatusMs);
     addIns_.ForEach("Initialize", [this](KV4AddIn::CKV4Extensibility& addIn) {
         addIn.CKV4Extensibility_Initialize(project_->forAddIns, QString(), host_.get(), nullptr);
     });
@@ -241,12 +244,16 @@ void StudioWindow::mnuSettingsLanguage_Click(QAction* action) {
     const int lcid = action->data().toInt();
     if (lcid == texts_.Lcid()) return;
     const bool busy = addIns_.InCall();
-    const QString failure = busy ? QString() : registry_.SetInterfaceLanguage(lcid);
-    if (busy || !failure.isEmpty()) {
+    std::optional<platform::Error> failure;
+    if (!busy) failure = registry_.SetInterfaceLanguage(lcid);
+    if (busy || failure) {
         for (QAction* entry : languages_->actions()) {
             entry->setChecked(entry->data().toInt() == texts_.Lcid());
         }
-        if (!failure.isEmpty()) Complain(texts_(Text::ErrorLanguage).arg(failure));
+        if (failure) {
+            Complain(texts_(Text::ErrorLanguage).arg(platform::ReasonText(failure->Reason())),
+                     failure->Description());
+        }
         return;
     }
     // The add-ins read the language when they are initialised.
@@ -279,8 +286,9 @@ void StudioWindow::RaiseStartupComplete() {
     });
 }
 
-void StudioWindow::Complain(const QString& message) {
-    platform::ShowMessage(message, platform::MessageButtons::Ok, texts_(Text::StudioTitle), this);
+void StudioWindow::Complain(const QString& message, const QString& details) {
+    platform::ShowMessage(
+        {message, platform::MessageButtons::Ok, texts_(Text::StudioTitle), details}, this);
 }
 
 QString StudioWindow::RecentCaption(const QString& project) const {

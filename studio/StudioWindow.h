@@ -92,7 +92,7 @@ private:
     void ShowRecentInEmptyArea();
     void RaiseStartupComplete();
     void QuitStep();
-    void Complain(const QString& message);
+    void Complain(const QString& message, const QString& details = {});
     /// Where the user's projects are likely to be; empty when nothing tells.
     [[nodiscard]] QString ProjectFolder() const;
     [[nodiscard]] QString RecentCaption(const QString& project) const;

@@ -9,6 +9,7 @@
 #include <QSplitter>
 #include <QStatusBar>
 
+#include "platform/ReasonText.h"
 #include "studio/AddInSet.h"
 #include "studio/EditorArea.h"
 #include "studio/ProjectTree.h"
@@ -131,6 +132,7 @@ void StudioWindow::ReserveShortcuts() {
 
 void StudioWindow::ApplyLanguage(int lcid) {
     texts_ = StudioTexts(lcid);
+    platform::SetInterfaceLanguage(static_cast<platform::Lcid>(texts_.Lcid()));
     QCoreApplication::removeTranslator(&qtTexts_);
     if (texts_.Lcid() == kGerman &&
         qtTexts_.load(u"qtbase_de"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
@@ -152,7 +154,9 @@ void StudioWindow::ApplyLanguage(int lcid) {
 void StudioWindow::ApplyProjectState() {
     using State = EditorArea::State;
     const QString studioTitle = texts_(Text::StudioTitle);
-    setWindowTitle(project_ ? project_->shown + u" - "_s + studioTitle : studioTitle);
+    QString shown = project_ ? project_->shown : QString();
+    if (project_ && project_->isReadOnly) shown = texts_(Text::ReadOnlyProject).arg(shown);
+    setWindowTitle(project_ ? shown + u" - "_s + studioTitle : studioTitle);
     setWindowFilePath(project_ ? project_->nativePath : QString());
     lblProject_->setText(project_ ? QFileInfo(project_->nativePath).fileName() : QString());
     lblProject_->setToolTip(project_ ? project_->nativePath : QString());

@@ -6,6 +6,7 @@
 #include "ado/AdoError.h"
 #include "ado/Connection.h"
 #include "ado/Recordset.h"
+#include "platform/ReasonText.h"
 
 namespace studio {
 namespace {
@@ -22,6 +23,14 @@ QString TextOf(const ado::Value& value) {
     // One character U+0000 stands for an empty text in columns that forbid one.
     if (text == std::u16string_view(u"\0", 1)) return {};
     return QString::fromStdU16String(text);
+}
+
+QString Explanation(const std::exception& error) {
+    const auto* failure = dynamic_cast<const ado::AdoError*>(&error);
+    if (failure == nullptr || failure->Reason().cause == reasons::Cause::Unknown) {
+        return QString::fromUtf8(error.what());
+    }
+    return platform::ReasonText(failure->Reason());
 }
 
 }  // namespace
@@ -49,7 +58,7 @@ void VariableCatalog::Open(const QString& nativePath) {
                             rows.FieldIndex("Comment")};
         if (rows.IsEOF()) Stop({});
     } catch (const std::exception& error) {
-        Stop(QString::fromUtf8(error.what()));
+        Stop(Explanation(error));
     }
 }
 
@@ -87,7 +96,7 @@ bool VariableCatalog::ReadSome(std::chrono::milliseconds budget) {
             }
         } while (std::chrono::steady_clock::now() < end);
     } catch (const std::exception& error) {
-        Stop(QString::fromUtf8(error.what()));
+        Stop(Explanation(error));
         return false;
     }
     return true;
@@ -112,7 +121,7 @@ bool VariableCatalog::Step(const std::function<void()>& move) {
             return true;
         } catch (const ado::AdoError& error) {
             if (++unreadable_ < kMostUnreadableRows) continue;
-            failure_ = QString::fromUtf8(error.what());
+            failure_ = Explanation(error);
             return false;
         }
     }

@@ -26,6 +26,7 @@ ExitStatus New(const std::string& file, const std::vector<std::string>& lcids, s
         case projectfile::Outcome::Kind::BadLanguages:
             std::fprintf(err, "kvs: new: %s\n", outcome.text.c_str());
             return kUsage;
+        case projectfile::Outcome::Kind::Exists:
         case projectfile::Outcome::Kind::Failed:
             break;
     }

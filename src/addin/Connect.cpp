@@ -108,6 +108,7 @@ void Connect::CKV4Extensibility_Terminate() {
     if (host_ != nullptr) platform::SetScreenPointer(Pointer::Default);
     host_ = nullptr;
     hostWindow_ = nullptr;
+    toldFailure_.clear();
 }
 
 /// Takes the editor out of the host's window, unloads it, closes the database and deletes the
@@ -126,37 +127,55 @@ void Connect::ShutDown() {
     delete editor_.data();
 }
 
-void Connect::FirstUse() {
+/// `node` is what the user has turned to. What has failed before is tried again without a word,
+/// unless it fails for another reason now or an own node has been clicked: a node of somebody else
+/// asks for nothing, and one that opens has been clicked in the same breath.
+void Connect::FirstUse(const QString& node, bool clicked) {
     if (opened_) {
         platform::SetScreenPointer(Pointer::Default);
         return;
     }
     platform::SetScreenPointer(Pointer::Hourglass);
     // The hourglass stays: the project is not open yet, and the next click tries again.
-    if (!ConnectToDataBase(project_.projectPath)) return;
+    const bool always = clicked && projectdb::IsOwnNode(node);
+    if (!ConnectToDataBase(project_.projectPath, always)) return;
     projectdb::RowFailures unreadable;
     try {
         OpenEditor(unreadable);
     } catch (...) {
-        projectdb::ShowFailure(u"Connect: FirstUse"_s);
+        TellFailure(u"Connect: FirstUse"_s, always);
         RemoveArchiveNodes();
         ShutDown();
         platform::SetScreenPointer(Pointer::Default);
         return;
     }
     opened_ = true;
+    toldFailure_.clear();
     platform::SetScreenPointer(Pointer::Default);
     host_->ExpandNode(kRootKey);
     host_->SelectNode(kRootKey);
     if (unreadable.Count() == 0) return;
     // Last of all: what can be read is there already, and the box has its own event loop.
-    platform::ShowMessage(unreadable.Text(texts_.GetText(MResourceTable::kTextMoreFailures)),
-                          platform::MessageButtons::Ok, u"Connect: FirstUse"_s);
+    platform::ShowMessage(unreadable.ToMessage(texts_.GetText(MResourceTable::kTextMoreFailures),
+                                               u"Connect: FirstUse"_s),
+                          editor_);
 }
 
-bool Connect::ConnectToDataBase(const QString& databasePath) {
-    return Guard(u"ConnectToDataBase"_s,
-                 [&] { project_.Environment().OpenConnection(databasePath); });
+bool Connect::ConnectToDataBase(const QString& databasePath, bool always) {
+    try {
+        project_.Environment().OpenConnection(databasePath);
+        return true;
+    } catch (...) {
+        TellFailure(u"ConnectToDataBase"_s, always);
+        return false;
+    }
+}
+
+/// Shows the failure that is being handled; not `always`: unless the user has been told it already.
+void Connect::TellFailure(const QString& procedure, bool always) {
+    const QString details = projectdb::Failure::Current().Details();
+    if (always || details != toldFailure_) projectdb::ShowFailure(procedure);
+    toldFailure_ = details;
 }
 
 void Connect::OpenEditor(projectdb::RowFailures& unreadable) {
@@ -187,7 +206,10 @@ void Connect::WatchEditor() {
     });
     connect(watch, &ActivationWatch::Deactivated, this, [this] {
         Guard(u"Connect: Deactivate"_s, [&] {
-            if (opened_ && editor_) editor_->CommitPendingEdit();
+            if (!opened_ || !editor_ || editor_->CommitPendingEdit()) return;
+            // The tree may be about to select the node that has been clicked; its archive is not
+            // opened while a text that has been refused stands in its cell.
+            QMetaObject::invokeMethod(this, &Connect::SelectOpenNode, Qt::QueuedConnection);
         });
     });
 }
@@ -218,12 +240,19 @@ void Connect::RemoveArchiveNodes() {
 void Connect::CKV4Extensibility_NodeClick(const Node& node) {
     Guard(u"Connect: NodeClick"_s, [&] {
         if (host_ == nullptr) return;
-        FirstUse();
+        FirstUse(node.key);
         if (!editor_ || !projectdb::IsOwnNode(node.key)) return;
         // Also for the root, whose click takes the rows away that are being edited.
-        editor_->CommitPendingEdit();
+        if (!editor_->CommitPendingEdit()) {
+            SelectOpenNode();
+            return;
+        }
         OpenNode(node);
     });
+}
+
+void Connect::SelectOpenNode() {
+    if (host_ != nullptr && opened_) host_->SelectNode(project_.currentNodeKey);
 }
 
 /// Opens a node of the add-in in the editor, caption included.
@@ -239,9 +268,9 @@ void Connect::OpenArchiveNode(const QString& nodeKey) {
     editor_->MarkArchive(nodeKey);
 }
 
-void Connect::CKV4Extensibility_NodeExpand(const Node& /*node*/) {
+void Connect::CKV4Extensibility_NodeExpand(const Node& node) {
     Guard(u"Connect: NodeExpand"_s, [&] {
-        if (host_ != nullptr) FirstUse();
+        if (host_ != nullptr) FirstUse(node.key, false);
     });
 }
 
@@ -357,6 +386,6 @@ void Connect::ActualizeConnection() {
         RemoveArchiveNodes();
         host_->RefreshNode(kRootKey);
         ShutDown();
-        FirstUse();
+        FirstUse(kRootKey);
     });
 }

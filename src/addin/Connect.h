@@ -72,8 +72,10 @@ public:
 private:
     void InitTreeView();
     void FindHelpFile();
-    void FirstUse();
-    [[nodiscard]] bool ConnectToDataBase(const QString& databasePath);
+    void FirstUse(const QString& node, bool clicked = true);
+    [[nodiscard]] bool ConnectToDataBase(const QString& databasePath, bool always);
+    void TellFailure(const QString& procedure, bool always);
+    void SelectOpenNode();
     void OpenEditor(projectdb::RowFailures& unreadable);
     void WatchEditor();
     void FillArchiveNodes(projectdb::RowFailures& unreadable);
@@ -93,4 +95,5 @@ private:
     QPointer<QWidget> hostWindow_;
     QPointer<frmtabGrid> editor_;  // a child of hostWindow_; null until first use
     bool opened_ = false;
+    QString toldFailure_;  // details of the failure that the user has been told last
 };

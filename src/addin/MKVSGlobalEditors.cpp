@@ -1,6 +1,5 @@
 #include "addin/MKVSGlobalEditors.h"
 
-#include "platform/MessageBox.h"
 #include "platform/Registry.h"
 #include "projectdb/Guard.h"
 
@@ -27,10 +26,7 @@ bool ReadCurrentProject(platform::Registry& registry, QString& projectPath) {
         projectPath = folder + u'\\' + projectPath + kExtension.toString();
         return true;
     } catch (...) {
-        const projectdb::Failure failure = projectdb::Failure::Current();
-        platform::ShowMessage(QString::number(failure.number) + u": "_s + failure.description,
-                              platform::MessageButtons::Ok,
-                              u"MKVSGlobalEditors: ReadCurrentProject"_s);
+        projectdb::ShowFailure(u"MKVSGlobalEditors: ReadCurrentProject"_s);
         return false;
     }
 }

@@ -3,6 +3,9 @@
 #include <cstdint>
 #include <exception>
 #include <string>
+#include <utility>
+
+#include "reasons/Reason.h"
 
 namespace ado {
 
@@ -30,19 +33,22 @@ inline constexpr std::int32_t kNotAuthorised = -2147217843;     // 0x80040E4D
 }  // namespace ErrorNumber
 
 /// What every operation of this library throws. `Description` is an English sentence that names
-/// the file, table or item, the cause, and where it helps what to do (UTF-8).
+/// the file, table or item, the cause, and where it helps what to do (UTF-8). `Reason` is what a
+/// message in the user's own language is made of.
 class AdoError final : public std::exception {
 public:
-    AdoError(std::int32_t number, std::string description)
-        : number_(number), description_(std::move(description)) {}
+    AdoError(std::int32_t number, std::string description, reasons::Reason reason = {})
+        : number_(number), description_(std::move(description)), reason_(std::move(reason)) {}
 
     [[nodiscard]] std::int32_t Number() const noexcept { return number_; }
     [[nodiscard]] const std::string& Description() const noexcept { return description_; }
+    [[nodiscard]] const reasons::Reason& Reason() const noexcept { return reason_; }
     [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
 
 private:
     std::int32_t number_;
     std::string description_;
+    reasons::Reason reason_;
 };
 
 }  // namespace ado

@@ -93,11 +93,21 @@ std::string TakeSource(const Connection& connection, std::string_view connection
     return source;
 }
 
-jet::Result<std::unique_ptr<jet::Database>> OpenDatabase(const std::string& native) {
+jet::Result<std::unique_ptr<jet::Database>> OpenFile(const std::string& native) {
     auto database = jet::Database::Open(jet::SystemDisk(), native, jet::OpenMode::ReadWrite);
     if (!database.IsOk() && database.GetStatus().Code() == jet::StatusCode::Permission) {
         // What may not be written can still be looked at.
         database = jet::Database::Open(jet::SystemDisk(), native, jet::OpenMode::Read);
+    }
+    return database;
+}
+
+jet::Result<std::unique_ptr<jet::Database>> OpenDatabase(const std::string& native) {
+    auto database = OpenFile(native);
+    if (!database.IsOk() && database.GetStatus().Code() == jet::StatusCode::NotFound &&
+        native.back() == ' ') {
+        // Where projects come from, blanks behind a name are no part of it.
+        database = OpenFile(native.substr(0, native.find_last_not_of(' ') + 1));
     }
     return database;
 }
@@ -108,9 +118,9 @@ void RequireOpened(const jet::Status& status, const std::string& source) {
         const std::string native = paths::ToNative(source);
         std::string text = "Could not find file \"" + source + "\"";
         if (native != source) text += " (looked for \"" + native + "\")";
-        throw AdoError(ErrorNumber::kUnspecified, text + ".");
+        ThrowNotOpened(status, source, text + ".");
     }
-    throw AdoError(ErrorNumber::kUnspecified, "\"" + source + "\": " + status.Text() + ".");
+    ThrowNotOpened(status, source, "\"" + source + "\": " + status.Text() + ".");
 }
 
 }  // namespace
@@ -149,7 +159,8 @@ void Connection::TakeDatabase(std::unique_ptr<jet::Database> database, const std
         throw AdoError(ErrorNumber::kNotAuthorised,
                        "\"" + source +
                            "\": not a valid password. Remove the file's password where "
-                           "it was given.");
+                           "it was given.",
+                       {reasons::Cause::Password, source});
     }
     rep_->database = std::move(database);
     rep_->source = source;
@@ -182,6 +193,11 @@ void Connection::RollbackTrans() {
 
 ObjectState Connection::State() const noexcept {
     return rep_->database ? ObjectState::Open : ObjectState::Closed;
+}
+
+bool Connection::IsWritable() const {
+    RequireOpen(*this);
+    return rep_->database->IsWritable() && rep_->database->FileFormat() == jet::Format::Jet4;
 }
 
 const std::string& Connection::DataSource() const noexcept {

@@ -47,6 +47,9 @@ public:
     void RollbackTrans();
 
     [[nodiscard]] ObjectState State() const noexcept;
+    /// False for a file that can only be looked at: its rights or its version allow no more. Every
+    /// change fails then.
+    [[nodiscard]] bool IsWritable() const;
     /// The data source as the connection string gave it; empty while closed.
     [[nodiscard]] const std::string& DataSource() const noexcept;
     /// Names of the user tables, in the order of the catalog.

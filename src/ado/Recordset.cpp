@@ -108,7 +108,8 @@ struct Recordset::Rep {
         if (!reader.Load(CurrentKey())) {
             throw AdoError(ErrorNumber::kRowNotLocated,
                            "The row cannot be located: another program has deleted it since it "
-                           "was read.");
+                           "was read.",
+                           {reasons::Cause::RowChanged, rows.File()});
         }
     }
 

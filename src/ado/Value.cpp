@@ -119,7 +119,8 @@ std::int32_t ToLong(const Value& value, std::int32_t ifNull) {
     // Negated, so that what is no number is refused too.
     if (!number || !(rounded >= -2147483648.0 && rounded <= 2147483647.0)) {
         throw AdoError(ErrorNumber::kTypeMismatch,
-                       "The value \"" + jet::ToUtf8(ToText(value)) + "\" is no whole number.");
+                       "The value \"" + jet::ToUtf8(ToText(value)) + "\" is no whole number.",
+                       {reasons::Cause::WrongType});
     }
     return static_cast<std::int32_t>(rounded);
 }

@@ -42,16 +42,17 @@ struct GridCommit {
     enum class Outcome {
         Stored,
         Refused,  // the user has been told why; nothing is written
-        Failed,   // nothing is written; the grid raises its data error with `number` and `text`
+        Failed,   // nothing is written; the grid raises its data error with the members below
     };
     Outcome outcome = Outcome::Stored;
     int number = 0;
-    QString text;
+    QString text = {};     // for the user; may be empty
+    QString details = {};  // for who is asked for help
 
     [[nodiscard]] static GridCommit Stored() { return {}; }
-    [[nodiscard]] static GridCommit Refused() { return {Outcome::Refused, 0, {}}; }
-    [[nodiscard]] static GridCommit Failed(int number, QString text) {
-        return {Outcome::Failed, number, std::move(text)};
+    [[nodiscard]] static GridCommit Refused() { return {Outcome::Refused}; }
+    [[nodiscard]] static GridCommit Failed(int number, QString text, QString details = {}) {
+        return {Outcome::Failed, number, std::move(text), std::move(details)};
     }
 };
 

@@ -214,8 +214,9 @@ int GridSplit::CurrentColumn() const {
 }
 
 bool GridSplit::SetCurrentCell(GridRowId row, int column) {
-    if (edit_->Active() && (row != edit_->Row() || (column >= 0 && column != edit_->Column()))) {
-        CommitPendingEdit();
+    if (edit_->Active() && (row != edit_->Row() || (column >= 0 && column != edit_->Column())) &&
+        !CommitPendingEdit()) {
+        return false;
     }
     if (row == kNoGridRow) {
         view_.SetCurrent({});

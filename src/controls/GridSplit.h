@@ -111,8 +111,9 @@ public:
     /// The current row is not written yet.
     [[nodiscard]] bool AddingNew() const;
     /// Writes the pending edit, and the current row when it is a new one. To be called before
-    /// commands and on deactivation. False when something was refused or failed (the stored value
-    /// is shown again then); true when there was nothing to write.
+    /// commands and on deactivation. False when something was refused or failed: the typed text is
+    /// the pending edit again, and what would have followed is better left undone. True when there
+    /// was nothing to write.
     bool CommitPendingEdit();
     void CancelEdit();
 
@@ -143,9 +144,9 @@ signals:
     void DblClick(GridRowId row, int column);
     void HeadClick(int column);
     void AfterColUpdate(GridRowId row, int column);
-    /// A commit failed. The editor is closed, the stored value is shown and the cell is current
-    /// again. The grid shows no message of its own.
-    void DataError(int number, const QString& text);
+    /// A commit failed. The cell is current again, and when the message has been shown the typed
+    /// text stands in it as a pending edit. The grid shows no message of its own.
+    void DataError(int number, const QString& text, const QString& details);
     /// A row disappeared while `text` was being typed into it.
     void EditDiscarded(GridRowId row, int column, const QString& text);
     void EditStateChanged();
@@ -173,6 +174,8 @@ private:
     void CancelNewRow();
     bool Begin(bool replace, const QString& typed);
     bool Store(GridRowId row, int column, const QVariant& value);
+    /// Puts a text that has been refused back into its cell, as a pending edit.
+    void ReturnEdit(GridRowId row, int column, const QString& text);
     bool CommitNewRow(GridRowId row);
     bool Report(const GridCommit& commit, GridRowId row, int column);
     /// An edit has been refused within the event that is being handled: whatever else the event

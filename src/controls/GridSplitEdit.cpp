@@ -97,6 +97,16 @@ bool GridSplit::Store(GridRowId row, int column, const QVariant& value) {
     return true;
 }
 
+void GridSplit::ReturnEdit(GridRowId row, int column, const QString& text) {
+    const int place = rows_->RowOf(row);
+    if (place < 0 || column >= ColumnCount()) {  // the message has shown that it is gone
+        emit EditDiscarded(row, column, text);
+        return;
+    }
+    view_.SetCurrent(rows_->index(place, column));
+    if (BeginEdit()) edit_->SetText(text);
+}
+
 bool GridSplit::CommitNewRow(GridRowId row) {
     GridSource* source = rows_->Source();
     if (storing_ || source == nullptr || row == kNoGridRow || source->RowOf(row) < 0) return true;
@@ -120,7 +130,9 @@ bool GridSplit::Report(const GridCommit& commit, GridRowId row, int column) {
     if (const int place = rows_->RowOf(row); place >= 0 && column >= 0) {
         view_.SetCurrent(rows_->index(place, column));
     }
-    if (commit.outcome == GridCommit::Outcome::Failed) emit DataError(commit.number, commit.text);
+    if (commit.outcome == GridCommit::Outcome::Failed) {
+        emit DataError(commit.number, commit.text, commit.details);
+    }
     NoteRefusal();  // last: a message box has lasted longer than this event
     return false;
 }

@@ -4,6 +4,7 @@
 
 #include "languages/MResourceTable.h"
 #include "project/Rows.h"
+#include "projectdb/Guard.h"
 #include "projectdb/Hierarchy.h"
 #include "projectdb/Text.h"
 
@@ -126,9 +127,10 @@ GridCommit TrendRows::Write(int row, int column, const ado::Value& value) {
         TakeOver(row);
         return GridCommit::Stored();
     } catch (const ado::AdoError& error) {
+        const projectdb::Failure failure = projectdb::Failure::Current();
         Rows().CancelUpdate();
         const bool changed = error.Number() == ado::ErrorNumber::kRowNotLocated;
-        return GridCommit::Failed(changed ? kRowChanged : error.Number(),
-                                  QString::fromUtf8(error.what()));
+        return GridCommit::Failed(changed ? kRowChanged : error.Number(), failure.Text(),
+                                  failure.Details());
     }
 }

@@ -108,9 +108,9 @@ void frmtabGrid::Unload() {
 void frmtabGrid::MenuSwitcher(const QString& nodeKey, bool popUp) {
     nodeKey_ = nodeKey;
     const QStringView kind = projectdb::NodeKind(nodeKey);
-    mnuArchiv[0]->setEnabled(kind == projectdb::kRootKind);
+    mnuArchiv[0]->setEnabled(kind == projectdb::kRootKind && CanWrite());
     mnuArchiv[1]->setEnabled(kind == projectdb::kArchiveKind);
-    mnuArchiv[2]->setEnabled(kind == projectdb::kArchiveKind);
+    mnuArchiv[2]->setEnabled(kind == projectdb::kArchiveKind && CanWrite());
     mnuArchiv[kSeparator]->setVisible(popUp);
     mnuArchiv[kShowEditor]->setVisible(popUp);
     UpdateCommands();
@@ -120,12 +120,18 @@ void frmtabGrid::MenuSwitcher(const QString& nodeKey, bool popUp) {
 void frmtabGrid::UpdateCommands() {
     const bool archive = projectdb::NodeKind(nodeKey_) == projectdb::kArchiveKind;
     const GridSplit& trends = tdbA->SplitAt(1);
+    const bool canWrite = CanWrite();
     const bool selected = archive && !trends.SelectedRows().isEmpty();
-    mnuTrend[0]->setEnabled(archive);
+    mnuTrend[0]->setEnabled(archive && canWrite);
     mnuTrend[1]->setEnabled(archive && trends.CurrentRow() != kNoGridRow);
-    mnuTrend[2]->setEnabled(selected);
-    mnuPaste->setEnabled(archive);
-    mnuDuplicate->setEnabled(archive);
+    mnuTrend[2]->setEnabled(selected && canWrite);
+    mnuPaste->setEnabled(archive && canWrite);
+    mnuDuplicate->setEnabled(archive && canWrite);
+}
+
+bool frmtabGrid::CanWrite() {
+    const ado::Connection& connection = project_.Environment().Connection();
+    return connection.State() == ado::ObjectState::Closed || connection.IsWritable();
 }
 
 void frmtabGrid::MakeMyCaption(const QString& nodeKey, const QString& name) {
@@ -150,7 +156,7 @@ void frmtabGrid::ArchiveRowChanged() {
     if (marking_ || row == kNoGridRow) return;
     const QString key = projectdb::ArchiveNodeKey(static_cast<std::int32_t>(row));
     if (key == project_.currentNodeKey) return;
-    CommitPendingEdit();
+    if (!CommitPendingEdit()) return MarkArchive(project_.currentNodeKey);
     addIn_.SelectArchive(key);
 }
 
@@ -158,14 +164,12 @@ void frmtabGrid::StepArchive(int step) {
     const QList<GridRowId> rows = tdbA->SplitAt(0).ShownRows();
     const qsizetype at = rows.indexOf(tdbA->SplitAt(0).CurrentRow());
     const qsizetype next = at < 0 ? 0 : at + step;
-    if (next < 0 || next >= rows.size()) return;
-    CommitPendingEdit();
+    if (next < 0 || next >= rows.size() || !CommitPendingEdit()) return;
     addIn_.SelectArchive(projectdb::ArchiveNodeKey(static_cast<std::int32_t>(rows[next])));
 }
 
-void frmtabGrid::CommitPendingEdit() {
-    // What cannot be stored has been told and dropped by the grid itself.
-    tdbA->CommitPendingEdit();
+bool frmtabGrid::CommitPendingEdit() {
+    return tdbA->CommitPendingEdit();
 }
 
 void frmtabGrid::Activate() {
@@ -277,8 +281,11 @@ void frmtabGrid::ShowMissingTrends() {
     Guard(u"frmtabGrid"_s, [&] {
         const projectdb::RowFailures& missing =
             unreadable_.Count() > 0 ? unreadable_ : trends_->Missing();
-        const QString text = missing.Text(texts_.GetText(MResourceTable::kTextMoreFailures));
-        if (!text.isEmpty()) Tell(text);  // or another archive has been opened meanwhile
+        if (missing.Count() == 0) return;  // another archive has been opened meanwhile
+        platform::Message message = missing.ToMessage(
+            texts_.GetText(MResourceTable::kTextMoreFailures), u"frmtabGrid: TrendsReloaded"_s);
+        message.title = texts_.GetText(MResourceTable::kTextEditorTitle);
+        platform::ShowMessage(message, this);
     });
 }
 

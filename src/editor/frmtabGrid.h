@@ -71,8 +71,9 @@ public:
     void MakeMyCaption(const QString& nodeKey, const QString& name);
     /// Marks the archive of the node in split 0; none for the root node.
     void MarkArchive(const QString& nodeKey);
-    /// Writes what is being edited in the grid, or drops it when that fails.
-    void CommitPendingEdit();
+    /// Writes what is being edited in the grid. False when that has failed: the user has been told,
+    /// and what was typed is still in its cell. Whatever would take the cell away is left undone.
+    bool CommitPendingEdit();
     /// The user has turned to the window: what others have changed meanwhile is shown.
     void Activate();
     /// Runs an archive command: 0 New, 1 Edit, 2 Delete, 4 Show editor.
@@ -152,9 +153,11 @@ private:
 
     void ArchiveRowChanged();
     void UpdateCommands();
+    /// False for a project that can only be looked at.
+    [[nodiscard]] bool CanWrite();
     void ShowMissingTrends();
     void CountMissingTexts(ado::Recordset& shown);
-    void ShowDataError(int number, const QString& text);
+    void ShowDataError(int number, const QString& text, const QString& details);
     void ChooseForCell(std::int64_t row, int column);
     void Tell(const QString& text);
     void OpenContextMenu(int split, const QPoint& position);

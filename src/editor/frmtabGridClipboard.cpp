@@ -12,6 +12,7 @@
 #include "editor/TrendClipboard.h"
 #include "editor/TrendRows.h"
 #include "languages/MResourceTable.h"
+#include "projectdb/Guard.h"
 #include "projectdb/Text.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -33,7 +34,7 @@ void frmtabGrid::Copy() {
 void frmtabGrid::Paste() {
     if (busy_ || tdbA->Split() != 1) return;
     const QScopedValueRollback busy(busy_, true);
-    CommitPendingEdit();
+    if (!CommitPendingEdit()) return;
     const QMimeData* held = QApplication::clipboard()->mimeData();
     if (held == nullptr || held->text().isEmpty()) return;
     const TrendClipboard::Reader reader{tdbA->SplitAt(1), *trends_, texts_, QLocale()};
@@ -44,7 +45,7 @@ void frmtabGrid::Paste() {
     PasteCommands commands(project_, *this, texts_);
     try {
         ShowTrends(commands.PasteTrends(pasted->trends, progress.Function()));
-    } catch (const ado::AdoError& error) {
+    } catch (const ado::AdoError&) {
         if (!commands.Refused()) throw;
         const auto& [trend, column] = *commands.Refused();
         const GridColumn* known = tdbA->SplitAt(1).Column(projectdb::ToQString(column));
@@ -52,7 +53,7 @@ void frmtabGrid::Paste() {
                  .replace(u"<row>"_s, QString::number(trend + 1))
                  .replace(u"<column>"_s,
                           known != nullptr ? known->Caption() : projectdb::ToQString(column))
-                 .replace(u"<cause>"_s, QString::fromUtf8(error.what())));
+                 .replace(u"<cause>"_s, projectdb::Failure::Current().Text()));
     }
 }
 

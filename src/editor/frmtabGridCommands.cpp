@@ -102,7 +102,7 @@ void frmtabGrid::mnuArchiv_Click(int index) {
     if (index == kShowEditor) return addIn_.ShowEditor();
     if (busy_) return;
     const QScopedValueRollback busy(busy_, true);
-    CommitPendingEdit();
+    if (!CommitPendingEdit()) return;
     // The tree may have another node selected, of another editor; then the archive that is open.
     const QString selected = addIn_.SelectedNodeKey();
     const QString key = selected.isEmpty() ? project_.currentNodeKey : selected;
@@ -156,7 +156,7 @@ void frmtabGrid::RefreshArchives() {
 void frmtabGrid::mnuTrend_Click(int index) {
     if (busy_) return;
     const QScopedValueRollback busy(busy_, true);
-    CommitPendingEdit();
+    if (!CommitPendingEdit()) return;
     GridSplit& trends = tdbA->SplitAt(1);
     switch (index) {
         case kNew: {
@@ -186,7 +186,7 @@ void frmtabGrid::mnuTrend_Click(int index) {
 }
 
 void frmtabGrid::mnuExtra_Click(int index) {
-    CommitPendingEdit();
+    if (!CommitPendingEdit()) return;
     switch (index) {
         case kStatistic:
             return Statistic::Show(project_.Environment(), hierarchy_.Counters());
@@ -209,7 +209,12 @@ void frmtabGrid::ShowReport() {
         report_ && QMetaObject::invokeMethod(report_, "Show", Q_ARG(qulonglong, effectiveWinId()),
                                              Q_ARG(QString, project_.projectPath),
                                              Q_ARG(QString, u"KVTrend"_s));
-    if (!shown) Tell(texts_.GetText(MResourceTable::kTextNoReport));
+    if (shown) return;
+    platform::Message message{texts_.GetText(MResourceTable::kTextNoReport),
+                              platform::MessageButtons::Ok,
+                              texts_.GetText(MResourceTable::kTextEditorTitle)};
+    message.kind = platform::MessageKind::Information;
+    platform::ShowMessage(message, this);
 }
 
 void frmtabGrid::ShowOptions() {
@@ -225,7 +230,7 @@ void frmtabGrid::ShowOptions() {
 void frmtabGrid::DuplicateSelection() {
     if (busy_) return;
     const QScopedValueRollback busy(busy_, true);
-    CommitPendingEdit();
+    if (!CommitPendingEdit()) return;
     DuplicateCommands commands(project_, *this, names_, texts_, addIn_);
     RowProgress progress(texts_, MResourceTable::kTextCopyingTrends, this);
     if (tdbA->Split() == 0) {
@@ -257,11 +262,12 @@ void frmtabGrid::ShowTrends(const std::vector<std::int32_t>& ids) {
 /// Writes a cell that has not been typed into, telling of a failure as the grid does.
 void frmtabGrid::WriteCell(GridRowId row, int column, const QVariant& value) {
     const GridCommit commit = trends_->CommitCell(row, column, value);
-    if (commit.outcome == GridCommit::Outcome::Failed) ShowDataError(commit.number, commit.text);
+    if (commit.outcome != GridCommit::Outcome::Failed) return;
+    ShowDataError(commit.number, commit.text, commit.details);
 }
 
 void frmtabGrid::ChooseForCell(GridRowId row, int column) {
-    CommitPendingEdit();
+    if (!CommitPendingEdit()) return;
     GridSplit& trends = tdbA->SplitAt(1);
     const int place = trends_->RowOf(row);
     if (place < 0) return;
@@ -293,12 +299,14 @@ void frmtabGrid::ChooseColour(GridRowId row, int column, const QVariant& stored)
     selector->OpenPalette();
 }
 
-void frmtabGrid::ShowDataError(int number, const QString& text) {
+void frmtabGrid::ShowDataError(int number, const QString& text, const QString& details) {
     QString message = texts_.GetText(MResourceTable::kTextGridError) + QString::number(number);
     const QString cause =
         number == TrendRows::kRowChanged ? texts_.GetText(MResourceTable::kTextRowChanged) : text;
     if (!cause.isEmpty()) message += u"\n\n"_s + cause;
-    Tell(message);
+    platform::ShowMessage({message, platform::MessageButtons::Ok,
+                           texts_.GetText(MResourceTable::kTextEditorTitle), details},
+                          this);
     if (number != TrendRows::kRowChanged) return;
     platform::ShowMessage(texts_.GetText(MResourceTable::kTextError) + QString::number(number) +
                               texts_.GetText(MResourceTable::kTextOutOfStep),

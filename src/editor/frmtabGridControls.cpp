@@ -208,9 +208,10 @@ void frmtabGrid::BuildGrid() {
     connect(&trends, &GridSplit::ButtonClick, this, [this, guarded](GridRowId row, int column) {
         guarded([&] { ChooseForCell(row, column); });
     });
-    connect(&trends, &GridSplit::DataError, this, [this, guarded](int number, const QString& text) {
-        guarded([&] { ShowDataError(number, text); });
-    });
+    connect(&trends, &GridSplit::DataError, this,
+            [this, guarded](int number, const QString& text, const QString& details) {
+                guarded([&] { ShowDataError(number, text, details); });
+            });
     connect(&trends, &GridSplit::EditDiscarded, this, [this](GridRowId, int, const QString& text) {
         Tell(texts_.GetText(MResourceTable::kTextEditDiscarded).replace(u"<text>"_s, text));
     });

@@ -12,6 +12,7 @@
 #include "languages/MResources.h"
 #include "platform/Error.h"
 #include "platform/ProfileFile.h"
+#include "platform/ReasonText.h"
 #include "platform/Registry.h"
 
 namespace {
@@ -107,7 +108,7 @@ void CDBLanguages::AddLanguage(const ado::Recordset& texts, const ado::Recordset
     language.textColumn = TextColumn(texts, "L" + std::to_string(number));
     language.keyboardLayout = ValueOrNull(languages, "kbLayout");
     language.font = StringToFont(ado::ToText(ValueOrNull(languages, "Font")));
-    language.displayName = platform::LanguageName(lcid);
+    language.displayName = platform::LanguageName(lcid, platform::InterfaceLanguage());
     if (language.displayName.isEmpty()) language.displayName = QString::number(number);
     languages_.push_back(std::move(language));
 }

@@ -28,7 +28,7 @@ struct CDBLanguage {
     std::optional<std::size_t> textColumn;
     QFont font;
     ado::Value keyboardLayout;  // as the project stores it
-    /// Its name in the user's own language; its number where nobody knows a name.
+    /// Its name in the language of the interface; its number where nobody knows a name.
     QString displayName;
 };
 

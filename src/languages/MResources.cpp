@@ -4,6 +4,7 @@
 
 #include "languages/MResourceTable.h"
 #include "platform/Error.h"
+#include "platform/ReasonText.h"
 #include "platform/Registry.h"
 
 namespace MResources {
@@ -48,6 +49,7 @@ void TextTable::Initialize(platform::Registry& registry) {
     }
     if (language == kGerman) languageOffset_ = 0;
     if (language == kEnglish) languageOffset_ = kSlotDistance;
+    platform::SetInterfaceLanguage(languageOffset_ == 0 ? kGerman : kEnglish);
     Fill();
 }
 

@@ -23,9 +23,10 @@ inline constexpr std::uint32_t kEnglish = 1033;
 /// language is chosen once, when the table is filled. For the user-interface thread.
 class TextTable {
 public:
-    /// Reads the interface language and fills the table anew. A language other than German and
-    /// English leaves the one before in force, at first German. Where the registry cannot be read
-    /// the table is filled all the same before platform::Error is thrown on.
+    /// Reads the interface language, which becomes that of messages too, and fills the table anew.
+    /// A language other than German and English leaves the one before in force, at first German.
+    /// Where the registry cannot be read the table is filled all the same before platform::Error is
+    /// thrown on.
     void Initialize(platform::Registry& registry);
 
     /// Stores the texts of one number, German first. A text that is there already stays.

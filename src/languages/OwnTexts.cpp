@@ -8,7 +8,7 @@ namespace {
 constexpr Entry kAll[] = {
     {1001, u"Die Hilfedatei '<file>' (Thema <topic>) kann nicht angezeigt werden.",
      u"The help file '<file>' (topic <topic>) cannot be shown."},
-    {1002, u"... und <n> weitere", u"... and <n> more"},
+    {1002, u"Nicht lesbare Zeilen: <n>", u"Rows that cannot be read: <n>"},
 
     // Property dialogs
     {1100, u"Text bearbeiten", u"Edit text"},

@@ -46,12 +46,14 @@ void ComponentRegistry::Examine(const QString& file) {
     const QJsonObject metaData = loader.metaData().value("MetaData"_L1).toObject();
     const QString progId = metaData.value(kProgId).toString();
     if (progId.isEmpty()) {
-        problems_ += Problem{
-            file, loader.metaData().isEmpty() ? loader.errorString() : u"it names no ProgID"_s};
+        problems_ += loader.metaData().isEmpty()
+                         ? Problem{Problem::Kind::NoLibrary, file, loader.errorString()}
+                         : Problem{Problem::Kind::NoName, file, u"it names no ProgID"_s};
         return;
     }
     if (const Component* first = Find(progId)) {
-        problems_ += Problem{file, u"its ProgID %1 is that of '%2'"_s.arg(progId, first->file)};
+        problems_ += Problem{Problem::Kind::NameTaken, file,
+                             u"its ProgID %1 is that of '%2'"_s.arg(progId, first->file)};
         return;
     }
     components_ += Component{progId, file, metaData};

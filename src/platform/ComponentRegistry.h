@@ -25,8 +25,10 @@ class ComponentRegistry {
 public:
     /// A library that is no component although it lies in an add-in folder.
     struct Problem {
+        enum class Kind { NoLibrary, NoName, NameTaken };
+        Kind kind = Kind::NoLibrary;
         QString file;
-        QString reason;
+        QString reason;  // English
     };
     /// A created component. `root` belongs to its library; null when it failed, with the reason.
     struct Instance {

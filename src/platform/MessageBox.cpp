@@ -1,8 +1,10 @@
 #include "platform/MessageBox.h"
 
 #include <cstdio>
+#include <QAbstractButton>
 #include <QApplication>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QScopeGuard>
 
 #include "platform/detail/ProcessHook.h"
@@ -69,31 +71,53 @@ bool NobodyCanAnswer() {
     return screen == u"offscreen"_s || screen == u"minimal"_s || screen.isEmpty();
 }
 
-}  // namespace
+QMessageBox::Icon IconOf(const Message& message) {
+    if (message.kind == MessageKind::Information) return QMessageBox::Information;
+    return message.buttons == MessageButtons::Ok ? QMessageBox::Warning : QMessageBox::Question;
+}
 
-MessageResult ShowMessage(const QString& text, MessageButtons buttons, const QString& title,
-                          QWidget* owner) {
-    const QString shownTitle = title.isEmpty() ? QCoreApplication::applicationName() : title;
-    CountOpenMessages(+1);
-    const auto closed = qScopeGuard([] { CountOpenMessages(-1); });
-    if (const auto* answer = AnswerHook().Get()) return (*answer)({text, buttons, shownTitle});
+void Print(const Message& message) {
+    std::fprintf(stderr, "%s: %s\n", qUtf8Printable(message.title), qUtf8Printable(message.text));
+    if (!message.details.isEmpty()) std::fprintf(stderr, "%s\n", qUtf8Printable(message.details));
+}
 
-    const ButtonSet set = ButtonsOf(buttons);
-    if (NobodyCanAnswer()) {
-        std::fprintf(stderr, "%s: %s\n", qUtf8Printable(shownTitle), qUtf8Printable(text));
-        return set.presetResult;
-    }
-    QMessageBox box(buttons == MessageButtons::Ok ? QMessageBox::Warning : QMessageBox::Question,
-                    shownTitle, text, set.buttons,
+MessageResult Ask(const Message& message, QWidget* owner) {
+    const ButtonSet set = ButtonsOf(message.buttons);
+    QMessageBox box(IconOf(message), message.title, message.text, set.buttons,
                     owner != nullptr ? owner : QApplication::activeWindow());
     box.setTextFormat(Qt::PlainText);  // file names may look like markup
     box.setDefaultButton(set.preset);
+    box.setDetailedText(message.details);
+    const QAbstractButton* action = nullptr;
+    if (message.action) action = box.addButton(message.actionCaption, QMessageBox::ActionRole);
     // The box is worked with an ordinary pointer even while the program is busy.
     const Pointer pointer = ScreenPointer();
     SetScreenPointer(Pointer::Default);
     const int button = box.exec();
     SetScreenPointer(pointer);
-    return ResultOf(button);
+    if (action == nullptr || box.clickedButton() != action) return ResultOf(button);
+    message.action(owner);
+    return set.presetResult;
+}
+
+}  // namespace
+
+MessageResult ShowMessage(const QString& text, MessageButtons buttons, const QString& title,
+                          QWidget* owner) {
+    return ShowMessage(Message{text, buttons, title}, owner);
+}
+
+MessageResult ShowMessage(const Message& message, QWidget* owner) {
+    Message shown = message;
+    if (shown.title.isEmpty()) shown.title = QCoreApplication::applicationName();
+    CountOpenMessages(+1);
+    const auto closed = qScopeGuard([] { CountOpenMessages(-1); });
+    if (const auto* answer = AnswerHook().Get()) return (*answer)(shown);
+    if (NobodyCanAnswer()) {
+        Print(shown);
+        return ButtonsOf(shown.buttons).presetResult;
+    }
+    return Ask(shown, owner);
 }
 
 bool IsMessageOpen() {

@@ -10,18 +10,30 @@ namespace platform {
 enum class MessageButtons { Ok, OkCancel, OkCancelDefaultCancel, YesNo, YesNoCancel };
 enum class MessageResult : int { Ok = 1, Cancel = 2, Yes = 6, No = 7 };
 
+/// The picture beside the text. By default a question for what has an answer, else a warning.
+enum class MessageKind { ByButtons, Information };
+
 struct Message {
     QString text;
     MessageButtons buttons = MessageButtons::Ok;
     QString title;
+    /// What a user passes on rather than reads - a number, a procedure, the cause in English. It is
+    /// behind the button "Details"; without any there is no such button.
+    QString details = {};
+    MessageKind kind = MessageKind::ByButtons;
+    /// What can be done about it at once: the caption of a further button, and what it does when
+    /// the box is closed. The answer is then that of the default button. Without one: empty.
+    QString actionCaption = {};
+    std::function<void(QWidget* owner)> action = {};
 };
 
-/// The one message box of the program, modal over `owner` (null: the active window). An empty
-/// title shows the application's name. The captions of the buttons are those that the user's
-/// desktop gives them.
+/// The one message box of the program, modal over `owner` (null: the active window). Text and
+/// details are shown as they stand. An empty title shows the application's name. The captions of
+/// the buttons are those that the user's desktop gives them.
 ///
 /// Where nobody can answer - on a platform without a screen, or with the environment variable
 /// KV_NO_DIALOGS set - the message goes to standard error and the answer is the default button.
+MessageResult ShowMessage(const Message& message, QWidget* owner = nullptr);
 MessageResult ShowMessage(const QString& text, MessageButtons buttons, const QString& title,
                           QWidget* owner = nullptr);
 

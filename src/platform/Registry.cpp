@@ -100,7 +100,8 @@ void Registry::Rep::Write(QStringView key, QStringView valueName, const RegFile:
     const QString folder = QFileInfo(target).absolutePath();
     if (!QDir().mkpath(folder)) {
         throw Error(ErrorNumber::kPathNotUsable,
-                    u"The folder '%1' of the registry file cannot be made."_s.arg(folder));
+                    u"The folder '%1' of the registry file cannot be made."_s.arg(folder),
+                    {reasons::Cause::PathUnusable, folder.toStdString()});
     }
     const WholeFile::Lock lock(target);
     loaded = false;  // another program may have been faster than the clock of the file system

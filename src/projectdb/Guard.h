@@ -4,23 +4,31 @@
 #include <QString>
 #include <utility>
 
+#include "platform/MessageBox.h"
+#include "reasons/Reason.h"
+
 class QWidget;
 
 namespace projectdb {
 
-/// Number and description of the exception that is being handled.
-/// REQUIRES: called inside a catch block.
+/// What an exception says: to the user in the interface language, to who is asked for help in
+/// English.
 struct Failure {
-    std::int32_t number;
-    QString description;
+    std::int32_t number = 0;
+    QString description;  // English
+    reasons::Reason reason;
 
+    /// Of the exception that is being handled. REQUIRES: called inside a catch block.
     [[nodiscard]] static Failure Current();
-    /// As it is shown: number, three blanks, description.
+    /// For the user: what has happened, to what, why, and what can be done.
     [[nodiscard]] QString Text() const;
+    /// For the details of a message, and for logs: number, three blanks, description.
+    [[nodiscard]] QString Details() const;
+    /// The message, with the name of the procedure that has failed in its details.
+    [[nodiscard]] platform::Message ToMessage(const QString& procedure) const;
 };
 
-/// Shows the exception that is being handled under the name of the procedure that failed. Never
-/// throws. REQUIRES: called inside a catch block.
+/// Shows the exception that is being handled. Never throws. REQUIRES: called inside a catch block.
 void ShowFailure(const QString& procedure, QWidget* owner = nullptr) noexcept;
 
 /// Runs `body` and shows what it throws. Stands around every slot and every event of the host, so

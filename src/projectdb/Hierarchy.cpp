@@ -100,7 +100,7 @@ bool Hierarchy::Delete(const Confirm& confirm, const Progress& progress) {
             BringUpToDate();
         } catch (...) {
             // The split then stays empty; the failure that led here is the one to be told.
-            qWarning("%s", qUtf8Printable(Failure::Current().Text()));
+            qWarning("%s", qUtf8Printable(Failure::Current().Details()));
         }
         std::rethrow_exception(failure);
     }

@@ -14,15 +14,14 @@ constexpr int kMaximumSteps = 256;
 }  // namespace
 
 void RowFailures::Note(const ado::AdoError& error, int times) {
-    if (!first_) first_ = Failure{error.Number(), ToQString(error.Description())};
+    if (!first_) first_ = Failure{error.Number(), ToQString(error.Description()), error.Reason()};
     count_ += times;
 }
 
-QString RowFailures::Text(QString more) const {
-    if (!first_) return {};
-    QString text = first_->Text();
-    if (count_ > 1) text += u'\n' + more.replace(u"<n>"_s, QString::number(count_ - 1));
-    return text;
+platform::Message RowFailures::ToMessage(QString rows, const QString& procedure) const {
+    platform::Message message = first_->ToMessage(procedure);
+    message.text += u"\n\n"_s + rows.replace(u"<n>"_s, QString::number(count_));
+    return message;
 }
 
 RowWalk::RowWalk(ado::Recordset& recordset, RowFailures& failures)

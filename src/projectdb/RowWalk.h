@@ -17,9 +17,9 @@ public:
     void Note(const ado::AdoError& error, int times = 1);
 
     [[nodiscard]] int Count() const noexcept { return count_; }
-    /// The first failure as it is shown, and behind it `more` when there are others: their number
-    /// takes the place of "<n>". Empty when there is none.
-    [[nodiscard]] QString Text(QString more) const;
+    /// The first failure as it is shown, and below it `rows`, in which Count() takes the place of
+    /// "<n>". REQUIRES: Count() > 0.
+    [[nodiscard]] platform::Message ToMessage(QString rows, const QString& procedure) const;
 
 private:
     std::optional<Failure> first_;

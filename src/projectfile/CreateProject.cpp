@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <set>
 
+#include "jet/CauseOf.h"
 #include "jet/CreateDatabase.h"
 #include "jet/TableWriter.h"
 #include "jet/Unicode.h"
@@ -87,7 +88,8 @@ Outcome CreateProject(const std::string& path, std::span<const std::uint32_t> lc
     };
     const jet::Status status = jet::CreateDatabase(jet::SystemDisk(), paths::ToNative(path), fill);
     if (status.IsOk()) return {};
-    return {Outcome::Kind::Failed, status.Text()};
+    if (status.Code() == jet::StatusCode::Duplicate) return {Outcome::Kind::Exists, status.Text()};
+    return {Outcome::Kind::Failed, status.Text(), {jet::CauseOfMaking(status.Code()), path}};
 }
 
 }  // namespace projectfile

@@ -4,6 +4,8 @@
 #include <span>
 #include <string>
 
+#include "reasons/Reason.h"
+
 namespace projectfile {
 
 /// How the making of a project ended.
@@ -11,10 +13,12 @@ struct [[nodiscard]] Outcome {
     enum class Kind {
         Made,
         BadLanguages,  // nothing was tried
-        Failed,        // the file is there already, the disk is full, ...
+        Exists,        // there is something of this name already
+        Failed,        // the disk is full, ...
     };
     Kind kind = Kind::Made;
-    std::string text;  // why there is no project: UTF-8, does not name the file
+    std::string text = {};  // why there is no project: UTF-8, English, does not name the file
+    reasons::Reason reason = {};
 };
 
 /// Makes a new project file, empty but for the group above all archives' groups, with texts in the

@@ -9,7 +9,7 @@ namespace EditSession {
 
 void TellNotStored(PropertyDialog& dialog, const MResources::TextTable& texts, int text,
                    const projectdb::Failure& failure, bool gone) {
-    QString cause = failure.description;
+    QString cause = failure.Text();
     if (failure.number == ado::ErrorNumber::kRowNotLocated) {
         cause = texts.GetText(gone ? MResourceTable::kTextRecordGone
                                    : MResourceTable::kTextRecordChanged);

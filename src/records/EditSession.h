@@ -38,7 +38,7 @@ std::optional<projectdb::Failure> Try(const char* procedure, Step&& step) noexce
         return std::nullopt;
     } catch (...) {
         projectdb::Failure failure = projectdb::Failure::Current();
-        qWarning("%s: %s", procedure, qUtf8Printable(failure.Text()));
+        qWarning("%s: %s", procedure, qUtf8Printable(failure.Details()));
         return failure;
     }
 }

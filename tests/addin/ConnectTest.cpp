@@ -14,8 +14,11 @@
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 const QString kRoot = u"ARC0"_s;
 
@@ -282,21 +285,48 @@ TEST_F(ConnectTest, TheArchiveMenuPopsUpOnTheRightButton) {
 TEST_F(ConnectTest, AFailedConnectionIsTriedAgain) {
     const QString path = folder_.filePath(u"Brauerei.kvs"_s);
     Initialize(path);
-    for (int i = 0; i < 2; ++i) {
+    struct Turn {
+        QString node;
+        bool expands;
+        bool told;
+    };
+    // Somebody else's node, and an own one that opens, try again without repeating the message.
+    const Turn turns[] = {{u"VARS"_s, false, true}, {u"VARS"_s, false, false},
+                          {kRoot, false, true},     {kRoot, true, false},
+                          {kRoot, false, true},     {u"VARS"_s, true, false}};
+    for (const Turn& turn : turns) {
+        SCOPED_TRACE(turn.node.toStdString() + (turn.expands ? " opens" : " is clicked"));
         messages_.clear();
-        Click(i == 0 ? kRoot : u"VARS"_s);
-        ASSERT_EQ(messages_.size(), 1);
-        EXPECT_EQ(messages_[0].title, u"ConnectToDataBase"_s);
-        EXPECT_EQ(messages_[0].buttons, platform::MessageButtons::Ok);
-        EXPECT_TRUE(messages_[0].text.contains(u"Brauerei.kvs"_s))
-            << messages_[0].text.toStdString();
-        EXPECT_TRUE(messages_[0].text.section(u"   "_s, 0, 0).toInt() != 0);
+        if (turn.expands) {
+            addIn_->CKV4Extensibility_NodeExpand({{}, turn.node, {}});
+        } else {
+            Click(turn.node);
+        }
         EXPECT_EQ(Editor(), nullptr);
         EXPECT_TRUE(Hourglass());
+        ASSERT_EQ(messages_.size(), turn.told ? 1 : 0);
+        if (!turn.told) continue;
+        EXPECT_EQ(messages_[0].title, u"ConnectToDataBase"_s);
+        EXPECT_EQ(messages_[0].buttons, platform::MessageButtons::Ok);
+        EXPECT_THAT(messages_[0].text.toStdString(),
+                    AllOf(StartsWith("Die Datei '"), HasSubstr("Brauerei.kvs' wurde nicht gef")));
+        EXPECT_THAT(messages_[0].details.toStdString(),
+                    StartsWith("ConnectToDataBase\n-2147467259   Could not find file"));
     }
+    // A failure that the user has not been told is no repetition.
     messages_.clear();
+    QFile other(path);
+    ASSERT_TRUE(other.open(QIODevice::WriteOnly));
+    other.write(QByteArray(8192, 'x'));
+    other.close();
+    Click(u"VARS"_s);
+    ASSERT_EQ(messages_.size(), 1);
+    EXPECT_TRUE(messages_[0].text.contains(u"ist keine Projektdatei"_s));
+
+    messages_.clear();
+    ASSERT_TRUE(other.remove());
     (void)Brewery();
-    Click(kRoot);
+    Click(u"VARS"_s);
     EXPECT_THAT(messages_, IsEmpty());
     EXPECT_FALSE(Hourglass());
     EXPECT_EQ(host_.ChildTexts(kRoot).size(), 14);
@@ -317,9 +347,8 @@ TEST_F(ConnectTest, AFailureBehindTheConnectionLeavesNothingHalfOpen) {
         messages_.clear();
         Click(kRoot);
         ASSERT_EQ(messages_.size(), 1);
-        EXPECT_EQ(messages_[0].title, u"Connect: FirstUse"_s);
-        EXPECT_TRUE(messages_[0].text.contains(u"TchrArchives"_s))
-            << messages_[0].text.toStdString();
+        EXPECT_THAT(messages_[0].text.toStdString(), HasSubstr("fehlt die Tabelle 'TchrArchives'"));
+        EXPECT_TRUE(messages_[0].details.startsWith(u"Connect: FirstUse\n-2147217865   "_s));
         EXPECT_EQ(Editor(), nullptr);
         EXPECT_FALSE(host_.ChildKeys(kRoot));
         EXPECT_FALSE(Hourglass());
@@ -333,9 +362,10 @@ TEST_F(ConnectTest, ArchivesThatCannotBeReadAreLeftOut) {
     Initialize(path);
     Click(kRoot);
     ASSERT_EQ(messages_.size(), 1);
-    EXPECT_EQ(messages_[0].title, u"Connect: FirstUse"_s);
-    EXPECT_TRUE(messages_[0].text.contains(u"TchrArchives"_s)) << messages_[0].text.toStdString();
-    EXPECT_FALSE(messages_[0].text.contains(u"weitere"_s)) << messages_[0].text.toStdString();
+    EXPECT_THAT(messages_[0].text.toStdString(),
+                AllOf(HasSubstr("Brauerei.kvs' ist beschädigt"), HasSubstr("kvs check")));
+    EXPECT_TRUE(messages_[0].details.contains(u"TchrArchives"_s));
+    EXPECT_TRUE(messages_[0].text.endsWith(u"Nicht lesbare Zeilen: 1"_s));
     EXPECT_EQ(host_.ChildTexts(kRoot).size(), 13);
     EXPECT_EQ(host_.Find(u"ARCH4"_s), nullptr);
     EXPECT_FALSE(Hourglass());
@@ -352,7 +382,7 @@ TEST_F(ConnectTest, ArchivesThatCannotBeReadAreLeftOut) {
     Initialize(path);
     Click(kRoot);
     ASSERT_EQ(messages_.size(), 1);
-    EXPECT_TRUE(messages_[0].text.endsWith(u"... und 2 weitere"_s))
+    EXPECT_TRUE(messages_[0].text.endsWith(u"Nicht lesbare Zeilen: 3"_s))
         << messages_[0].text.toStdString();
     EXPECT_EQ(host_.ChildTexts(kRoot).size(), 11);
 }
@@ -370,7 +400,8 @@ TEST_F(ConnectTest, TrendsThatCannotBeReadAreLeftOut) {
         QApplication::processEvents();
         ASSERT_EQ(messages_.size(), 1);
         EXPECT_EQ(messages_[0].title, u"Archiv Editor"_s);
-        EXPECT_TRUE(messages_[0].text.contains(u"TchrTrends"_s)) << messages_[0].text.toStdString();
+        EXPECT_TRUE(messages_[0].text.contains(u"beschädigt"_s)) << messages_[0].text.toStdString();
+        EXPECT_TRUE(messages_[0].details.contains(u"TchrTrends"_s));
     }
     messages_.clear();
     Click(u"ARCH2"_s);
@@ -408,13 +439,14 @@ TEST_F(ConnectTest, AnUnreadableRegistryIsShownOnceAndStopsOnlyALookUp) {
     EXPECT_EQ(host_.nodes.size(), 0);
     ASSERT_EQ(messages_.size(), 1);
     EXPECT_EQ(messages_[0].title, u"MKVSGlobalEditors: ReadCurrentProject"_s);
-    EXPECT_TRUE(messages_[0].text.startsWith(u"75: "_s)) << messages_[0].text.toStdString();
+    EXPECT_TRUE(messages_[0].text.startsWith(u"Der Pfad '"_s)) << messages_[0].text.toStdString();
+    EXPECT_TRUE(messages_[0].details.startsWith(u"MKVSGlobalEditors: ReadCurrentProject\n75   "_s));
 
     messages_.clear();
     Initialize(Brewery());
     Click(kRoot);
     ASSERT_EQ(messages_.size(), 1);
-    EXPECT_EQ(messages_[0].title, u"MResources"_s);
+    EXPECT_TRUE(messages_[0].details.startsWith(u"MResources\n75   "_s));
     EXPECT_EQ(host_.ChildTexts(kRoot).size(), 14);
     messages_.clear();
     EXPECT_FALSE(KeyIsLeft(kRoot, 112, 0));

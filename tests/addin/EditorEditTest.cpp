@@ -141,6 +141,9 @@ TEST_F(EditorEditTest, NamesAreUniqueAndNotEmpty) {
         EXPECT_EQ(Text(0, u"Name"_s), before);
         EXPECT_NE(Stored(before, "ID"), u"(no row)"_s);
         EXPECT_EQ(CurrentRow(), 0) << "stays with the cell";
+        EXPECT_EQ(TypedText(), c.typed) << "until the user gives it up";
+        Key(Qt::Key_Escape);
+        EXPECT_EQ(Text(0, u"Name"_s), before);
     }
     // The emptied name itself.
     messages_.clear();
@@ -175,13 +178,11 @@ TEST_F(EditorEditTest, WhatAnotherProgramHasChangedIsShownAndNotOverwritten) {
         EXPECT_EQ(messages_[1].title, u"No way out"_s);
         EXPECT_EQ(Stored(third, "Unit"), u"theirs"_s);
         EXPECT_EQ(Text(2, u"Unit"_s), u"theirs"_s);
-        EXPECT_EQ(CellEditor(), nullptr);
-        EXPECT_EQ(CurrentRow(), 0) << "the first row";
+        EXPECT_EQ(TypedText(), u"mine"_s) << "until the user gives it up";
+        EXPECT_EQ(CurrentRow(), 2);
 
-        // And the row can be edited again.
+        // Who wants it so, knowing what the other has written, stores it now.
         messages_.clear();
-        ClickCell(2, u"Unit"_s);
-        Type(u"mine"_s);
         Key(Qt::Key_Return);
         EXPECT_EQ(Stored(third, "Unit"), u"mine"_s);
         EXPECT_THAT(messages_, IsEmpty());
@@ -196,23 +197,46 @@ TEST_F(EditorEditTest, ARowDeletedElsewhereTakesItsEditAlong) {
     Type(u"mine"_s);
     DeleteElsewhere(Text(2, u"Name"_s));
     Key(Qt::Key_Return);
-    ASSERT_EQ(messages_.size(), 2);
+    ASSERT_EQ(messages_.size(), 3);
     EXPECT_TRUE(messages_[0].text.startsWith(u"TDB-Error: 32"_s));
     EXPECT_EQ(messages_[1].title, u"No way out"_s);
+    EXPECT_TRUE(messages_[2].text.contains(u"'mine'"_s)) << "what has been typed is told";
     EXPECT_EQ(RowCount(1), rows - 1);
     EXPECT_EQ(CurrentRow(), 0);
 }
 
 TEST_F(EditorEditTest, WhatTheFieldDoesNotTakeIsADataError) {
-    Open();
-    ClickCell(0, u"Unit"_s);
-    Type(u"a unit that is much longer than its field allows"_s);
-    Key(Qt::Key_Return);
-    ASSERT_EQ(messages_.size(), 1);
-    EXPECT_TRUE(messages_[0].text.startsWith(u"TDB-Error: "_s));
-    EXPECT_EQ(Text(0, u"Unit"_s), u"°C"_s);
-    EXPECT_EQ(Stored(kFirst, "Unit"), u"°C"_s);
-    EXPECT_EQ(CurrentRow(), 0);
+    const QString typed = u"a unit that is much longer than its field allows"_s;
+    for (const bool english : {true, false}) {
+        Open(u"ARCH1"_s, english);
+        ClickCell(0, u"Unit"_s);
+        Type(typed);
+        messages_.clear();
+        Key(Qt::Key_Return);
+        ASSERT_EQ(messages_.size(), 1);
+        const QString head = english ? u"TDB-Error: -2147217887\n\nThe text is too long:"_s
+                                     : u"TDB-Fehler: -2147217887\n\nDer Text ist zu lang:"_s;
+        EXPECT_TRUE(messages_[0].text.startsWith(head)) << messages_[0].text.toStdString();
+        EXPECT_TRUE(messages_[0].details.contains(u"The text has 48 characters"_s));
+        EXPECT_EQ(Stored(kFirst, "Unit"), u"°C"_s);
+        EXPECT_EQ(CurrentRow(), 0);
+        EXPECT_EQ(TypedText(), typed);
+
+        // Nothing that would take the cell away runs while it is not given up.
+        messages_.clear();
+        Click(u"ARCH2"_s);
+        EXPECT_EQ(messages_.size(), 1);
+        EXPECT_EQ(TypedText(), typed);
+        EXPECT_EQ(Text(0, u"Name"_s), kFirst);
+        Key(Qt::Key_Escape);
+        EXPECT_EQ(CellEditor(), nullptr);
+        EXPECT_EQ(Text(0, u"Unit"_s), u"°C"_s);
+        messages_.clear();
+        Click(u"ARCH2"_s);
+        EXPECT_THAT(messages_, IsEmpty());
+        EXPECT_NE(Text(0, u"Name"_s), kFirst);
+        CloseProject();
+    }
 }
 
 TEST_F(EditorEditTest, ChoosersOpenBySpaceAndByButton) {

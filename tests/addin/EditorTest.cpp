@@ -1,6 +1,7 @@
 #include "addin/EditorTest.h"
 
 #include <QDialog>
+#include <QLineEdit>
 #include <QLocale>
 #include <QTimer>
 
@@ -160,6 +161,11 @@ void EditorTest::Type(const QString& text) {
 
 QWidget* EditorTest::CellEditor() {
     return Editor()->findChild<QWidget*>(u"CellEditor"_s);
+}
+
+QString EditorTest::TypedText() {
+    const auto* line = qobject_cast<QLineEdit*>(CellEditor());
+    return line != nullptr ? line->text() : u"(no editor)"_s;
 }
 
 QAction* EditorTest::Action(const QString& name) {

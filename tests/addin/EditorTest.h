@@ -48,6 +48,8 @@ protected:
     void Key(Qt::Key key, Qt::KeyboardModifiers held = Qt::NoModifier);
     void Type(const QString& text);
     [[nodiscard]] QWidget* CellEditor();
+    /// What stands in it.
+    [[nodiscard]] QString TypedText();
     [[nodiscard]] QAction* Action(const QString& name);
 
     /// Rejects the dialog that `body` opens, after a look at it; returns its name.

@@ -231,12 +231,12 @@ TEST(RowWalkTest, GivesUpWhereNoRowCanBeReached) {
     ado::Recordset closed;  // every step fails
     projectdb::RowFailures failures;
     projectdb::RowWalk walk(closed, failures);
-    EXPECT_EQ(failures.Text(u"+<n>"_s), QString());
+    EXPECT_EQ(failures.Count(), 0);
     EXPECT_FALSE(walk.First());
     EXPECT_EQ(failures.Count(), 1);
-    EXPECT_TRUE(failures.Text(u"+<n>"_s).startsWith(u"3704   "_s));
+    EXPECT_TRUE(failures.ToMessage(u"+<n>"_s, u"Walk"_s).details.startsWith(u"Walk\n3704   "_s));
     EXPECT_FALSE(walk.Next());
-    EXPECT_TRUE(failures.Text(u"+<n>"_s).endsWith(u"\n+1"_s));
+    EXPECT_TRUE(failures.ToMessage(u"+<n>"_s, u"Walk"_s).text.endsWith(u"\n+2"_s));
 }
 
 // The statement that the recordsets are tested with is the editor's own.

@@ -48,7 +48,8 @@ TEST_F(ConnectionTest, OpensByNativeAndByProjectPath) {
     otherCase.replace(otherCase.find("Plant"), 5, "PLANT");
     ::setenv("KV_DRIVE_P", folder_.c_str(), 1);
     const std::string onDrive = "P:\\Anlage;Nord\\Plant.kvs";
-    for (const std::string& path : {native, project, otherCase, onDrive, onDrive + " "}) {
+    for (const std::string& path :
+         {native, native + "  ", project, otherCase, onDrive, onDrive + " "}) {
         SCOPED_TRACE(path);
         connection_.Open(ConnectionString(path), "", "", -1);
         EXPECT_EQ(connection_.State(), ObjectState::Open);
@@ -69,20 +70,22 @@ TEST_F(ConnectionTest, RefusesWhatIsNoProjectFileAndNamesTheCause) {
     struct Case {
         std::string path;
         const char* cause;
+        reasons::Cause reason;
     };
+    using reasons::Cause;
     std::vector<Case> cases = {
-        {(folder_ / "none.kvs").string(), "Could not find file"},
-        {folder_.string(), "folder"},
-        {Write("empty.kvs", ""), "empty"},
-        {Write("short.kvs", std::string(100, '\0')), "too short"},
-        {(folder_ / "cut.kvs").string(), "cut short"},
-        {Write("text.kvs", std::string(8192, 'x')), "not a Jet database"},
-        {pipe, "not a regular file"},
-        {CopyWith("later.kvs", 0x14, "\x02"), "later version"},
-        {CopyWith("crypt.kvs", 0x3E, "\x01\x02\x03\x04"), "encrypted"},
+        {(folder_ / "none.kvs").string(), "Could not find file", Cause::FileMissing},
+        {folder_.string(), "folder", Cause::NotAProject},
+        {Write("empty.kvs", ""), "empty", Cause::NotAProject},
+        {Write("short.kvs", std::string(100, '\0')), "too short", Cause::NotAProject},
+        {(folder_ / "cut.kvs").string(), "cut short", Cause::NotAProject},
+        {Write("text.kvs", std::string(8192, 'x')), "not a Jet database", Cause::NotAProject},
+        {pipe, "not a regular file", Cause::NotAProject},
+        {CopyWith("later.kvs", 0x14, "\x02"), "later version", Cause::Unsupported},
+        {CopyWith("crypt.kvs", 0x3E, "\x01\x02\x03\x04"), "encrypted", Cause::Unsupported},
     };
     // The administrator may read everything.
-    if (::geteuid() != 0) cases.push_back({denied, "denied"});
+    if (::geteuid() != 0) cases.push_back({denied, "denied", Cause::FileUnreadable});
     for (const Case& c : cases) {
         SCOPED_TRACE(c.path);
         try {
@@ -93,6 +96,8 @@ TEST_F(ConnectionTest, RefusesWhatIsNoProjectFileAndNamesTheCause) {
             EXPECT_THAT(error.Description(), testing::HasSubstr(c.cause));
             EXPECT_THAT(error.Description(), testing::HasSubstr(c.path));
             EXPECT_THAT(error.Description(), testing::Not(testing::HasSubstr("looked for")));
+            EXPECT_EQ(error.Reason().cause, c.reason);
+            EXPECT_EQ(error.Reason().file, c.path);
         }
         EXPECT_EQ(connection_.State(), ObjectState::Closed);
     }

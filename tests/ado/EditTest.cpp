@@ -160,6 +160,27 @@ TEST_F(EditTest, AssignedValuesAreConvertedOrRefused) {
     EXPECT_FALSE(IsNull(rows_.Get("Comment"))) << "an empty text is not Null";
 }
 
+// What a message for the user is made of.
+TEST_F(EditTest, ARefusalNamesTheFieldAndItsLimit) {
+    rows_.Open("TchrArchives", connection_, CommandType::Table);
+    const auto reason = [&](const char* field, const Value& value) {
+        try {
+            rows_.Set(field, value);
+        } catch (const AdoError& error) {
+            return error.Reason();
+        }
+        return reasons::Reason();
+    };
+    using reasons::Cause;
+    const reasons::Reason tooLong = reason("Name", std::u16string(81, u'n'));
+    EXPECT_EQ(tooLong.cause, Cause::TextTooLong);
+    EXPECT_EQ(tooLong.name, "Name");
+    EXPECT_EQ(tooLong.limit, 80);
+    EXPECT_EQ(reason("ScanTime", 3e9).cause, Cause::NumberTooLarge);
+    EXPECT_EQ(reason("ScanTime", std::u16string(u"fast")).name, "ScanTime");
+    EXPECT_EQ(reason("Nothing", Null{}).cause, Cause::ColumnMissing);
+}
+
 TEST_F(EditTest, DeletedRowsLeaveTheirPlaceToTheNext) {
     rows_.Open("TchrArchives", connection_, CommandType::Table);
     rows_.Find("ID=3");

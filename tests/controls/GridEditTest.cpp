@@ -107,10 +107,10 @@ TEST_F(GridKeyTest, KeysDoWhatTheyDoInASpreadsheet) {
         {"decimal point", kMaximum, {Typed(u"-2.25e1"_s), kEnter}, -22.5, 106, kMaximum, false},
         {"letters are no number", kMaximum, {Typed(u"3abc"_s), kEnter}, 3.0, 106, kMaximum, false},
         {"a letter opens no number", kMaximum, {Typed(u"x"_s), kEnter}, 37.5, 106, kMaximum, false},
-        {"half a number", kMaximum, {Typed(u"-"_s), kEnter}, 37.5, 105, kMaximum, false},
+        {"half a number", kMaximum, {Typed(u"-"_s), kEnter}, 37.5, 105, kMaximum, true},
         {"no fraction", kDepth, {Typed(u"1.5"_s), kEnter}, 15, 106, kDepth, false},
         {"a colour", kColour, {Typed(u"#0080FF"_s), kEnter}, 0xFF8000, 106, kColour, false},
-        {"half a colour", kColour, {Typed(u"#00"_s), kEnter}, 0x0000FF, 105, kColour, false},
+        {"half a colour", kColour, {Typed(u"#00"_s), kEnter}, 0x0000FF, 105, kColour, true},
     };
     for (const KeyCase& test : cases) {
         SCOPED_TRACE(test.what);
@@ -231,7 +231,7 @@ TEST_F(GridEditTest, LeavingTheCellCommits) {
     }
 }
 
-TEST_F(GridEditTest, ARefusedEditGivesTheStoredValueBackAndStays) {
+TEST_F(GridEditTest, ARefusedTextStaysInItsCellUntilItIsGivenUp) {
     const QSignalSpy errors(split_, &GridSplit::DataError);
     struct Answer {
         GridCommit commit;
@@ -245,18 +245,28 @@ TEST_F(GridEditTest, ARefusedEditGivesTheStoredValueBackAndStays) {
             split_->SetCurrentCell(105, kName);
             Type(u"Trd106"_s);
             Key(key);
-            EXPECT_FALSE(split_->Editing());
+            ASSERT_TRUE(split_->Editing());
+            EXPECT_EQ(qobject_cast<QLineEdit*>(Editor())->text(), u"Trd106"_s);
+            EXPECT_TRUE(Editor()->hasFocus());
             EXPECT_EQ(split_->CellText(105, kName), u"Trd105"_s);
             EXPECT_EQ(split_->CurrentRow(), 105);
             EXPECT_EQ(split_->CurrentColumn(), kName);
             EXPECT_EQ(errors.size() - before, answer.errors);
             QCoreApplication::processEvents();
+            Key(Qt::Key_Escape);
+            EXPECT_FALSE(split_->Editing());
         }
         split_->SetCurrentCell(105, kName);
         Type(u"Trd106"_s);
         Click(110, kVar);
         EXPECT_EQ(split_->CurrentRow(), 105) << "the click that left the cell moves nowhere";
+        EXPECT_FALSE(grid_.CommitPendingEdit()) << "nothing that would follow may run";
+        EXPECT_TRUE(split_->Editing());
         QCoreApplication::processEvents();
+        split_->SetCurrentCell(112, kName);
+        EXPECT_EQ(split_->CurrentRow(), 105) << "nor does the window go elsewhere";
+        QCoreApplication::processEvents();
+        Key(Qt::Key_Escape);
         Click(110, kVar);
         EXPECT_EQ(split_->CurrentRow(), 110);
     }

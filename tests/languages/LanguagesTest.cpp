@@ -13,6 +13,7 @@
 #include "ado/Recordset.h"
 #include "languages/CDBLanguages.h"
 #include "languages/MResources.h"
+#include "platform/ReasonText.h"
 #include "platform/Registry.h"
 #include "projectfile/CreateProject.h"
 
@@ -27,7 +28,10 @@ constexpr platform::Lcid kFrench = 1036;
 /// Languages on a copy of a project.
 class LanguagesTest : public testing::Test {
 protected:
-    LanguagesTest() { QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom)); }
+    LanguagesTest() {
+        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
+        platform::SetInterfaceLanguage(kEnglish);
+    }
 
     void OpenCopy(const QString& source) {
         path_ = folder_.filePath(u"Projekt.kvs"_s);
@@ -99,8 +103,8 @@ TEST_F(LanguagesTest, AProjectsLanguagesInTheOrderOfTheTable) {
     EXPECT_EQ(languages_.Item(kFrench), nullptr);
 }
 
-TEST_F(LanguagesTest, LanguagesAreNamedInTheUsersLanguage) {
-    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+TEST_F(LanguagesTest, LanguagesAreNamedInTheLanguageOfTheInterface) {
+    platform::SetInterfaceLanguage(kGerman);
     OpenCopy(QStringLiteral(KV_TEST_DATA "/Leer.kvs"));
     Init();
     ASSERT_EQ(languages_.Count(), 2U);

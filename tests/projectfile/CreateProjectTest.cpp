@@ -142,12 +142,12 @@ TEST_F(CreateProjectTest, RefusesWhatCannotBeAndLeavesNothing) {
     }
     const std::uint32_t german[] = {1031};
     EXPECT_EQ(CreateProject(folder_ + "/missing/plant.kvs", german).kind, Kind::Failed);
-    EXPECT_EQ(CreateProject(folder_, german).kind, Kind::Failed);
+    EXPECT_EQ(CreateProject(folder_, german).kind, Kind::Exists);
     EXPECT_THAT(Files(), IsEmpty());
 
     // A name is taken also by what leads nowhere.
     std::filesystem::create_symlink("nowhere", project_);
-    EXPECT_EQ(CreateProject(project_, german).kind, Kind::Failed);
+    EXPECT_EQ(CreateProject(project_, german).kind, Kind::Exists);
     EXPECT_TRUE(std::filesystem::is_symlink(project_));
     EXPECT_THAT(Files(), ElementsAre("plant.kvs"));
 }

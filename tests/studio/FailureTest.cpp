@@ -1,6 +1,7 @@
 // What the user meets when something fails in the middle of the work: a word about it, the rows as
 // they were, and an editor that goes on.
 
+#include <QAction>
 #include <QApplication>
 #include <QLineEdit>
 #include <QTableView>
@@ -234,6 +235,7 @@ TEST_F(FailureTest, AFullDiskStopsEveryCommandAndLeavesTheEditorUsable) {
                 command.run();
             }
             EXPECT_THAT(TakeComplaints(), testing::SizeIs(1));
+            User::Press(Qt::Key_Escape);  // gives up what could not be stored
             EXPECT_EQ(ReadContent(file_.toStdString()), before);
             ExpectEditorAsPlanned();
             EXPECT_THAT(TakeMessages(), IsEmpty());
@@ -257,6 +259,15 @@ TEST_F(FailureTest, AFileThatCannotBeWrittenCanBeLookedAt) {
     {
         const ReadOnly fault(folder_.path(), file_);
         StartWithProject(kEnglish);
+        EXPECT_TRUE(studio_->Window().windowTitle().contains(u" [read only] - "_s))
+            << studio_->Window().windowTitle().toStdString();
+        OpenArchive(u"Alpha"_s);
+        for (const auto& [name, enabled] :
+             {std::pair(u"mnuArchiv(1)"_s, true), std::pair(u"mnuArchiv(2)"_s, false),
+              std::pair(u"mnuTrend(0)"_s, false), std::pair(u"mnuTrend(1)"_s, true),
+              std::pair(u"mnuTrend(2)"_s, false)}) {
+            EXPECT_EQ(studio_->Find<QAction>(name)->isEnabled(), enabled) << name.toStdString();
+        }
         for (const Command& command : commands) {
             // Those that need what the one before it has done.
             if (std::string_view(command.name) == "name it back") continue;
@@ -264,7 +275,9 @@ TEST_F(FailureTest, AFileThatCannotBeWrittenCanBeLookedAt) {
             command.prepare();
             std::ignore = TakeMessages();
             command.run();
-            EXPECT_THAT(TakeComplaints(), testing::SizeIs(1));
+            EXPECT_THAT(TakeComplaints(), testing::SizeIs(testing::Le(1)))
+                << "nothing of a command that is grey";
+            User::Press(Qt::Key_Escape);
             ExpectEditorAsPlanned();
             if (HasFailure()) return;
         }

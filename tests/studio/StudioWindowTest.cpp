@@ -118,6 +118,17 @@ TEST_F(StudioWindowTest, WhatIsNoProjectIsRefusedAndTheOpenOneStays) {
     EXPECT_TRUE(addIn_.Take().isEmpty());
 }
 
+TEST_F(StudioWindowTest, AProjectThatCanOnlyBeLookedAtSaysSoInTheTitle) {
+    ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
+    EXPECT_EQ(window_->windowTitle(), u"Anlage - Korvala Studio"_s);
+    // Of a version that nobody writes any more.
+    QFile::copy(QStringLiteral(KV_TEST_DATA "/test2V1997.mdb"), Path(u"Alt.kvs"_s));
+    ASSERT_TRUE(window_->OpenProject(Path(u"Alt.kvs"_s)));
+    EXPECT_EQ(window_->windowTitle(), u"Alt [schreibgeschützt] - Korvala Studio"_s);
+    Action(u"mnuSettingsLanguage(1033)"_s)->trigger();
+    EXPECT_EQ(window_->windowTitle(), u"Alt [read only] - Korvala Studio"_s);
+}
+
 TEST_F(StudioWindowTest, LanguageIsStoredAndTheProjectLoadedAgain) {
     EXPECT_EQ(Action(u"mnuFileOpen"_s)->text(), u"Ö&ffnen..."_s);
     ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));

@@ -155,7 +155,8 @@ constexpr double kHighestAmount = 9223372036854774784.0;
 
 [[noreturn]] void ThrowWrongType(const jet::Column& column) {
     throw AdoError(ErrorNumber::kWrongType,
-                   "The value has a type that column \"" + column.name + "\" cannot take.");
+                   "The value has a type that column \"" + column.name + "\" cannot take.",
+                   {reasons::Cause::WrongType, {}, column.name});
 }
 
 /// Rounded to the nearest whole number, halves to the even one.
@@ -163,7 +164,8 @@ std::int64_t Whole(const jet::Column& column, double number, double lowest, doub
     const double rounded = std::nearbyint(number);
     if (!(rounded >= lowest && rounded <= highest)) {
         throw AdoError(ErrorNumber::kDoesNotFit,
-                       "The number is out of the range of column \"" + column.name + "\".");
+                       "The number is out of the range of column \"" + column.name + "\".",
+                       {reasons::Cause::NumberTooLarge, {}, column.name});
     }
     return static_cast<std::int64_t>(rounded);
 }
@@ -175,9 +177,11 @@ jet::Value TextFor(const jet::Column& column, const Value& value) {
     std::u16string text = ToText(value);
     const std::size_t most = column.length / 2;
     if (column.type == jet::ColumnType::Text && text.size() > most) {
-        throw AdoError(ErrorNumber::kDoesNotFit, "The text has " + std::to_string(text.size()) +
-                                                     " characters; column \"" + column.name +
-                                                     "\" takes " + std::to_string(most) + ".");
+        throw AdoError(
+            ErrorNumber::kDoesNotFit,
+            "The text has " + std::to_string(text.size()) + " characters; column \"" + column.name +
+                "\" takes " + std::to_string(most) + ".",
+            {reasons::Cause::TextTooLong, {}, column.name, static_cast<std::int64_t>(most)});
     }
     return text;
 }
@@ -231,7 +235,8 @@ jet::Value DecimalFor(const jet::Column& column, const Value& value) {
     // The leading zeros of a number count here; a column of 28 digits still takes a usual one.
     if (digits > 38) {
         throw AdoError(ErrorNumber::kDoesNotFit,
-                       "The number has too many digits for column \"" + column.name + "\".");
+                       "The number has too many digits for column \"" + column.name + "\".",
+                       {reasons::Cause::NumberTooLarge, {}, column.name});
     }
     return result;
 }

@@ -1,37 +1,47 @@
 #include "ado/detail/ProviderError.h"
 
-namespace ado {
+#include "jet/CauseOf.h"
 
-void ThrowStatus(const jet::Status& status, const std::string& file) {
-    std::int32_t number = ErrorNumber::kUnspecified;
-    switch (status.Code()) {
+namespace ado {
+namespace {
+
+std::int32_t NumberOf(jet::StatusCode code) {
+    switch (code) {
         case jet::StatusCode::BadArgument:
-            number = ErrorNumber::kWrongType;
-            break;
+            return ErrorNumber::kWrongType;
         case jet::StatusCode::TooLong:
-            number = ErrorNumber::kDoesNotFit;
-            break;
+            return ErrorNumber::kDoesNotFit;
         case jet::StatusCode::Duplicate:
         case jet::StatusCode::Required:
         case jet::StatusCode::Related:
-            number = ErrorNumber::kIntegrity;
-            break;
+            return ErrorNumber::kIntegrity;
         case jet::StatusCode::NotFound:
-            number = ErrorNumber::kRowNotLocated;
-            break;
+            return ErrorNumber::kRowNotLocated;
         case jet::StatusCode::Unsupported:
-            number = ErrorNumber::kFeatureNotAvailable;
-            break;
+            return ErrorNumber::kFeatureNotAvailable;
         default:
-            break;
+            return ErrorNumber::kUnspecified;
     }
-    throw AdoError(number, "\"" + file + "\": " + status.Text() + ".");
+}
+
+}  // namespace
+
+void ThrowStatus(const jet::Status& status, const std::string& file) {
+    throw AdoError(NumberOf(status.Code()), "\"" + file + "\": " + status.Text() + ".",
+                   {jet::CauseOf(status.Code()), file});
+}
+
+void ThrowNotOpened(const jet::Status& status, const std::string& file,
+                    const std::string& description) {
+    throw AdoError(ErrorNumber::kUnspecified, description,
+                   {jet::CauseOfOpening(status.Code()), file});
 }
 
 void ThrowNoCurrentRecord() {
     throw AdoError(ErrorNumber::kNoCurrentRecord,
                    "Either BOF or EOF is true, or the current row has been deleted. The operation "
-                   "needs a current row.");
+                   "needs a current row.",
+                   {reasons::Cause::RowGone});
 }
 
 void ThrowSyntax(const std::string& text, const std::string& what) {

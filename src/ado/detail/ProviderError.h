@@ -11,6 +11,10 @@ namespace ado {
 /// front; the only place where a Status becomes an AdoError.
 [[noreturn]] void ThrowStatus(const jet::Status& status, const std::string& file);
 
+/// The same for a file that could not be opened, with a description of the caller's own.
+[[noreturn]] void ThrowNotOpened(const jet::Status& status, const std::string& file,
+                                 const std::string& description);
+
 inline void Check(const jet::Status& status, const std::string& file) {
     if (!status.IsOk()) ThrowStatus(status, file);
 }

@@ -24,7 +24,8 @@ void RowSet::AddTable(jet::Database& database, const std::string& name, std::str
             ThrowStatus(table.GetStatus(), file_);
         }
         throw AdoError(ErrorNumber::kTableNotFound,
-                       "\"" + file_ + "\": " + table.GetStatus().Text() + ".");
+                       "\"" + file_ + "\": " + table.GetStatus().Text() + ".",
+                       {reasons::Cause::TableMissing, file_, name});
     }
     tables_.push_back({std::move(*table), std::move(alias)});
 }
@@ -80,7 +81,8 @@ RowSet RowSet::OfQuery(jet::Database& database, const std::string& file, std::st
             if (!origin) {
                 throw AdoError(ErrorNumber::kParameterMissing,
                                "The query names the column \"" + item.column.name +
-                                   "\", which none of its tables has.");
+                                   "\", which none of its tables has.",
+                               {reasons::Cause::ColumnMissing, file, item.column.name});
             }
             const auto& column =
                 rows.Table(origin->table).Definition().columns[origin->column].name;
@@ -153,7 +155,8 @@ std::size_t RowSet::FieldIndex(std::string_view name) const {
         if (jet::SameName(table + "." + fields_[i].baseColumn, name)) return i;
     }
     throw AdoError(ErrorNumber::kItemNotFound,
-                   "There is no column \"" + std::string(name) + "\" in this recordset.");
+                   "There is no column \"" + std::string(name) + "\" in this recordset.",
+                   {reasons::Cause::ColumnMissing, file_, std::string(name)});
 }
 
 void RowSet::Bind(Expression& expression) const {

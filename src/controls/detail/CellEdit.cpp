@@ -151,19 +151,29 @@ void CellEdit::Close() {
 
 bool CellEdit::Commit() {
     if (!Active()) return true;
+    if (split_.RefusedJustNow()) return false;  // the user has just been told
     const bool changed = Changed();
     const std::optional<QVariant> value = Value();
-    const GridRowId row = row_;
-    const int column = column_;
-    // Closed first: telling the user of an error takes the focus away, which would commit again.
-    Close();
-    if (!changed) return true;
-    if (!value) {
+    if (changed && !value) {
         QApplication::beep();
         split_.NoteRefusal();
+        if (!editor_->hasFocus()) editor_->setFocus(Qt::OtherFocusReason);
         return false;
     }
-    return split_.Store(row, column, *value);
+    const GridRowId row = row_;
+    const int column = column_;
+    const QString typed = Text();
+    const bool isList = list_ != nullptr;
+    // Closed first: telling the user of an error takes the focus away, which would commit again.
+    Close();
+    if (!changed || split_.Store(row, column, *value)) return true;
+    // What the user has typed is theirs until they give it up. An entry of a list is no text.
+    if (!isList) split_.ReturnEdit(row, column, typed);
+    return false;
+}
+
+void CellEdit::SetText(const QString& text) {
+    if (line_ != nullptr) line_->setText(text);
 }
 
 void CellEdit::Cancel() {

@@ -40,8 +40,11 @@ public:
     [[nodiscard]] QString Text() const;
     [[nodiscard]] bool Changed() const;
 
-    /// Closes the editor and stores what was changed. False when that was refused.
+    /// Closes the editor and stores what was changed. False when that was refused; a typed text
+    /// then stands in the editor again, over the value that is stored now.
     bool Commit();
+    /// Gives the line another text, as if it had been typed.
+    void SetText(const QString& text);
     void Cancel();
     /// Brings the editor to where its cell is now.
     void Place();

@@ -25,34 +25,45 @@ constexpr qsizetype kLargestFile = qsizetype{64} << 20;  // bytes
 constexpr auto kLockPatience = 500ms;
 constexpr auto kLockPause = 1ms;
 
-int NumberOf(int cause) {
-    switch (cause) {
+enum class Action { Read, Write };
+
+struct Meaning {
+    int number;
+    reasons::Cause cause;
+};
+
+Meaning MeaningOf(int error, Action action) {
+    using reasons::Cause;
+    switch (error) {
         case EACCES:
         case EPERM:
         case EROFS:
+            return {ErrorNumber::kPermissionDenied,
+                    action == Action::Read ? Cause::FileUnreadable : Cause::FileReadOnly};
         case EWOULDBLOCK:
-            return ErrorNumber::kPermissionDenied;
+            return {ErrorNumber::kPermissionDenied, Cause::FileInUse};
         case EISDIR:
         case ENOTDIR:
         case ENOENT:
         case ENAMETOOLONG:
         case ELOOP:
-            return ErrorNumber::kPathNotUsable;
+            return {ErrorNumber::kPathNotUsable, Cause::PathUnusable};
         case ENOSPC:
         case EDQUOT:
         case EFBIG:
-            return ErrorNumber::kDiskFull;
+            return {ErrorNumber::kDiskFull, Cause::FileFull};
         default:
-            return ErrorNumber::kDeviceFault;
+            return {ErrorNumber::kDeviceFault, Cause::DeviceFault};
     }
 }
 
-[[noreturn]] void Fail(const QString& file, const QString& action, int cause,
-                       const QString& words = {}) {
-    throw Error(
-        NumberOf(cause),
-        u"The file '%1' cannot be %2: %3."_s.arg(
-            file, action, words.isEmpty() ? QString::fromLocal8Bit(std::strerror(cause)) : words));
+[[noreturn]] void Fail(const QString& file, Action action, int error, const QString& words = {}) {
+    const Meaning meaning = MeaningOf(error, action);
+    throw Error(meaning.number,
+                u"The file '%1' cannot be %2: %3."_s.arg(
+                    file, action == Action::Read ? u"read"_s : u"written"_s,
+                    words.isEmpty() ? QString::fromLocal8Bit(std::strerror(error)) : words),
+                {meaning.cause, file.toStdString()});
 }
 
 /// A file descriptor that is closed when it is forgotten.
@@ -98,32 +109,32 @@ std::optional<State> StateOf(const QString& file) {
     if (file.isEmpty()) return std::nullopt;
     if (stat(QFile::encodeName(file).constData(), &status) != 0) {
         if (errno == ENOENT || errno == ENOTDIR) return std::nullopt;
-        Fail(file, u"read"_s, errno);
+        Fail(file, Action::Read, errno);
     }
-    if (!S_ISREG(status.st_mode)) Fail(file, u"read"_s, EISDIR, u"it is not a file"_s);
+    if (!S_ISREG(status.st_mode)) Fail(file, Action::Read, EISDIR, u"it is not a file"_s);
     return State{status.st_ino, status.st_size, status.st_mtim};
 }
 
 std::optional<QByteArray> Read(const QString& file) {
     const std::optional<State> state = StateOf(file);
     if (!state) return std::nullopt;
-    if (state->size > kLargestFile) Fail(file, u"read"_s, EIO, u"it is too large"_s);
+    if (state->size > kLargestFile) Fail(file, Action::Read, EIO, u"it is too large"_s);
     const Descriptor source(open(QFile::encodeName(file).constData(), O_RDONLY | O_CLOEXEC));
     if (source.Number() < 0) {
         if (errno == ENOENT) return std::nullopt;  // removed a moment ago
-        Fail(file, u"read"_s, errno);
+        Fail(file, Action::Read, errno);
     }
     QByteArray bytes(state->size + 1, Qt::Uninitialized);
     qsizetype filled = 0;
     while (true) {
         if (filled == bytes.size()) {
-            if (filled > kLargestFile) Fail(file, u"read"_s, EIO, u"it is too large"_s);
+            if (filled > kLargestFile) Fail(file, Action::Read, EIO, u"it is too large"_s);
             bytes.resize(2 * filled);
         }
         const ssize_t got = read(source.Number(), bytes.data() + filled,
                                  static_cast<std::size_t>(bytes.size() - filled));
         if (got < 0 && errno == EINTR) continue;
-        if (got < 0) Fail(file, u"read"_s, errno);
+        if (got < 0) Fail(file, Action::Read, errno);
         if (got == 0) break;
         filled += got;
     }
@@ -136,7 +147,7 @@ void Replace(const QString& file, const QByteArray& bytes) {
     const QByteArray target = QFile::encodeName(real.isEmpty() ? file : real);
     struct stat old {};
     const bool exists = stat(target.constData(), &old) == 0;
-    if (exists && access(target.constData(), W_OK) != 0) Fail(file, u"written"_s, errno);
+    if (exists && access(target.constData(), W_OK) != 0) Fail(file, Action::Write, errno);
 
     QByteArray beside;
     int number = -1;
@@ -145,7 +156,7 @@ void Replace(const QString& file, const QByteArray& bytes) {
         number = open(beside.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (number < 0 && errno != EEXIST) break;
     }
-    if (number < 0) Fail(file, u"written"_s, errno);
+    if (number < 0) Fail(file, Action::Write, errno);
     Descriptor written(number);
     bool good = WriteDown(number, bytes);
     if (good && exists) good = fchmod(number, old.st_mode & 07777U) == 0;
@@ -155,20 +166,20 @@ void Replace(const QString& file, const QByteArray& bytes) {
         const int cause = errno;
         // The first error is the one to tell.
         std::ignore = unlink(beside.constData());
-        Fail(file, u"written"_s, cause);
+        Fail(file, Action::Write, cause);
     }
 }
 
 Lock::Lock(const QString& file)
     : folder_(open(FolderOf(file).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    if (folder_ < 0) Fail(file, u"written"_s, errno);
+    if (folder_ < 0) Fail(file, Action::Write, errno);
     const auto end = std::chrono::steady_clock::now() + kLockPatience;
     while (flock(folder_, LOCK_EX | LOCK_NB) != 0) {
         if (errno == EINTR) continue;
         if (errno != EWOULDBLOCK) return;
         if (std::chrono::steady_clock::now() >= end) {
             std::ignore = close(folder_);
-            Fail(file, u"written"_s, EWOULDBLOCK, u"another program is writing it"_s);
+            Fail(file, Action::Write, EWOULDBLOCK, u"another program is writing it"_s);
         }
         std::this_thread::sleep_for(kLockPause);
     }
