@@ -73,7 +73,8 @@ public:
     void SetLocked(bool locked);
 
     /// "General Number": as the locale writes it, without digit grouping and with as many places
-    /// as the value has. Empty: the source's text. Nothing else is known.
+    /// as the value has. Empty: the source's text. Nothing else is known. Texts of a column with a
+    /// format are shown as they are; those that are numbers stand and sort as numbers.
     [[nodiscard]] const QString& NumberFormat() const noexcept { return numberFormat_; }
     void SetNumberFormat(const QString& format);
 

@@ -38,6 +38,7 @@ GridSplit::GridSplit(GridView& view, QObject* parent)
         emit LayoutChanged();
     });
     connect(&view_, &GridView::Scrolled, edit_.get(), &CellEdit::Place);
+    connect(this, &GridSplit::HeadClick, this, &GridSplit::SortByColumn);
 }
 
 GridSplit::~GridSplit() {
@@ -203,6 +204,16 @@ void GridSplit::SetFrozenColumn(const QString& field) {
     layout_->SetFrozen(ColumnIndex(field));
 }
 
+void GridSplit::FitColumn(int column) {
+    if (ColumnAt(column) != nullptr) view_.FitColumn(column);
+}
+
+void GridSplit::FitAllColumns() {
+    for (const int column : layout_->Shown()) {
+        if (!view_.isColumnHidden(column)) view_.FitColumn(column);
+    }
+}
+
 // --- current cell and selection
 
 GridRowId GridSplit::CurrentRow() const {
@@ -289,9 +300,8 @@ void GridSplit::Sort(QStringView field, Qt::SortOrder order) {
     if (column >= 0) rows_->Sort(column, order);
 }
 
-void GridSplit::SortByCurrentColumn() {
-    const int column = CurrentColumn();
-    if (column < 0 || !CommitPendingEdit()) return;
+void GridSplit::SortByColumn(int column) {
+    if (ColumnAt(column) == nullptr || !CommitPendingEdit()) return;
     const bool upwards = rows_->SortColumn() == column && rows_->Order() == Qt::AscendingOrder;
     rows_->Sort(column, upwards ? Qt::DescendingOrder : Qt::AscendingOrder);
 }

@@ -79,10 +79,14 @@ public:
     /// gone. Off: not until the user or SetCurrentCell picks one.
     [[nodiscard]] bool AlwaysCurrent() const noexcept { return alwaysCurrent_; }
     void SetAlwaysCurrent(bool always);
-    /// Field name of the column that stays in view when scrolling sideways; it moves to the first
-    /// place. Empty: none. Without effect while another column stands in front of it.
+    /// Field name of the last of the columns that stay in view when scrolling sideways: all shown
+    /// from the first to this one, as many as leave a part of the others in view. Empty: none.
     [[nodiscard]] QString FrozenColumn() const;
     void SetFrozenColumn(const QString& field);
+
+    /// Makes a column as wide as what it shows, but not much wider than the view.
+    void FitColumn(int column);
+    void FitAllColumns();
 
     // --- current cell and selection
     [[nodiscard]] GridRowId CurrentRow() const;  // kNoGridRow: none
@@ -122,8 +126,10 @@ public:
     /// applies it anew. Numbers go by value, listed values and texts as the locale sorts what is
     /// shown, Null first. Current row and selection stay with their rows.
     void Sort(QStringView field, Qt::SortOrder order = Qt::AscendingOrder);
-    /// As Ctrl+O does: the current column upwards, or downwards when it is sorted upwards.
-    void SortByCurrentColumn();
+    /// As Ctrl+O does with the current column and a click with the column of the heading: upwards,
+    /// or downwards when it is sorted upwards.
+    void SortByColumn(int column);
+    void SortByCurrentColumn() { SortByColumn(CurrentColumn()); }
     void ClearSort();
     [[nodiscard]] QString SortField() const;  // empty: in the source's order
     [[nodiscard]] Qt::SortOrder SortOrder() const;
@@ -142,7 +148,10 @@ signals:
     /// The chooser of a column with a Button is wanted.
     void ButtonClick(GridRowId row, int column);
     void DblClick(GridRowId row, int column);
+    /// A heading has been clicked, which has sorted by its column.
     void HeadClick(int column);
+    /// The menu of a heading is wanted; -1: beside all columns.
+    void HeadMenu(int column, const QPoint& globalPosition);
     void AfterColUpdate(GridRowId row, int column);
     /// A commit failed. The cell is current again, and when the message has been shown the typed
     /// text stands in it as a pending edit. The grid shows no message of its own.

@@ -1,5 +1,7 @@
 #include "controls/TDBGrid.h"
 
+#include <algorithm>
+#include <cmath>
 #include <QEvent>
 #include <QSplitter>
 #include <QTableView>
@@ -12,7 +14,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kFirstSplitPart = 28;  // of a hundred
+constexpr double kTwipsPerInch = 1440;
 
 }  // namespace
 
@@ -38,7 +40,8 @@ TDBGrid::TDBGrid(QWidget* parent) : QWidget(parent) {
     }
     splitter_->setStretchFactor(0, 0);
     splitter_->setStretchFactor(1, 1);
-    splitter_->setSizes({kFirstSplitPart * 10, (100 - kFirstSplitPart) * 10});
+    connect(splitter_, &QSplitter::splitterMoved, this,
+            [this] { splitWidth_ = splitter_->sizes().front() * kTwipsPerInch / logicalDpiX(); });
     setFocusProxy(splits_[1]->View());
 
     connect(font_, &FontProperties::Changed, this, [this](const QFont& font) {
@@ -93,6 +96,28 @@ void TDBGrid::SetRecordSelectors(bool show) {
 void TDBGrid::SetSplit(int split) {
     if (split < 0 || split >= kSplitCount) return;
     splits_[static_cast<std::size_t>(split)]->View()->setFocus(Qt::OtherFocusReason);
+}
+
+void TDBGrid::SetSplitWidth(double twips) {
+    if (!(twips > 0)) return;
+    splitWidth_ = twips;
+    PlaceBar();
+}
+
+void TDBGrid::PlaceBar() {
+    const int all = splitter_->width() - splitter_->handleWidth();
+    const int first = static_cast<int>(std::lround(splitWidth_ * logicalDpiX() / kTwipsPerInch));
+    if (all > 0) splitter_->setSizes({first, std::max(all - first, 1)});
+}
+
+void TDBGrid::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    PlaceBar();
+}
+
+void TDBGrid::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    PlaceBar();
 }
 
 bool TDBGrid::CommitPendingEdit() {

@@ -22,6 +22,7 @@ class QSplitter;
 ///   Shift+Up/Down       extend the row selection          Shift+Space         select the row
 ///   Ctrl+A              select all rows shown             Ctrl+O              sort
 ///   Ctrl+PageUp/Down    PageRequested                     F6                  the other split
+/// A click on a heading sorts, a double click on its edge fits the column to what it shows.
 /// All other keys go on to the window. Nothing deletes a row.
 ///
 /// The grid shows no messages and knows no texts: those it needs are asked of SetTexts.
@@ -31,6 +32,7 @@ class TDBGrid final : public QWidget {
     Q_PROPERTY(QObject* HeadFont READ HeadFont CONSTANT)
     Q_PROPERTY(bool RecordSelectors READ RecordSelectors WRITE SetRecordSelectors)
     Q_PROPERTY(int Split READ Split WRITE SetSplit)
+    Q_PROPERTY(double SplitWidth READ SplitWidth WRITE SetSplitWidth)
 
 public:
     static constexpr int kSplitCount = 2;
@@ -55,6 +57,10 @@ public:
     /// The split that has, or last had, the keyboard.
     [[nodiscard]] int Split() const noexcept { return split_; }
     void SetSplit(int split);
+    /// Width of split 0 in twips, as set until the user moves the bar; a window that is too small
+    /// for it gives it back when it grows. Values that are not above 0 are ignored.
+    [[nodiscard]] double SplitWidth() const noexcept { return splitWidth_; }
+    void SetSplitWidth(double twips);
     /// Holds the two views; its handle is the bar between them.
     [[nodiscard]] QSplitter* Splitter() const noexcept { return splitter_; }
 
@@ -69,10 +75,13 @@ signals:
 
 protected:
     void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     void ApplyFonts();
     void NameViews();
+    void PlaceBar();
 
     QSplitter* splitter_ = nullptr;
     std::array<GridSplit*, kSplitCount> splits_{};
@@ -80,4 +89,5 @@ private:
     FontProperties* headFont_ = nullptr;
     bool ownHeadFont_ = false;
     int split_ = 1;
+    double splitWidth_ = 4200;
 };

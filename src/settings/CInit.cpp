@@ -1,5 +1,6 @@
 #include "settings/CInit.h"
 
+#include <algorithm>
 #include <exception>
 #include <QFile>
 #include <QLoggingCategory>
@@ -61,6 +62,17 @@ void CollectControls(const QObject& parent, QStringList& names) {
         if (!child->objectName().isEmpty()) names += child->objectName();
         CollectControls(*child, names);
     }
+}
+
+/// Whether the live value is what was left of the stored one when it was put: then nobody has
+/// changed it, and the stored one stays.
+bool IsCut(const InitValue& stored, const InitValue& live) {
+    if (!stored.IsNumber() || !live.IsNumber()) return false;
+    constexpr double kSmallest = -32768;
+    constexpr double kLargest = 32767;
+    const double number = stored.AsNumber();
+    return (number < kSmallest || number > kLargest) &&
+           live.AsNumber() == std::clamp(number, kSmallest, kLargest);
 }
 
 bool IsForm(QStringView segment) {
@@ -169,11 +181,19 @@ bool CInit::ParamExist(QStringView key) const {
     return Find(key) != nullptr;
 }
 
+QList<std::pair<QString, InitValue>> CInit::Values() const {
+    QList<std::pair<QString, InitValue>> values;
+    ForEachLeaf(items_, {}, [&](const CInitItem& leaf, const QString& path) {
+        values.append({path, leaf.Value().value_or(InitValue())});
+    });
+    return values;
+}
+
 void CInit::GetInitFromControl(const QString& name) {
     VisitLeaves(name, [this](const Place& place, CInitItem& leaf, const QString& path) {
         const InitValue present = leaf.Value().value_or(InitValue());
         if (const auto value = LateBound::Get(place, leaf.Name(), present)) {
-            leaf.SetValue(*value);
+            if (!IsCut(present, *value)) leaf.SetValue(*value);
         } else {
             Report(path, "cannot be read");
         }

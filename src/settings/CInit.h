@@ -1,10 +1,12 @@
 #pragma once
 
 #include <functional>
+#include <QList>
 #include <QObject>
 #include <QPointer>
 #include <QSet>
 #include <QString>
+#include <utility>
 
 #include "settings/CInitItems.h"
 #include "settings/InitValue.h"
@@ -63,6 +65,9 @@ public:
     [[nodiscard]] bool ParamExist(QStringView key) const;
     /// Writes one value into the file used last, at once. Throws platform::Error.
     void WriteToIni(const QString& key, const InitValue& value);
+
+    /// Every leaf's value by its path, in the tree's order.
+    [[nodiscard]] QList<std::pair<QString, InitValue>> Values() const;
 
     [[nodiscard]] CInitItems& Items() noexcept { return items_; }
 

@@ -162,12 +162,45 @@ TEST_F(GridLayoutTest, TheFrozenColumnStaysInView) {
     Key(Qt::Key_Return);
     EXPECT_EQ(trends_.Value(106, kName), u"Neu"_s);
     EXPECT_GT(View()->horizontalScrollBar()->value(), 0) << "it is in view as it is";
-    View()->horizontalHeader()->moveSection(0, 3);
-    EXPECT_FALSE(strip->isVisible());
-    View()->horizontalHeader()->moveSection(3, 0);
-    EXPECT_TRUE(strip->isVisible());
     split_->SetFrozenColumn({});
     EXPECT_FALSE(strip->isVisible());
+}
+
+TEST_F(GridLayoutTest, ColumnsUpToTheFrozenOneStayInViewAsFarAsThereIsRoom) {
+    for (int i = 0; i < split_->ColumnCount(); ++i) split_->ColumnAt(i)->SetWidth(1500);
+    split_->SetColumnOrders({kVar, kName});
+    split_->SetFrozenColumn(u"Name"_s);
+    auto* strip = View()->findChild<QTableView*>();
+    const auto shown = [strip] {
+        QList<int> columns;
+        const QHeaderView* header = strip->horizontalHeader();
+        for (int i = 0; i < header->count(); ++i) {
+            if (!header->isSectionHidden(header->logicalIndex(i)))
+                columns += header->logicalIndex(i);
+        }
+        return columns;
+    };
+    QCoreApplication::processEvents();
+    EXPECT_EQ(shown(), (QList<int>{kVar, kName}));
+    EXPECT_EQ(strip->width(), 200);
+    split_->Column(u"TrendVar")->SetVisible(false);
+    EXPECT_EQ(shown(), QList<int>{kName});
+    split_->Column(u"TrendVar")->SetVisible(true);
+    // Too wide for both: the first one, so that the others can be scrolled to.
+    split_->Column(u"TrendVar")->SetWidth(9000);
+    EXPECT_EQ(shown(), QList<int>{kVar});
+}
+
+TEST_F(GridLayoutTest, ADoubleClickOnAnEdgeFitsTheColumn) {
+    split_->Column(u"Name")->SetWidth(9000);
+    QHeaderView* header = View()->horizontalHeader();
+    const int edge = header->sectionViewportPosition(kName) + header->sectionSize(kName) - 1;
+    QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, {edge, header->height() / 2});
+    EXPECT_LT(split_->Column(u"Name")->Width(), 5000);
+    EXPECT_GT(split_->Column(u"Name")->Width(), 300);
+    split_->Column(u"Name")->SetWidth(300);
+    split_->FitAllColumns();
+    EXPECT_GT(split_->Column(u"Name")->Width(), 300);
 }
 
 TEST_F(GridLayoutTest, KeysGoFromSplitToSplitAndFromArchiveToArchive) {

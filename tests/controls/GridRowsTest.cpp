@@ -62,6 +62,44 @@ TEST_F(GridRowsTest, CtrlOSortsByTheCurrentColumnAndTurnsIt) {
     EXPECT_EQ(moved.size(), 0) << "the current cell is the same one";
 }
 
+// Projects keep limits as texts, which may name a variable too.
+TEST_F(GridRowsTest, TextsThatAreNumbersStandAndSortAsNumbers) {
+    std::vector<FakeSource::Row> rows;
+    GridRowId id = 0;
+    for (const QString& text : {u"100"_s, u"14"_s, u"Var.Max"_s, u"10"_s, u"-2,5"_s, QString()}) {
+        rows.push_back({++id, {u"T"_s, u"V"_s, 1.0, 0, 0, text, 1}});
+    }
+    trends_.Load(std::move(rows), 7);
+    split_->Sort(u"Unit");
+    EXPECT_EQ(split_->ShownRows(), (Ids{6, 5, 4, 1, 2, 3})) << "a column of texts";
+    split_->Column(u"Unit")->SetNumberFormat(u"General Number"_s);
+    split_->Sort(u"Unit");
+    EXPECT_EQ(split_->ShownRows(), (Ids{5, 4, 2, 1, 6, 3}));
+    const auto isRight = [this](int row) {
+        const QModelIndex cell = View()->model()->index(row, kUnit);
+        return (cell.data(Qt::TextAlignmentRole).toInt() & Qt::AlignRight) != 0;
+    };
+    EXPECT_TRUE(isRight(0));
+    EXPECT_FALSE(isRight(5));
+    EXPECT_EQ(View()->model()->index(0, kUnit).data().toString(), u"-2,5"_s) << "as it is stored";
+}
+
+TEST_F(GridRowsTest, AClickOnAHeadingSorts) {
+    const auto click = [this](int column) {
+        QHeaderView* header = View()->horizontalHeader();
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
+                          {header->sectionViewportPosition(column) + 20, header->height() / 2});
+    };
+    click(kMaximum);
+    EXPECT_EQ(split_->SortField(), u"Maximum"_s);
+    EXPECT_EQ(split_->ShownRows().front(), 120);
+    click(kMaximum);
+    EXPECT_EQ(split_->ShownRows().front(), 101);
+    click(kName);
+    EXPECT_EQ(split_->SortField(), u"Name"_s);
+    EXPECT_EQ(split_->SortOrder(), Qt::AscendingOrder);
+}
+
 TEST_F(GridRowsTest, EditedAndNewRowsDoNotJumpAway) {
     split_->Sort(u"Maximum");
     const Ids before = split_->ShownRows();

@@ -152,6 +152,21 @@ TEST_F(CInitTest, AnyFileIsHarmless) {
     EXPECT_THROW(init_.SaveInits(), platform::Error);
 }
 
+// They are put cut to 16 bits, and used to come back so.
+TEST_F(CInitTest, ANumberThatDoesNotFitStaysUntilSomebodyChangesIt) {
+    SampleForm form;
+    init_.SetMotherobject(&form);
+    init_.LoadDefaultInit(kDefault);
+    init_.WriteAValueToCInits(u"Me.PosLeft"_s, 50000);
+    init_.WriteAValueToCInits(u"Me.PosTop"_s, 50000);
+    init_.SetInitToControl(u"Me"_s);
+    EXPECT_EQ(form.posLeft, 32767);
+    form.posTop = 120;
+    init_.GetInitFromControl(u"Me"_s);
+    EXPECT_EQ(init_.ReadAValueFromCInits(u"Me.PosLeft").AsNumber(), 50000);
+    EXPECT_EQ(init_.ReadAValueFromCInits(u"Me.PosTop").AsNumber(), 120);
+}
+
 // A station in each locale: defaults, a changed layout, saved, and found again in a new window.
 TEST_F(CInitTest, LayoutOfARealWindowComesBack) {
     for (const QLocale& locale : {QLocale(QLocale::German, QLocale::Germany),

@@ -59,6 +59,8 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const bool selected = option.state & QStyle::State_Selected;
     const bool currentRow = index.row() == marks.currentRow;
     const bool currentCell = currentRow && index.column() == marks.currentColumn;
+    const bool choosable =
+        currentCell && grid_.Split().CanEdit(grid_.Rows().IdAt(index.row()), index.column());
     const QColor highlight = option.palette.color(group, QPalette::Highlight);
     QColor text = option.palette.color(group, QPalette::Text);
     if (selected) {
@@ -70,7 +72,7 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     }
 
     QRect rect = option.rect.adjusted(kPadding, 0, -kPadding, 0);
-    if (currentCell) {
+    if (choosable) {
         if (const QRect button = ButtonRect(column, option.rect); !button.isEmpty()) {
             rect.setRight(button.left() - kPadding);
         }
@@ -97,7 +99,7 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                           fitting);
     }
     if (!currentCell) return;
-    PaintButton(painter, option, column);
+    if (choosable) PaintButton(painter, option, column);
     QColor frame = marks.active ? highlight : Blend(highlight, text, 0.3);
     if (selected) frame = text;  // on the highlight itself it would not show
     painter->save();

@@ -113,4 +113,11 @@ std::optional<QVariant> Parse(const QString& text, GridKind kind) {
     return text;
 }
 
+std::optional<double> WholeNumber(const QString& text) {
+    bool ok = false;
+    const double number = QString(text).trimmed().replace(u',', u'.').toDouble(&ok);
+    if (!ok || !std::isfinite(number)) return std::nullopt;
+    return number;
+}
+
 }  // namespace cellvalue

@@ -26,4 +26,7 @@ namespace cellvalue {
 /// value of the kind as a whole. Numbers have "," or "." before their fraction.
 [[nodiscard]] std::optional<QVariant> Parse(const QString& text, GridKind kind);
 
+/// The number that a text wholly is, with "," or "." before its fraction; nothing when it is none.
+[[nodiscard]] std::optional<double> WholeNumber(const QString& text);
+
 }  // namespace cellvalue

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <QHeaderView>
 #include <QScopedValueRollback>
 
@@ -104,20 +105,19 @@ void ColumnLayout::ApplyOrder() {
 }
 
 void ColumnLayout::ApplyFrozen() {
-    view_.SetFrozen(frozen_ >= 0 && view_.FirstColumn() == frozen_ && !view_.isColumnHidden(frozen_)
-                        ? frozen_
-                        : -1);
+    std::vector<int> strip;
+    const auto last = std::find(shown_.begin(), shown_.end(), frozen_);
+    if (last != shown_.end() && view_.horizontalHeader()->count() >= std::ssize(shown_)) {
+        std::copy_if(shown_.begin(), last + 1, std::back_inserter(strip),
+                     [this](int column) { return !view_.isColumnHidden(column); });
+    }
+    view_.SetFrozen(std::move(strip));
 }
 
 void ColumnLayout::SetFrozen(int column) {
     frozen_ = column;
-    if (column >= 0) {
-        std::vector<int> order = shown_;
-        const auto at = std::find(order.begin(), order.end(), column);
-        std::rotate(order.begin(), at, at + 1);
-        SetShown(std::move(order));
-    }
     ApplyFrozen();
+    emit Changed();
 }
 
 void ColumnLayout::SetShown(std::vector<int> order) {

@@ -24,7 +24,7 @@ public:
     /// `order` names each column once.
     void SetShown(std::vector<int> order);
     void MoveTo(GridColumn& column, int position);
-    /// The column (source's number) that stays in view; -1: none.
+    /// The last one (source's number) of the columns that stay in view; -1: none do.
     void SetFrozen(int column);
     [[nodiscard]] int Frozen() const noexcept { return frozen_; }
 

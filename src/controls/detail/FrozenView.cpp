@@ -1,8 +1,10 @@
 #include "controls/detail/FrozenView.h"
 
+#include <algorithm>
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QMouseEvent>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QWheelEvent>
 
@@ -34,18 +36,20 @@ FrozenView::FrozenView(GridView& grid)
     connect(verticalScrollBar(), &QScrollBar::valueChanged, grid.verticalScrollBar(),
             &QScrollBar::setValue);
     connect(captions_, &QHeaderView::sectionResized, this, [this](int column, int, int size) {
-        if (size > 0 && isVisible()) grid_.setColumnWidth(column, size);
+        if (size > 0 && !arranging_) grid_.setColumnWidth(column, size);
     });
+    connect(captions_, &QHeaderView::sectionHandleDoubleClicked, &grid, &GridView::FitColumn);
     connect(captions_, &QHeaderView::sectionClicked, this,
             [this](int column) { emit grid_.Split().HeadClick(column); });
     hide();
 }
 
-void FrozenView::ShowColumn(int column) {
-    if (column < 0) {
+void FrozenView::ShowColumns(const std::vector<int>& columns) {
+    if (columns.empty()) {
         hide();
         return;
     }
+    const QScopedValueRollback arranging(arranging_, true);
     if (model() == nullptr) {
         setModel(&grid_.Rows());
         QItemSelectionModel* own = selectionModel();
@@ -55,10 +59,16 @@ void FrozenView::ShowColumn(int column) {
         // Their connections are made anew with each model.
         captions_->setSectionsClickable(true);
     }
-    for (int i = 0; i < model()->columnCount(); ++i) setColumnHidden(i, i != column);
-    const QSignalBlocker blocker(captions_);
-    captions_->setSectionResizeMode(column, grid_.horizontalHeader()->sectionResizeMode(column));
-    setColumnWidth(column, grid_.columnWidth(column));
+    for (int i = 0; i < model()->columnCount(); ++i) {
+        setColumnHidden(i, std::find(columns.begin(), columns.end(), i) == columns.end());
+    }
+    for (int place = 0; place < static_cast<int>(columns.size()); ++place) {
+        const int column = columns[static_cast<std::size_t>(place)];
+        captions_->moveSection(captions_->visualIndex(column), place);
+        captions_->setSectionResizeMode(column,
+                                        grid_.horizontalHeader()->sectionResizeMode(column));
+        setColumnWidth(column, grid_.columnWidth(column));
+    }
     verticalHeader()->setDefaultSectionSize(grid_.verticalHeader()->defaultSectionSize());
     captions_->setFont(grid_.horizontalHeader()->font());
     captions_->setFixedHeight(grid_.horizontalHeader()->height());

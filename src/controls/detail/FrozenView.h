@@ -1,19 +1,20 @@
 #pragma once
 
 #include <QTableView>
+#include <vector>
 
 class CaptionHeader;
 class GridView;
 
-/// The column that stays in view: a strip over the left edge of its grid that shows this one column
+/// The columns that stay in view: a strip over the left edge of its grid that shows these columns
 /// of the same model. It only shows; keys and mouse are the grid's.
 class FrozenView final : public QTableView {
     Q_OBJECT
 public:
     explicit FrozenView(GridView& grid);
 
-    /// After the grid's columns or fonts have changed. `column` -1 hides the strip.
-    void ShowColumn(int column);
+    /// After the grid's columns or fonts have changed; in the order shown. None hides the strip.
+    void ShowColumns(const std::vector<int>& columns);
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
@@ -26,4 +27,5 @@ protected:
 private:
     GridView& grid_;
     CaptionHeader* captions_;
+    bool arranging_ = false;  // what the headings do is not the user's doing
 };

@@ -10,6 +10,11 @@
 
 namespace {
 
+bool MovesByRows(int key) {
+    return key == Qt::Key_Up || key == Qt::Key_Down || key == Qt::Key_PageUp ||
+           key == Qt::Key_PageDown;
+}
+
 Qt::KeyboardModifiers Held(const QKeyEvent& event) {
     return event.modifiers() & ~Qt::KeyboardModifiers(Qt::KeypadModifier);
 }
@@ -145,6 +150,11 @@ bool GridView::MoveKey(QKeyEvent* event) {
         selectionModel()->clearSelection();
         StepRows(step);
     };
+    // No row has been chosen yet: the first key that moves chooses one.
+    if (!current.isValid() && !held && MovesByRows(event->key()) && rows_->rowCount() > 0) {
+        GoTo(rows_->index(0, FirstColumn()));
+        return true;
+    }
     switch (event->key()) {
         case Qt::Key_Return:
         case Qt::Key_Enter:

@@ -165,8 +165,6 @@ void GridRows::Compute() {
 }
 
 void GridRows::SortShown() {
-    const GridColumn& column = *columns_[static_cast<std::size_t>(sortColumn_)];
-    const bool byNumber = column.Kind() != GridKind::Text && column.ValueItems().isEmpty();
     QCollator collator(locale_);
     collator.setCaseSensitivity(Qt::CaseInsensitive);
     const QCollatorSortKey none = collator.sortKey({});
@@ -175,10 +173,9 @@ void GridRows::SortShown() {
     for (const int row : shown_) {
         const QVariant stored = source_->data(source_->index(row, sortColumn_), GridRole::kStored);
         SortKey key{IsNull(stored) ? 0 : 2, 0, none, row};
-        bool isNumber = false;
-        if (key.rank != 0 && byNumber) {
-            key.number = stored.toDouble(&isNumber);
-            if (isNumber) key.rank = 1;
+        if (const auto number = NumberAt(row, sortColumn_); key.rank != 0 && number) {
+            key.number = *number;
+            key.rank = 1;
         }
         if (key.rank == 2) key.text = collator.sortKey(ShownText(row, sortColumn_));
         keys.push_back(std::move(key));
@@ -189,6 +186,19 @@ void GridRows::SortShown() {
     });
     std::transform(keys.begin(), keys.end(), shown_.begin(),
                    [](const SortKey& key) { return key.sourceRow; });
+}
+
+std::optional<double> GridRows::NumberAt(int sourceRow, int column) const {
+    const GridColumn& how = *columns_[static_cast<std::size_t>(column)];
+    if (!how.ValueItems().isEmpty()) return std::nullopt;
+    const QVariant stored = source_->data(source_->index(sourceRow, column), GridRole::kStored);
+    if (how.Kind() == GridKind::Text) {
+        if (how.NumberFormat().isEmpty()) return std::nullopt;
+        return cellvalue::WholeNumber(stored.toString());
+    }
+    bool isNumber = false;
+    const double number = stored.toDouble(&isNumber);
+    return isNumber ? std::optional(number) : std::nullopt;
 }
 
 bool GridRows::Matches(int sourceRow, const QStringMatcher& matcher) const {
@@ -314,8 +324,10 @@ QVariant GridRows::data(const QModelIndex& index, int role) const {
             return tip.isValid() ? tip : QVariant(ShownText(sourceRow, index.column()));
         }
         case Qt::TextAlignmentRole: {
-            const bool number = how.ValueItems().isEmpty() &&
-                                (how.Kind() == GridKind::Integer || how.Kind() == GridKind::Number);
+            const bool number =
+                how.ValueItems().isEmpty() &&
+                (how.Kind() == GridKind::Integer || how.Kind() == GridKind::Number ||
+                 (how.Kind() == GridKind::Text && NumberAt(sourceRow, index.column()).has_value()));
             return Qt::Alignment((number ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter)
                 .toInt();
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <QAbstractTableModel>
 #include <QLocale>
 #include <QPointer>
@@ -62,6 +63,8 @@ private:
     void Rebuild(const std::function<void()>& change);
     void Compute();
     void SortShown();
+    /// What the cell counts as where numbers go before texts; nothing where it is none.
+    [[nodiscard]] std::optional<double> NumberAt(int sourceRow, int column) const;
     [[nodiscard]] bool Matches(int sourceRow, const QStringMatcher& matcher) const;
     [[nodiscard]] int PlaceOf(int sourceRow) const;
     void SourceInserted(int first, int last);

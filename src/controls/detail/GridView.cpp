@@ -1,12 +1,14 @@
 #include "controls/detail/GridView.h"
 
 #include <algorithm>
+#include <numeric>
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <QToolTip>
+#include <utility>
 
 #include "controls/detail/CellDelegate.h"
 #include "controls/detail/CellEdit.h"
@@ -41,6 +43,8 @@ GridView::GridView(QWidget* parent) : QTableView(parent) {
     // selectors know the keys that are held.
     disconnect(captions_, &QHeaderView::sectionPressed, this, nullptr);
     disconnect(captions_, &QHeaderView::sectionEntered, this, nullptr);
+    disconnect(captions_, &QHeaderView::sectionHandleDoubleClicked, this, nullptr);
+    connect(captions_, &QHeaderView::sectionHandleDoubleClicked, this, &GridView::FitColumn);
     disconnect(records_, &QHeaderView::sectionPressed, this, nullptr);
     disconnect(records_, &QHeaderView::sectionEntered, this, nullptr);
     connect(records_, &QHeaderView::sectionPressed, this, &GridView::PressRecordSelector);
@@ -260,10 +264,17 @@ bool GridView::viewportEvent(QEvent* event) {
 }
 
 void GridView::focusInEvent(QFocusEvent* event) {
-    if (!currentIndex().isValid() && rows_->rowCount() > 0) {
+    // Where a row is chosen by making it current, the keyboard's coming back must choose none.
+    if (split_->AlwaysCurrent() && !currentIndex().isValid() && rows_->rowCount() > 0) {
         SetCurrent(rows_->index(0, FirstColumn()));
     }
-    QTableView::focusInEvent(event);
+    if (currentIndex().isValid()) {
+        QTableView::focusInEvent(event);
+    } else {
+        // Qt's views make the first row current then.
+        QAbstractScrollArea::focusInEvent(event);
+        viewport()->update();
+    }
     UpdateMarks();
     emit GotKeyboard();
 }
@@ -307,50 +318,80 @@ void GridView::selectionChanged(const QItemSelection& selected, const QItemSelec
 void GridView::scrollTo(const QModelIndex& index, ScrollHint hint) {
     const int sideways = horizontalScrollBar()->value();
     QTableView::scrollTo(index, hint);
-    if (frozenColumn_ < 0 || !index.isValid()) return;
-    if (index.column() == frozenColumn_) {  // in view wherever the others are
+    if (strip_.empty() || !index.isValid()) return;
+    if (InStrip(index.column())) {  // in view wherever the others are
         horizontalScrollBar()->setValue(sideways);
         return;
     }
-    const int hidden = columnWidth(frozenColumn_) - visualRect(index).left();
+    const int hidden = StripWidth() - visualRect(index).left();
     if (hidden > 0) horizontalScrollBar()->setValue(horizontalScrollBar()->value() - hidden);
+}
+
+void GridView::FitColumn(int column) {
+    const int wide = std::max(sizeHintForColumn(column), captions_->sectionSizeHint(column));
+    captions_->resizeSection(column, std::min(wide, std::max(viewport()->width() * 3 / 4, 1)));
 }
 
 void GridView::SetRowHeightFor(const QFont& cells, const QFont& headings) {
     setFont(cells);
     captions_->setFont(headings);
     records_->setDefaultSectionSize(QFontMetrics(cells, this).height() + kSpaceAroundRow);
-    SetFrozen(frozenColumn_);
+    SetFrozen(frozenColumns_);
 }
 
-void GridView::SetFrozen(int column) {
-    frozenColumn_ = column;
+void GridView::SetFrozen(std::vector<int> columns) {
+    frozenColumns_ = std::move(columns);
+    strip_.clear();
     if (frozen_ == nullptr) return;
-    frozen_->ShowColumn(column);
+    if (frozenColumns_.empty()) frozen_->ShowColumns({});
     PlaceFrozen();
 }
 
+bool GridView::InStrip(int column) const {
+    return std::find(strip_.begin(), strip_.end(), column) != strip_.end();
+}
+
+int GridView::StripWidth() const {
+    return std::accumulate(strip_.begin(), strip_.end(), 0,
+                           [this](int sum, int column) { return sum + columnWidth(column); });
+}
+
 void GridView::PlaceFrozen() {
-    if (frozen_ == nullptr || frozenColumn_ < 0 || frozenColumn_ >= captions_->count()) return;
-    const int width = columnWidth(frozenColumn_);
-    if (frozen_->columnWidth(frozenColumn_) != width) {
-        frozen_->setColumnWidth(frozenColumn_, width);
+    if (frozen_ == nullptr || frozenColumns_.empty()) return;
+    if (*std::max_element(frozenColumns_.begin(), frozenColumns_.end()) >= captions_->count()) {
+        return;
     }
-    // Leaves a part of the other columns in view, however wide the strip is.
-    const int shown = std::min(width, viewport()->width() * 3 / 4);
+    // Leaves a part of the other columns in view, however wide the strip would be.
+    const int room = viewport()->width() * 3 / 4;
+    std::vector<int> strip;
+    int width = 0;
+    for (const int column : frozenColumns_) {
+        if (!strip.empty() && width + columnWidth(column) > room) break;
+        strip.push_back(column);
+        width += columnWidth(column);
+    }
+    if (strip != strip_) {
+        strip_ = std::move(strip);
+        frozen_->ShowColumns(strip_);
+    }
+    for (const int column : strip_) {
+        if (frozen_->columnWidth(column) != columnWidth(column)) {
+            frozen_->setColumnWidth(column, columnWidth(column));
+        }
+    }
     const int height = captions_->height() + viewport()->height();
     frozen_->horizontalHeader()->setFixedHeight(captions_->height());
-    frozen_->setGeometry(viewport()->x(), captions_->y(), shown, height);
+    frozen_->setGeometry(viewport()->x(), captions_->y(), std::min(width, room), height);
     frozen_->verticalScrollBar()->setValue(verticalScrollBar()->value());
 }
 
 QWidget* GridView::ViewportOf(const QModelIndex& cell) const {
-    const bool inStrip = cell.column() == frozenColumn_ && frozen_->isVisible();
+    const bool inStrip = InStrip(cell.column()) && frozen_->isVisible();
     return inStrip ? frozen_->viewport() : viewport();
 }
 
 QRect GridView::CellRect(const QModelIndex& cell) const {
-    const bool inStrip = cell.column() == frozenColumn_ && frozen_->isVisible();
+    const bool inStrip = InStrip(cell.column()) && frozen_->isVisible();
     return inStrip ? frozen_->visualRect(cell) : visualRect(cell);
 }
 

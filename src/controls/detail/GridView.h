@@ -56,7 +56,10 @@ public:
 
     // --- appearance
     void SetRowHeightFor(const QFont& cells, const QFont& headings);
-    void SetFrozen(int column);  // -1: none
+    /// The columns that stay in view, in the order shown; as many of them as leave a part of the
+    /// others in view, but at least one.
+    void SetFrozen(std::vector<int> columns);
+    void FitColumn(int column);
     [[nodiscard]] bool ButtonHit(const QModelIndex& cell, const QRect& rect, QPoint at) const;
     /// Where the cell is shown: the frozen strip's viewport or the view's own, and its place there.
     [[nodiscard]] QWidget* ViewportOf(const QModelIndex& cell) const;
@@ -104,12 +107,15 @@ private:
     void PressRecordSelector(int row);
     void DragRecordSelector(int row);
     void PlaceFrozen();
+    [[nodiscard]] bool InStrip(int column) const;
+    [[nodiscard]] int StripWidth() const;
 
     GridSplit* split_ = nullptr;
     GridRows* rows_ = nullptr;
     CaptionHeader* captions_ = nullptr;
     RecordHeader* records_ = nullptr;
     FrozenView* frozen_ = nullptr;
-    int frozenColumn_ = -1;
-    GridRowId anchor_ = kNoGridRow;  // where a row selection began
+    std::vector<int> frozenColumns_;  // that are wanted in the strip
+    std::vector<int> strip_;          // those of them that there is room for
+    GridRowId anchor_ = kNoGridRow;   // where a row selection began
 };

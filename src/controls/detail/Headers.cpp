@@ -1,5 +1,6 @@
 #include "controls/detail/Headers.h"
 
+#include <QContextMenuEvent>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QPolygonF>
@@ -45,6 +46,10 @@ CaptionHeader::CaptionHeader(GridView& grid, QWidget* parent)
     setTextElideMode(Qt::ElideRight);
     setMinimumSectionSize(1);
     setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+}
+
+void CaptionHeader::contextMenuEvent(QContextMenuEvent* event) {
+    emit grid_.Split().HeadMenu(logicalIndexAt(event->pos()), event->globalPos());
 }
 
 void CaptionHeader::initStyleOptionForIndex(QStyleOptionHeader* option, int logicalIndex) const {

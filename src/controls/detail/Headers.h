@@ -12,6 +12,7 @@ public:
     explicit CaptionHeader(GridView& grid, QWidget* parent);
 
 protected:
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void initStyleOptionForIndex(QStyleOptionHeader* option, int logicalIndex) const override;
 
 private:
