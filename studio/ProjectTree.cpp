@@ -69,9 +69,26 @@ bool ProjectTree::ExpandAsUser(const QString& key) {
     if (!index.isValid()) return false;
     if (isExpanded(index)) return true;
     if (SelectedKey() != key && !ClickAsUser(key)) return false;
+    if (isExpanded(model_.IndexOf(key))) return true;  // by its add-in, upon the click
     QKeyEvent right(QEvent::KeyPress, Qt::Key_Right, Qt::NoModifier);
     QApplication::sendEvent(this, &right);
     return true;
+}
+
+QStringList ProjectTree::SelectedPath() const {
+    QStringList path;
+    for (QModelIndex at = model_.IndexOf(SelectedKey()); at.isValid(); at = at.parent()) {
+        path.prepend(at.data(ProjectTreeModel::kKeyRole).toString());
+    }
+    return path;
+}
+
+void ProjectTree::OpenAsUser(const QStringList& path) {
+    if (path.isEmpty() || SelectedKey() == path.back()) return;
+    for (const QString& key : path.first(path.size() - 1)) {
+        if (!ExpandAsUser(key)) return;
+    }
+    ClickAsUser(path.back());
 }
 
 bool ProjectTree::event(QEvent* event) {

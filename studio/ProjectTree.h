@@ -35,6 +35,11 @@ public:
     /// Do by mouse events and keys what a user would do; false for an unknown key.
     bool ClickAsUser(const QString& key);
     bool ExpandAsUser(const QString& key);
+    /// Keys from the top to the selected node; empty when none is.
+    [[nodiscard]] QStringList SelectedPath() const;
+    /// Comes back to a selected node of before as a user would, branch by branch, as far as the
+    /// nodes are still there.
+    void OpenAsUser(const QStringList& path);
 
 protected:
     bool event(QEvent* event) override;

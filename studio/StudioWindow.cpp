@@ -15,6 +15,7 @@
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTimer>
+#include <tuple>
 
 #include "platform/MessageBox.h"
 #include "platform/PlainTexts.h"
@@ -58,6 +59,12 @@ StudioWindow::StudioWindow(StudioRegistry& registry, AddInSet& addIns,
     BuildFileMenu();
     BuildOtherMenus();
     ReserveShortcuts();
+    menuKeys_ = std::make_unique<MenuKeys>(*this);
+    for (QMenu* menu : menuBar()->findChildren<QMenu*>()) menuKeys_->Watch(*menu);
+    // Queued: the editor's own menu is not there yet when it is taken in.
+    connect(
+        editors_->Container(), &EditorContainer::CurrentChanged, this,
+        [this] { menuKeys_->Update(); }, Qt::QueuedConnection);
     host_ = std::make_unique<StudioHost>(model_, *tree_, *editors_, variables_);
     addIns_.SetFailureHandler([this](const AddInSet::Failure& failure) {
         const QString text =
@@ -258,9 +265,14 @@ void StudioWindow::mnuSettingsLanguage_Click(QAction* action) {
     }
     // The add-ins read the language when they are initialised.
     const std::optional<ProjectLocation> open = project_;
+    const QStringList place = tree_->SelectedPath();
+    addIns_.ForEach("GetMessage", [](KV4AddIn::CKV4Extensibility& addIn) {
+        std::ignore = addIn.CKV4Extensibility_GetMessage(KV4AddIn::kHostSender.toString(),
+                                                         KV4AddIn::kReopening.toString(), {});
+    });
     CloseProject();
     ApplyLanguage(lcid);
-    if (open) OpenProject(open->remembered);
+    if (open && OpenProject(open->remembered)) tree_->OpenAsUser(place);
     statusBar()->showMessage(texts_(Text::StatusLanguage), kStatusMs);
 }
 

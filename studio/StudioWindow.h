@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "studio/AddInLoader.h"
+#include "studio/MenuKeys.h"
 #include "studio/ProjectLocation.h"
 #include "studio/ProjectTreeModel.h"
 #include "studio/RecentProjects.h"
@@ -115,6 +116,7 @@ private:
     VariableBrowser variables_{texts_};
     std::unique_ptr<StudioHost> host_;
     std::vector<Caption> captions_;
+    std::unique_ptr<MenuKeys> menuKeys_;
     QSplitter* splMain_ = nullptr;
     ProjectTree* tree_ = nullptr;
     EditorArea* editors_ = nullptr;

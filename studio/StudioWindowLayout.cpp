@@ -146,6 +146,7 @@ void StudioWindow::ApplyLanguage(int lcid) {
         action->setChecked(action->data().toInt() == texts_.Lcid());
         action->setStatusTip(texts_(Text::LanguageTip));
     }
+    menuKeys_->Update();
     menuBar()->setAccessibleName(texts_(Text::StudioTitle));
     tree_->setAccessibleName(texts_(Text::TreeName));
     ApplyProjectState();

@@ -4,6 +4,7 @@
 #include <QIcon>
 #include <QString>
 #include <QStringList>
+#include <QStringView>
 #include <QtPlugin>
 #include <QVariant>
 
@@ -95,6 +96,11 @@ public:
                                                                 const QString& current) = 0;
 };
 
+/// Sender and text of the one message of GetMessage that is the host's own: the project that is
+/// closed next is opened again at once, so that an add-in can come back to where the user is.
+inline constexpr QStringView kHostSender = u"Host";
+inline constexpr QStringView kReopening = u"Reopening";
+
 /// The events that the host raises in an add-in. `keyCode` and `shift` of the key events are
 /// passed by reference: an add-in that has used a key sets `keyCode` to 0, and the host then does
 /// nothing further with it. Key codes are the classic virtual-key numbers (46 Delete, 112..123 =
@@ -132,7 +138,7 @@ public:
     virtual void CKV4Extensibility_NodeKeyPress(const Node& node, int& keyAscii) = 0;
     virtual void CKV4Extensibility_NodeKeyUp(const Node& node, int& keyCode, int& shift) = 0;
 
-    /// A message of another add-in, passed on by the host.
+    /// A message of another add-in, passed on by the host, or of the host itself (kHostSender).
     virtual QVariant CKV4Extensibility_GetMessage(const QString& sender, const QString& message,
                                                   const QVariant& value) = 0;
 };

@@ -141,6 +141,73 @@ TEST_F(StudioWindowTest, LanguageIsStoredAndTheProjectLoadedAgain) {
     EXPECT_EQ(Action(u"mnuFileOpen"_s)->text(), u"&Open..."_s) << "at the next start, too";
 }
 
+TEST_F(StudioWindowTest, AnotherLanguageComesBackToTheNodeThatWasSelected) {
+    ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
+    window_->Tree().ClickAsUser(u"SMP0"_s);
+    window_->Tree().ClickAsUser(u"SMPL2"_s);
+    addIn_.Take();
+    Action(u"mnuSettingsLanguage(1033)"_s)->trigger();
+    ASSERT_TRUE(window_->Tree().SelectedNode());
+    EXPECT_EQ(window_->Tree().SelectedNode()->key, u"SMPL2"_s);
+    EXPECT_EQ(addIn_.Take().filter(u"NodeClick"_s),
+              (QStringList{u"NodeClick /SMP0"_s, u"NodeClick SMP0/SMPL2"_s}));
+    // One that is not there any more: its branch.
+    addIn_.childCount = 1;
+    Action(u"mnuSettingsLanguage(1031)"_s)->trigger();
+    EXPECT_EQ(window_->Tree().SelectedNode()->key, u"SMP0"_s);
+}
+
+// Alt+A used to turn between both menus, and the File menu showed Ctrl+O while it sorted.
+TEST_F(StudioWindowTest, AKeyOfTwoMenusIsThatOfTheWindowWithTheKeyboard) {
+    /// Keeps Ctrl+O to itself.
+    class Grid final : public QWidget {
+    public:
+        using QWidget::QWidget;
+        bool event(QEvent* event) override {
+            if (event->type() == QEvent::ShortcutOverride) {
+                const auto* key = static_cast<QKeyEvent*>(event);
+                event->setAccepted(key->keyCombination() == (Qt::CTRL | Qt::Key_O));
+                return true;
+            }
+            return QWidget::event(event);
+        }
+    };
+    ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
+    auto* editor = new QWidget(window_->findChild<EditorArea*>()->Container());
+    auto* bar = new QMenuBar(editor);
+    QAction* archive = bar->addMenu(u"&Archive && more"_s)->menuAction();
+    QAction* trends = bar->addMenu(u"&Trends"_s)->menuAction();
+    auto* grid = new Grid(editor);
+    grid->setFocusPolicy(Qt::StrongFocus);
+    editor->show();
+    QApplication::setActiveWindow(window_.get());
+    const auto viewNow = [this] { return window_->findChild<QMenu*>(u"mnuView"_s)->title(); };
+    auto* file = window_->findChild<QMenu*>(u"mnuFile"_s);
+
+    window_->Tree().setFocus();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(viewNow(), u"&Ansicht"_s);
+    EXPECT_EQ(archive->text(), u"Archive && more"_s);
+    EXPECT_EQ(trends->text(), u"&Trends"_s) << "nobody else's";
+    emit file->aboutToShow();
+    EXPECT_FALSE(Action(u"mnuFileOpen"_s)->text().contains(u'\t'));
+    emit file->aboutToHide();
+
+    grid->setFocus();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(viewNow(), u"Ansicht"_s);
+    EXPECT_EQ(archive->text(), u"&Archive && more"_s);
+    emit file->aboutToShow();
+    EXPECT_TRUE(Action(u"mnuFileOpen"_s)->text().endsWith(u'\t')) << "no key is shown";
+    EXPECT_FALSE(Action(u"mnuFileNew"_s)->text().contains(u'\t'));
+    emit file->aboutToHide();
+    EXPECT_EQ(Action(u"mnuFileOpen"_s)->text(), u"Ö&ffnen..."_s);
+    delete editor;
+    window_->Tree().setFocus();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(viewNow(), u"&Ansicht"_s);
+}
+
 TEST_F(StudioWindowTest, RecentProjectsAreKeptMissingOnesCannotBeChosen) {
     QFile::copy(Path(u"Anlage.kvs"_s), Path(u"Zwei & drei.kvs"_s));
     ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
