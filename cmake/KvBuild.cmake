@@ -68,9 +68,6 @@ function(kv_precompile target kind)
     target_link_libraries(${owner} PRIVATE kv_flags)
     if(kind MATCHES "test")
       target_link_libraries(${owner} PRIVATE GTest::gtest GTest::gmock)
-      # Tests are programs, which CMake compiles with -fPIE; libraries are compiled with -fPIC.
-      set_target_properties(${owner} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
-      target_compile_options(${owner} PRIVATE -fPIE)
     endif()
     if(kind MATCHES "qt")
       target_link_libraries(${owner} PRIVATE Qt6::Widgets)
@@ -78,6 +75,8 @@ function(kv_precompile target kind)
     target_precompile_headers(${owner} PRIVATE ${KV_PRECOMPILED_${kind}})
   endif()
   target_precompile_headers(${target} REUSE_FROM ${owner})
+  # As the libraries are: CMake gives programs -fPIE, Qt some of them -fPIC, and it must be one.
+  target_compile_options(${target} PRIVATE -fPIC)
 endfunction()
 
 # kv_library(NAME source...): the static library of one folder, with the alias kv::NAME.

@@ -19,10 +19,10 @@ namespace ado {
 }
 
 [[nodiscard]] inline std::string Example(const std::string& name) {
-    return std::string(KV_EXAMPLES) + "/" + name;
+    return std::string(KV_EXAMPLES "/") + name;
 }
 [[nodiscard]] inline std::string TestData(const std::string& name) {
-    return std::string(KV_TEST_DATA) + "/" + name;
+    return std::string(KV_TEST_DATA "/") + name;
 }
 
 /// The number of the AdoError that `action` throws; 0 when it throws none.

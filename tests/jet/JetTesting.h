@@ -48,10 +48,10 @@ template <typename T>
 }
 
 [[nodiscard]] inline std::string TestData(const std::string& name) {
-    return std::string(KV_TEST_DATA) + "/" + name;
+    return std::string(KV_TEST_DATA "/") + name;
 }
 [[nodiscard]] inline std::string Example(const std::string& name) {
-    return std::string(KV_EXAMPLES) + "/" + name;
+    return std::string(KV_EXAMPLES "/") + name;
 }
 
 [[nodiscard]] inline std::vector<std::byte> ReadWhole(const std::string& path) {

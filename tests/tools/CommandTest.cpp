@@ -114,7 +114,7 @@ TEST(CommandTest, DumpsATable) {
                                      "\"Icon\":\"010203\",\"Since\":\"2001-09-09T01:46:40\"},\n{"));
     EXPECT_THAT(json.out, testing::EndsWith("}\n]\n"));
     EXPECT_EQ(
-        RunTool({"dump", std::string(KV_TEST_DATA) + "/Leer.kvs", "TchrTrends", "--format", "json"})
+        RunTool({"dump", std::string(KV_TEST_DATA "/Leer.kvs"), "TchrTrends", "--format", "json"})
             .out,
         "[]\n");
 }
@@ -142,8 +142,8 @@ TEST(CommandTest, TellsSuccessFailureAndWrongUsageApart) {
         {{"load", "a", "b", "c", "--encoding=latin-9"}, kUsage, "'latin-9'"},
         {{"check", "a", "--to=b"}, kUsage, "--to"},
         {{"repair"}, kUsage, "FILE"},
-        {{"repair", std::string(KV_TEST_DATA) + "/test2V1997.mdb", "--to=/tmp"}, kFailure, "Jet 4"},
-        {{"check", std::string(KV_TEST_DATA) + "/test2V1997.mdb"}, kFailure, "only Jet 4"},
+        {{"repair", std::string(KV_TEST_DATA "/test2V1997.mdb"), "--to=/tmp"}, kFailure, "Jet 4"},
+        {{"check", std::string(KV_TEST_DATA "/test2V1997.mdb")}, kFailure, "only Jet 4"},
         {{"tables", "/nonexistent/x.kvs"}, kFailure, "/nonexistent/x.kvs"},
         {{"tables", KV_EXAMPLES}, kFailure, "folder"},
         {{"dump", kBrewery, "Nothing"}, kFailure, "\"Nothing\""},
@@ -191,7 +191,7 @@ TEST(CommandTest, ChecksAFile) {
     const Outcome whole = RunTool({"check", kBrewery});
     EXPECT_EQ(whole.status, kSuccess);
     EXPECT_EQ(whole.out + whole.err, "");
-    const Outcome untidy = RunTool({"check", std::string(KV_TEST_DATA) + "/bigIndexTestV2000.mdb"});
+    const Outcome untidy = RunTool({"check", std::string(KV_TEST_DATA "/bigIndexTestV2000.mdb")});
     EXPECT_EQ(untidy.status, kSuccess);
     EXPECT_THAT(untidy.out, StartsWith("warning: page 26: "));
 
@@ -235,7 +235,7 @@ TEST(CommandTest, RepairsAFileIntoANewOne) {
 
 // What dump writes, load reads: the same rows in another file.
 TEST(CommandTest, LoadedRowsDumpTheSame) {
-    const ProjectCopy target(std::string(KV_TEST_DATA) + "/Leer.kvs");
+    const ProjectCopy target(std::string(KV_TEST_DATA "/Leer.kvs"));
     for (const char* table :
          {"TchrArchives", "TchrTrends", "TidxTexts", "TidxGroups", "TpdbVars", "TalmClasses"}) {
         SCOPED_TRACE(table);

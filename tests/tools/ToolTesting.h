@@ -43,7 +43,7 @@ struct Outcome {
     return outcome;
 }
 
-inline const std::string kBrewery = std::string(KV_EXAMPLES) + "/Brauerei.kvs";
+inline const std::string kBrewery = std::string(KV_EXAMPLES "/Brauerei.kvs");
 
 /// A copy of a project that goes with the test.
 class ProjectCopy {
