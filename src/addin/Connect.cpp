@@ -30,6 +30,7 @@ const std::vector<std::u16string> kNoArchive = {u"0"};
 
 constexpr int kHelpKey = 112;        // F1
 constexpr int kShowEditorKey = 117;  // F6
+constexpr int kFindKey = 70;         // F
 
 /// Keys that run an archive command of the editor on a node of one kind.
 struct CommandKey {
@@ -75,6 +76,8 @@ void Connect::CKV4Extensibility_Initialize(const QString& projectName,
         if (!MKVSGlobalEditors::ReadCurrentProject(registry_, project_.projectPath)) return;
         // Behind the look-up, which tells of a registry that cannot be read for itself.
         Guard(u"MResources"_s, [&] { texts_.Initialize(registry_); });
+        // Any other opening begins with what has been saved.
+        if (project_.projectPath != std::exchange(reopening_, {})) place_.reset();
         host_ = host;
         hostWindow_ = host_->EditorParent();
         Guard(u"Connect: InitTreeView"_s, [&] { InitTreeView(); });
@@ -99,8 +102,25 @@ void Connect::FindHelpFile() {
     helpFile_.SetPath(folder + u"\\helpfiles\\Archivsystem.chm"_s);
 }
 
+QVariant Connect::CKV4Extensibility_GetMessage(const QString& sender, const QString& message,
+                                               const QVariant& /*value*/) {
+    const bool reopens = sender == KV4AddIn::kHostSender && message == KV4AddIn::kReopening;
+    if (reopens && host_ != nullptr) reopening_ = project_.projectPath;
+    return {};
+}
+
+void Connect::KeepPlace() {
+    place_.reset();
+    if (!opened_ || !editor_) return;
+    place_ = editor_->Place();
+}
+
 void Connect::CKV4Extensibility_Terminate() {
     Guard(u"Connect: Terminate"_s, [&] {
+        if (!reopening_.isEmpty()) KeepPlace();
+    });
+    Guard(u"Connect: Terminate"_s, [&] {
+        nodeTexts_.clear();
         if (host_ != nullptr) host_->RemoveNode(kRootKey);
     });
     Guard(u"Connect: Terminate"_s, [&] { ShutDown(); });
@@ -130,7 +150,7 @@ void Connect::ShutDown() {
 /// `node` is what the user has turned to. What has failed before is tried again without a word,
 /// unless it fails for another reason now or an own node has been clicked: a node of somebody else
 /// asks for nothing, and one that opens has been clicked in the same breath.
-void Connect::FirstUse(const QString& node, bool clicked) {
+void Connect::FirstUse(QString node, bool clicked) {
     if (opened_) {
         platform::SetScreenPointer(Pointer::Default);
         return;
@@ -153,7 +173,8 @@ void Connect::FirstUse(const QString& node, bool clicked) {
     toldFailure_.clear();
     platform::SetScreenPointer(Pointer::Default);
     host_->ExpandNode(kRootKey);
-    host_->SelectNode(kRootKey);
+    // The user who clicks on somebody else's node stays there.
+    if (projectdb::IsOwnNode(node)) host_->SelectNode(kRootKey);
     if (unreadable.Count() == 0) return;
     // Last of all: what can be read is there already, and the box has its own event loop.
     platform::ShowMessage(unreadable.ToMessage(texts_.GetText(MResourceTable::kTextMoreFailures),
@@ -183,13 +204,14 @@ void Connect::OpenEditor(projectdb::RowFailures& unreadable) {
     environment.Open(Command::Archives);
     environment.Open(Command::tabTrends, kNoArchive);
     editor_ = new frmtabGrid(project_, texts_, *this, registry_, hostWindow_);
-    editor_->Load();
+    editor_->Load(place_ ? &*place_ : nullptr);
     if (!WindowEmbedding::EmbedEditor(*editor_, *host_)) return;
     // Queued: the window must have left its own event when it is deleted.
     connect(editor_, &frmtabGrid::ActualizeRequested, this, &Connect::ActualizeConnection,
             Qt::QueuedConnection);
     FillArchiveNodes(unreadable);
     editor_->SetUpColumns();
+    project_.currentNodeKey = kRootKey;
     editor_->MenuSwitcher(kRootKey, false);
     editor_->MakeMyCaption(kRootKey, {});
     editor_->show();
@@ -206,7 +228,7 @@ void Connect::WatchEditor() {
     });
     connect(watch, &ActivationWatch::Deactivated, this, [this] {
         Guard(u"Connect: Deactivate"_s, [&] {
-            if (!opened_ || !editor_ || editor_->CommitPendingEdit()) return;
+            if (!opened_ || !editor_ || editor_->Deactivate()) return;
             // The tree may be about to select the node that has been clicked; its archive is not
             // opened while a text that has been refused stands in its cell.
             QMetaObject::invokeMethod(this, &Connect::SelectOpenNode, Qt::QueuedConnection);
@@ -218,26 +240,28 @@ void Connect::FillArchiveNodes(projectdb::RowFailures& unreadable) {
     ado::Recordset& archives = project_.Environment().Recordset(Command::Archives);
     const std::size_t id = archives.FieldIndex("ID");
     const std::size_t name = archives.FieldIndex("Name");
-    std::vector<std::pair<QString, QString>> nodes;  // text and key
+    std::vector<std::pair<std::int32_t, QString>> nodes;
     {
         projectdb::RowWalk walk(archives, unreadable);
         for (bool found = walk.First(); found; found = walk.Next()) {
             walk.Read([&] {
-                nodes.emplace_back(projectdb::ToQString(ado::ToText(archives.Get(name))),
-                                   projectdb::ArchiveNodeKey(ado::ToLong(archives.Get(id))));
+                nodes.emplace_back(ado::ToLong(archives.Get(id)),
+                                   projectdb::ToQString(ado::ToText(archives.Get(name))));
             });
         }
     }
-    for (const auto& [text, key] : nodes) host_->AddNode(kRootKey, text, key, {}, kIconKey, {});
+    for (const auto& [archive, text] : nodes) AddArchiveNode(archive, text);
 }
 
 void Connect::RemoveArchiveNodes() {
+    nodeTexts_.clear();
     const std::optional<QStringList> keys = host_->ChildKeys(kRootKey);
     if (!keys) return;
     for (const QString& key : *keys) host_->RemoveNode(key);
 }
 
-void Connect::CKV4Extensibility_NodeClick(const Node& node) {
+void Connect::CKV4Extensibility_NodeClick(const Node& clicked) {
+    const Node node = clicked;  // the host's own one may move when nodes are added
     Guard(u"Connect: NodeClick"_s, [&] {
         if (host_ == nullptr) return;
         FirstUse(node.key);
@@ -247,7 +271,7 @@ void Connect::CKV4Extensibility_NodeClick(const Node& node) {
             SelectOpenNode();
             return;
         }
-        OpenNode(node);
+        if (editor_->IsThere(node.key)) OpenNode(node);
     });
 }
 
@@ -266,6 +290,9 @@ void Connect::OpenArchiveNode(const QString& nodeKey) {
     project_.currentNodeKey = nodeKey;
     projectdb::ReloadTrends(project_, *editor_);
     editor_->MarkArchive(nodeKey);
+    if (!place_ || projectdb::NodeKind(nodeKey) != projectdb::kArchiveKind) return;
+    const EditorPlace place = *std::exchange(place_, {});
+    if (place.nodeKey == nodeKey) editor_->ReturnTo(place);
 }
 
 void Connect::CKV4Extensibility_NodeExpand(const Node& node) {
@@ -284,8 +311,9 @@ void Connect::CKV4Extensibility_NodeMouseUp(const Node& node, int button, int /*
     Guard(u"Connect: NodeMouseUp"_s, [&] {
         editor_->MenuSwitcher(node.key, true);
         const auto popUpEnds = qScopeGuard([&] {
-            // The menu has its own event loop; the window may have gone meanwhile.
-            if (editor_) editor_->MenuSwitcher(node.key, false);
+            // The menu has its own event loop; the window may have gone meanwhile, and what was
+            // chosen may have turned to another node.
+            if (editor_) editor_->MenuSwitcher(editor_->MenuNode(), false);
         });
         if (projectdb::IsOwnNode(node.key)) editor_->PopUpArchiveMenu();
     });
@@ -309,12 +337,20 @@ bool Connect::RunKey(const Node& node, int keyCode, int shift) {
         ShowEditor();
         return true;
     }
+    if (keyCode == kFindKey && shift == KV4AddIn::kCtrl && projectdb::IsOwnNode(node.key)) {
+        BringEditorUp();
+        editor_->FindArchives();
+        return true;
+    }
     for (const CommandKey& key : kCommandKeys) {
-        if (key.keyCode == keyCode && key.shift == shift &&
-            key.kind == projectdb::NodeKind(node.key)) {
+        if (key.keyCode != keyCode || key.shift != shift || !projectdb::IsOwnNode(node.key)) {
+            continue;
+        }
+        if (key.kind == projectdb::NodeKind(node.key)) {
             editor_->mnuArchiv_Click(key.command);
             return true;
         }
+        editor_->HintAtArchiveCommand(key.command);
     }
     return false;
 }
@@ -355,6 +391,15 @@ void Connect::SelectArchive(const QString& nodeKey) {
     OpenNode(node && node->key == nodeKey ? *node : Node{kRootKey, nodeKey, {}});
 }
 
+QStringList Connect::ArchiveKeys() const {
+    if (host_ == nullptr) return {};
+    return host_->ChildKeys(kRootKey).value_or(QStringList());
+}
+
+QString Connect::ArchiveNodeText(const QString& nodeKey) const {
+    return nodeTexts_.value(nodeKey);
+}
+
 QString Connect::SelectedNodeKey() const {
     if (host_ == nullptr) return {};
     const std::optional<Node> node = host_->SelectedNode();
@@ -368,24 +413,37 @@ std::optional<QString> Connect::ChooseVariable(QWidget* owner, const QString& cu
 
 void Connect::AddArchiveNode(std::int32_t archiveId, const QString& name) {
     if (host_ == nullptr) return;
-    host_->AddNode(kRootKey, name, projectdb::ArchiveNodeKey(archiveId), {}, kIconKey, {});
+    const QString key = projectdb::ArchiveNodeKey(archiveId);
+    host_->AddNode(kRootKey, name, key, {}, kIconKey, {});
+    nodeTexts_.insert(key, name);
 }
 
 void Connect::SetArchiveNodeText(std::int32_t archiveId, const QString& name) {
     if (host_ == nullptr) return;
-    host_->RefreshNode(projectdb::ArchiveNodeKey(archiveId), name, kIconKey);
+    const QString key = projectdb::ArchiveNodeKey(archiveId);
+    host_->RefreshNode(key, name, kIconKey);
+    nodeTexts_.insert(key, name);
 }
 
 void Connect::RemoveArchiveNode(std::int32_t archiveId) {
-    if (host_ != nullptr) host_->RemoveNode(projectdb::ArchiveNodeKey(archiveId));
+    if (host_ == nullptr) return;
+    const QString key = projectdb::ArchiveNodeKey(archiveId);
+    host_->RemoveNode(key);
+    nodeTexts_.remove(key);
 }
 
 void Connect::ActualizeConnection() {
     Guard(u"Connect: ActualizeConnection"_s, [&] {
         if (host_ == nullptr) return;
+        KeepPlace();
         RemoveArchiveNodes();
         host_->RefreshNode(kRootKey);
         ShutDown();
         FirstUse(kRootKey);
+        // Where the database could not be opened, the click that opens it goes on.
+        if (!opened_ || !place_) return;
+        const EditorPlace place = *std::exchange(place_, {});
+        if (ArchiveKeys().contains(place.nodeKey)) SelectArchive(place.nodeKey);
+        editor_->ReturnTo(place);
     });
 }

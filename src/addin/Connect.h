@@ -2,6 +2,7 @@
 
 #include <KV4AddIn/KV4AddIn.h>
 
+#include <QHash>
 #include <QObject>
 #include <QPointer>
 
@@ -49,15 +50,15 @@ public:
                                        int& shift) override;
     void CKV4Extensibility_NodeKeyPress(const KV4AddIn::Node&, int&) override {}
     void CKV4Extensibility_NodeKeyUp(const KV4AddIn::Node&, int&, int&) override {}
-    QVariant CKV4Extensibility_GetMessage(const QString&, const QString&,
-                                          const QVariant&) override {
-        return {};
-    }
+    QVariant CKV4Extensibility_GetMessage(const QString& sender, const QString& message,
+                                          const QVariant& value) override;
 
     /// Shows the editor when the tree's selected node is one of the add-in's.
     Q_INVOKABLE void ShowEditor() override;
     // IAddIn
     void SelectArchive(const QString& nodeKey) override;
+    [[nodiscard]] QStringList ArchiveKeys() const override;
+    [[nodiscard]] QString ArchiveNodeText(const QString& nodeKey) const override;
     [[nodiscard]] QString SelectedNodeKey() const override;
     [[nodiscard]] std::optional<QString> ChooseVariable(QWidget* owner,
                                                         const QString& current) override;
@@ -72,7 +73,8 @@ public:
 private:
     void InitTreeView();
     void FindHelpFile();
-    void FirstUse(const QString& node, bool clicked = true);
+    /// `node`: key of what the user has turned to.
+    void FirstUse(QString node, bool clicked = true);
     [[nodiscard]] bool ConnectToDataBase(const QString& databasePath, bool always);
     void TellFailure(const QString& procedure, bool always);
     void SelectOpenNode();
@@ -80,6 +82,7 @@ private:
     void WatchEditor();
     void FillArchiveNodes(projectdb::RowFailures& unreadable);
     void RemoveArchiveNodes();
+    void KeepPlace();
     void OpenNode(const KV4AddIn::Node& node);
     void OpenArchiveNode(const QString& nodeKey);
     [[nodiscard]] bool RunKey(const KV4AddIn::Node& node, int keyCode, int shift);
@@ -93,7 +96,11 @@ private:
     QString projectName_;
     KV4AddIn::IHost* host_ = nullptr;  // null: passive
     QPointer<QWidget> hostWindow_;
-    QPointer<frmtabGrid> editor_;  // a child of hostWindow_; null until first use
+    QPointer<frmtabGrid> editor_;        // a child of hostWindow_; null until first use
+    QHash<QString, QString> nodeTexts_;  // of the archives' nodes, by key
     bool opened_ = false;
     QString toldFailure_;  // details of the failure that the user has been told last
+    // Where the user was when the window before this one went, while he is to come back there.
+    std::optional<EditorPlace> place_;
+    QString reopening_;  // project that the host is going to close and open again
 };

@@ -1,6 +1,8 @@
 #include "dialogs/MConfigeditor.h"
 
+#include <algorithm>
 #include <exception>
+#include <iterator>
 #include <utility>
 
 #include "controls/FontProperties.h"
@@ -75,19 +77,28 @@ void SettingsToDialog(const Session& session, FConfigEditor& dialog) {
     dialog.SelectFirst();
 }
 
-/// The order of all columns once `chosen` are shown: from first to last they take the places of
-/// those among them that are shown already, and the end. All other columns stay where they are.
+/// The order of all columns once `chosen` are shown. Those of them that are shown already take
+/// their places among themselves from first to last, each other one stands behind the chosen one
+/// before it, where the user has put it. All other columns stay where they are.
 QList<int> OrderWith(const QList<int>& chosen, const GridSplit& trends) {
+    const auto isShown = [&](int column) { return trends.ColumnAt(column)->Visible(); };
+    QList<int> known;
+    std::copy_if(chosen.begin(), chosen.end(), std::back_inserter(known), isShown);
     QList<int> order;
-    auto next = chosen.begin();
+    auto next = known.begin();
     for (const int column : trends.ColumnOrders()) {
         if (!chosen.contains(column)) {
             order += column;
-        } else if (trends.ColumnAt(column)->Visible()) {
+        } else if (isShown(column)) {
             order += *next++;
         }
     }
-    for (; next != chosen.end(); ++next) order += *next;
+    const int first = trends.ColumnIndex(u"Name");
+    for (qsizetype i = 0; i < chosen.size(); ++i) {
+        if (isShown(chosen[i])) continue;
+        const int before = i == 0 ? first : chosen[i - 1];
+        order.insert(order.indexOf(before) + 1, chosen[i]);
+    }
     return order;
 }
 

@@ -1,6 +1,10 @@
 #include "editor/EditorLayout.h"
 
+#include <algorithm>
+#include <numeric>
+#include <QMenu>
 #include <QWidget>
+#include <tuple>
 
 #include "controls/FontProperties.h"
 #include "controls/TDBGrid.h"
@@ -23,8 +27,8 @@ constexpr int kNoLcid = 0;
 constexpr double kLargestLcid = 0xFFFFF;
 constexpr double kTwipsPerPixel = 15;  // at 96 dpi, which Qt's pixels are
 
-QString ColumnKey(const QString& column, QStringView property) {
-    return u"tdbA.Splits(1).Columns(\"%1\").%2"_s.arg(column, property);
+QString ColumnKey(int split, const QString& column, QStringView property) {
+    return u"tdbA.Splits(%1).Columns(\"%2\").%3"_s.arg(QString::number(split), column, property);
 }
 
 }  // namespace
@@ -34,6 +38,11 @@ EditorLayout::EditorLayout(frmtabGrid& window)
       settings_(std::make_unique<CInit>()),
       font_(std::make_unique<FontProperties>(window.font())) {
     settings_->SetMotherobject(&window);
+    QObject::connect(font_.get(), &FontProperties::Changed, &window, [&window](const QFont& font) {
+        window.setFont(font);
+        // Menus are windows of their own, to which no font is handed on.
+        for (QMenu* menu : window.findChildren<QMenu*>()) menu->setFont(font);
+    });
 }
 
 EditorLayout::~EditorLayout() = default;
@@ -47,9 +56,10 @@ void EditorLayout::LoadFile(const QString& projectPath) {
     for (int i = 0; i < trends.ColumnCount(); ++i) {
         const GridColumn& column = *trends.ColumnAt(i);
         if (column.DataField().contains(u'.')) continue;  // no path can name it
-        settings_->WriteAValueToCInits(ColumnKey(column.DataField(), u"Width"), kColumnWidth);
-        settings_->WriteAValueToCInits(ColumnKey(column.DataField(), u"Order"), column.Order());
+        settings_->WriteAValueToCInits(ColumnKey(1, column.DataField(), u"Width"), kColumnWidth);
+        settings_->WriteAValueToCInits(ColumnKey(1, column.DataField(), u"Order"), column.Order());
     }
+    EnterOwnDefaults();
     file_ = projectPath.left(projectPath.lastIndexOf(u'\\') + 1) + kFileName;
     defaultOrders_ = settings_->ReadAValueFromCInits(kColumnOrders).AsText();
     // What the built-in layout says has not been stored by anybody.
@@ -63,6 +73,31 @@ std::optional<platform::Lcid> EditorLayout::StoredLcid() const {
     return static_cast<platform::Lcid>(lcid);
 }
 
+/// What the built-in layout knows nothing of, and the user can change all the same.
+void EditorLayout::EnterOwnDefaults() {
+    for (int split = 0; split < TDBGrid::kSplitCount; ++split) {
+        const GridSplit& columns = window_.tdbA->SplitAt(split);
+        for (int i = 0; i < columns.ColumnCount(); ++i) {
+            const GridColumn& column = *columns.ColumnAt(i);
+            const QString visible = ColumnKey(split, column.DataField(), u"Visible");
+            if (!GridColumns::IsForUser(column) || settings_->ParamExist(visible)) continue;
+            settings_->WriteAValueToCInits(visible, column.Visible());
+            if (split == 0) {
+                settings_->WriteAValueToCInits(ColumnKey(split, column.DataField(), u"Width"),
+                                               column.Width());
+            }
+        }
+    }
+    settings_->WriteAValueToCInits(u"tdbA.SplitWidth"_s, window_.tdbA->SplitWidth());
+    settings_->WriteAValueToCInits(u"tdbA.Splits(1).FrozenColumn"_s, u"Name"_s);
+}
+
+void EditorLayout::Continue(const QList<std::pair<QString, InitValue>>& settings) {
+    for (const auto& [path, value] : settings) {
+        if (settings_->ParamExist(path)) settings_->WriteAValueToCInits(path, value);
+    }
+}
+
 void EditorLayout::Apply() {
     embedded_ = window_.parentWidget() != nullptr;
     settings_->SetInitToMotherObject();
@@ -73,6 +108,9 @@ void EditorLayout::ApplyColumnOrders() {
     GridSplit& trends = window_.tdbA->SplitAt(1);
     const QString orders = settings_->ReadAValueFromCInits(kColumnOrders).AsText();
     QList<int> columns = GridColumns::ParseOrders(orders, trends.ColumnCount());
+    const bool fits =
+        orders.count(u',') == trends.ColumnCount() && columns.size() == trends.ColumnCount();
+    if (!fits) columns = OrderByName();
     const int name = trends.ColumnIndex(u"Name");
     // Nobody has moved a column yet: the name comes first.
     if (orders == defaultOrders_) {
@@ -83,16 +121,28 @@ void EditorLayout::ApplyColumnOrders() {
     if (GridColumn* column = trends.Column(u"Name")) column->SetVisible(true);
 }
 
+/// A list of positions of a project with more or fewer languages means other columns here; the
+/// places that stand beside the columns' names keep their sequence in any project.
+QList<int> EditorLayout::OrderByName() const {
+    const GridSplit& trends = window_.tdbA->SplitAt(1);
+    QList<int> columns(trends.ColumnCount());
+    std::iota(columns.begin(), columns.end(), 0);
+    const auto place = [&](int column) {
+        const QString& field = trends.ColumnAt(column)->DataField();
+        return settings_->ReadAValueFromCInits(ColumnKey(1, field, u"Order"), column)
+            .AsNumber(column);
+    };
+    std::stable_sort(columns.begin(), columns.end(),
+                     [&](int a, int b) { return place(a) < place(b); });
+    return columns;
+}
+
 void EditorLayout::TakeColumnOrders() {
     const GridSplit& trends = window_.tdbA->SplitAt(1);
     settings_->WriteAValueToCInits(kColumnOrders, GridColumns::FormatOrders(trends.ColumnOrders()));
 }
 
-void EditorLayout::Save(platform::Lcid currentLcid) {
-    if (!settings_->ReadAValueFromCInits(kSaveOnExit, true).AsBoolean(true)) {
-        settings_->WriteToIni(kSaveOnExit, false);
-        return;
-    }
+QList<std::pair<QString, InitValue>> EditorLayout::Take(platform::Lcid currentLcid) {
     settings_->GetInitFromControl(u"tdbA"_s);
     settings_->GetInitFromControl(u"Me"_s);
     if (currentLcid != kNoLcid) {
@@ -101,6 +151,15 @@ void EditorLayout::Save(platform::Lcid currentLcid) {
         settings_->DeleteAValueInCInits(kCurrentLcid);  // what the file has stays
     }
     TakeColumnOrders();
+    return settings_->Values();
+}
+
+void EditorLayout::Save(platform::Lcid currentLcid) {
+    if (!settings_->ReadAValueFromCInits(kSaveOnExit, true).AsBoolean(true)) {
+        settings_->WriteToIni(kSaveOnExit, false);
+        return;
+    }
+    std::ignore = Take(currentLcid);
     settings_->SaveInits(file_);
 }
 

@@ -2,11 +2,14 @@
 
 #include <memory>
 #include <optional>
+#include <QList>
 #include <QPointF>
 #include <QSizeF>
 #include <QString>
+#include <utility>
 
 #include "platform/Locale.h"
+#include "settings/InitValue.h"
 
 class CInit;
 class FontProperties;
@@ -35,6 +38,9 @@ public:
     /// The text language that the settings file names, which the project need not have; nothing
     /// when it names none.
     [[nodiscard]] std::optional<platform::Lcid> StoredLcid() const;
+    /// The values that another window of the same project had. What this one does not know is
+    /// passed over.
+    void Continue(const QList<std::pair<QString, InitValue>>& settings);
     /// Gives grid and window the values that are in force.
     void Apply();
     /// Brings the trend columns into the order that is in force.
@@ -42,6 +48,8 @@ public:
     /// Takes the order of the trend columns, and which of them are shown, into the settings.
     void TakeColumnOrders();
 
+    /// Takes the layout of the window over; all values that are in force then.
+    [[nodiscard]] QList<std::pair<QString, InitValue>> Take(platform::Lcid currentLcid);
     /// Takes the layout of the window over and writes it, or, when the user does not want it
     /// saved, only that choice. `currentLcid` 0: the project has no language, and none is written.
     /// Throws platform::Error.
@@ -58,6 +66,9 @@ public:
     [[nodiscard]] QObject* Font() const;
 
 private:
+    void EnterOwnDefaults();
+    [[nodiscard]] QList<int> OrderByName() const;
+
     frmtabGrid& window_;
     std::unique_ptr<CInit> settings_;
     std::unique_ptr<FontProperties> font_;

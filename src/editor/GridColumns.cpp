@@ -1,7 +1,10 @@
 #include "editor/GridColumns.h"
 
+#include <algorithm>
 #include <initializer_list>
 
+#include "ado/AdoError.h"
+#include "ado/Recordset.h"
 #include "languages/MResourceTable.h"
 #include "project/Schema.h"
 #include "projectdb/Text.h"
@@ -10,6 +13,11 @@ namespace GridColumns {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+
+constexpr QStringView kLimits[] = {u"Maximum",      u"Minimum",    u"SurrogateMax",
+                                   u"SurrogateMin", u"ErrorValue", u"Hysteresis"};
+
+constexpr QStringView kUnitTable = u"Units";  // what follows the prefix of the table's kind
 
 constexpr double kArchiveWidth = 3000;  // twips
 
@@ -40,7 +48,10 @@ void SetUpTrends(GridSplit& trends, const MResources::TextTable& texts) {
     for (int i = 0; i < trends.ColumnCount(); ++i) {
         GridColumn* column = trends.ColumnAt(i);
         if (!TrendFields().contains(column->DataField())) column->SetVisible(false);
-        if (column->Kind() == GridKind::Number || column->Kind() == GridKind::Integer) {
+        // Projects keep limits as texts, which may be names of variables too.
+        const bool limit = std::find(std::begin(kLimits), std::end(kLimits), column->DataField()) !=
+                           std::end(kLimits);
+        if (limit || column->Kind() == GridKind::Number || column->Kind() == GridKind::Integer) {
             column->SetNumberFormat(u"General Number"_s);
         }
     }
@@ -57,6 +68,40 @@ void SetUpTrends(GridSplit& trends, const MResources::TextTable& texts) {
             known.kind == project::Kind::Colour || known.kind == project::Kind::Variable;
         if (chosen) column->SetButton(true);
     }
+}
+
+void SetUpUnits(GridSplit& trends, ado::Connection& project) {
+    GridColumn* column = trends.Column(u"VUnitID");
+    if (column == nullptr) return;
+    GridValueItems items;
+    try {
+        const std::vector<std::string> tables = project.TableNames();
+        const auto table = std::find_if(tables.begin(), tables.end(), [](const std::string& name) {
+            return projectdb::ToQString(name).endsWith(kUnitTable, Qt::CaseInsensitive);
+        });
+        if (table == tables.end()) return;
+        ado::Recordset units;
+        units.Open(*table, project, ado::CommandType::Table);
+        const std::vector<ado::Field>& fields = units.Fields();
+        const auto text = std::find_if(fields.begin(), fields.end(), [](const ado::Field& field) {
+            return field.type == ado::DataType::VarWChar;
+        });
+        if (text == fields.end()) return;
+        const auto textField = static_cast<std::size_t>(text - fields.begin());
+        const std::size_t idField = units.FieldIndex("ID");
+        for (; !units.IsEOF(); units.MoveNext()) {
+            items.append({ado::ToLong(units.Get(idField)),
+                          projectdb::ToQString(ado::ToText(units.Get(textField)))});
+        }
+    } catch (const ado::AdoError& error) {
+        qWarning("units: %s", error.what());
+        return;
+    }
+    column->SetValueItems(items);
+}
+
+bool IsForUser(const GridColumn& column) {
+    return TrendFields().contains(column.DataField());
 }
 
 QList<QString> TrendFields() {

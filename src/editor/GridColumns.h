@@ -3,6 +3,7 @@
 #include <QList>
 #include <QString>
 
+#include "ado/Connection.h"
 #include "controls/GridSplit.h"
 #include "editor/RecordsetModel.h"
 #include "languages/MResources.h"
@@ -19,6 +20,14 @@ void SetUpArchives(GridSplit& archives, const MResources::TextTable& texts);
 /// Gives the columns of the trend split all that does not change with the rows. Those that are no
 /// setting of a trend (keys and texts) are hidden; the others keep their visibility.
 void SetUpTrends(GridSplit& trends, const MResources::TextTable& texts);
+
+/// Shows the units that the trends' numbers of units stand for. A project without a table of units,
+/// or with one that cannot be read, goes on showing the numbers.
+void SetUpUnits(GridSplit& trends, ado::Connection& project);
+
+/// Whether a column is one that users may show and hide; keys and the texts of other languages are
+/// none.
+[[nodiscard]] bool IsForUser(const GridColumn& column);
 
 /// Fields of a trend in the order of their captions' numbers.
 [[nodiscard]] QList<QString> TrendFields();

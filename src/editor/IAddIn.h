@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <QString>
+#include <QStringList>
 
 #include "editor/ArchiveCommands.h"
 
@@ -16,6 +17,11 @@ public:
 
     /// Selects a node of the add-in in the host's tree and opens it.
     virtual void SelectArchive(const QString& nodeKey) = 0;
+
+    /// Keys of the archives' nodes in the order of the host's tree.
+    [[nodiscard]] virtual QStringList ArchiveKeys() const = 0;
+    /// The name that an archive's node shows; empty when it has none.
+    [[nodiscard]] virtual QString ArchiveNodeText(const QString& nodeKey) const = 0;
 
     /// Key of the node that is selected in the host's tree; empty when it is none of the add-in's.
     [[nodiscard]] virtual QString SelectedNodeKey() const = 0;

@@ -51,6 +51,7 @@ void RecordsetModel::Detach() {
     places_.clear();
     lastRead_.reset();
     missing_ = {};
+    failed_ = false;
     complete_ = true;
     endResetModel();
 }
@@ -58,6 +59,11 @@ void RecordsetModel::Detach() {
 int RecordsetModel::Locate(GridRowId id) {
     while (RowOf(id) < 0 && !complete_) fetchMore({});
     return RowOf(id);
+}
+
+bool RecordsetModel::ReadAll() {
+    while (!complete_) fetchMore({});
+    return !failed_;
 }
 
 GridRowId RecordsetModel::IdAt(int row) const {
@@ -187,7 +193,7 @@ void RecordsetModel::fetchMore(const QModelIndex& parent) {
     const bool missingBefore = missing_.Count() > 0;
     std::vector<Row> portion;
     // The view calls this while it scrolls: nothing may be thrown into it.
-    projectdb::Guard(u"frmtabGrid"_s, [&] { ReadPortion(portion); });
+    if (!projectdb::Guard(u"frmtabGrid"_s, [&] { ReadPortion(portion); })) failed_ = true;
     if (!portion.empty()) {
         const int first = rowCount();
         beginInsertRows({}, first, first + static_cast<int>(portion.size()) - 1);

@@ -40,6 +40,8 @@ public:
 
     /// As RowOf, but reading on as far as needed.
     [[nodiscard]] int Locate(GridRowId id);
+    /// Reads to the end; false when that fails, which has been told.
+    bool ReadAll();
     /// What could not be read so far.
     [[nodiscard]] const projectdb::RowFailures& Missing() const noexcept { return missing_; }
     /// Position of a column in Columns(); -1 when there is none. Exact names.
@@ -107,5 +109,6 @@ private:
     std::optional<ado::Bookmark> lastRead_;  // empty: nothing has been read yet
     projectdb::RowFailures missing_;
     bool complete_ = true;
+    bool failed_ = false;  // reading has ended with an error
     QLocale locale_;
 };

@@ -70,12 +70,13 @@ frmtabGrid::frmtabGrid(projectdb::ProjectContext& project, const MResources::Tex
 
 frmtabGrid::~frmtabGrid() = default;
 
-void frmtabGrid::Load() {
+void frmtabGrid::Load(const EditorPlace* place) {
     ADOArchiv& environment = project_.Environment();
-    archives_->Attach(environment.Recordset(Command::Archives), GridColumns::OfArchives());
+    ReadArchives();
     trends_->AttachTrends(environment.Recordset(Command::tabTrends), {});
     GridColumns::SetUpArchives(tdbA->SplitAt(0), texts_);
     GridColumns::SetUpTrends(tdbA->SplitAt(1), texts_);
+    GridColumns::SetUpUnits(tdbA->SplitAt(1), environment.Connection());
     layout_->LoadDefaults();
     dblangs = new CDBLanguages(registry_, this);
     dblangs->setObjectName(u"dblangs"_s);
@@ -83,6 +84,7 @@ void frmtabGrid::Load() {
                   environment.PrepareRecordset(Command::TLanguages), project_.projectPath);
     environment.PrepareRecordset(Command::IdxTexts);
     layout_->LoadFile(project_.projectPath);
+    if (place != nullptr) layout_->Continue(place->settings);
     dblangs->InitLanguageComboBox(*cmbLanguage, dblangs->StartLanguage(layout_->StoredLcid()));
     connect(dblangs, &CDBLanguages::LanguageChanged, this, [this] {
         Guard(u"frmtabGrid: dblangs_LanguageChanged"_s, [&] { dblangs_LanguageChanged(); });
@@ -107,10 +109,6 @@ void frmtabGrid::Unload() {
 
 void frmtabGrid::MenuSwitcher(const QString& nodeKey, bool popUp) {
     nodeKey_ = nodeKey;
-    const QStringView kind = projectdb::NodeKind(nodeKey);
-    mnuArchiv[0]->setEnabled(kind == projectdb::kRootKind && CanWrite());
-    mnuArchiv[1]->setEnabled(kind == projectdb::kArchiveKind);
-    mnuArchiv[2]->setEnabled(kind == projectdb::kArchiveKind && CanWrite());
     mnuArchiv[kSeparator]->setVisible(popUp);
     mnuArchiv[kShowEditor]->setVisible(popUp);
     UpdateCommands();
@@ -118,9 +116,15 @@ void frmtabGrid::MenuSwitcher(const QString& nodeKey, bool popUp) {
 
 /// What the menu of the trends says when it opens holds for the toolbar at any time.
 void frmtabGrid::UpdateCommands() {
-    const bool archive = projectdb::NodeKind(nodeKey_) == projectdb::kArchiveKind;
-    const GridSplit& trends = tdbA->SplitAt(1);
+    const QStringView kind = projectdb::NodeKind(nodeKey_);
+    const bool archive = kind == projectdb::kArchiveKind;
+    // The list of the archives is as good a place for a new one as the node above them.
+    const bool inList = active_ && tdbA->Split() == 0;
     const bool canWrite = CanWrite();
+    mnuArchiv[0]->setEnabled((kind == projectdb::kRootKind || inList) && canWrite);
+    mnuArchiv[1]->setEnabled(archive);
+    mnuArchiv[2]->setEnabled(archive && canWrite);
+    const GridSplit& trends = tdbA->SplitAt(1);
     const bool selected = archive && !trends.SelectedRows().isEmpty();
     mnuTrend[0]->setEnabled(archive && canWrite);
     mnuTrend[1]->setEnabled(archive && trends.CurrentRow() != kNoGridRow);
@@ -164,7 +168,8 @@ void frmtabGrid::StepArchive(int step) {
     const QList<GridRowId> rows = tdbA->SplitAt(0).ShownRows();
     const qsizetype at = rows.indexOf(tdbA->SplitAt(0).CurrentRow());
     const qsizetype next = at < 0 ? 0 : at + step;
-    if (next < 0 || next >= rows.size() || !CommitPendingEdit()) return;
+    if (next < 0 || next >= rows.size()) return Hint(MResourceTable::kTextHintNoFurtherArchive);
+    if (!CommitPendingEdit()) return;
     addIn_.SelectArchive(projectdb::ArchiveNodeKey(static_cast<std::int32_t>(rows[next])));
 }
 
@@ -173,15 +178,26 @@ bool frmtabGrid::CommitPendingEdit() {
 }
 
 void frmtabGrid::Activate() {
-    // A command that runs brings the trends up to date itself.
+    active_ = true;
+    MenuSwitcher(project_.currentNodeKey, false);
+    // A command that runs brings the rows up to date itself.
     if (busy_ || trendCommands_->IsEditing()) return;
+    FollowArchives();
     projectdb::ReloadTrends(project_, *this);
+}
+
+bool frmtabGrid::Deactivate() {
+    active_ = false;
+    UpdateCommands();
+    return CommitPendingEdit();
 }
 
 // The texts of the grid and the menus stay: the interface speaks the station's language. What
 // depends on the project's language is read when it is used, by the dialogs and the commands.
 void frmtabGrid::dblangs_LanguageChanged() {
     CommitPendingEdit();
+    // Or the next arrow key, meant for the rows, would go on in the list of languages.
+    tdbA->SetSplit(tdbA->Split());
     projectdb::ReloadTrends(project_, *this);
 }
 
@@ -304,6 +320,7 @@ QString frmtabGrid::PanelText(int panel) const {
 }
 
 void frmtabGrid::SetPanelText(int panel, const QString& text) {
+    sb->clearMessage();  // a hint hides the panels
     panels_.at(static_cast<std::size_t>(panel - 1))->setText(text);
 }
 
@@ -318,11 +335,29 @@ bool frmtabGrid::eventFilter(QObject* watched, QEvent* event) {
         event->ignore();
         return true;
     }
+    if (watched == cmbLanguage && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter) {
+            tdbA->SetSplit(tdbA->Split());
+            return true;
+        }
+        // Chosen in the list: a key in passing must not turn the language of all texts.
+        if (key == Qt::Key_Down || key == Qt::Key_Up) {
+            cmbLanguage->showPopup();
+            return true;
+        }
+    }
     if (watched == txtFind && event->type() == QEvent::FocusIn) {
         const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-        const bool turnedTo =
-            reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason;
-        if (turnedTo && std::exchange(narrowed_, tdbA->Split()) != narrowed_) txtFind->clear();
+        // Keys have said already what is to be narrowed.
+        const bool turnedTo = reason != Qt::PopupFocusReason &&
+                              reason != Qt::ActiveWindowFocusReason &&
+                              reason != Qt::ShortcutFocusReason;
+        if (turnedTo && narrowed_ != tdbA->Split()) {
+            narrowed_ = tdbA->Split();
+            txtFind->clear();
+            ShowNarrowing();
+        }
     }
     if (watched == txtFind && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();

@@ -7,6 +7,7 @@
 
 #include "dialogs/DialogServices.h"
 #include "editor/ArchiveCommands.h"
+#include "editor/EditorPlace.h"
 #include "editor/IAddIn.h"
 #include "editor/NameLists.h"
 #include "languages/MResources.h"
@@ -55,11 +56,16 @@ public:
                IAddIn& addIn, platform::Registry& registry, QWidget* parent = nullptr);
     ~frmtabGrid() override;
 
-    /// Reads the settings beside the project and the project's languages, and applies them.
-    void Load();
+    /// Reads the settings beside the project and the project's languages, and applies them. With a
+    /// place of another window on the same project that window's settings are in force.
+    void Load(const EditorPlace* place = nullptr);
     /// Binds the grid to the recordsets of archives and trends, which are open, and lays its
     /// columns out as the settings say.
     void SetUpColumns();
+    /// Where the user is; an edit that is pending is stored first.
+    [[nodiscard]] EditorPlace Place();
+    /// Goes on from there: order of the rows, current cells, keyboard. The node is open already.
+    void ReturnTo(const EditorPlace& place);
     /// Writes the settings and lets go of all recordsets. What fails in writing is thrown when the
     /// recordsets have been let go of.
     void Unload();
@@ -67,6 +73,8 @@ public:
     /// Sets the menus for a node of the host's tree. `popUp`: while the archive menu is shown as
     /// the context menu of the tree.
     void MenuSwitcher(const QString& nodeKey, bool popUp);
+    /// The node that the menus stand for.
+    [[nodiscard]] const QString& MenuNode() const noexcept { return nodeKey_; }
     /// Sets the caption for a node of the host's tree; `name` is the node's text.
     void MakeMyCaption(const QString& nodeKey, const QString& name);
     /// Marks the archive of the node in split 0; none for the root node.
@@ -74,8 +82,18 @@ public:
     /// Writes what is being edited in the grid. False when that has failed: the user has been told,
     /// and what was typed is still in its cell. Whatever would take the cell away is left undone.
     bool CommitPendingEdit();
-    /// The user has turned to the window: what others have changed meanwhile is shown.
+    /// The user has turned to the window: what others have changed meanwhile is shown, and the
+    /// menus stand for the archive that is open.
     void Activate();
+    /// The user has turned away: what was being edited is stored; false as CommitPendingEdit.
+    bool Deactivate();
+    /// Whether the archive of a node is still in the file. When another program has deleted it the
+    /// user is told, and it goes from the list and the tree. True for nodes that are no archive's.
+    [[nodiscard]] bool IsThere(const QString& nodeKey);
+    /// Leads the keyboard to the find field, to narrow the list of archives.
+    void FindArchives();
+    /// Says in the status bar what an archive command that the tree's node does not allow needs.
+    void HintAtArchiveCommand(int index);
     /// Runs an archive command: 0 New, 1 Edit, 2 Delete, 4 Show editor.
     void mnuArchiv_Click(int index);
     /// Runs a trend command: 0 New, 1 Edit, 2 Delete.
@@ -130,6 +148,7 @@ public:
     QToolBar* tbrfunc = nullptr;
     QComboBox* cmbLanguage = nullptr;
     QLineEdit* txtFind = nullptr;
+    QLabel* lblFound = nullptr;  // how many rows the find field leaves
     QStatusBar* sb = nullptr;
     QLabel* lblTextsMissing = nullptr;  // tells of trends that are not shown; hidden without any
     CDBLanguages* dblangs = nullptr;
@@ -155,18 +174,41 @@ private:
     void UpdateCommands();
     /// False for a project that can only be looked at.
     [[nodiscard]] bool CanWrite();
+    /// Why a command cannot run now; empty when it can.
+    [[nodiscard]] QString Obstacle(const QAction& command);
+    /// Says something in the status bar for a while; nobody has to answer.
+    void Hint(int text);
+    void Hint(const QString& text);
     void ShowMissingTrends();
     void CountMissingTexts(ado::Recordset& shown);
     void ShowDataError(int number, const QString& text, const QString& details);
     void ChooseForCell(std::int64_t row, int column);
     void Tell(const QString& text);
+    void OpenHeadingMenu(int split, int column, const QPoint& position);
+    void FreezeName(bool freeze);
+    void ShowFreezing();
+    /// The user wants the find field, to narrow this split.
+    void Find(int split);
+    void ShowNarrowing();
     void OpenContextMenu(int split, const QPoint& position);
     void Copy();
     void Paste();
     void DuplicateSelection();
     void StepArchive(int step);
     [[nodiscard]] bool RunKey(const QKeyEvent& event);
-    void RefreshArchives();
+    void ReadArchives();
+    /// The archives as the file has them now. When the one that is open has gone, `instead` is
+    /// opened.
+    void RefreshArchives(const QString& instead = {});
+    /// Brings list and tree to the archives that the file has now; the open one may be among those
+    /// that have gone, which is told.
+    void FollowArchives();
+    void TellOfDeletedArchive(const QString& name);
+    void ShowNewArchive(std::int32_t id);
+    [[nodiscard]] QString ArchiveName(std::int32_t id);
+    /// Key of the archive that comes after one in the list or tree that the user works in, or
+    /// before it when it is the last; the root's when there is none.
+    [[nodiscard]] QString ArchiveBeside(const QString& nodeKey);
     void PasteCell(const QString& text);
     void ShowTrends(const std::vector<std::int32_t>& ids);
     void WriteCell(std::int64_t row, int column, const QVariant& value);
@@ -174,7 +216,8 @@ private:
     void ShowReport();
     void ShowOptions();
     [[nodiscard]] DialogServices Services();
-    [[nodiscard]] AskUser Question();
+    /// `about`: what the question's title names; may be empty.
+    [[nodiscard]] AskUser Question(const QString& about = {});
     [[nodiscard]] platform::Lcid CurrentLcid() const;
     [[nodiscard]] QString LanguageColumn() const;
 
@@ -196,6 +239,8 @@ private:
     QString nodeKey_;                    // the node that the menus stand for
     bool marking_ = false;               // the selection in split 0 follows the tree just now
     int narrowed_ = 1;                   // the split that the find field narrows
+    bool narrowedToNothing_ = false;     // which is said in the status bar
     bool busy_ = false;                  // a command runs
+    bool active_ = false;                // the keyboard is in the window
     bool columnsSetUp_ = false;
 };

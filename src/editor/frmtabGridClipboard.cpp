@@ -28,15 +28,21 @@ void frmtabGrid::Copy() {
     } else if (split.CurrentRow() != kNoGridRow) {
         QApplication::clipboard()->setText(
             split.CellText(split.CurrentRow(), split.CurrentColumn()));
+    } else {
+        Hint(MResourceTable::kTextHintNothingToCopy);
     }
 }
 
 void frmtabGrid::Paste() {
-    if (busy_ || tdbA->Split() != 1) return;
+    if (busy_) return;
+    if (tdbA->Split() != 1) return Hint(MResourceTable::kTextHintPasteIntoTrends);
     const QScopedValueRollback busy(busy_, true);
     if (!CommitPendingEdit()) return;
+    if (!IsThere(project_.currentNodeKey)) return;
     const QMimeData* held = QApplication::clipboard()->mimeData();
-    if (held == nullptr || held->text().isEmpty()) return;
+    if (held == nullptr || held->text().isEmpty()) {
+        return Hint(MResourceTable::kTextHintNothingToPaste);
+    }
     const TrendClipboard::Reader reader{tdbA->SplitAt(1), *trends_, texts_, QLocale()};
     const auto pasted = TrendClipboard::Parse(*held, reader);
     if (!pasted) return PasteCell(TrendClipboard::SingleCell(held->text()));
@@ -61,7 +67,9 @@ void frmtabGrid::PasteCell(const QString& text) {
     const GridSplit& trends = tdbA->SplitAt(1);
     const GridRowId row = trends.CurrentRow();
     const int column = trends.CurrentColumn();
-    if (row == kNoGridRow || column < 0 || !trends.CanEdit(row, column)) return;
+    if (row == kNoGridRow || column < 0 || !trends.CanEdit(row, column)) {
+        return Hint(MResourceTable::kTextHintCellLocked);
+    }
     const auto value =
         TrendClipboard::ReadCell(text, column, {trends, *trends_, texts_, QLocale()});
     if (!value) {

@@ -1,7 +1,6 @@
 // The commands of the editor window.
 
 #include <QComboBox>
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
 #include <QScopedValueRollback>
@@ -16,11 +15,11 @@
 #include "editor/EditorLayout.h"
 #include "editor/frmtabGrid.h"
 #include "editor/GridColumns.h"
+#include "editor/HeadingMenu.h"
 #include "editor/RowProgress.h"
 #include "editor/Statistic.h"
 #include "editor/TrendCommands.h"
 #include "editor/TrendRows.h"
-#include "help/HelpTopics.h"
 #include "languages/CDBLanguages.h"
 #include "languages/MResourceTable.h"
 #include "platform/ComponentRegistry.h"
@@ -88,13 +87,14 @@ QString frmtabGrid::LanguageColumn() const {
     return u'L' + QString::number(CurrentLcid());
 }
 
-AskUser frmtabGrid::Question() {
+AskUser frmtabGrid::Question(const QString& about) {
     const bool ask = Settings().ReadAValueFromCInits(u"RequestOnDelete"_s, true).AsBoolean(true);
     if (!ask) return {};
-    return [this](const QString& question) {
+    QString title = texts_.GetText(MResourceTable::kTextEditorTitle);
+    if (!about.isEmpty()) title += u": "_s + about;
+    return [this, title](const QString& question) {
         return platform::ShowMessage(question, platform::MessageButtons::OkCancelDefaultCancel,
-                                     texts_.GetText(MResourceTable::kTextEditorTitle),
-                                     this) == platform::MessageResult::Ok;
+                                     title, this) == platform::MessageResult::Ok;
     };
 }
 
@@ -106,12 +106,20 @@ void frmtabGrid::mnuArchiv_Click(int index) {
     // The tree may have another node selected, of another editor; then the archive that is open.
     const QString selected = addIn_.SelectedNodeKey();
     const QString key = selected.isEmpty() ? project_.currentNodeKey : selected;
+    if (index != kNew && !IsThere(key)) return;
+    const QString beside = index == kDelete ? ArchiveBeside(key) : QString();
+    std::int32_t made = 0;
     // What is done is shown, even when a later step of the command fails.
-    const auto show = qScopeGuard([&] { Guard(u"frmtabGrid"_s, [&] { RefreshArchives(); }); });
+    const auto show = qScopeGuard([&] {
+        Guard(u"frmtabGrid"_s, [&] {
+            RefreshArchives(beside);
+            if (made != 0) ShowNewArchive(made);
+        });
+    });
     switch (index) {
         case kNew: {
             const Busy pointer;
-            archiveCommands_->New(LanguageColumn());
+            made = archiveCommands_->New(LanguageColumn());
             return;
         }
         case kEdit:
@@ -124,7 +132,8 @@ void frmtabGrid::mnuArchiv_Click(int index) {
             return;
         case kDelete: {
             RowProgress progress(texts_, MResourceTable::kTextDeletingTrends, this);
-            archiveCommands_->Delete(key, Question(), progress.Function());
+            archiveCommands_->Delete(key, Question(ArchiveName(projectdb::NodeId(key))),
+                                     progress.Function());
             return;
         }
         default:
@@ -132,37 +141,21 @@ void frmtabGrid::mnuArchiv_Click(int index) {
     }
 }
 
-/// The archives as the file has them now, with the caption of the one that is open.
-void frmtabGrid::RefreshArchives() {
-    const QScopedValueRollback marking(marking_, true);
-    ado::Recordset& archives = project_.Environment().Recordset(Command::Archives);
-    archives_->Detach();
-    if (archives.State() == ado::ObjectState::Open) {
-        archives.Requery();
-    } else {
-        project_.Environment().Open(Command::Archives);
-    }
-    archives_->Attach(archives, GridColumns::OfArchives());
-    const QString& key = project_.currentNodeKey;
-    MarkArchive(key);
-    const int row = archives_->Locate(projectdb::NodeId(key));
-    if (row >= 0) {
-        MakeMyCaption(key, archives_->index(row, archives_->ColumnOf("Name")).data().toString());
-    } else if (projectdb::NodeKind(key) == projectdb::kArchiveKind) {
-        addIn_.SelectArchive(projectdb::kRootKind.toString());  // it has been deleted
-    }
-}
-
 void frmtabGrid::mnuTrend_Click(int index) {
     if (busy_) return;
     const QScopedValueRollback busy(busy_, true);
     if (!CommitPendingEdit()) return;
+    if (!IsThere(project_.currentNodeKey)) return;
     GridSplit& trends = tdbA->SplitAt(1);
     switch (index) {
         case kNew: {
-            const Busy pointer;
-            const std::int32_t id = trendCommands_->New();
-            if (id != 0) ShowTrends({id});
+            const std::int32_t id = [this] {
+                const Busy pointer;
+                return trendCommands_->New();
+            }();
+            if (id == 0) return;
+            ShowTrends({id});
+            trends.BeginEdit();
             return;
         }
         case kEdit: {
@@ -231,6 +224,7 @@ void frmtabGrid::DuplicateSelection() {
     if (busy_) return;
     const QScopedValueRollback busy(busy_, true);
     if (!CommitPendingEdit()) return;
+    if (!IsThere(project_.currentNodeKey)) return;
     DuplicateCommands commands(project_, *this, names_, texts_, addIn_);
     RowProgress progress(texts_, MResourceTable::kTextCopyingTrends, this);
     if (tdbA->Split() == 0) {
@@ -248,15 +242,18 @@ void frmtabGrid::DuplicateSelection() {
     ShowTrends(commands.DuplicateTrends(Ids(rows), progress.Function()));
 }
 
-/// Selects new trends. What narrows the split would hide them.
+/// Selects new trends, with the first one's name as the current cell and the keyboard there. What
+/// narrows the split would hide them.
 void frmtabGrid::ShowTrends(const std::vector<std::int32_t>& ids) {
     if (ids.empty()) return;
     GridSplit& trends = tdbA->SplitAt(1);
-    if (!trends.SetCurrentCell(ids.front())) {
+    const int name = trends.ColumnIndex(u"Name");
+    if (!trends.SetCurrentCell(ids.front(), name)) {
         txtFind->clear();
-        trends.SetCurrentCell(ids.front());
+        trends.SetCurrentCell(ids.front(), name);
     }
-    if (ids.size() > 1) trends.SelectRows(Rows(ids));
+    trends.SelectRows(Rows(ids));
+    tdbA->SetSplit(1);
 }
 
 /// Writes a cell that has not been typed into, telling of a failure as the grid does.
@@ -329,47 +326,15 @@ void frmtabGrid::OpenContextMenu(int split, const QPoint& position) {
         menu.addSeparator();
         menu.addAction(mnuFreeze);
     }
+    GridSplit& grid = tdbA->SplitAt(split);
+    QMenu* column = menu.addMenu(texts_.GetText(MResourceTable::kTextColumnMenu));
+    HeadingMenu::Fill(*column, grid, grid.CurrentColumn(), texts_);
     menu.exec(position);
 }
 
-bool frmtabGrid::RunKey(const QKeyEvent& event) {
-    const bool archives = tdbA->Split() == 0;
-    const auto run = [](QAction* action) {
-        action->trigger();  // nothing happens while it is disabled
-        return true;
-    };
-    const int key = event.key();
-    if (event.modifiers() == Qt::NoModifier) {
-        switch (key) {
-            case Qt::Key_F1:
-                addIn_.ShowHelpTopic(archives ? help::kHelpEditorWindow : help::kHelpTrendGrid,
-                                     this);
-                return true;
-            case Qt::Key_F8:
-                return run(archives ? mnuArchiv[0] : mnuTrend[0]);
-            case Qt::Key_F9:
-                return run(archives ? mnuArchiv[1] : mnuTrend[1]);
-            case Qt::Key_Insert:
-                return run(mnuTrend[0]);
-            default:
-                return false;
-        }
-    }
-    if (event.modifiers() != Qt::ControlModifier) return false;
-    switch (key) {
-        case Qt::Key_Delete:
-            return run(archives ? mnuArchiv[2] : mnuTrend[2]);
-        case Qt::Key_C:
-            return run(mnuCopy);
-        case Qt::Key_V:
-            return run(mnuPaste);
-        case Qt::Key_D:
-            return run(mnuDuplicate);
-        case Qt::Key_F:
-            txtFind->setFocus(Qt::ShortcutFocusReason);
-            txtFind->selectAll();
-            return true;
-        default:
-            return false;
-    }
+void frmtabGrid::OpenHeadingMenu(int split, int column, const QPoint& position) {
+    QMenu menu(this);
+    menu.setObjectName(u"mnuHead"_s);
+    HeadingMenu::Fill(menu, tdbA->SplitAt(split), column, texts_);
+    menu.exec(position);
 }

@@ -120,8 +120,7 @@ void frmtabGrid::BuildMenus() {
     mnuFreeze = new QAction(texts_.GetText(MResourceTable::kTextFreezeName), this);
     mnuFreeze->setObjectName(u"mnuFreeze"_s);
     mnuFreeze->setCheckable(true);
-    connect(mnuFreeze, &QAction::toggled, this,
-            [this](bool on) { tdbA->SplitAt(1).SetFrozenColumn(on ? u"Name"_s : QString()); });
+    connect(mnuFreeze, &QAction::triggered, this, &frmtabGrid::FreezeName);
 }
 
 void frmtabGrid::BuildToolBar() {
@@ -142,9 +141,6 @@ void frmtabGrid::BuildToolBar() {
 QLayout* frmtabGrid::BuildTopRow() {
     txtFind = new QLineEdit(this);
     txtFind->setObjectName(u"txtFind"_s);
-    txtFind->setPlaceholderText(texts_.GetText(MResourceTable::kTextNarrow));
-    txtFind->setAccessibleName(texts_.GetText(MResourceTable::kTextNarrow));
-    txtFind->setToolTip(texts_.GetText(MResourceTable::kTextNarrow));
     txtFind->setClearButtonEnabled(true);
     txtFind->addAction(MakeIcon(EditorIcon::Find), QLineEdit::LeadingPosition);
     const int letter = txtFind->fontMetrics().averageCharWidth();
@@ -155,7 +151,13 @@ QLayout* frmtabGrid::BuildTopRow() {
         for (int split = 0; split < TDBGrid::kSplitCount; ++split) {
             tdbA->SplitAt(split).SetFilterText(narrowed_ == split ? text : QString());
         }
+        ShowNarrowing();
     });
+    lblFound = new QLabel(this);
+    lblFound->setObjectName(u"lblFound"_s);
+    lblFound->setTextFormat(Qt::PlainText);
+    lblFound->setContentsMargins(kSpaceBesideRow, 0, 0, 0);
+    ShowNarrowing();
 
     cmbLanguage = new QComboBox(this);
     cmbLanguage->setObjectName(u"cmbLanguage"_s);
@@ -170,6 +172,7 @@ QLayout* frmtabGrid::BuildTopRow() {
     row->setContentsMargins(0, 0, kSpaceBesideRow, 0);
     row->addWidget(tbrfunc);
     row->addWidget(txtFind, 1);
+    row->addWidget(lblFound);
     row->addStretch(1);
     row->addWidget(cmbLanguage);
     return row;
@@ -180,9 +183,6 @@ void frmtabGrid::BuildGrid() {
     tdbA->setObjectName(u"tdbA"_s);
     tdbA->SetTexts([this](int id) { return texts_.GetText(id); });
     tdbA->Splitter()->handle(1)->setObjectName(u"pctTrdTabSplit"_s);
-    tdbA->Splitter()->setStretchFactor(0, 0);
-    tdbA->Splitter()->setStretchFactor(1, 1);
-    tdbA->Splitter()->setSizes({280, 720});
     archives_ = new RecordsetModel(texts_, this);
     trends_ = new TrendRows(
         texts_, names_, [this](int text) { Tell(texts_.GetText(text)); }, this);
@@ -199,6 +199,7 @@ void frmtabGrid::BuildGrid() {
     const auto guarded = [](auto body) { Guard(u"frmtabGrid: tdbA"_s, body); };
     connect(&archives, &GridSplit::RowColChange, this,
             [this, guarded] { guarded([this] { ArchiveRowChanged(); }); });
+    connect(&trends, &GridSplit::LayoutChanged, this, &frmtabGrid::ShowFreezing);
     connect(&archives, &GridSplit::DblClick, this,
             [this, guarded] { guarded([this] { mnuArchiv_Click(1); }); });
     connect(&trends, &GridSplit::DblClick, this,
@@ -220,7 +221,13 @@ void frmtabGrid::BuildGrid() {
                 [this, split](GridRowId, int, const QPoint& position) {
                     OpenContextMenu(split, position);
                 });
+        connect(&tdbA->SplitAt(split), &GridSplit::HeadMenu, this,
+                [this, split](int column, const QPoint& position) {
+                    OpenHeadingMenu(split, column, position);
+                });
+        connect(&tdbA->SplitAt(split), &GridSplit::FilterChanged, this, &frmtabGrid::ShowNarrowing);
     }
+    connect(tdbA, &TDBGrid::SplitChange, this, &frmtabGrid::UpdateCommands);
     connect(tdbA, &TDBGrid::PageRequested, this,
             [this, guarded](int step) { guarded([&] { StepArchive(step); }); });
 }

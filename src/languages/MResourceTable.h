@@ -346,6 +346,38 @@ inline constexpr int kTextTrendsPartlyDeleted = 1378;   // <n> and <left> are re
 inline constexpr int kTextOneTextMissing = 1379;
 inline constexpr int kTextTextsMissing = 1380;  // <n> is replaced
 
+// Status bar of the editor window: why a command cannot run, and what to do
+inline constexpr int kTextHintBusy = 1400;
+inline constexpr int kTextHintNewArchive = 1401;
+inline constexpr int kTextHintNoArchive = 1402;
+inline constexpr int kTextHintNoTrend = 1403;
+inline constexpr int kTextHintNoSelection = 1404;
+inline constexpr int kTextHintNothingToCopy = 1405;
+inline constexpr int kTextHintNothingToPaste = 1406;
+inline constexpr int kTextHintPasteIntoTrends = 1407;
+inline constexpr int kTextHintCellLocked = 1408;
+inline constexpr int kTextHintNoFurtherArchive = 1409;
+inline constexpr int kTextArchiveDeletedElsewhere = 1410;  // <name> is replaced
+inline constexpr int kTextHintReadOnly = 1411;
+
+// Menu of a heading in the editor window
+inline constexpr int kTextSortUpwards = 1420;
+inline constexpr int kTextSortDownwards = 1421;
+inline constexpr int kTextUnsorted = 1422;
+inline constexpr int kTextHideColumn = 1423;
+inline constexpr int kTextShowColumn = 1424;
+inline constexpr int kTextFitColumn = 1425;
+inline constexpr int kTextFitAllColumns = 1426;
+inline constexpr int kTextFreezeColumns = 1427;
+inline constexpr int kTextReleaseColumns = 1428;
+inline constexpr int kTextColumnMenu = 1429;
+
+// Find field of the editor window
+inline constexpr int kTextNarrowArchives = 1440;
+inline constexpr int kTextNarrowTrends = 1441;
+inline constexpr int kTextRowsShown = 1442;     // <n> and <all> are replaced
+inline constexpr int kTextNothingShown = 1443;  // <text> is replaced
+
 /// Words that every dialog uses; they are entered first.
 extern const std::span<const Entry> kCommonWords;
 /// The texts with numbers of old, and those from 1001 on; each in ascending order.

@@ -197,7 +197,7 @@ TEST_F(ConnectTest, KeysActOnTheirNodesOnly) {
     const Case cases[] = {
         {kRoot, 119, 0, true},       {u"ARCH1"_s, 119, 0, false}, {u"VARS"_s, 119, 0, false},
         {kRoot, 119, 1, false},      {u"ARCH1"_s, 120, 0, true},  {kRoot, 120, 0, false},
-        {u"ARCH1"_s, 120, 2, false}, {u"ARCH1"_s, 46, 2, true},   {u"ARCH1"_s, 46, 0, false},
+        {u"ARCH1"_s, 120, 2, false}, {u"ARCH1"_s, 46, 2, true},   {u"ARCH2"_s, 46, 0, false},
         {kRoot, 46, 2, false},       {u"ARCH2"_s, 117, 4, true},  {kRoot, 117, 0, false},
         {kRoot, 117, 5, false},      {u"VARS"_s, 65, 0, false},
     };

@@ -5,6 +5,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPointer>
+#include <QStatusBar>
 
 #include "addin/EditorTest.h"
 #include "projectdb/Text.h"
@@ -174,14 +175,16 @@ TEST_F(EditorCommandTest, DeclinedDeletionsChangeNothing) {
     EXPECT_EQ(RowCount(0), 14);
 }
 
-TEST_F(EditorCommandTest, DeletingTheOpenArchiveGoesToTheRoot) {
-    Open(u"ARCH4"_s);
+TEST_F(EditorCommandTest, DeletingTheOnlyArchiveGoesToTheRoot) {
+    project_ = CopyProject(QStringLiteral(KV_TEST_DATA "/Leer.kvs"), u"Leer.kvs"_s);
+    Open(u"ARC0"_s);
     TurnTo(0);
+    Key(Qt::Key_F8);
+    ASSERT_EQ(RowCount(0), 1);
     Key(Qt::Key_Delete, Qt::ControlModifier);
     EXPECT_EQ(messages_.size(), 1);
-    EXPECT_EQ(RowCount(0), 13);
-    EXPECT_EQ(RowCount(1), 0);
-    EXPECT_EQ(host_.Find(u"ARCH4"_s), nullptr);
+    EXPECT_EQ(RowCount(0), 0);
+    EXPECT_FALSE(host_.ChildKeys(u"ARC0"_s));
     EXPECT_EQ(host_.selected, u"ARC0"_s);
     EXPECT_EQ(Editor()->windowTitle(), u"Archive Editor"_s);
     EXPECT_EQ(Shown(u"mnuTrend(0)"_s), u"off"_s);
@@ -212,10 +215,10 @@ TEST_F(EditorCommandTest, KeysRunTheCommandsOfTheSplitThatHasThem) {
     host_.selected = u"VARS"_s;
     EXPECT_EQ(DialogOf([&] { Key(Qt::Key_F9); }), u"FArchiv"_s);
     Key(Qt::Key_F8);
-    EXPECT_EQ(RowCount(0), 14) << "a new archive is made at the root";
+    EXPECT_EQ(RowCount(0), 15) << "also while one is open";
     Click(u"ARC0"_s);
     Key(Qt::Key_F8);
-    EXPECT_EQ(RowCount(0), 15);
+    EXPECT_EQ(RowCount(0), 16);
     EXPECT_THAT(host_.ChildTexts(u"ARC0"_s), Contains(u"New Archive"_s));
 
     Click(u"ARCH2"_s);
@@ -283,6 +286,34 @@ TEST_F(EditorCommandTest, NarrowingShowsSomeRowsAndStoresNothing) {
     Click(u"ARCH9"_s);
     EXPECT_EQ(RowCount(1), 12);
     EXPECT_EQ(CurrentRow(0), -1);
+}
+
+TEST_F(EditorCommandTest, NarrowingTellsHowManyRowsAreLeft) {
+    Open();
+    auto* found = Editor()->findChild<QLabel*>(u"lblFound"_s);
+    auto* bar = Editor()->findChild<QStatusBar*>(u"sb"_s);
+    EXPECT_FALSE(found->isVisible());
+    Key(Qt::Key_F, Qt::ControlModifier);
+    Type(u"temp"_s);
+    EXPECT_EQ(found->text(), u"%1 of 24"_s.arg(RowCount(1)));
+    Type(u"xyz"_s);
+    EXPECT_EQ(RowCount(1), 0);
+    EXPECT_EQ(found->text(), u"0 of 24"_s);
+    EXPECT_TRUE(bar->currentMessage().contains(u"\"tempxyz\""_s));
+    Key(Qt::Key_Escape);
+    EXPECT_EQ(RowCount(1), 24);
+    EXPECT_FALSE(found->isVisible());
+    EXPECT_EQ(bar->currentMessage(), QString());
+
+    // From the tree it narrows the archives.
+    TurnAway();
+    EXPECT_FALSE(KeyIsLeft(u"ARCH1"_s, 70, KV4AddIn::kCtrl));
+    TurnTo(1);
+    Find()->setFocus(Qt::ShortcutFocusReason);
+    ASSERT_TRUE(Find()->placeholderText().contains(u"archives"_s));
+    Type(u"keller"_s);
+    EXPECT_EQ(found->text(), u"2 of 14"_s);
+    EXPECT_EQ(RowCount(1), 24);
 }
 
 TEST_F(EditorCommandTest, RowsAreCopiedWithTheirHeadings) {
@@ -471,7 +502,7 @@ TEST_F(EditorCommandTest, TheNameColumnStaysInView) {
     for (const QString& field : {u"VMax"_s, u"VMin"_s, u"Unit"_s, u"Maximum"_s, u"Minimum"_s}) {
         Column(1, field)->setProperty("Visible", true);
     }
-    Action(u"mnuFreeze"_s)->trigger();
+    EXPECT_TRUE(Action(u"mnuFreeze"_s)->isChecked());
     ASSERT_EQ(ShownFields(1).first(), u"Name"_s);
     Split(1)->horizontalScrollBar()->setValue(Split(1)->horizontalScrollBar()->maximum());
     QApplication::processEvents();

@@ -1,14 +1,20 @@
 #include <gmock/gmock.h>
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QPushButton>
+#include <QRegularExpression>
+#include <QSplitter>
 #include <QStatusBar>
+#include <QTimer>
 #include <QWheelEvent>
 
 #include "addin/EditorTest.h"
@@ -43,7 +49,7 @@ protected:
 TEST_F(EditorLayoutTest, WithoutAFileTheBuiltInLayoutIsShown) {
     Open();
     EXPECT_THAT(ShownFields(0), ElementsAre(u"Name"_s, u"Comment"_s));
-    // The default says nothing of the last four, so that nobody can hide them.
+    // The options say nothing of the last four; the menu of their headings does.
     EXPECT_THAT(ShownFields(1), ElementsAre(u"Name"_s, u"TrendVar"_s, u"Comment"_s, u"Factor"_s,
                                             u"Offset"_s, u"Unit"_s, u"VLineStyle"_s));
     EXPECT_EQ(Width(u"Name"_s, 0), 3000);
@@ -225,6 +231,143 @@ TEST_F(EditorLayoutTest, AnotherLanguageOfTheTextsIsWhatTheDialogsShow) {
         EXPECT_EQ(shown,
                   lcid == 1033 ? u"Temperature Maischbottich"_s : u"Temperatur Maischbottich"_s);
     }
+}
+
+// The places of columns are counted over all of them, also those with the texts of each language.
+TEST_F(EditorLayoutTest, ColumnsKeepTheirOrderInAProjectWithOtherLanguages) {
+    Open();
+    Column(1, u"Maximum"_s)->setProperty("Visible", true);
+    QHeaderView* header = Split(1)->horizontalHeader();
+    header->moveSection(header->visualIndex(ColumnNumber(1, u"Comment"_s)), 1);
+    header->moveSection(header->visualIndex(ColumnNumber(1, u"Maximum"_s)), 2);
+    const QStringList shown = ShownFields(1);
+    EXPECT_EQ(shown.mid(0, 3), (QStringList{u"Name"_s, u"Comment"_s, u"Maximum"_s}));
+    CloseProject();
+    // As a project with two languages more has left it.
+    QString ini = QString::fromStdString(Ini());
+    QString orders = u"TDBAColOrders="_s;
+    for (int i = 39; i >= 0; --i) orders += u',' + QString::number(i);
+    ini.replace(QRegularExpression(u"TDBAColOrders=[^\r]*"_s), orders);
+    QFile file(IniPath());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(ini.toLatin1());
+    file.close();
+    Open();
+    EXPECT_EQ(ShownFields(1), shown);
+}
+
+TEST_F(EditorLayoutTest, WhatTheUserHasSetIsKept) {
+    WriteIni(
+        "Me.Width=50000\r\nMe.Height=40000.5\r\nMe.Font.Size=13\r\n"
+        "tdbA.Splits(1).FrozenColumn=TrendVar\r\ntdbA.SplitWidth=6000\r\n");
+    for (int i = 0; i < 2; ++i) {
+        Open();
+        EXPECT_EQ(Editor()->font().pointSizeF(), 13);
+        EXPECT_EQ(Editor()->findChild<QStatusBar*>(u"sb"_s)->font().pointSizeF(), 13);
+        EXPECT_EQ(Split(0)->width(), 400);
+        EXPECT_FALSE(Action(u"mnuFreeze"_s)->isChecked());
+        auto* strip = Split(1)->findChild<QTableView*>();
+        EXPECT_TRUE(strip->isVisible());
+        EXPECT_FALSE(strip->isColumnHidden(ColumnNumber(1, u"TrendVar"_s)));
+        EXPECT_FALSE(strip->isColumnHidden(ColumnNumber(1, u"Name"_s)));
+        CloseProject();
+        EXPECT_THAT(Ini(), HasSubstr("Me.Width=50000\r\n"));
+        EXPECT_THAT(Ini(), HasSubstr("Me.Height=40000.5\r\n"));
+    }
+    // What has been changed is stored as it is now.
+    Open();
+    auto* splitter = Grid()->findChild<QSplitter*>();
+    const QPoint at = splitter->handle(1)->rect().center();
+    QTest::mousePress(splitter->handle(1), Qt::LeftButton, {}, at);
+    QTest::mouseMove(splitter->handle(1), at - QPoint(100, 0));
+    QTest::mouseRelease(splitter->handle(1), Qt::LeftButton, {}, at);
+    const int width = Split(0)->width();
+    EXPECT_LT(width, 350);
+    Action(u"mnuFreeze"_s)->trigger();
+    Action(u"mnuFreeze"_s)->trigger();
+    CloseProject();
+    EXPECT_THAT(Ini(), HasSubstr("tdbA.Splits(1).FrozenColumn=\r\n"));
+    Open();
+    EXPECT_EQ(Split(0)->width(), width);
+    EXPECT_FALSE(Split(1)->findChild<QTableView*>()->isVisible());
+}
+
+TEST_F(EditorLayoutTest, TheMenuOfAHeadingHidesShowsFitsAndFreezes) {
+    Open();
+    const auto choose = [this](const QString& field, const QString& entry) {
+        bool chosen = false;
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, [&] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            if (menu == nullptr) return;
+            auto* action = menu->findChild<QAction*>(entry);
+            chosen = action != nullptr && action->isEnabled();
+            if (chosen) action->trigger();
+            menu->close();
+        });
+        timer.start(1);
+        QHeaderView* header = Split(1)->horizontalHeader();
+        const int column = ColumnNumber(1, field);
+        const QPoint at(header->sectionViewportPosition(column) + 5, 5);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, at, header->viewport()->mapToGlobal(at));
+        QApplication::sendEvent(header->viewport(), &event);
+        return chosen;
+    };
+    EXPECT_FALSE(choose(u"Name"_s, u"mnuHeadHide"_s)) << "the name stays";
+    EXPECT_TRUE(choose(u"Factor"_s, u"mnuHeadHide"_s));
+    EXPECT_FALSE(ShownFields(1).contains(u"Factor"_s));
+    EXPECT_TRUE(choose(u"TrendVar"_s, u"mnuHeadShow(Maximum)"_s));
+    EXPECT_EQ(ShownFields(1).mid(0, 3), (QStringList{u"Name"_s, u"TrendVar"_s, u"Maximum"_s}));
+    EXPECT_TRUE(choose(u"Maximum"_s, u"mnuHeadFit"_s));
+    EXPECT_LT(Width(u"Maximum"_s), 2900);
+    EXPECT_TRUE(choose(u"TrendVar"_s, u"mnuHeadFreeze"_s));
+    EXPECT_EQ(SplitObject(1)->property("FrozenColumn").toString(), u"TrendVar"_s);
+    EXPECT_TRUE(choose(u"Unit"_s, u"mnuHeadDown"_s));
+    EXPECT_EQ(Text(RowCount(1) - 1, u"Unit"_s), u"%"_s);
+    CloseProject();
+    Open();
+    EXPECT_FALSE(ShownFields(1).contains(u"Factor"_s)) << "and stays away";
+    EXPECT_TRUE(choose(u"Offset"_s, u"mnuHeadShow(Factor)"_s));
+    EXPECT_TRUE(ShownFields(1).contains(u"Factor"_s));
+}
+
+TEST_F(EditorLayoutTest, ColumnsChosenInTheOptionsStandWhereTheDialogShowsThem) {
+    Open();
+    const auto choose = [](QDialog& dialog) {
+        auto* hidden = dialog.findChild<QListWidget*>(u"lstTrendColExist"_s);
+        auto* shown = dialog.findChild<QListWidget*>(u"lstTrendColChoosed"_s);
+        hidden->setCurrentRow(0);
+        emit hidden->itemDoubleClicked(hidden->item(0));
+        shown->setCurrentRow(shown->count() - 1);
+        dialog.findChild<QAction*>(u"btnUp"_s)->trigger();
+        dialog.findChild<QPushButton*>(u"cmdOk"_s)->click();
+    };
+    EXPECT_EQ(DialogOf([&] { Action(u"mnuExtra(4)"_s)->trigger(); }, choose), u"FConfigEditor"_s);
+    // Not behind the columns that the dialog does not offer.
+    EXPECT_EQ(ShownFields(1).mid(0, 4),
+              (QStringList{u"Name"_s, u"TrendVar"_s, u"Maximum"_s, u"Comment"_s}));
+}
+
+TEST_F(EditorLayoutTest, AKeyInPassingTurnsNoLanguage) {
+    Open();
+    auto* languages = Editor()->findChild<QComboBox*>(u"cmbLanguage"_s);
+    const int before = languages->currentIndex();
+    languages->setFocus();
+    Key(Qt::Key_Down);
+    EXPECT_EQ(languages->currentIndex(), before);
+    EXPECT_TRUE(languages->view()->isVisible()) << "they are chosen in the list";
+    languages->hidePopup();
+    Key(Qt::Key_Escape);
+    EXPECT_EQ(Keyboard(), Split(1));
+    // One that is chosen gives the keyboard back.
+    languages->setFocus();
+    languages->setCurrentIndex(1 - before);
+    emit languages->activated(1 - before);
+    EXPECT_EQ(Keyboard(), Split(1));
+    const int row = CurrentRow();
+    Key(Qt::Key_Down);
+    EXPECT_EQ(CurrentRow(), row + 1);
+    EXPECT_EQ(languages->currentIndex(), 1 - before);
 }
 
 // A picture of every look when KV_SCREENSHOTS names a folder; always: icons and texts that can be

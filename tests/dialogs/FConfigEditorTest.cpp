@@ -225,7 +225,7 @@ TEST_P(FConfigEditorTest, OkTakesOver) {
         QTest::mouseClick(dialog.cmdOk, Qt::LeftButton);
     });
     EXPECT_TRUE(taken);
-    EXPECT_EQ(Shown(), Words("Name Factor Unit VMax Comment Minimum"));
+    EXPECT_EQ(Shown(), Words("Name VMax Factor Unit Comment Minimum"));
     EXPECT_TRUE(statusBar_.isHidden());
     for (const auto& key : {u"RequestOnDelete"_s, u"SaveOnExit"_s, u"sb.Visible"_s}) {
         EXPECT_FALSE(Setting(key)) << key.toStdString();
@@ -261,7 +261,7 @@ TEST_P(FConfigEditorTest, ColumnsThatCannotBeChosenKeepTheirPlaces) {
                  Click(dialog, dialog.btnAdd);
              }
          },
-         "TrendVar Name Comment Unit Factor VMax VMin"},
+         "TrendVar Name Comment VMax VMin Unit Factor"},
         {"TrendVar Comment VMax Name Factor Unit VMin",
          [](FConfigEditor& dialog) {
              Select(dialog.lstTrendColChoosed, "VMax");

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "controls/GridSplit.h"
+#include "languages/MResources.h"
+
+class QMenu;
+
+/// The menu of a heading: order of the rows, which columns are shown, how wide they are, and which
+/// stay in view when scrolling sideways. What it changes is the grid's own, as if done by mouse.
+namespace HeadingMenu {
+
+/// Adds the commands for a column of the split, or with -1 those for all columns. Both are
+/// borrowed and outlive the menu.
+void Fill(QMenu& menu, GridSplit& split, int column, const MResources::TextTable& texts);
+
+}  // namespace HeadingMenu

@@ -1,0 +1,90 @@
+// What the user sees of the rows in the editor window and where he is: narrowing, frozen columns,
+// and the place that another window goes on from.
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QScopedValueRollback>
+#include <QStatusBar>
+#include <utility>
+
+#include "controls/TDBGrid.h"
+#include "editor/EditorLayout.h"
+#include "editor/frmtabGrid.h"
+#include "languages/MResourceTable.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+EditorPlace frmtabGrid::Place() {
+    CommitPendingEdit();
+    EditorPlace place;
+    place.nodeKey = project_.currentNodeKey;
+    if (dblangs != nullptr) place.settings = layout_->Take(CurrentLcid());
+    for (int i = 0; i < TDBGrid::kSplitCount; ++i) {
+        const GridSplit& split = tdbA->SplitAt(i);
+        const GridColumn* column = split.ColumnAt(split.CurrentColumn());
+        place.splits.at(static_cast<std::size_t>(i)) = {
+            split.SortField(), split.SortOrder(), split.CurrentRow(),
+            column != nullptr ? column->DataField() : QString()};
+    }
+    place.split = tdbA->Split();
+    place.keyboard = active_;
+    return place;
+}
+
+void frmtabGrid::ReturnTo(const EditorPlace& place) {
+    const QScopedValueRollback marking(marking_, true);
+    for (int i = 0; i < TDBGrid::kSplitCount; ++i) {
+        GridSplit& split = tdbA->SplitAt(i);
+        const EditorPlace::Split& was = place.splits.at(static_cast<std::size_t>(i));
+        split.Sort(was.sortField, was.sortOrder);
+        // In the list of archives the current row is the open archive's, which may be another.
+        if (i == 1 && was.row != kNoGridRow) {
+            split.SetCurrentCell(was.row, split.ColumnIndex(was.column));
+        }
+    }
+    if (place.keyboard) tdbA->SetSplit(place.split);
+}
+
+void frmtabGrid::Find(int split) {
+    if (std::exchange(narrowed_, split) != split) txtFind->clear();
+    ShowNarrowing();
+    txtFind->setFocus(Qt::ShortcutFocusReason);
+    txtFind->selectAll();
+}
+
+void frmtabGrid::FindArchives() {
+    Find(0);
+}
+
+void frmtabGrid::ShowNarrowing() {
+    const QString what = texts_.GetText(narrowed_ == 0 ? MResourceTable::kTextNarrowArchives
+                                                       : MResourceTable::kTextNarrowTrends);
+    txtFind->setPlaceholderText(what);
+    txtFind->setAccessibleName(what);
+    txtFind->setToolTip(what);
+    const GridSplit& split = tdbA->SplitAt(narrowed_);
+    const QString text = split.FilterText();
+    const bool empty = !text.isEmpty() && split.Source() != nullptr && split.RowCount() == 0 &&
+                       split.Source()->rowCount() > 0;
+    if (std::exchange(narrowedToNothing_, empty) && !empty) sb->clearMessage();
+    lblFound->setVisible(!text.isEmpty());
+    if (text.isEmpty() || split.Source() == nullptr) return;
+    // A narrowed split has read all its rows.
+    const int all = split.Source()->rowCount();
+    lblFound->setText(texts_.GetText(MResourceTable::kTextRowsShown)
+                          .replace(u"<n>"_s, QString::number(split.RowCount()))
+                          .replace(u"<all>"_s, QString::number(all)));
+    if (!empty) return;
+    // For as long as it is so.
+    sb->showMessage(texts_.GetText(MResourceTable::kTextNothingShown).replace(u"<text>"_s, text));
+}
+
+void frmtabGrid::FreezeName(bool freeze) {
+    GridSplit& trends = tdbA->SplitAt(1);
+    if (GridColumn* name = trends.Column(u"Name"); name != nullptr && freeze) name->SetOrder(0);
+    trends.SetFrozenColumn(freeze ? u"Name"_s : QString());
+}
+
+void frmtabGrid::ShowFreezing() {
+    mnuFreeze->setChecked(tdbA->SplitAt(1).FrozenColumn() == u"Name");
+}
