@@ -25,6 +25,7 @@ ExitStatus Check(const std::string& file, std::FILE* out, std::FILE* err) {
         return done;
     };
     if (auto database = OpenFile(file); database.IsOk()) {
+        messages.Warn((*database)->TakeNotices());
         status = (*database)->WhileQuiet([&](jet::File& f) { return check(f); });
     } else if (auto plain = jet::OpenFile(paths::ToNative(file)); plain.IsOk()) {
         // What cannot be opened as a database can still be told to be none.

@@ -1,6 +1,7 @@
 #include "jet/Compact.h"
 #include "paths/NativePath.h"
 #include "tools/Commands.h"
+#include "tools/Messages.h"
 
 namespace tools {
 
@@ -10,6 +11,7 @@ ExitStatus Compact(const std::string& file, std::FILE* out, std::FILE* err) {
         std::fprintf(err, "kvs: %s: %s\n", file.c_str(), sizes.GetStatus().Text().c_str());
         return kFailure;
     }
+    Messages(err, file).Warn(sizes->notices);
     constexpr unsigned kKilobyte = 1024;
     std::fprintf(out, "%ju KB before, %ju KB after\n",
                  static_cast<std::uintmax_t>(sizes->before / kKilobyte),

@@ -57,6 +57,7 @@ jet::Status DumpTable(const std::string& file, const std::string& name, RowWrite
                       TextBuffer& output, Messages& messages) {
     std::unique_ptr<jet::Database> database;
     JET_ASSIGN(database, OpenFile(file));
+    messages.Warn(database->TakeNotices());
     const jet::ReadScope scope = database->Hold();
     JET_TRY(scope.GetStatus());
     std::unique_ptr<jet::Table> table;

@@ -7,6 +7,7 @@
 #include "ado/Connection.h"
 #include "tools/Commands.h"
 #include "tools/CsvReader.h"
+#include "tools/Messages.h"
 #include "tools/ValueParser.h"
 
 namespace tools {
@@ -26,12 +27,14 @@ ExitStatus Edit(const std::string& file, const std::string& table, std::FILE* ou
         ado::Connection connection;
         connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file +
                         ";Mode=Read|Write|Share Deny None;");
+        Messages(err, file).Warn(connection.TakeNotices());
         ado::Recordset rows;
         rows.Open(table, connection, ado::CommandType::Table);
         change.prepare(rows);
         connection.BeginTrans();
         const std::size_t count = change.run(rows);
         connection.CommitTrans();
+        Messages(err, file).Warn(connection.TakeNotices());
         std::fprintf(out, "%zu %s\n", count, count == 1 ? "row" : "rows");
         return std::fflush(out) == 0 ? kSuccess : kFailure;
     } catch (const ado::AdoError& error) {

@@ -8,6 +8,12 @@ void Messages::Report(const jet::Status& status) {
     if (++count_ <= kMost) texts_.push_back(status.Text());
 }
 
+void Messages::Warn(const std::vector<std::string>& notices) {
+    for (const std::string& notice : notices) {
+        std::fprintf(stream_, "kvs: %s: warning: %s\n", file_.c_str(), notice.c_str());
+    }
+}
+
 ExitStatus Messages::Finish(TextBuffer& out) {
     out.Finish();
     for (const std::string& text : texts_) {

@@ -18,6 +18,8 @@ public:
     Messages(std::FILE* stream, std::string file) : stream_(stream), file_(std::move(file)) {}
 
     void Report(const jet::Status& status);
+    /// What the user should know, and no failure.
+    void Warn(const std::vector<std::string>& notices);
     /// Waits for `out` and shows the messages, also what has become of `out`. The status with which
     /// the command ends. REQUIRES: the file is no longer held.
     [[nodiscard]] ExitStatus Finish(TextBuffer& out);

@@ -27,6 +27,7 @@ std::uint64_t CountRows(jet::Table& table, Messages& messages) {
 jet::Status ListTables(const std::string& file, TextBuffer& output, Messages& messages) {
     std::unique_ptr<jet::Database> database;
     JET_ASSIGN(database, OpenFile(file));
+    messages.Warn(database->TakeNotices());
     const jet::ReadScope scope = database->Hold();
     JET_TRY(scope.GetStatus());
     std::vector<jet::Status> damage;

@@ -204,6 +204,11 @@ const std::string& Connection::DataSource() const noexcept {
     return rep_->source;
 }
 
+std::vector<std::string> Connection::TakeNotices() {
+    RequireOpen(*this);
+    return rep_->database->TakeNotices();
+}
+
 std::vector<std::string> Connection::TableNames() const {
     RequireOpen(*this);
     std::vector<std::string> names;

@@ -52,6 +52,9 @@ public:
     [[nodiscard]] bool IsWritable() const;
     /// The data source as the connection string gave it; empty while closed.
     [[nodiscard]] const std::string& DataSource() const noexcept;
+    /// What the user should know about the file since the last call, a sentence each; see
+    /// jet::Database. No failures.
+    [[nodiscard]] std::vector<std::string> TakeNotices();
     /// Names of the user tables, in the order of the catalog.
     [[nodiscard]] std::vector<std::string> TableNames() const;
     /// The recordsets that are open on this connection, in the order in which they were opened.

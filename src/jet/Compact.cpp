@@ -22,6 +22,19 @@ Status RequireSound(File& file) {
     return status;
 }
 
+/// A file that somebody else keeps open.
+class BorrowedFile final : public File {
+public:
+    explicit BorrowedFile(const File& file) : file_(file) {}
+    Result<std::size_t> Read(std::uint64_t offset, std::span<std::byte> into) const override {
+        return file_.Read(offset, into);
+    }
+    Result<FileStamp> Stamp() const override { return file_.Stamp(); }
+
+private:
+    const File& file_;
+};
+
 }  // namespace
 
 /// One compaction, in a transaction of the old file that changes nothing: it keeps other writers
@@ -29,27 +42,17 @@ Status RequireSound(File& file) {
 class Compaction {
 public:
     Compaction(Disk& disk, std::string path, Database& database)
-        : disk_(disk),
-          path_(std::move(path)),
-          draftPath_(path_ + "-compact"),
-          database_(database) {}
+        : disk_(disk), path_(std::move(path)), database_(database) {}
 
     Result<CompactSizes> Run() {
         FileStamp before;
         JET_ASSIGN(before, database_.file_->Stamp());
         JET_TRY(RequireSound(*database_.file_).In("it is damaged and must be repaired first"));
         JET_TRY(RequireNoMore());
-        // A compaction that died may have left one.
-        JET_TRY(disk_.Remove(draftPath_));
-        Status status = WriteDraft();
-        if (status.IsOk()) status = Verify().In("the new file is not as it should be");
-        if (status.IsOk()) status = Swap(before);
-        if (!status.IsOk()) {
-            // The failure to be told is the first one.
-            std::ignore = disk_.Remove(draftPath_);
-            return status;
-        }
-        return CompactSizes{before.size, newSize_};
+        JET_TRY(WriteDraft());
+        JET_TRY(Verify().In("the new file is not as it should be"));
+        JET_TRY(Swap(before));
+        return CompactSizes{before.size, newSize_, {}};
     }
 
 private:
@@ -70,13 +73,12 @@ private:
         // Once only counted: tables keep the numbers that lie inside the new file or little behind.
         compact::Draft counted(nullptr);
         JET_TRY(Fill(counted, 0));
-        std::unique_ptr<File> file;
-        JET_ASSIGN(file, disk_.CreateLike(draftPath_, path_));
-        compact::Draft draft(file.get());
+        JET_ASSIGN(draft_, disk_.CreateReplacement(path_));
+        compact::Draft draft(draft_.get());
         const std::uint32_t used = counted.UsedCount();
         JET_TRY(Fill(draft, used + used / 8 + 16));
         newSize_ = std::uint64_t{draft.PageCount()} * kPageSizeJet4;
-        return file->Sync();
+        return draft_->Sync();
     }
 
     /// Definitions of tables stay on pages below `keptBelow`.
@@ -111,11 +113,9 @@ private:
     }
 
     Status Verify() {
-        std::unique_ptr<File> file;
-        JET_ASSIGN(file, disk_.Open(draftPath_, OpenMode::Read));
-        JET_TRY(RequireSound(*file));
+        JET_TRY(RequireSound(*draft_));
         std::unique_ptr<Database> copy;
-        JET_ASSIGN(copy, Database::Open(std::move(file)));
+        JET_ASSIGN(copy, Database::Open(std::make_unique<BorrowedFile>(*draft_)));
         return compact::CompareContent(database_, *copy, moves_);
     }
 
@@ -126,13 +126,26 @@ private:
         if (!(now == before)) {
             return {StatusCode::Busy, "another program has changed the file meanwhile"};
         }
-        return disk_.Replace(draftPath_, path_);
+        // A file needs a name to take another's place; it has one of its own for that moment.
+        Status named;
+        std::string name = path_ + "-compact";
+        for (int i = 2; i < kMostNames; ++i) {
+            named = disk_.Publish(*draft_, name);
+            if (named.Code() != StatusCode::Duplicate) break;
+            name = path_ + "-compact-" + std::to_string(i);
+        }
+        JET_TRY(named);
+        Status status = disk_.Replace(name, path_);
+        // The failure to be told is the first one.
+        if (!status.IsOk() && disk_.HasName(*draft_, name)) std::ignore = disk_.Remove(name);
+        return status;
     }
 
     Disk& disk_;
     std::string path_;
-    std::string draftPath_;
+    static constexpr int kMostNames = 100;
     Database& database_;
+    std::unique_ptr<File> draft_;
     compact::TableMoves moves_;
     std::uint64_t newSize_ = 0;  // bytes
 };
@@ -147,6 +160,7 @@ Result<CompactSizes> Compact(Disk& disk, const std::string& path) {
     if (!others.empty()) return OthersAreThere(others);
     JET_TRY(database->Begin());
     Result<CompactSizes> sizes = Compaction(disk, path, *database).Run();
+    if (sizes.IsOk()) sizes->notices = database->TakeNotices();
     // Nothing has been changed in it, and the file may have another's place now.
     std::ignore = database->Rollback();
     return sizes;

@@ -2,15 +2,16 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "jet/Disk.h"
 
 namespace jet {
 
-/// Sizes of a file in bytes.
 struct CompactSizes {
-    std::uint64_t before = 0;
-    std::uint64_t after = 0;
+    std::uint64_t before = 0;          // bytes of the file
+    std::uint64_t after = 0;           // likewise
+    std::vector<std::string> notices;  // see Database
 };
 
 /// Writes what a Jet 4 file holds into a new one without the room that nothing uses, makes sure

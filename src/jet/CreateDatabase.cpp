@@ -142,23 +142,19 @@ Status Fill(Disk& disk, const std::string& path, const std::function<Status(Data
     return database->Commit();
 }
 
-/// Fails when there is anything at `path`. A journal that lies there alone belonged to a database
-/// that has been removed, and must not be put back into the new one.
-Status MakeRoom(Disk& disk, const std::string& path) {
+/// Fails when there is anything at `path`. The journal of a database that has been removed may lie
+/// there; whoever opens the new one sets it aside.
+Status RequireNothing(Disk& disk, const std::string& path) {
     const auto present = disk.Open(path, OpenMode::Read);
-    if (present.IsOk() || present.GetStatus().Code() != StatusCode::NotFound) {
-        return {StatusCode::Duplicate, "there is something of this name already"};
-    }
-    bool hasJournal = false;
-    JET_ASSIGN(hasJournal, Journal::Exists(disk, path));
-    return hasJournal ? Journal::Remove(disk, path) : Status();
+    if (!present.IsOk() && present.GetStatus().Code() == StatusCode::NotFound) return {};
+    return {StatusCode::Duplicate, "there is something of this name already"};
 }
 
 }  // namespace
 
 Status CreateDatabase(Disk& disk, const std::string& path,
                       const std::function<Status(Database&)>& fill) {
-    JET_TRY(MakeRoom(disk, path));
+    JET_TRY(RequireNothing(disk, path));
     Image image;
     JET_ASSIGN(image, NewImage());
     const std::string draft = path + ".new" + std::to_string(::getpid());
@@ -167,7 +163,7 @@ Status CreateDatabase(Disk& disk, const std::string& path,
     if (status.IsOk()) status = disk.GiveName(draft, path);
     if (!status.IsOk()) {
         // The failure to be told is the first one.
-        std::ignore = Journal::Remove(disk, draft);
+        std::ignore = disk.Remove(Journal::PathFor(draft));
         std::ignore = disk.Remove(draft);
     }
     return status;

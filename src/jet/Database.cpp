@@ -109,8 +109,13 @@ Status Database::Join(Disk& disk, const std::string& path, OpenMode mode) {
     // From now on it is the same file that is open and locked.
     JET_TRY(file_->Stamp().GetStatusOrOk());
     if (std::string notice = locks_->Notice(); !notice.empty()) Notify(std::move(notice));
-    cache_.SetLocks(locks_.get(), [this] { return Recover(); });
-    JET_TRY(Recover().GetStatusOrOk());
+    recovery_.emplace(disk, path, *file_,
+                      [this](std::string notice) { Notify(std::move(notice)); });
+    cache_.SetGuard(
+        {locks_.get(), [this] { return recovery_->IsNeeded(); }, [this] { return Recover(); }});
+    cache_.SetSpill([this] { return disk_->CreateDraft(path_); });
+    // Puts back what a program that died has left.
+    JET_TRY(ReadScope(cache_).GetStatus());
     return mode == OpenMode::ReadWrite && context_.format == Format::Jet4 ? TellWhetherWritable()
                                                                           : Status();
 }
@@ -145,31 +150,72 @@ std::vector<std::string> Database::OtherUsers() const {
     return locks_ ? locks_->OtherUsers() : std::vector<std::string>();
 }
 
-/// True when a program that died had left a change, and it has been put back.
+/// What the page cache asks for when there may be a journal. True: look again.
 Result<bool> Database::Recover() {
-    // A sound file can be read whatever lies beside it: what cannot be opened is no journal, and
-    // only who wants to write has to know why.
-    const Result<bool> exists = Journal::Exists(*disk_, path_);
-    if (!exists.IsOk() || !*exists) return false;
-    // A journal belongs to the program that is writing, if there is one.
-    if (locks_->IsWriterAtWork()) return false;
+    using Outcome = Recovery::Outcome;
+    constexpr std::chrono::milliseconds kNoWait{0};
+    Status status = locks_->LockWriter(kNoWait);
+    if (status.IsOk()) {
+        Result<Outcome> outcome = RollBackJournal();
+        locks_->UnlockWriter();
+        if (!outcome.IsOk()) return outcome.GetStatus();
+        return *outcome != Outcome::Ignored;
+    }
+    // Who may not write, or not now, can read on when there is no half of a change in the file.
+    JET_TRY(locks_->LockPagesShared(kCommitWait));
+    Result<Outcome> outcome = recovery_->Run(nullptr);
+    locks_->UnlockPages();
+    if (!outcome.IsOk()) return outcome.GetStatus();
+    if (*outcome != Outcome::Interrupted) return *outcome == Outcome::Nothing;
+    if (status.Code() != StatusCode::Busy) {
+        return status.In("an interrupted change has to be taken back first");
+    }
+    // Another program is about to.
     JET_TRY(locks_->LockWriter(kWriterWait));
-    Result<bool> putBack = RollBackJournal();
     locks_->UnlockWriter();
-    return putBack;
+    return true;
 }
 
 /// REQUIRES: this program holds the writer lock.
-Result<bool> Database::RollBackJournal() {
-    bool exists = false;
-    JET_ASSIGN(exists, Journal::Exists(*disk_, path_));
-    if (!exists) return false;
-    Result<std::unique_ptr<File>> file = disk_->Open(path_, OpenMode::ReadWrite);
-    if (!file.IsOk()) return file.GetStatus().In("an interrupted change cannot be taken back");
+Result<Recovery::Outcome> Database::RollBackJournal() {
+    std::unique_ptr<File> own;
+    if (mode_ != OpenMode::ReadWrite) {
+        Result<std::unique_ptr<File>> file = disk_->Open(path_, OpenMode::ReadWrite);
+        if (!file.IsOk()) {
+            return file.GetStatus().In("an interrupted change cannot be taken back");
+        }
+        own = std::move(*file);
+        // It still is the one that is locked.
+        JET_TRY(file_->Stamp().GetStatusOrOk());
+    }
     JET_TRY(locks_->LockPages({}, kCommitWait));
-    Result<bool> putBack = Journal::RollBack(*disk_, path_, **file);
+    Result<Recovery::Outcome> outcome = recovery_->Run(own != nullptr ? own.get() : file_.get());
     locks_->UnlockPages();
-    return putBack;
+    return outcome;
+}
+
+/// The maps of pages that have left-over bits behind the end of the file.
+/// REQUIRES: this program holds the writer lock.
+Result<std::vector<std::uint32_t>> Database::PrepareToWrite() {
+    if (recovery_->IsNeeded()) {
+        Recovery::Outcome outcome{};
+        JET_ASSIGN(outcome, RollBackJournal());
+        if (outcome == Recovery::Outcome::Ignored) {
+            const std::string why = told_.empty() ? "a journal is in the way" : told_.back();
+            return Status(StatusCode::Permission, "it cannot be changed: " + why);
+        }
+    }
+    JET_TRY(cache_.Revalidate());
+    std::vector<std::uint32_t> leftOvers;
+    if (pagesAreSound_) return leftOvers;
+    Result<std::vector<std::uint32_t>> checked = CheckPages(cache_);
+    if (!checked.IsOk()) {
+        return Status::Corrupt(
+            "it is damaged and cannot be written: " + checked.GetStatus().Text() + kRepairHint);
+    }
+    // Until a transaction that removes them has been committed, the next one has to.
+    pagesAreSound_ = checked->empty();
+    return checked;
 }
 
 Status Database::Begin() {
@@ -191,28 +237,16 @@ Status Database::Begin() {
         return Status::BadArgument("nothing can be changed while one state of it is read");
     }
     JET_TRY(locks_->LockWriter(kWriterWait));
-    Status status = RollBackJournal().GetStatusOrOk();
-    if (status.IsOk()) status = cache_.Revalidate();
-    std::vector<std::uint32_t> leftOvers;
-    if (status.IsOk() && !pagesAreSound_) {
-        Result<std::vector<std::uint32_t>> checked = CheckPages(cache_);
-        if (!checked.IsOk()) {
-            status = Status::Corrupt(
-                "it is damaged and cannot be written: " + checked.GetStatus().Text() + kRepairHint);
-        }
-        if (checked.IsOk()) leftOvers = std::move(*checked);
-        // Until a transaction that removes them has been committed, the next one has to.
-        pagesAreSound_ = status.IsOk() && leftOvers.empty();
-    }
-    if (!status.IsOk()) {
+    Result<std::vector<std::uint32_t>> leftOvers = PrepareToWrite();
+    if (!leftOvers.IsOk()) {
         locks_->UnlockWriter();
-        return status;
+        return leftOvers.GetStatus();
     }
     cache_.Begin();
     known_ = KnownTables();
     isRolledBack_ = false;
     depth_ = 1;
-    return RemoveLeftOvers(leftOvers);
+    return RemoveLeftOvers(*leftOvers);
 }
 
 Status Database::RemoveLeftOvers(const std::vector<std::uint32_t>& maps) {
@@ -221,16 +255,15 @@ Status Database::RemoveLeftOvers(const std::vector<std::uint32_t>& maps) {
         const Status status = UsageMapEditor(cache_, map).RemoveBehindEnd();
         if (status.IsOk()) continue;
         depth_ = 0;
-        std::ignore = EndTransaction(false);  // the failure to be told is the first one
+        EndTransaction(false);
         return status;
     }
     return {};
 }
 
-Status Database::EndTransaction(bool committed) {
-    Status status = cache_.End(committed);
+void Database::EndTransaction(bool committed) {
+    cache_.End(committed);
     locks_->UnlockWriter();
-    return status;
 }
 
 Status Database::Commit() {
@@ -238,8 +271,7 @@ Status Database::Commit() {
     if (--depth_ > 0) return {};
     if (isRolledBack_) return Status::BadArgument("the transaction has been rolled back");
     Status status = cache_.HasChanges() ? WriteTransaction() : Status();
-    if (status.IsOk()) return EndTransaction(true);
-    std::ignore = EndTransaction(false);  // the failure to be told is the first one
+    EndTransaction(status.IsOk());
     return status;
 }
 
@@ -247,25 +279,41 @@ Status Database::Commit() {
 Status Database::WriteTransaction() {
     cache_.BeginStep();
     JET_TRY(cache_.CountCommit(locks_->User()));
-    Status status =
-        Journal::Write(*disk_, path_, cache_.PageSize(), cache_.SizeBefore(), cache_.Before());
-    if (status.IsOk()) status = locks_->LockPages(cache_.ChangedPages(), kCommitWait);
-    if (!status.IsOk()) {
-        // The database has not been touched, and a journal that stays behind does no harm.
-        std::ignore = Journal::Remove(*disk_, path_);
-        return status;
-    }
-    status = cache_.WriteChanges();
-    if (status.IsOk()) status = Journal::Remove(*disk_, path_);
-    if (!status.IsOk()) {
-        // What has reached the database is put back now, or from the journal at the next opening.
-        Status putBack = cache_.WriteBack();
-        if (putBack.IsOk()) putBack = Journal::Remove(*disk_, path_);
-        if (!putBack.IsOk()) {
-            broken_ = putBack.In("a failed change could not be taken back; open the file again");
-        }
-    }
+    const std::vector<PageNo> pages = cache_.ChangedPages();
+    PageRef current;
+    const auto newContent = [&](PageNo page) -> Result<Bytes> {
+        JET_ASSIGN(current, cache_.ReadOnce(page));
+        return current.Bytes();
+    };
+    Result<Journal> journal = Journal::Prepare(
+        *disk_, path_, *file_, {pages, cache_.SizeBefore(), cache_.SizeAfter(), newContent});
+    if (!journal.IsOk()) return journal.GetStatus();
+    JET_TRY(file_->SetNote(journal->Path()));
+    JET_TRY(locks_->LockPages(pages, kCommitWait));
+    Status status = journal->Publish();
+    if (status.IsOk()) status = WriteJournalled(*journal);
     locks_->UnlockPages();
+    return status;
+}
+
+/// Steps 2 and 3. REQUIRES: the journal has its name, and the pages are locked.
+Status Database::WriteJournalled(Journal& journal) {
+    bool isGone = false;
+    Status status = cache_.WriteChanges();
+    if (status.IsOk()) status = journal.Remove(isGone);
+    if (isGone) {
+        // Every program sees the new content; what is not certain is a power cut in this moment.
+        if (!status.IsOk()) {
+            Notify("the change is made, but a power failure may still undo it: " + status.Text());
+        }
+        return {};
+    }
+    if (Status putBack = journal.PutBack(*file_); !putBack.IsOk()) {
+        broken_ = putBack.In("a failed change could not be taken back; open the file again");
+    } else {
+        // One that stays tells that nothing is to be done, and goes when the file is next changed.
+        std::ignore = journal.Remove(isGone);
+    }
     return status;
 }
 
@@ -274,7 +322,8 @@ Status Database::Rollback() {
     --depth_;
     if (isRolledBack_) return {};
     isRolledBack_ = depth_ > 0;
-    return EndTransaction(false);
+    EndTransaction(false);
+    return {};
 }
 
 Status Database::ReadHeader() {

@@ -3,17 +3,20 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "jet/detail/Recovery.h"
 #include "jet/Disk.h"
 #include "jet/File.h"
 #include "jet/Table.h"
 
 namespace jet {
 
+class Journal;
 struct TableSpec;
 
 /// A table that the catalog lists.
@@ -50,7 +53,8 @@ public:
     /// Busy when another program does not end its transaction in time; Corrupt when it is not sure
     /// to whom each page of the file belongs, since writing would damage more.
     Status Begin();
-    /// The order of writes is that of Journal. When it fails, nothing of the transaction is left.
+    /// The order of writes is that of Journal. When it fails, nothing of the transaction is left;
+    /// what is done although something failed is a success, with a notice.
     /// Busy when another program goes on reading, or holds a page that has to be written.
     Status Commit();
     Status Rollback();
@@ -90,11 +94,13 @@ private:
     void Notify(std::string notice);
     Status TellWhetherWritable();
     [[nodiscard]] Result<bool> Recover();
-    [[nodiscard]] Result<bool> RollBackJournal();
+    [[nodiscard]] Result<Recovery::Outcome> RollBackJournal();
+    [[nodiscard]] Result<std::vector<std::uint32_t>> PrepareToWrite();
     Status RenewKnownTables();
     Status RemoveLeftOvers(const std::vector<std::uint32_t>& maps);
     Status WriteTransaction();
-    Status EndTransaction(bool committed);
+    Status WriteJournalled(Journal& journal);
+    void EndTransaction(bool committed);
 
     std::unique_ptr<File> file_;
     PageCache cache_;
@@ -107,6 +113,7 @@ private:
     std::string path_;
     OpenMode mode_ = OpenMode::Read;
     std::unique_ptr<Locks> locks_;
+    std::optional<Recovery> recovery_;
     std::vector<std::string> notices_;  // not taken yet
     std::vector<std::string> told_;     // all so far
     int depth_ = 0;                     // of joined transactions

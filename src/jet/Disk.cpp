@@ -13,6 +13,7 @@
 #include <tuple>
 #include <utility>
 
+#include "jet/detail/AccessRights.h"
 #include "jet/detail/Descriptor.h"
 
 namespace jet {
@@ -23,7 +24,10 @@ public:
     /// `own` tells the file that is open.
     PosixFile(int descriptor, std::string path, const struct stat& own)
         : descriptor_(descriptor), path_(std::move(path)), device_(own.st_dev), node_(own.st_ino) {}
-    ~PosixFile() override { ::close(descriptor_); }
+    ~PosixFile() override {
+        if (isDraft_ && !path_.empty()) ::unlink(path_.c_str());
+        ::close(descriptor_);
+    }
     PosixFile(const PosixFile&) = delete;
     PosixFile& operator=(const PosixFile&) = delete;
 
@@ -34,8 +38,9 @@ public:
     Result<FileStamp> Stamp() const override {
         // By the path: a program that replaces the file leaves this one as it was, but nameless.
         struct stat named {};
-        if (::stat(path_.c_str(), &named) != 0 || named.st_ino != node_ ||
-            named.st_dev != device_) {
+        const int result =
+            path_.empty() ? ::fstat(descriptor_, &named) : ::stat(path_.c_str(), &named);
+        if (result != 0 || named.st_ino != node_ || named.st_dev != device_) {
             return Status(StatusCode::Conflict,
                           "another program has replaced or removed the file; open it again");
         }
@@ -67,21 +72,66 @@ public:
         return {};
     }
 
+    Result<std::uint64_t> Length() const override {
+        struct stat info {};
+        if (::fstat(descriptor_, &info) != 0) return Status::FromErrno(errno, "asking its size");
+        return static_cast<std::uint64_t>(info.st_size);
+    }
+
+    std::string Note() const override {
+        std::array<char, 4096> text{};
+        const ssize_t size = ::fgetxattr(descriptor_, kNote, text.data(), text.size());
+        return size > 0 ? std::string(text.data(), static_cast<std::size_t>(size)) : std::string();
+    }
+
+    Status SetNote(const std::string& text) override {
+        if (Note() == text) return {};
+        const bool isKept = ::fsetxattr(descriptor_, kNote, text.data(), text.size(), 0) == 0;
+        struct stat info {};
+        if (::fstat(descriptor_, &info) != 0) return Status::FromErrno(errno, "looking at it");
+        if (info.st_nlink <= 1) return {};
+        if (!isKept) {
+            return Status::Unsupported(
+                "it has several names, and the file system cannot keep what one of them has to "
+                "know of the others; leave it one name");
+        }
+        if (::fsync(descriptor_) != 0) return Status::FromErrno(errno, "making it durable");
+        return {};
+    }
+
     [[nodiscard]] int Descriptor() const { return descriptor_; }
+    [[nodiscard]] const std::string& Path() const { return path_; }
+    [[nodiscard]] bool IsAt(const std::string& path) const {
+        struct stat named {};
+        return ::lstat(path.c_str(), &named) == 0 && named.st_ino == node_ &&
+               named.st_dev == device_;
+    }
+    /// The name goes with the file, until it is published.
+    void SetDraft() { isDraft_ = true; }
+    void SetPublished(const std::string& path) {
+        path_ = path;
+        isDraft_ = false;
+    }
 
 private:
+    static constexpr const char* kNote = "user.kv.journal";
+
     int descriptor_;
     std::string path_;
     dev_t device_;
     ino_t node_;
+    bool isDraft_ = false;
 };
+
+std::string FolderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string::npos) return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
 
 /// Makes the names in the folder of `path` durable.
 Status SyncFolder(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    const std::string folder = slash == std::string::npos ? "."
-                               : slash == 0               ? "/"
-                                                          : path.substr(0, slash);
+    const std::string folder = FolderOf(path);
     const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0) return Status::FromErrno(errno, "opening its folder");
     const int result = ::fsync(descriptor);
@@ -160,14 +210,7 @@ public:
     Result<std::unique_ptr<File>> CreateLike(const std::string& path,
                                              const std::string& model) override {
         struct stat info {};
-        if (::lstat(model.c_str(), &info) != 0) {
-            return Status::FromErrno(errno, "\"" + model + "\" cannot be looked at");
-        }
-        if (!S_ISREG(info.st_mode) || info.st_nlink != 1) {
-            return Status::Unsupported(S_ISLNK(info.st_mode)
-                                           ? "it is a link; name the file itself"
-                                           : "it has several names, of which one would be lost");
-        }
+        JET_TRY(LookAtModel(model, info));
         // Nobody may see what is written before it has the permissions.
         std::unique_ptr<PosixFile> file;
         JET_ASSIGN(file, Make(path, 0600));
@@ -179,11 +222,89 @@ public:
         return std::unique_ptr<File>(std::move(file));
     }
 
+    Result<std::unique_ptr<File>> CreateReplacement(const std::string& model) override {
+        struct stat info {};
+        JET_TRY(LookAtModel(model, info));
+        std::unique_ptr<File> file;
+        JET_ASSIGN(file, CreateDraft(model));
+        JET_TRY(CopyAttributes(model, info, static_cast<PosixFile&>(*file).Descriptor()));
+        return file;
+    }
+
     Status Replace(const std::string& from, const std::string& to) override {
         if (::rename(from.c_str(), to.c_str()) != 0) {
             return Status::FromErrno(errno, "it cannot be put in the old file's place");
         }
         return SyncFolder(to);
+    }
+
+    Result<std::unique_ptr<File>> CreateDraft(const std::string& database) override {
+        struct stat model {};
+        if (::stat(database.c_str(), &model) != 0) {
+            return Status::FromErrno(errno, "\"" + database + "\" cannot be looked at");
+        }
+        const std::string folder = FolderOf(database);
+        const int descriptor = ::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+        std::unique_ptr<PosixFile> file;
+        if (descriptor >= 0) {
+            JET_ASSIGN(file, Take(descriptor, ""));
+        } else {
+            // Not every file system knows files without a name.
+            const bool mayNot = errno == EACCES || errno == EROFS || errno == EPERM;
+            if (mayNot) return Status::FromErrno(errno, "nothing can be made in its folder");
+            static int count = 0;
+            JET_ASSIGN(file, Make(database + ".draft" + std::to_string(::getpid()) + "-" +
+                                      std::to_string(++count),
+                                  0600));
+        }
+        file->SetDraft();
+        GiveAccessOf(model, file->Descriptor());
+        return std::unique_ptr<File>(std::move(file));
+    }
+
+    Status Publish(File& draft, const std::string& path) override {
+        auto& file = static_cast<PosixFile&>(draft);
+        if (!file.Path().empty()) {
+            JET_TRY(GiveName(file.Path(), path));
+        } else {
+            const std::string own = "/proc/self/fd/" + std::to_string(file.Descriptor());
+            if (::linkat(AT_FDCWD, own.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+                if (errno == EEXIST) return IsThere(path);
+                return Status::FromErrno(errno, "\"" + path + "\" cannot be made");
+            }
+            if (Status status = SyncFolder(path); !status.IsOk()) {
+                ::unlink(path.c_str());
+                return status;
+            }
+        }
+        file.SetPublished(path);
+        return {};
+    }
+
+    bool HasName(const File& file, const std::string& path) override {
+        return static_cast<const PosixFile&>(file).IsAt(path);
+    }
+
+    Result<std::unique_ptr<File>> OpenLeftOver(const std::string& path,
+                                               const std::string& database) override {
+        const int descriptor =
+            ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+        if (descriptor < 0 && errno == ELOOP) return Status(StatusCode::Conflict, "it is a link");
+        // What cannot be opened for such a reason is a socket or a device.
+        if (descriptor < 0 && errno == ENXIO) return IsNoFile();
+        if (descriptor < 0) return Status::FromErrno(errno, "it cannot be opened");
+        std::unique_ptr<PosixFile> file;
+        JET_ASSIGN(file, Take(descriptor, path));
+        struct stat info {};
+        struct stat owner {};
+        if (::fstat(descriptor, &info) != 0 || ::stat(database.c_str(), &owner) != 0) {
+            return Status::FromErrno(errno, "it cannot be looked at");
+        }
+        if (!S_ISREG(info.st_mode)) return IsNoFile();
+        if (!MayOwnerWrite(info, owner)) {
+            return Status(StatusCode::Conflict, "its owner may not write the database");
+        }
+        return std::unique_ptr<File>(std::move(file));
     }
 
     Result<std::unique_ptr<Locks>> OpenLocks(const std::string& database, OpenMode mode) override {
@@ -196,12 +317,12 @@ public:
             const bool canNot = errno == EINVAL || errno == ENOSYS;
             if (!canNot || ::link(from.c_str(), to.c_str()) != 0) {
                 if (errno != EEXIST) return Status::FromErrno(errno, "it cannot be given its name");
-                return {StatusCode::Duplicate, "there is something of this name already"};
+                return IsThere(to);
             }
             ::unlink(from.c_str());
         }
         Status status = SyncFolder(to);
-        if (!status.IsOk()) ::unlink(to.c_str());
+        if (!status.IsOk()) ::rename(to.c_str(), from.c_str());
         return status;
     }
 
@@ -217,16 +338,36 @@ private:
     static Result<std::unique_ptr<PosixFile>> Make(const std::string& path, mode_t mode) {
         const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
         if (descriptor < 0) return Status::FromErrno(errno, "\"" + path + "\" cannot be made");
-        struct stat info {};
-        if (::fstat(descriptor, &info) != 0) {
-            ::close(descriptor);
-            return Status::FromErrno(errno, "\"" + path + "\" cannot be made");
-        }
-        auto file = std::make_unique<PosixFile>(descriptor, path, info);
+        std::unique_ptr<PosixFile> file;
+        JET_ASSIGN(file, Take(descriptor, path));
         if (Status status = SyncFolder(path); !status.IsOk()) return status;
         return file;
     }
 
+    /// Refuses what Replace cannot replace.
+    static Status LookAtModel(const std::string& model, struct stat& info) {
+        if (::lstat(model.c_str(), &info) != 0) {
+            return Status::FromErrno(errno, "\"" + model + "\" cannot be looked at");
+        }
+        if (S_ISREG(info.st_mode) && info.st_nlink == 1) return {};
+        return Status::Unsupported(S_ISLNK(info.st_mode)
+                                       ? "it is a link; name the file itself"
+                                       : "it has several names, of which one would be lost");
+    }
+
+    static Result<std::unique_ptr<PosixFile>> Take(int descriptor, const std::string& path) {
+        struct stat info {};
+        if (::fstat(descriptor, &info) != 0) {
+            ::close(descriptor);
+            return Status::FromErrno(errno, "it cannot be opened");
+        }
+        return std::make_unique<PosixFile>(descriptor, path, info);
+    }
+
+    static Status IsThere(const std::string& path) {
+        return {StatusCode::Duplicate, "there is something called \"" + path + "\" already"};
+    }
+    static Status IsNoFile() { return {StatusCode::BadArgument, "it is not a regular file"}; }
     static Status IsFolder() {
         return {StatusCode::BadArgument, "it is a folder, not a database file"};
     }

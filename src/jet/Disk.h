@@ -25,6 +25,20 @@ public:
                                                              OpenMode mode) = 0;
     /// Makes a new, empty file; fails when there is one. The name is durable on return.
     [[nodiscard]] virtual Result<std::unique_ptr<File>> Create(const std::string& path) = 0;
+    /// Makes a new, empty file without a name in the folder of a database, with the rights of the
+    /// database. It is gone when it is closed, or the program dies, before Publish.
+    [[nodiscard]] virtual Result<std::unique_ptr<File>> CreateDraft(
+        const std::string& database) = 0;
+    /// Gives a draft, which has been synced, its name durably. Duplicate when there is something at
+    /// `path`, which is not touched. When it fails the draft has no name.
+    [[nodiscard]] virtual Status Publish(File& draft, const std::string& path) = 0;
+    /// Whether `path`, which is followed to no other place, is a name of the file.
+    [[nodiscard]] virtual bool HasName(const File& file, const std::string& path) = 0;
+    /// Opens for reading what a program has left beside a database. NotFound when there is nothing;
+    /// BadArgument when it is no regular file; Conflict when it is a link, or nobody's who may
+    /// write the database.
+    [[nodiscard]] virtual Result<std::unique_ptr<File>> OpenLeftOver(
+        const std::string& path, const std::string& database) = 0;
     /// The locks of the programs that use a database; see Locks.
     [[nodiscard]] virtual Result<std::unique_ptr<Locks>> OpenLocks(const std::string& database,
                                                                    OpenMode mode) = 0;
@@ -34,6 +48,11 @@ public:
     /// file at `model`. Fails when it cannot have them, and when Replace would not do.
     [[nodiscard]] virtual Result<std::unique_ptr<File>> CreateLike(const std::string& path,
                                                                    const std::string& model) = 0;
+    /// Makes a draft, as CreateDraft does, that is to replace the file at `model`, with exactly its
+    /// owner, permissions and attributes. Fails when it cannot have them, and when Replace would
+    /// not do.
+    [[nodiscard]] virtual Result<std::unique_ptr<File>> CreateReplacement(
+        const std::string& model) = 0;
     /// Renames a file durably to the name of another, which is then gone. There is always one of
     /// them under that name. Not for a link, nor for a file with several names.
     [[nodiscard]] virtual Status Replace(const std::string& from, const std::string& to) = 0;

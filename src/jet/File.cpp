@@ -12,6 +12,12 @@ Status OpenForReading() {
 
 }  // namespace
 
+Result<std::uint64_t> File::Length() const {
+    FileStamp stamp;
+    JET_ASSIGN(stamp, Stamp());
+    return stamp.size;
+}
+
 Status File::Write(std::uint64_t /*offset*/, std::span<const std::byte> /*bytes*/) {
     return OpenForReading();
 }

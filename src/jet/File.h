@@ -37,6 +37,15 @@ public:
                                                    std::span<std::byte> into) const = 0;
     [[nodiscard]] virtual Result<FileStamp> Stamp() const = 0;
 
+    /// Bytes; also of a file whose name is gone.
+    [[nodiscard]] virtual Result<std::uint64_t> Length() const;
+
+    /// A short text that belongs to the file itself, whatever it is called; empty when there is
+    /// none, or when the file system keeps no such texts.
+    [[nodiscard]] virtual std::string Note() const { return {}; }
+    /// Unsupported when the text cannot be kept and the file has several names.
+    virtual Status SetNote(const std::string& /*text*/) { return {}; }
+
     // A file that was opened for reading refuses these.
     /// Writes all of `bytes`, or fails and may have written a part.
     virtual Status Write(std::uint64_t offset, std::span<const std::byte> bytes);

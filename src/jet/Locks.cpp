@@ -45,7 +45,6 @@ public:
                               [&] { return locks_->Exclusive(kWriterLock, 1); });
     }
     void UnlockWriter() override { locks_->Unlock(kWriterLock, 1); }
-    bool IsWriterAtWork() override { return locks_->IsHeldByOthers(kWriterLock, 1); }
 
     Status LockPagesShared(std::chrono::milliseconds wait) override {
         if (!isLockable_) return {};

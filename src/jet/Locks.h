@@ -27,8 +27,6 @@ public:
 
     virtual Status LockWriter(std::chrono::milliseconds wait) = 0;
     virtual void UnlockWriter() = 0;
-    /// True when another program holds the writer lock. Not asked while this one holds it.
-    [[nodiscard]] virtual bool IsWriterAtWork() = 0;
 
     virtual Status LockPagesShared(std::chrono::milliseconds wait) = 0;
     /// Also takes the locks by which other programs guard single pages. `changed` holds the

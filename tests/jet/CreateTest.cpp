@@ -282,11 +282,13 @@ TEST(CreateTest, NothingIsOverwrittenAndNothingIsLeftBehind) {
     EXPECT_EQ(disk.Content(kProject).size(), 1U);
     EXPECT_EQ(disk.Count(), 1U);
 
-    // Left by a database that somebody has removed by hand.
+    // Left by a database that somebody has removed by hand: it is none of the new one's business.
     ASSERT_OK(disk.Remove(kProject));
     disk.Put(std::string(kProject) + "-journal", {std::byte{1}});
     ASSERT_OK(CreateDatabase(disk, kProject));
-    EXPECT_EQ(disk.Count(), 1U);
+    const std::vector<std::byte> created = disk.Content(kProject);
+    EXPECT_EQ(Must(Database::Open(disk, kProject, OpenMode::Read))->TakeNotices().size(), 1U);
+    EXPECT_TRUE(disk.Content(kProject) == created);
 }
 
 }  // namespace

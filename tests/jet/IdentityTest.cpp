@@ -6,11 +6,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "jet/Check.h"
+#include "CrashTesting.h"
 #include "jet/Database.h"
 #include "jet/detail/GlobalMap.h"
-#include "jet/TableWriter.h"
-#include "JetTesting.h"
 
 namespace jet {
 namespace {
@@ -102,7 +100,8 @@ TEST_F(IdentityTest, AFileIsReadableWhateverHasTheNameOfItsJournal) {
         fs::last_write_time(path_, fs::file_time_type::clock::now());
         EXPECT_EQ(AllRows(*Must(open->OpenTable("TchrArchives"))).size(), count);
         EXPECT_EQ(Archives(path_), count);
-        EXPECT_EQ(fs::remove_all(journal), 1U) << "it is not the engine's to remove";
+        EXPECT_EQ(fs::remove_all(journal) + fs::remove_all(journal + "-set-aside"), 1U)
+            << "it is not the engine's to remove";
     }
 }
 
@@ -197,6 +196,123 @@ TEST_F(IdentityTest, WhoMayOnlyReadTakesPartInTheLocks) {
         auto reader = Must(SystemDisk().OpenLocks(path_, OpenMode::Read));
         return reader->LockPagesShared(std::chrono::milliseconds(0)).Code() == StatusCode::Busy;
     }));
+}
+
+/// A commit that was interrupted by a crash, in real files.
+class LeftOverTest : public IdentityTest {
+protected:
+    void SetUp() override {
+        IdentityTest::SetUp();
+        journal_ = path_ + "-journal";
+        // What a program notes on the file when it writes it.
+        ASSERT_OK(AddArchive(*Open(path_)));
+        Put(path_, TheCrash().Mixture(false));
+    }
+    /// Keeps the file what it is, and changes its content.
+    static void Put(const std::string& path, const Image& image) {
+        Write(path, std::string(reinterpret_cast<const char*>(image.data()), image.size()));
+    }
+    [[nodiscard]] bool IsBefore() const { return ReadWhole(path_) == TheCrash().before; }
+    [[nodiscard]] bool IsHalf() const { return ReadWhole(path_) == TheCrash().Mixture(false); }
+
+    std::string journal_;
+};
+
+TEST_F(LeftOverTest, TheJournalIsFoundThroughEveryName) {
+    if (Must(SystemDisk().Open(path_, OpenMode::Read))->Note().empty()) {
+        GTEST_SKIP() << "the file system of the temporary folder keeps no notes on files";
+    }
+    const fs::path elsewhere = folder_ / "elsewhere";
+    fs::create_directory(elsewhere);
+    const std::string name = (elsewhere / "other.mdb").string();
+    const std::pair<const char*, std::function<void()>> names[] = {
+        {"symbolic link", [&] { fs::create_symlink(path_, name); }},
+        {"hard link", [&] { fs::create_hard_link(path_, name); }},
+        {"renamed", [&] { fs::rename(path_, name); }},
+    };
+    for (const auto& [what, make] : names) {
+        SCOPED_TRACE(what);
+        Put(path_, TheCrash().Mixture(false));
+        Put(journal_, TheCrash().journal);
+        make();
+        auto database = Open(name, OpenMode::Read);
+        EXPECT_TRUE(ReadWhole(name) == TheCrash().before);
+        EXPECT_FALSE(fs::exists(journal_));
+        EXPECT_THAT(database->TakeNotices(), testing::IsEmpty());
+        database.reset();
+        if (!fs::exists(path_)) fs::rename(name, path_);
+        fs::remove(name);
+    }
+}
+
+TEST_F(LeftOverTest, ACopyLeavesTheJournalOfTheOriginal) {
+    Put(journal_, TheCrash().journal);
+    const std::string copy = (folder_ / "copy.kvs").string();
+    Put(copy, TheCrash().backup);
+    ASSERT_OK(Must(SystemDisk().Open(copy, OpenMode::ReadWrite))->SetNote(journal_));
+    ASSERT_OK(AddArchive(*Open(copy)));
+    EXPECT_TRUE(fs::exists(journal_));
+    EXPECT_THAT(Open(path_)->TakeNotices(), testing::IsEmpty());
+    EXPECT_TRUE(IsBefore());
+}
+
+TEST_F(LeftOverTest, NoLinkIsFollowedAndNobodyElseIsTrusted) {
+    const std::string real = (folder_ / "real").string();
+    Put(real, TheCrash().journal);
+    std::vector<std::pair<const char*, std::function<void()>>> plants = {
+        {"link", [&] { fs::create_symlink(real, journal_); }},
+    };
+    if (::geteuid() == 0) {
+        plants.emplace_back("another user's", [&] {
+            Put(journal_, TheCrash().journal);
+            EXPECT_EQ(::chown(journal_.c_str(), 65534, 65534), 0);
+        });
+    }
+    for (const auto& [what, plant] : plants) {
+        SCOPED_TRACE(what);
+        plant();
+        auto database = Open(path_);
+        EXPECT_TRUE(IsHalf());
+        EXPECT_FALSE(fs::exists(fs::symlink_status(journal_)));
+        EXPECT_TRUE(ReadWhole(real) == TheCrash().journal);
+        ASSERT_EQ(database->TakeNotices().size(), 1U);
+    }
+}
+
+TEST_F(LeftOverTest, WhoMayOnlyReadIsToldWhatHeReads) {
+    const auto read = [&]() -> std::vector<std::string> {
+        auto database = Open(path_, OpenMode::Read);
+        std::ignore = AllRows(*Must(database->OpenTable("TchrArchives")));
+        return database->TakeNotices();
+    };
+    Put(journal_, TheCrash().journal);
+    EXPECT_TRUE(AsReader([&] {
+        const Status status = StatusOf(Database::Open(SystemDisk(), path_, OpenMode::Read));
+        return status.Code() == StatusCode::Permission &&
+               status.Text().find("interrupted") != std::string::npos;
+    }));
+    EXPECT_TRUE(IsHalf());
+    Put(path_, TheCrash().before);
+    EXPECT_TRUE(AsReader([&] { return read().empty(); })) << "nothing of it is in the file";
+    Put(journal_, {});
+    EXPECT_TRUE(AsReader([&] { return read().size() == 1; }));
+    EXPECT_TRUE(fs::exists(journal_));
+}
+
+TEST_F(LeftOverTest, WhatLiesBesideADatabaseHasItsRights) {
+    for (const auto rights : {fs::perms(0600), fs::perms(0660), fs::perms(0644)}) {
+        fs::permissions(path_, rights);
+        {
+            auto draft = Must(SystemDisk().CreateDraft(path_));
+            ASSERT_OK(SystemDisk().Publish(*draft, journal_));
+            EXPECT_EQ(SystemDisk().Publish(*Must(SystemDisk().CreateDraft(path_)), journal_).Code(),
+                      StatusCode::Duplicate);
+        }
+        EXPECT_EQ(fs::status(journal_).permissions(), rights);
+        fs::remove(journal_);
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()), 1)
+        << "a draft without a name leaves nothing";
 }
 
 TEST_F(IdentityTest, ManyPagesAreLockedInFewRuns) {

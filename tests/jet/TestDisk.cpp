@@ -13,7 +13,6 @@ class OneProgram final : public Locks {
 public:
     Status LockWriter(std::chrono::milliseconds) override { return {}; }
     void UnlockWriter() override {}
-    bool IsWriterAtWork() override { return false; }
     Status LockPagesShared(std::chrono::milliseconds) override { return {}; }
     Status LetWriterFirst(std::chrono::milliseconds) override { return {}; }
     Status LockPages(std::span<const PageNo>, std::chrono::milliseconds) override { return {}; }
@@ -58,6 +57,8 @@ public:
         content_->pending.clear();
         return {};
     }
+
+    [[nodiscard]] const std::shared_ptr<FileContent>& Content() const { return content_; }
 
 private:
     void Do(TestDisk::Write write) {
@@ -105,10 +106,6 @@ Status TestDisk::GiveName(const std::string& from, const std::string& to) {
     return {};
 }
 
-Result<std::unique_ptr<File>> TestDisk::CreateLike(const std::string& path, const std::string&) {
-    return Create(path);
-}
-
 Status TestDisk::Replace(const std::string& from, const std::string& to) {
     if (Fails()) return PowerOff();
     files_[to] = files_.at(from);
@@ -118,8 +115,40 @@ Status TestDisk::Replace(const std::string& from, const std::string& to) {
 
 Status TestDisk::Remove(const std::string& path) {
     if (Fails()) return PowerOff();
-    files_.erase(path);
+    if (const auto found = files_.find(path); found != files_.end()) {
+        removed_.insert_or_assign(path, found->second);
+        files_.erase(found);
+    }
+    if (Fails()) return PowerOff();
+    removed_.erase(path);
     return {};
+}
+
+Result<std::unique_ptr<File>> TestDisk::CreateDraft(const std::string& /*database*/) {
+    if (Fails()) return PowerOff();
+    return std::unique_ptr<File>(std::make_unique<Handle>(*this, std::make_shared<FileContent>()));
+}
+
+Status TestDisk::Publish(File& draft, const std::string& path) {
+    if (Fails()) return PowerOff();
+    if (files_.contains(path)) return {StatusCode::Duplicate, "the file exists"};
+    const auto content = static_cast<Handle&>(draft).Content();
+    if (Fails()) {
+        removed_.insert_or_assign(path, content);
+        return PowerOff();
+    }
+    files_[path] = content;
+    return {};
+}
+
+bool TestDisk::HasName(const File& file, const std::string& path) {
+    const auto found = files_.find(path);
+    return found != files_.end() && found->second == static_cast<const Handle&>(file).Content();
+}
+
+Result<std::unique_ptr<File>> TestDisk::OpenLeftOver(const std::string& path,
+                                                     const std::string& /*database*/) {
+    return Open(path, OpenMode::Read);
 }
 
 void TestDisk::Put(const std::string& path, std::vector<std::byte> content) {
@@ -127,6 +156,10 @@ void TestDisk::Put(const std::string& path, std::vector<std::byte> content) {
 }
 
 void TestDisk::CutPower(std::mt19937& random) {
+    for (auto& [path, content] : removed_) {
+        if (random() % 2 == 0) files_.emplace(path, content);
+    }
+    removed_.clear();
     for (auto& [path, content] : files_) {
         std::vector<std::byte> left = content->durable;
         for (const Write& write : content->pending) {

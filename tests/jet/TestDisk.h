@@ -12,8 +12,8 @@
 namespace jet {
 
 /// Files in memory whose power can be cut: what was written and not synced may then be lost, in
-/// any part. Every write, change of size, sync, making and removing of a file counts as one
-/// operation, and from a chosen one on all of them fail.
+/// any part. Every write, change of size, sync and making of a file counts as one operation, giving
+/// and taking a name as two, the second of which makes it durable; from a chosen one on all fail.
 class TestDisk final : public Disk {
 public:
     Result<std::string> Resolve(const std::string& path) override { return path; }
@@ -21,9 +21,19 @@ public:
     Result<std::unique_ptr<File>> Create(const std::string& path) override;
     Status GiveName(const std::string& from, const std::string& to) override;
     Result<std::unique_ptr<File>> CreateLike(const std::string& path,
-                                             const std::string& model) override;
+                                             const std::string& /*model*/) override {
+        return Create(path);
+    }
+    Result<std::unique_ptr<File>> CreateReplacement(const std::string& model) override {
+        return CreateDraft(model);
+    }
     Status Replace(const std::string& from, const std::string& to) override;
     Status Remove(const std::string& path) override;
+    Result<std::unique_ptr<File>> CreateDraft(const std::string& database) override;
+    Status Publish(File& draft, const std::string& path) override;
+    bool HasName(const File& file, const std::string& path) override;
+    Result<std::unique_ptr<File>> OpenLeftOver(const std::string& path,
+                                               const std::string& database) override;
     /// There is only one program.
     Result<std::unique_ptr<Locks>> OpenLocks(const std::string& database, OpenMode mode) override;
 
@@ -63,6 +73,8 @@ private:
     static void Apply(const Write& write, std::vector<std::byte>& content);
 
     std::map<std::string, std::shared_ptr<FileContent>> files_;
+    // Names that are gone, and not durably so.
+    std::map<std::string, std::shared_ptr<FileContent>> removed_;
     int operations_ = 0;
     int failFrom_ = -1;
 };

@@ -10,10 +10,14 @@
 namespace jet {
 namespace {
 
-// A commit holds the pages for as long as its writes and one sync take.
-constexpr std::chrono::milliseconds kReadWait{10'000};
+// A commit holds the pages for as long as its writes and one sync take. While the file is seen to
+// change, its program is at work and is waited for however long that is; the lock of one that dies
+// goes with it.
+constexpr std::chrono::milliseconds kReadWait{30'000};
 // One that waits to commit may have to wait for a reader of a big file before.
 constexpr std::chrono::milliseconds kTurnWait{60'000};
+
+constexpr std::size_t kPagesAtOnce = 16;  // neighbours that are written with one call
 
 }  // namespace
 
@@ -55,46 +59,54 @@ Status PageCache::Revalidate() {
     return {};
 }
 
+Status PageCache::WaitForPages() {
+    FileStamp seen;
+    for (;;) {
+        Status status = guard_.locks->LockPagesShared(kReadWait);
+        if (status.Code() != StatusCode::Busy) return status;
+        FileStamp now;
+        JET_ASSIGN(now, file_.Stamp());
+        if (now == seen) return status;
+        seen = now;
+    }
+}
+
 Status PageCache::BeginRead() {
-    if (readers_ > 0 || inTransaction_ || locks_ == nullptr) {
+    if (readers_ > 0 || inTransaction_ || guard_.locks == nullptr) {
         JET_TRY(readers_ > 0 ? Status() : Revalidate());
         ++readers_;
         return {};
     }
-    constexpr int kRounds = 3;
+    constexpr int kRounds = 5;
+    bool doesNotMatter = false;
     for (int round = 0; round < kRounds; ++round) {
-        JET_TRY(locks_->LockPagesShared(kReadWait));
+        JET_TRY(WaitForPages());
         const std::uint64_t generation = generation_;
         Status status = Revalidate();
-        if (status.IsOk() && generation == generation_) {
+        // Who has changed the file may have died while doing so.
+        const bool isNew = generation != generation_ || !hasLooked_;
+        if (status.IsOk() && !(isNew && !doesNotMatter && guard_.isLeftOver())) {
+            hasLooked_ = true;
             ++readers_;
             return {};
         }
-        locks_->UnlockPages();
+        guard_.locks->UnlockPages();
         JET_TRY(status);
-        // Somebody has changed the file, and may have died while doing so.
-        bool putBack = false;
-        JET_ASSIGN(putBack, recover_());
-        if (putBack) continue;
-        JET_TRY(locks_->LockPagesShared(kReadWait));
-        if (status = Revalidate(); !status.IsOk()) {
-            locks_->UnlockPages();
-            return status;
-        }
-        ++readers_;
-        return {};
+        bool again = false;
+        JET_ASSIGN(again, guard_.recover());
+        doesNotMatter = !again;
     }
     return {StatusCode::Busy, "programs that die while they write leave no time to read"};
 }
 
 Status PageCache::BeginLongRead() {
     const bool isOuter = readers_ == 0 && !inTransaction_;
-    if (isOuter && locks_ != nullptr) JET_TRY(locks_->LetWriterFirst(kTurnWait));
+    if (isOuter && guard_.locks != nullptr) JET_TRY(guard_.locks->LetWriterFirst(kTurnWait));
     return BeginRead();
 }
 
 void PageCache::EndRead() {
-    if (--readers_ == 0 && !inTransaction_ && locks_ != nullptr) locks_->UnlockPages();
+    if (--readers_ == 0 && !inTransaction_ && guard_.locks != nullptr) guard_.locks->UnlockPages();
 }
 
 Result<PageCache::Head> PageCache::ReadHead() const {
@@ -113,8 +125,10 @@ Result<PageCache::Head> PageCache::ReadHead() const {
 }
 
 std::shared_ptr<const PageRef::Image> PageCache::Cached(PageNo page) {
-    if (const auto changed = changed_.find(Raw(page)); changed != changed_.end()) {
-        return changed->second;
+    if (const auto changed = changed_.find(Raw(page));
+        changed != changed_.end() && changed->second.image != nullptr) {
+        changed->second.isUsed = true;
+        return changed->second.image;
     }
     const auto found = index_.find(Raw(page));
     if (found == index_.end()) return nullptr;
@@ -127,8 +141,11 @@ Status PageCache::ReadInto(PageNo page, PageRef::Image& image) const {
         return Status::Corrupt(PageText(page) + " lies behind the end of the file (" +
                                std::to_string(pageCount_) + " pages)");
     }
+    // A changed page that is not in memory.
+    const bool isSpilled = spill_ != nullptr && changed_.contains(Raw(page));
+    const File& file = isSpilled ? *spill_ : file_;
     Result<std::size_t> count =
-        file_.Read(std::uint64_t{Raw(page)} * pageSize_, std::span(image.data(), pageSize_));
+        file.Read(std::uint64_t{Raw(page)} * pageSize_, std::span(image.data(), pageSize_));
     if (!count.IsOk()) return count.GetStatus().In(PageText(page));
     if (*count != pageSize_) return Status::Corrupt(PageText(page) + " is cut short");
     return {};
@@ -140,6 +157,13 @@ Result<PageRef> PageCache::Read(PageNo page) {
     JET_TRY(ReadInto(page, *image));
     Remember(page, image);
     return PageRef(page, std::move(image), pageSize_);
+}
+
+void PageCache::Forget(std::uint32_t page) {
+    if (const auto old = index_.find(page); old != index_.end()) {
+        entries_.erase(old->second);
+        index_.erase(old);
+    }
 }
 
 void PageCache::Remember(PageNo page, std::shared_ptr<const PageRef::Image> image) {
@@ -163,6 +187,7 @@ Result<PageRef> PageCache::ReadOnce(PageNo page) {
 
 void PageCache::Begin() {
     inTransaction_ = true;
+    spillAt_ = 0;
     BeginStep();
 }
 
@@ -174,19 +199,50 @@ void PageCache::BeginStep() {
 void PageCache::UndoStep() {
     for (auto& [page, image] : stepBefore_) {
         if (image != nullptr) {
-            changed_[page] = std::move(image);
+            changed_[page].image = std::move(image);
         } else {
             changed_.erase(page);
-            before_.erase(page);
+            --inMemory_;
         }
     }
     pageCount_ = stepPageCount_;
     stepBefore_.clear();
 }
 
+Status PageCache::Spill(std::uint32_t page, Changed& changed) {
+    JET_TRY(spill_->Write(std::uint64_t{page} * pageSize_, {changed.image->data(), pageSize_})
+                .In("keeping the changes of a large transaction"));
+    changed.image = nullptr;
+    --inMemory_;
+    // It is what the page was before.
+    Forget(page);
+    return {};
+}
+
+Status PageCache::SpillSome() {
+    const std::size_t most = std::max<std::size_t>(1, changesInMemory_ / pageSize_);
+    if (makeSpill_ == nullptr || inMemory_ < std::max(most, spillAt_)) return {};
+    if (spill_ == nullptr) {
+        JET_ASSIGN(spill_, makeSpill_());
+    }
+    // First those that nobody has asked for lately, then, where these are few, the others.
+    for (const bool all : {false, true}) {
+        if (inMemory_ <= most / 2) break;
+        for (auto& [page, changed] : changed_) {
+            if (changed.image == nullptr || stepBefore_.contains(page)) continue;
+            if (!all && std::exchange(changed.isUsed, false)) continue;
+            JET_TRY(Spill(page, changed));
+        }
+    }
+    // A step that needs more than there may be gets it, without a look at all pages for each.
+    spillAt_ = inMemory_ + most / 2;
+    return {};
+}
+
 Result<std::span<std::byte>> PageCache::Edit(PageNo page) {
     auto changed = changed_.find(Raw(page));
     if (!stepBefore_.contains(Raw(page))) {
+        JET_TRY(SpillSome());
         // The image that readers, and UndoStep, may still hold stays as it is.
         auto copy = std::make_shared_for_overwrite<PageRef::Image>();
         PageRef current;
@@ -194,39 +250,63 @@ Result<std::span<std::byte>> PageCache::Edit(PageNo page) {
         std::memcpy(copy->data(), current.Bytes().data(), pageSize_);
         if (changed == changed_.end()) {
             stepBefore_.emplace(Raw(page), nullptr);
-            before_.emplace(Raw(page), current.Shared());
-            changed = changed_.emplace(Raw(page), std::move(copy)).first;
+            changed = changed_.emplace(Raw(page), Changed{std::move(copy)}).first;
+            ++inMemory_;
         } else {
-            stepBefore_.emplace(Raw(page), std::exchange(changed->second, std::move(copy)));
+            inMemory_ += changed->second.image == nullptr ? 1 : 0;
+            stepBefore_.emplace(Raw(page),
+                                std::const_pointer_cast<PageRef::Image>(current.Shared()));
+            changed->second = Changed{std::move(copy)};
         }
-    } else if (changed->second.use_count() > 1) {
-        changed->second = std::make_shared<PageRef::Image>(*changed->second);
+    } else if (changed->second.image.use_count() > 1) {
+        changed->second.image = std::make_shared<PageRef::Image>(*changed->second.image);
     }
-    return std::span(changed->second->data(), pageSize_);
+    return std::span(changed->second.image->data(), pageSize_);
 }
 
 Result<PageNo> PageCache::AddPage() {
     if (pageCount_ >= kMostPages) {
         return Status(StatusCode::Full, "the file cannot grow beyond 2 GB; compact it");
     }
+    JET_TRY(SpillSome());
     const PageNo page{pageCount_++};
     stepBefore_.emplace(Raw(page), nullptr);
-    changed_[Raw(page)] = std::make_shared<PageRef::Image>();
+    changed_[Raw(page)] = Changed{std::make_shared<PageRef::Image>()};
+    ++inMemory_;
     return page;
 }
 
 std::vector<PageNo> PageCache::ChangedPages() const {
     std::vector<PageNo> pages;
-    for (const auto& [page, image] : changed_) pages.push_back(PageNo{page});
+    pages.reserve(changed_.size());
+    for (const auto& [page, changed] : changed_) pages.push_back(PageNo{page});
     return pages;
 }
 
 Status PageCache::WriteChanges() {
-    for (const auto& [page, image] : changed_) {
-        JET_TRY(file_.Write(std::uint64_t{page} * pageSize_, {image->data(), pageSize_})
-                    .In(PageText(PageNo{page})));
+    std::vector<std::byte> run;
+    std::uint32_t first = 0;
+    const auto write = [&]() -> Status {
+        Status status = file_.Write(std::uint64_t{first} * pageSize_, run);
+        run.clear();
+        return status.In(PageText(PageNo{first}));
+    };
+    for (const auto& [number, changed] : changed_) {
+        const std::size_t count = run.size() / pageSize_;
+        if (count > 0 && (number != first + count || count == kPagesAtOnce)) JET_TRY(write());
+        if (run.empty()) first = number;
+        PageRef page;
+        JET_ASSIGN(page, ReadOnce(PageNo{number}));
+        run.insert(run.end(), page.Bytes().begin(), page.Bytes().end());
     }
+    if (!run.empty()) JET_TRY(write());
     return file_.Sync();
+}
+
+std::uint64_t PageCache::SizeAfter() const {
+    const std::uint64_t end =
+        changed_.empty() ? 0 : (std::uint64_t{changed_.rbegin()->first} + 1) * pageSize_;
+    return std::max(stamp_.size, end);
 }
 
 Status PageCache::CountCommit(int user) {
@@ -239,34 +319,24 @@ Status PageCache::CountCommit(int user) {
     return {};
 }
 
-Status PageCache::WriteBack() {
-    for (const auto& [page, image] : before_) {
-        JET_TRY(file_.Write(std::uint64_t{page} * pageSize_, {image->data(), pageSize_}));
-    }
-    JET_TRY(file_.Resize(stamp_.size));
-    return file_.Sync();
-}
-
-Status PageCache::End(bool committed) {
-    for (auto& [page, image] : changed_) {
-        if (const auto old = index_.find(page); old != index_.end()) {
-            entries_.erase(old->second);
-            index_.erase(old);
-        }
-        if (committed) Remember(PageNo{page}, std::move(image));
+void PageCache::End(bool committed) {
+    for (auto& [page, changed] : changed_) {
+        Forget(page);
+        if (committed && changed.image != nullptr) Remember(PageNo{page}, std::move(changed.image));
     }
     changed_.clear();
-    before_.clear();
     stepBefore_.clear();
+    inMemory_ = 0;
+    spill_ = nullptr;
     inTransaction_ = false;
-    if (!committed) {
-        // The file may have kept its stamp, but the pages that were to be added are not there.
-        pageCount_ = PagesInFile();
-        return Revalidate();
-    }
-    JET_ASSIGN(stamp_, file_.Stamp());
-    JET_ASSIGN(head_, ReadHead());
-    return {};
+    pageCount_ = PagesInFile();
+    if (!committed) return;
+    Result<FileStamp> stamp = file_.Stamp();
+    Result<Head> head = ReadHead();
+    if (!stamp.IsOk() || !head.IsOk()) return;
+    stamp_ = *stamp;
+    head_ = std::move(*head);
+    pageCount_ = PagesInFile();
 }
 
 }  // namespace jet

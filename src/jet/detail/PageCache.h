@@ -38,14 +38,13 @@ private:
 /// The pages of one file that were read last, at most `capacity` bytes of them, and the pages that
 /// a transaction has changed and not yet committed.
 ///
-/// A transaction keeps its changed pages in memory until it is committed; the file is not touched
-/// before. Inside it a step can be taken back: from BeginStep() on, so that a change that fails
+/// A transaction keeps its changed pages to itself until it is committed; the file is not touched
+/// before, and holds the old ones. Those that memory is too small for go to a file without a name.
+/// Inside it a step can be taken back: from BeginStep() on, so that a change that fails
 /// half way leaves nothing behind in a transaction that goes on.
 class PageCache {
 public:
-    /// What the pages of a transaction were before it, by their numbers. Pages that it has added
-    /// are not among them.
-    using Images = std::map<std::uint32_t, std::shared_ptr<const PageRef::Image>>;
+    static constexpr std::size_t kDefaultChanges = std::size_t{64} << 20;  // bytes
 
     /// `file` is borrowed and must outlive the cache.
     PageCache(File& file, std::size_t capacity);
@@ -61,12 +60,22 @@ public:
     /// out of the cache. Its memory is used again by the next such call unless somebody holds it.
     [[nodiscard]] Result<PageRef> ReadOnce(PageNo page);
 
-    /// `locks` (borrowed, may be null) keep other programs' commits out while something is read.
-    /// `recover` is called without a lock when another program has changed the file, and puts back
-    /// what one that died has left; true when there was something.
-    void SetLocks(Locks* locks, std::function<Result<bool>()> recover) {
-        locks_ = locks;
-        recover_ = std::move(recover);
+    /// What keeps other programs' commits out while something is read.
+    struct Guard {
+        Locks* locks = nullptr;  // borrowed; null: nobody else uses the file
+        /// Asked under a lock when another program has changed the file: whether one may have died
+        /// and left something.
+        std::function<bool()> isLeftOver;
+        /// Then called without a lock. True: look again. False: what is there does not matter.
+        std::function<Result<bool>()> recover;
+    };
+    void SetGuard(Guard guard) { guard_ = std::move(guard); }
+    /// Changed pages beyond so many bytes go to the file that `make` makes. Without one they all
+    /// stay in memory.
+    void SetSpill(std::function<Result<std::unique_ptr<File>>()> make,
+                  std::size_t bytes = kDefaultChanges) {
+        makeSpill_ = std::move(make);
+        changesInMemory_ = bytes;
     }
     // Between the two nobody changes the file, and what the cache gives is as of BeginRead. Scopes
     // nest; see ReadScope.
@@ -102,17 +111,17 @@ public:
 
     [[nodiscard]] std::vector<PageNo> ChangedPages() const;
     [[nodiscard]] bool HasChanges() const { return !changed_.empty(); }
-    [[nodiscard]] const Images& Before() const { return before_; }
     /// Bytes of the file before the transaction.
     [[nodiscard]] std::uint64_t SizeBefore() const { return stamp_.size; }
     /// Advances the commit word of a user (1..255) on page 0, so that others notice the change.
     Status CountCommit(int user);
     /// Writes the changed pages and syncs the file. When it fails the file may hold some of them.
     Status WriteChanges();
-    /// Writes what the pages were before, cuts the file to its old size and syncs it.
-    Status WriteBack();
-    /// Ends the transaction: `committed` keeps the changed pages, otherwise they are dropped.
-    Status End(bool committed);
+    /// Bytes of the file when they have been written.
+    [[nodiscard]] std::uint64_t SizeAfter() const;
+    /// Ends the transaction: `committed` keeps the changed pages, otherwise they are dropped. A
+    /// failure to see what the file is now is told by the next reading.
+    void End(bool committed);
 
 private:
     struct Entry {
@@ -131,10 +140,18 @@ private:
         std::vector<std::byte> commits;   // a word a user, advanced with every commit
     };
     [[nodiscard]] Result<Head> ReadHead() const;
+    Status WaitForPages();
+    void Forget(std::uint32_t page);
     void Remember(PageNo page, std::shared_ptr<const PageRef::Image> image);
     Status ReadInto(PageNo page, PageRef::Image& image) const;
 
-    using Changed = std::map<std::uint32_t, std::shared_ptr<PageRef::Image>>;
+    struct Changed {
+        std::shared_ptr<PageRef::Image> image;  // null: in the spill file, at its place in the file
+        bool isUsed = true;                     // since pages were last spilled
+    };
+    /// Makes room for one more changed page.
+    Status SpillSome();
+    Status Spill(std::uint32_t page, Changed& changed);
 
     File& file_;
     std::size_t capacity_;  // bytes
@@ -152,14 +169,20 @@ private:
     std::unordered_map<std::uint32_t, Entries::iterator> index_;
     std::shared_ptr<PageRef::Image> passing_;  // of the last ReadOnce, for the next one
 
-    Locks* locks_ = nullptr;
-    std::function<Result<bool>()> recover_;
-    int readers_ = 0;  // nested scopes
+    Guard guard_;
+    int readers_ = 0;         // nested scopes
+    bool hasLooked_ = false;  // for what a program may have left, since the file was opened
 
     bool inTransaction_ = false;
-    Changed changed_;
-    Images before_;
-    Changed stepBefore_;  // pages that this step has changed; null: not changed before it
+    std::map<std::uint32_t, Changed> changed_;
+    /// Pages that this step has changed, as they were; null: not changed before it. They stay in
+    /// memory, since somebody may be writing into them.
+    std::map<std::uint32_t, std::shared_ptr<PageRef::Image>> stepBefore_;
+    std::size_t inMemory_ = 0;  // changed pages
+    std::function<Result<std::unique_ptr<File>>()> makeSpill_;
+    std::size_t changesInMemory_ = kDefaultChanges;
+    std::size_t spillAt_ = 0;  // changed pages in memory; 0: as many as may be there
+    std::unique_ptr<File> spill_;
     std::uint32_t stepPageCount_ = 0;
 };
 
