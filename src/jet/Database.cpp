@@ -373,7 +373,7 @@ Result<std::vector<CatalogEntry>> Database::Tables(std::vector<Status>* damage) 
 }
 
 Result<std::unique_ptr<Table>> Database::OpenTable(const CatalogEntry& entry) {
-    return Table::Open(context_, entry.page, entry.name);
+    return Table::Open(context_, entry.page, entry.name, entry.isUserTable);
 }
 
 /// REQUIRES: the file's state is held.

@@ -184,8 +184,10 @@ Result<Bytes> RowCursor::MovedBytes(int number) {
 Table::Table(const FileContext& file, PageNo page, std::string name)
     : file_(file), page_(page), name_(std::move(name)) {}
 
-Result<std::unique_ptr<Table>> Table::Open(const FileContext& file, PageNo page, std::string name) {
+Result<std::unique_ptr<Table>> Table::Open(const FileContext& file, PageNo page, std::string name,
+                                           bool isForUsers) {
     std::unique_ptr<Table> table(new Table(file, page, std::move(name)));
+    table->isForUsers_ = isForUsers;
     JET_TRY(table->Refresh());
     return table;
 }

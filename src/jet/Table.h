@@ -94,8 +94,10 @@ private:
 /// Failures name the table, the page and the row.
 class Table {
 public:
+    /// Of a table that is not for users nothing is changed, whatever its definition says of it.
     [[nodiscard]] static Result<std::unique_ptr<Table>> Open(const FileContext& file, PageNo page,
-                                                             std::string name);
+                                                             std::string name,
+                                                             bool isForUsers = true);
 
     /// The same with a definition that has been read already, while the file's state is held.
     [[nodiscard]] static std::unique_ptr<Table> OpenKnown(const FileContext& file,
@@ -158,6 +160,7 @@ private:
     std::shared_ptr<const TableRules> rules_;
     std::map<PageNo, std::unique_ptr<Table>> related_;
     std::uint64_t changes_ = 0;  // of the page cache when the two were read
+    bool isForUsers_ = true;
 };
 
 }  // namespace jet

@@ -85,7 +85,7 @@ Status TableWriter::CheckWritable() const {
     if (file_.format != Format::Jet4) {
         return table_.Named(Status::Unsupported("tables of Jet 3 files are read only"));
     }
-    if (def.isSystem && !mayWriteSystem_) {
+    if ((def.isSystem || !table_.isForUsers_) && !mayWriteSystem_) {
         return table_.Named(Status::Unsupported("it belongs to the system"));
     }
     for (std::size_t i = 0; i < def.realIndexes.size(); ++i) {

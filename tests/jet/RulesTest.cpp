@@ -57,7 +57,7 @@ protected:
     }
     void Close() {
         ASSERT_OK(database_->Commit());
-        EXPECT_THAT(ErrorsIn(disk_), IsEmpty());
+        EXPECT_THAT(UnexpectedIn(disk_, kOfOtherPrograms), IsEmpty());
     }
 
     TestDisk disk_;
