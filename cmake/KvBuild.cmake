@@ -111,7 +111,7 @@ function(kv_test name)
     list(APPEND labels qt)
   endif()
   add_test(NAME ${name} COMMAND ${name})
-  set_tests_properties(${name} PROPERTIES LABELS "${labels}" TIMEOUT 300
+  set_tests_properties(${name} PROPERTIES LABELS "${labels}" TIMEOUT 900
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
 endfunction()
 

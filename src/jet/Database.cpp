@@ -392,7 +392,7 @@ Result<std::unique_ptr<Table>> Database::OpenTable(std::string_view name) {
     for (const CatalogEntry& entry : known_.entries) {
         if (!SameName(entry.name, name)) continue;
         std::shared_ptr<const TableDef>& def = known_.definitions[entry.page];
-        if (def) return Table::OpenKnown(context_, entry.name, def);
+        if (def) return Table::OpenKnown(context_, entry.name, def, entry.isUserTable);
         Result<std::unique_ptr<Table>> table = OpenTable(entry);
         if (table.IsOk()) def = (*table)->SharedDefinition();
         return table;

@@ -193,8 +193,9 @@ Result<std::unique_ptr<Table>> Table::Open(const FileContext& file, PageNo page,
 }
 
 std::unique_ptr<Table> Table::OpenKnown(const FileContext& file, const std::string& name,
-                                        std::shared_ptr<const TableDef> def) {
+                                        std::shared_ptr<const TableDef> def, bool isForUsers) {
     std::unique_ptr<Table> table(new Table(file, def->page, name));
+    table->isForUsers_ = isForUsers;
     table->def_ = std::move(def);
     table->generation_ = file.cache.Generation();
     return table;

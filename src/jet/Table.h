@@ -102,7 +102,8 @@ public:
     /// The same with a definition that has been read already, while the file's state is held.
     [[nodiscard]] static std::unique_ptr<Table> OpenKnown(const FileContext& file,
                                                           const std::string& name,
-                                                          std::shared_ptr<const TableDef> def);
+                                                          std::shared_ptr<const TableDef> def,
+                                                          bool isForUsers);
 
     [[nodiscard]] const std::string& Name() const { return name_; }
     /// As of the last Refresh().

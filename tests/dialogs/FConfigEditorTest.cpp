@@ -473,7 +473,7 @@ TEST_P(FConfigEditorTest, ChosenColumnsCanBeDragged) {
         }
         dialog.cmdOk->click();
     }));
-    EXPECT_EQ(Shown(), Words("Name Comment Factor Unit Maximum TrendVar Minimum"));
+    EXPECT_EQ(Shown(), Words("Name Comment Maximum Factor Unit TrendVar Minimum"));
 }
 
 TEST_P(FConfigEditorTest, FontIsChosenAndStored) {

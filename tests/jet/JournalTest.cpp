@@ -6,6 +6,7 @@
 namespace jet {
 namespace {
 
+using testing::Contains;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -141,8 +142,8 @@ TEST(JournalTest, ADoubtfulOneIsSetAsideAndTheFileStaysReadable) {
             EXPECT_EQ(disk.Content(kAside).size(), 1U) << "an earlier one is not overwritten";
             EXPECT_TRUE(disk.Content(kAside + "-2") == left.journal);
             const std::vector<std::string> notices = database->TakeNotices();
-            ASSERT_EQ(notices.size(), 1U);
-            EXPECT_THAT(notices[0], HasSubstr(kAside + "-2"));
+            // What a half change has left may be told, too: that the file cannot be written.
+            EXPECT_THAT(notices, Contains(HasSubstr(kAside + "-2")).Times(1));
         }
     }
 }

@@ -100,9 +100,12 @@ void DayTest::Rename() {
     User::Type(u"Whirlpool"_s);
     User::Press(Qt::Key_Return);
     EXPECT_THAT(TakeMessages(), ElementsAre(u"Name already in use"_s));
+    // What was refused stays in the cell until it is another text or given up.
+    User::Press(Qt::Key_A, Qt::ControlModifier);
     User::Press(Qt::Key_Backspace);
     User::Press(Qt::Key_Return);
     EXPECT_THAT(TakeMessages(), ElementsAre(u"Name field must have a unique identifier (name)"_s));
+    User::Press(Qt::Key_Escape);
     EXPECT_EQ(Trends().Names(), brewhouse.TrendNames());
     ExpectFileAsPlanned();
 }
