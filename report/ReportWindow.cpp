@@ -18,10 +18,10 @@
 #include <QVBoxLayout>
 #include <tuple>
 
-#include "help/HelpTopics.h"
 #include "help/HelpViewer.h"
 #include "paths/NativePath.h"
 #include "platform/Error.h"
+#include "platform/HelpTopics.h"
 #include "platform/MessageBox.h"
 #include "platform/PlainTexts.h"
 #include "platform/Registry.h"
@@ -405,7 +405,7 @@ void ReportWindow::FindHelpFile(platform::Registry& registry) {
 }
 
 void ReportWindow::actHelp_Triggered() {
-    std::ignore = helpFile_.ShowTopic(help::kHelpReport, this);  // the viewer tells for itself
+    std::ignore = helpFile_.ShowTopic(platform::kHelpReport, this);  // the viewer tells for itself
 }
 
 void ReportWindow::SetRunning(bool running) {

@@ -7,10 +7,10 @@
 #include "addin/ArchiveIcon.h"
 #include "addin/MKVSGlobalEditors.h"
 #include "addin/WindowEmbedding.h"
-#include "help/HelpTopics.h"
 #include "help/HelpViewer.h"
 #include "languages/MResourceTable.h"
 #include "platform/Error.h"
+#include "platform/HelpTopics.h"
 #include "platform/MessageBox.h"
 #include "projectdb/Guard.h"
 #include "projectdb/NodeKey.h"
@@ -47,9 +47,9 @@ constexpr CommandKey kCommandKeys[] = {
 
 int TopicOf(const Node& node) {
     const QStringView kind = projectdb::NodeKind(node.key);
-    if (kind == projectdb::kRootKind) return help::kHelpArchives;
-    if (kind == projectdb::kArchiveKind) return help::kHelpArchive;
-    return help::kHelpContents;
+    if (kind == projectdb::kRootKind) return platform::kHelpArchives;
+    if (kind == projectdb::kArchiveKind) return platform::kHelpArchive;
+    return platform::kHelpContents;
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 
 #include "dialogs/ArchiveSummary.h"
 #include "dialogs/FolderChoice.h"
-#include "help/HelpTopics.h"
 #include "languages/MResourceTable.h"
+#include "platform/HelpTopics.h"
 #include "platform/Locale.h"
 
 namespace {
@@ -60,7 +60,7 @@ void FArchiv::SetDisplayTextAvailable(bool available) {
 }
 
 int FArchiv::HelpTopic(int page) const {
-    return help::kHelpArchiveStandard + page;
+    return platform::kHelpArchiveStandard + page;
 }
 
 /// Without a count or a variable the event would be stored as none at all.

@@ -14,9 +14,9 @@
 #include <utility>
 
 #include "dialogs/AccessKeys.h"
-#include "help/HelpTopics.h"
 #include "languages/MResources.h"
 #include "languages/MResourceTable.h"
+#include "platform/HelpTopics.h"
 
 namespace {
 
@@ -335,7 +335,7 @@ void FConfigEditor::keyPressEvent(QKeyEvent* event) {
         QDialog::keyPressEvent(event);
         return;
     }
-    if (showHelp_) showHelp_(help::kHelpOptionsCommon + tabConfig->currentIndex(), this);
+    if (showHelp_) showHelp_(platform::kHelpOptionsCommon + tabConfig->currentIndex(), this);
 }
 
 void FConfigEditor::ShowNextPage(int step) {

@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "dialogs/ColourTexts.h"
-#include "help/HelpTopics.h"
 #include "languages/KeyFilter.h"
 #include "languages/MResourceTable.h"
+#include "platform/HelpTopics.h"
 #include "platform/Locale.h"
 
 namespace {
@@ -63,7 +63,7 @@ void FTrend::SetOpenedName(const QString& name) {
 }
 
 int FTrend::HelpTopic(int page) const {
-    return help::kHelpTrendStandard + page;
+    return platform::kHelpTrendStandard + page;
 }
 
 void FTrend::CollectArrays() {

@@ -6,8 +6,8 @@
 
 #include "controls/TDBGrid.h"
 #include "editor/frmtabGrid.h"
-#include "help/HelpTopics.h"
 #include "languages/MResourceTable.h"
+#include "platform/HelpTopics.h"
 #include "projectdb/NodeKey.h"
 
 namespace {
@@ -62,8 +62,8 @@ bool frmtabGrid::RunKey(const QKeyEvent& event) {
     if (event.modifiers() == Qt::NoModifier) {
         switch (key) {
             case Qt::Key_F1:
-                addIn_.ShowHelpTopic(archives ? help::kHelpEditorWindow : help::kHelpTrendGrid,
-                                     this);
+                addIn_.ShowHelpTopic(
+                    archives ? platform::kHelpEditorWindow : platform::kHelpTrendGrid, this);
                 return true;
             case Qt::Key_F8:
                 return run(archives ? mnuArchiv[0] : mnuTrend[0]);

@@ -4,7 +4,7 @@
 #include <QFile>
 
 #include "help/detail/HtmlText.h"
-#include "help/HelpTopics.h"
+#include "platform/HelpTopics.h"
 
 // Outside of any namespace, as Qt wants it: a static library's resources are not found by
 // themselves.
@@ -25,33 +25,33 @@ struct Topic {
     const char* page;
 };
 constexpr Topic kTopics[] = {
-    {kHelpContents, "index.html"},
-    {kHelpArchives, "archives.html"},
-    {kHelpArchive, "archive.html"},
-    {kHelpEditorWindow, "window.html"},
-    {kHelpTrendGrid, "grid.html"},
-    {kHelpLanguages, "languages.html"},
-    {kHelpStatistic, "window.html#statistic"},
-    {kHelpReport, "report.html"},
-    {kHelpRefresh, "window.html#refresh"},
-    {kHelpKeys, "keys.html"},
-    {kHelpOptionsCommon, "options.html#common"},
-    {kHelpOptionsTrendTable, "options.html#columns"},
-    {kHelpArchiveStandard, "archive-dialog.html#standard"},
-    {kHelpArchiveFormat, "archive-dialog.html#format"},
-    {kHelpArchiveRecording, "archive-dialog.html#recording"},
-    {kHelpTrend, "trend.html"},
-    {kHelpTrendStandard, "trend-dialog.html#standard"},
-    {kHelpTrendRecording, "trend-dialog.html#recording"},
-    {kHelpTrendAppearance, "trend-dialog.html#appearance"},
-    {kHelpTrendTolerance, "trend-dialog.html#tolerance"},
-    {kHelpArchiveTypes, "archive-types.html"},
-    {kHelpSampleModes, "sample-modes.html"},
-    {kHelpFileChange, "file-change.html"},
-    {kHelpHysteresis, "hysteresis.html"},
-    {kHelpFilter, "filter.html"},
-    {kHelpToleranceBand, "tolerance.html"},
-    {kHelpDrawModes, "draw-modes.html"},
+    {platform::kHelpContents, "index.html"},
+    {platform::kHelpArchives, "archives.html"},
+    {platform::kHelpArchive, "archive.html"},
+    {platform::kHelpEditorWindow, "window.html"},
+    {platform::kHelpTrendGrid, "grid.html"},
+    {platform::kHelpLanguages, "languages.html"},
+    {platform::kHelpStatistic, "window.html#statistic"},
+    {platform::kHelpReport, "report.html"},
+    {platform::kHelpRefresh, "window.html#refresh"},
+    {platform::kHelpKeys, "keys.html"},
+    {platform::kHelpOptionsCommon, "options.html#common"},
+    {platform::kHelpOptionsTrendTable, "options.html#columns"},
+    {platform::kHelpArchiveStandard, "archive-dialog.html#standard"},
+    {platform::kHelpArchiveFormat, "archive-dialog.html#format"},
+    {platform::kHelpArchiveRecording, "archive-dialog.html#recording"},
+    {platform::kHelpTrend, "trend.html"},
+    {platform::kHelpTrendStandard, "trend-dialog.html#standard"},
+    {platform::kHelpTrendRecording, "trend-dialog.html#recording"},
+    {platform::kHelpTrendAppearance, "trend-dialog.html#appearance"},
+    {platform::kHelpTrendTolerance, "trend-dialog.html#tolerance"},
+    {platform::kHelpArchiveTypes, "archive-types.html"},
+    {platform::kHelpSampleModes, "sample-modes.html"},
+    {platform::kHelpFileChange, "file-change.html"},
+    {platform::kHelpHysteresis, "hysteresis.html"},
+    {platform::kHelpFilter, "filter.html"},
+    {platform::kHelpToleranceBand, "tolerance.html"},
+    {platform::kHelpDrawModes, "draw-modes.html"},
 };
 
 struct Chapter {
@@ -85,7 +85,7 @@ QString BuiltInHelp::Title() const {
 }
 
 QString BuiltInHelp::HomePage() const {
-    return TopicPage(kHelpContents);
+    return TopicPage(platform::kHelpContents);
 }
 
 QString BuiltInHelp::TopicPage(int topic) const {

@@ -19,7 +19,7 @@
 #include "help/detail/HtmlText.h"
 #include "help/HelpPage.h"
 #include "help/HelpTexts.h"
-#include "help/HelpTopics.h"
+#include "platform/HelpTopics.h"
 #include "platform/PlainTexts.h"
 
 namespace help {

@@ -13,7 +13,7 @@
 #include "dialogs/DialogTesting.h"
 #include "dialogs/FieldMark.h"
 #include "dialogs/TextDialog.h"
-#include "help/HelpTopics.h"
+#include "platform/HelpTopics.h"
 
 namespace {
 
@@ -295,8 +295,9 @@ TEST_P(FArchivTest, HelpKnowsThePage) {
     QTest::keyClick(dialog_->cboFilePath, Qt::Key_F1);
     ShowPage(2);
     QTest::mouseClick(dialog_->cmdHelp, Qt::LeftButton);
-    EXPECT_EQ(around_.topics, (QList<int>{help::kHelpArchiveStandard, help::kHelpArchiveFormat,
-                                          help::kHelpArchiveRecording}));
+    EXPECT_EQ(around_.topics,
+              (QList<int>{platform::kHelpArchiveStandard, platform::kHelpArchiveFormat,
+                          platform::kHelpArchiveRecording}));
 }
 
 TEST_P(FArchivTest, VariablePickersFillTheFieldBesideThem) {

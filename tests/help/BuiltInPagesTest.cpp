@@ -9,7 +9,7 @@
 #include "help/BuiltInHelp.h"
 #include "help/detail/ChmTables.h"
 #include "help/detail/HtmlText.h"
-#include "help/HelpTopics.h"
+#include "platform/HelpTopics.h"
 
 namespace {
 
@@ -67,8 +67,9 @@ protected:
 TEST_P(BuiltInPagesTest, EveryTopicLeadsToAPageAndAPlace) {
     const QList<int> topics = BuiltInHelp::Topics();
     for (const int topic :
-         {help::kHelpContents, help::kHelpArchives, help::kHelpArchive, help::kHelpArchiveFormat,
-          help::kHelpTrendTolerance, help::kHelpOptionsTrendTable, help::kHelpDrawModes}) {
+         {platform::kHelpContents, platform::kHelpArchives, platform::kHelpArchive,
+          platform::kHelpArchiveFormat, platform::kHelpTrendTolerance,
+          platform::kHelpOptionsTrendTable, platform::kHelpDrawModes}) {
         EXPECT_TRUE(topics.contains(topic)) << topic;
     }
     for (const int topic : topics) {

@@ -16,9 +16,9 @@
 
 #include "help/HelpPage.h"
 #include "help/HelpTexts.h"
-#include "help/HelpTopics.h"
 #include "help/HelpViewer.h"
 #include "help/HelpWindow.h"
+#include "platform/HelpTopics.h"
 #include "platform/Registry.h"
 
 namespace {
@@ -63,7 +63,7 @@ TEST_F(HelpWindowTest, ShowsEveryTopicWithItsPicturesInBothLanguages) {
                       help::BuiltInHelp(folder).TopicPage(topic).section(u'#', 0, 0));
             EXPECT_GT(PageOf(window).toPlainText().size(), 200) << topic;
         }
-        window.ShowTopic({}, help::kHelpSampleModes);
+        window.ShowTopic({}, platform::kHelpSampleModes);
         const QVariant picture = PageOf(window).loadResource(
             QTextDocument::ImageResource, QUrl(u"../images/sample-trigger.svg"_s));
         EXPECT_GE(picture.value<QImage>().width(), 300);
@@ -78,7 +78,7 @@ TEST_F(HelpWindowTest, ShowsEveryTopicWithItsPicturesInBothLanguages) {
 TEST_F(HelpWindowTest, LinksHistoryAndSearch) {
     HelpWindow window(Texts(MResources::kEnglish));
     window.show();
-    window.ShowTopic({}, help::kHelpContents);
+    window.ShowTopic({}, platform::kHelpContents);
     HelpPage& page = PageOf(window);
     emit page.anchorClicked(QUrl(u"hysteresis.html"_s));
     EXPECT_EQ(page.ShownPage(), u"en/hysteresis.html"_s);
@@ -115,27 +115,27 @@ TEST_F(HelpWindowTest, PrefersTheInstalledFileWhereItHasThePage) {
     ASSERT_TRUE(QFile::copy(QStringLiteral(KV_TEST_DATA "/Archivsystem.chm"), file));
     HelpWindow window(Texts(MResources::kGerman));
     window.show();
-    window.ShowTopic(file, help::kHelpArchive);
+    window.ShowTopic(file, platform::kHelpArchive);
     Wait(window);
     HelpPage& page = PageOf(window);
     EXPECT_EQ(page.ShownPage(), u"sub/archiv.htm"_s);
     EXPECT_TRUE(page.toPlainText().contains(u"Der Ringpuffer."_s));
     EXPECT_TRUE(window.windowTitle().contains(u"Archivsystem"_s));
     EXPECT_TRUE(page.loadResource(QTextDocument::ImageResource, QUrl(u"../dot.gif"_s)).isValid());
-    window.ShowTopic(file, help::kHelpArchives);
+    window.ShowTopic(file, platform::kHelpArchives);
     EXPECT_TRUE(page.toPlainText().contains(u"Übersicht"_s));
     emit page.anchorClicked(QUrl(u"mk:@MSITStore:Archivsystem.chm::/sub/archiv.htm"_s));
     EXPECT_EQ(page.ShownPage(), u"sub/archiv.htm"_s);
 
     // A number of ours that the file does not know.
-    window.ShowTopic(file, help::kHelpHysteresis);
+    window.ShowTopic(file, platform::kHelpHysteresis);
     EXPECT_EQ(page.ShownPage(), u"de/hysteresis.html"_s);
 
     QFile broken(file);
     ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
     broken.write("ITSF, but nothing behind it");
     broken.close();
-    window.ShowTopic(file, help::kHelpArchive);
+    window.ShowTopic(file, platform::kHelpArchive);
     Wait(window);
     EXPECT_EQ(page.ShownPage(), u"de/archive.html"_s);
     EXPECT_TRUE(window.findChild<QLabel*>(u"lblState"_s)->text().contains(file));
@@ -147,7 +147,7 @@ TEST_F(HelpWindowTest, CanBeUsedWhileADialogIsModal) {
     helpFile.SetPath(u"\\no\\such\\Archivsystem.chm"_s);
     QWidget editor;
     editor.show();
-    ASSERT_TRUE(helpFile.ShowTopic(help::kHelpArchives, &editor));
+    ASSERT_TRUE(helpFile.ShowTopic(platform::kHelpArchives, &editor));
     const auto window = [] {
         for (QWidget* widget : QApplication::topLevelWidgets()) {
             if (widget->objectName() == u"frmHelp") return qobject_cast<HelpWindow*>(widget);
@@ -158,7 +158,7 @@ TEST_F(HelpWindowTest, CanBeUsedWhileADialogIsModal) {
     {
         QDialog dialog(&editor);
         dialog.open();
-        ASSERT_TRUE(helpFile.ShowTopic(help::kHelpArchiveFormat, &dialog));
+        ASSERT_TRUE(helpFile.ShowTopic(platform::kHelpArchiveFormat, &dialog));
         EXPECT_EQ(PageOf(*window()).ShownPage(), u"en/archive-dialog.html"_s);
         EXPECT_EQ(window()->windowHandle()->transientParent(), dialog.windowHandle());
         EXPECT_TRUE(window()->isVisible());
@@ -167,7 +167,7 @@ TEST_F(HelpWindowTest, CanBeUsedWhileADialogIsModal) {
 
     // Another language: the next topic comes in it.
     Texts(MResources::kGerman);
-    ASSERT_TRUE(helpFile.ShowTopic(help::kHelpKeys, &editor));
+    ASSERT_TRUE(helpFile.ShowTopic(platform::kHelpKeys, &editor));
     EXPECT_EQ(PageOf(*window()).ShownPage(), u"de/keys.html"_s);
     helpFile.SetViewer({});
     EXPECT_EQ(window(), nullptr);
@@ -183,7 +183,7 @@ TEST_F(HelpWindowTest, FollowsADarkDesktop) {
     {
         HelpWindow window(Texts(MResources::kEnglish));
         window.show();
-        window.ShowTopic({}, help::kHelpArchiveTypes);
+        window.ShowTopic({}, platform::kHelpArchiveTypes);
         const QImage picture = window.grab().toImage();
         EXPECT_LT(picture.pixelColor(picture.width() - 60, picture.height() / 2).lightness(), 100);
         KeepPicture(window, u"help-dark.png"_s);

@@ -2,9 +2,8 @@
 
 /// The context numbers of the help: whoever answers F1 hands one of them to
 /// platform::HelpFile::ShowTopic. Each has a page in German and in English among the built-in
-/// pages; an installed help file is asked for the same numbers. Nothing but numbers is here, so
-/// any library may include it without linking to the viewer.
-namespace help {
+/// pages; an installed help file is asked for the same numbers.
+namespace platform {
 
 inline constexpr int kHelpContents = 0;
 
@@ -46,4 +45,4 @@ inline constexpr int kHelpFilter = 30044;
 inline constexpr int kHelpToleranceBand = 30045;
 inline constexpr int kHelpDrawModes = 30046;
 
-}  // namespace help
+}  // namespace platform
