@@ -1,7 +1,7 @@
 #include "report/ProjectReader.h"
 
 #include <algorithm>
-#include <QLocale>
+#include <utility>
 
 #include "ado/AdoError.h"
 #include "projectdb/Text.h"
@@ -14,11 +14,6 @@ using projectdb::ToUtf8;
 
 namespace {
 
-constexpr std::string_view kArchives = "TchrArchives";
-constexpr std::string_view kTrends = "TchrTrends";
-constexpr std::string_view kTexts = "TidxTexts";
-constexpr std::string_view kLanguages = "TcfgLanguages";
-
 // More failures than this one after another are not rows, of which a page holds fewer.
 constexpr int kMaximumFailures = 256;
 // How often the clock is asked.
@@ -30,12 +25,36 @@ bool IsText(QChar c) {
     return c.unicode() >= 0x20 || c == u'\n' || c == u'\t';
 }
 
+/// -1 for a column that is not there.
+std::ptrdiff_t PlaceOf(const ado::Recordset& rows, std::string_view column) {
+    try {
+        return static_cast<std::ptrdiff_t>(rows.FieldIndex(column));
+    } catch (const ado::AdoError&) {
+        return -1;
+    }
+}
+
 Cell ReadCell(ado::Recordset& rows, std::ptrdiff_t column) {
     if (column < 0) return {};
     return {rows.Get(static_cast<std::size_t>(column)), false};
 }
 
 }  // namespace
+
+const Cell& Row::operator[](std::string_view column) const {
+    const auto found =
+        std::find_if(columns.begin(), columns.end(),
+                     [&](const project::Column& each) { return each.name == column; });
+    if (found != columns.end()) {
+        return cells[static_cast<std::size_t>(found - columns.begin()) + 1];
+    }
+    Q_ASSERT(column == project::kKeyColumn);
+    return cells.front();
+}
+
+Cell& Row::operator[](std::string_view column) {
+    return const_cast<Cell&>(std::as_const(*this)[column]);
+}
 
 std::optional<int> Integer(const Cell& cell) {
     if (cell.damaged || ado::IsNull(cell.value)) return std::nullopt;
@@ -70,13 +89,17 @@ ProjectReader::~ProjectReader() = default;
 void ProjectReader::Open(const QString& path) {
     connection_.OpenSnapshot("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + ToUtf8(path) +
                              ";Mode=Read|Share Deny None;");
-    OpenSource(archiveRows_, kArchives, kArchiveColumnNames);
-    OpenSource(trendRows_, kTrends, kTrendColumnNames);
+    OpenSource(archiveRows_, project::kArchiveTable, project::ArchiveColumns());
+    OpenSource(trendRows_, project::kTrendTable, project::TrendColumns());
     try {
         OpenTexts();
         textsReadable_ = true;
     } catch (const ado::AdoError& error) {
-        Note({Problem::Kind::Table, ToQString(kTexts), 0, {}, ToQString(error.Description())});
+        Note({Problem::Kind::Table,
+              ToQString(project::kTextTable),
+              0,
+              {},
+              ToQString(error.Description())});
         stage_ = Stage::Archives;
     }
     rowsTotal_ = archiveRows_.rows.RecordCount() + trendRows_.rows.RecordCount();
@@ -85,15 +108,12 @@ void ProjectReader::Open(const QString& path) {
 }
 
 void ProjectReader::OpenSource(Source& source, std::string_view table,
-                               std::span<const std::string_view> columns) {
+                               std::span<const project::Column> columns) {
     source.table = ToQString(table);
     source.rows.Open(table, connection_, ado::CommandType::Table);
-    for (const std::string_view column : columns) {
-        try {
-            source.columns.push_back(static_cast<std::ptrdiff_t>(source.rows.FieldIndex(column)));
-        } catch (const ado::AdoError&) {
-            source.columns.push_back(-1);
-        }
+    source.columns.push_back(PlaceOf(source.rows, project::kKeyColumn));
+    for (const project::Column& column : columns) {
+        source.columns.push_back(PlaceOf(source.rows, column.name));
     }
 }
 
@@ -102,26 +122,26 @@ void ProjectReader::OpenTexts() {
     ado::Recordset languages;
     std::vector<int> wanted;
     try {
-        languages.Open(kLanguages, connection_, ado::CommandType::Table);
+        languages.Open(project::kLanguageTable, connection_, ado::CommandType::Table);
         for (; !languages.IsEOF(); languages.MoveNext()) {
             wanted.push_back(ado::ToLong(languages.Get("LCID")));
         }
     } catch (const ado::AdoError& error) {
-        Note({Problem::Kind::Table, ToQString(kLanguages), 0, {}, ToQString(error.Description())});
+        Note({Problem::Kind::Table,
+              ToQString(project::kLanguageTable),
+              0,
+              {},
+              ToQString(error.Description())});
     }
-    const std::array<std::string_view, 1> id = {"ID"};
-    OpenSource(textRows_, kTexts, id);
+    OpenSource(textRows_, project::kTextTable, {});
     if (textRows_.columns.front() < 0) {
         throw ado::AdoError(ado::ErrorNumber::kItemNotFound, "The table TidxTexts has no ID.");
     }
     for (const int lcid : wanted) {
-        try {
-            const std::size_t column = textRows_.rows.FieldIndex("L" + std::to_string(lcid));
-            textRows_.columns.push_back(static_cast<std::ptrdiff_t>(column));
-            lcids_.push_back(lcid);
-        } catch (const ado::AdoError&) {
-            // A language without a text column has no texts to show.
-        }
+        const std::ptrdiff_t column = PlaceOf(textRows_.rows, project::LanguageColumn(lcid));
+        if (column < 0) continue;  // a language without a text column has no texts to show
+        textRows_.columns.push_back(column);
+        lcids_.push_back(lcid);
     }
 }
 
@@ -207,10 +227,10 @@ void ProjectReader::CollectArchive() {
     }
     ArchiveRow row;
     ReadCells(archiveRows_, row, true);
-    const Cell& id = row[ArchiveColumn::ID];
-    const QString name = PlainText(row[ArchiveColumn::Name]);
+    const Cell& id = row["ID"];
+    const QString name = PlainText(row["Name"]);
     archives_.push_back({Integer(id).value_or(0), name, archiveRows_.rows.GetBookmark(), {}});
-    CheckText(archiveRows_.table, id, name, row[ArchiveColumn::TextID]);
+    CheckText(archiveRows_.table, id, name, row["TextID"]);
 }
 
 void ProjectReader::CollectTrend() {
@@ -220,9 +240,9 @@ void ProjectReader::CollectTrend() {
     }
     TrendRow row;
     ReadCells(trendRows_, row, true);
-    const Cell& id = row[TrendColumn::ID];
-    const QString name = PlainText(row[TrendColumn::Name]);
-    const std::optional<int> archive = Integer(row[TrendColumn::ArchiveID]);
+    const Cell& id = row["ID"];
+    const QString name = PlainText(row["Name"]);
+    const std::optional<int> archive = Integer(row["ArchiveID"]);
     const auto found =
         std::lower_bound(archiveById_.begin(), archiveById_.end(),
                          std::pair<std::int32_t, std::size_t>(archive.value_or(0), 0));
@@ -234,11 +254,10 @@ void ProjectReader::CollectTrend() {
     }
     owner.trends.push_back(trendRows_.rows.GetBookmark());
     ++trendCount_;
-    CheckText(trendRows_.table, id, name, row[TrendColumn::TextID]);
+    CheckText(trendRows_.table, id, name, row["TextID"]);
 }
 
-template <typename RowType>
-void ProjectReader::ReadCells(Source& source, RowType& row, bool note) {
+void ProjectReader::ReadCells(Source& source, Row& row, bool note) {
     for (std::size_t i = 0; i < row.cells.size(); ++i) {
         try {
             row.cells[i] = ReadCell(source.rows, source.columns[i]);
@@ -275,7 +294,7 @@ ArchiveRow ProjectReader::ReadArchive(const Archive& archive) {
     try {
         archiveRows_.rows.SetBookmark(archive.row);
         ReadCells(archiveRows_, row, false);
-        ReadTexts(row, row[ArchiveColumn::TextID]);
+        ReadTexts(row, row["TextID"]);
     } catch (const ado::AdoError& error) {
         row.failure = ToQString(error.Description());
     }
@@ -287,15 +306,14 @@ TrendRow ProjectReader::ReadTrend(ado::Bookmark place) {
     try {
         trendRows_.rows.SetBookmark(place);
         ReadCells(trendRows_, row, false);
-        ReadTexts(row, row[TrendColumn::TextID]);
+        ReadTexts(row, row["TextID"]);
     } catch (const ado::AdoError& error) {
         row.failure = ToQString(error.Description());
     }
     return row;
 }
 
-template <typename RowType>
-void ProjectReader::ReadTexts(RowType& row, const Cell& textId) {
+void ProjectReader::ReadTexts(Row& row, const Cell& textId) {
     const std::optional<int> id = Integer(textId);
     if (!textsReadable_ || !id) return;
     if (!TextExists(*id)) {

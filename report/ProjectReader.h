@@ -79,16 +79,14 @@ private:
     };
 
     void OpenSource(Source& source, std::string_view table,
-                    std::span<const std::string_view> columns);
+                    std::span<const project::Column> columns);
     void OpenTexts();
     bool NextRow(Source& source);
     void CollectText();
     void CollectArchive();
     void CollectTrend();
-    template <typename RowType>
-    void ReadCells(Source& source, RowType& row, bool note);
-    template <typename RowType>
-    void ReadTexts(RowType& row, const Cell& textId);
+    void ReadCells(Source& source, Row& row, bool note);
+    void ReadTexts(Row& row, const Cell& textId);
     void CheckText(const QString& table, const Cell& id, const QString& name, const Cell& textId);
     void Note(Problem problem);
     [[nodiscard]] bool TextExists(std::int32_t id) const;

@@ -12,32 +12,13 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-using AC = ArchiveColumn;
-using TC = TrendColumn;
+namespace ArchiveType = project::ArchiveType;
+namespace SampleMode = project::SampleMode;
 
-// Bits of an archive's type, as they are stored.
-constexpr int kTypeMask = 7;
-constexpr int kTypeCircular = 0;
-constexpr int kTypeContinuation = 1;
-constexpr int kTypeMemory = 8;
-constexpr int kTypeSafe = 16;
-constexpr int kTypeRedundancy = 64;
-constexpr int kTypeKnown = kTypeMask | kTypeMemory | kTypeSafe | kTypeRedundancy;
-
-struct FileChangeEvent {
-    QStringView english;
-    QStringView german;
-    Text words;
-};
-constexpr FileChangeEvent kFileChanges[] = {
-    {u"$Year", u"$Jahr", Text::FileChangeYear},
-    {u"$Month", u"$Monat", Text::FileChangeMonth},
-    {u"$Week", u"$Woche", Text::FileChangeWeek},
-    {u"$Day", u"$Tag", Text::FileChangeDay},
-    {u"$Hour", u"$Stunde", Text::FileChangeHour},
-    {u"$Minute", u"$Minute", Text::FileChangeMinute},
-    {u"$Second", u"$Sekunde", Text::FileChangeSecond},
-};
+// In the order of the clock's events.
+constexpr Text kFileChanges[] = {
+    Text::FileChangeYear, Text::FileChangeMonth,  Text::FileChangeWeek,  Text::FileChangeDay,
+    Text::FileChangeHour, Text::FileChangeMinute, Text::FileChangeSecond};
 
 bool IsEmpty(const Cell& cell) {
     return !cell.damaged && PlainText(cell).isEmpty();
@@ -101,71 +82,72 @@ QList<Fact> Wording::Archive(const ArchiveRow& row) const {
     const auto add = [&](Text name, Lines lines) {
         if (!lines.isEmpty()) facts += Fact{texts_(name), std::move(lines)};
     };
-    const auto addValue = [&](Text name, AC column) {
+    const auto addValue = [&](Text name, std::string_view column) {
         if (!IsEmpty(row[column])) add(name, {Line{Value(row[column])}});
     };
-    const int type = Integer(row[AC::Type]).value_or(0);
-    const bool onDisk = (type & kTypeMemory) == 0;
+    const int type = Integer(row["Type"]).value_or(0);
+    const bool onDisk = (type & ArchiveType::kMainMemory) == 0;
 
     Lines names = DisplayTexts(row.texts);
-    if (row.textMissing) names += Warning(Text::TextMissing, PlainText(row[AC::TextID]));
+    if (row.textMissing) names += Warning(Text::TextMissing, PlainText(row["TextID"]));
     add(Text::DisplayText, names);
     add(Text::Type, TypeWords(row));
     add(Text::Storage, StorageWords(row));
     add(Text::Recording, {RecordingWords(row)});
-    if (onDisk && (type & kTypeMask) == kTypeContinuation) {
+    if (onDisk && (type & ArchiveType::kKindMask) == ArchiveType::kContinuationFile) {
         add(Text::FileChange, {FileChangeWords(row)});
         add(Text::Limits, LimitWords(row));
     }
     if (onDisk) {
-        QString path = PlainText(row[AC::FilePath]);
+        QString path = PlainText(row["FilePath"]);
         if (!path.isEmpty() && !path.endsWith(u'\\')) path += u'\\';
-        if (const QString file = path + PlainText(row[AC::FileName]); !file.isEmpty()) {
+        if (const QString file = path + PlainText(row["FileName"]); !file.isEmpty()) {
             add(Text::Files, {Line{file}});
         }
         add(Text::Redundancy,
-            {Line{(type & kTypeRedundancy) != 0 ? Named(row[AC::RedundancyFilePath])
-                                                : texts_(Text::NoRedundancy)}});
+            {Line{(type & ArchiveType::kRedundancy) != 0 ? Named(row["RedundancyFilePath"])
+                                                         : texts_(Text::NoRedundancy)}});
     }
-    const std::optional<int> mode = Integer(row[AC::SampleMode]);
-    if (mode != 2) addValue(Text::XVariable, AC::XVar);
-    if (mode != 3) addValue(Text::Trigger, AC::Trigger);
-    addValue(Text::StartStop, AC::StartStop);
-    addValue(Text::Clear, AC::Reset);
-    if (onDisk) addValue(Text::Cache, AC::CacheSize);
-    addValue(Text::Authorization, AC::AuthorizationLevel);
-    addValue(Text::Comment, AC::Comment);
+    const std::optional<int> mode = Integer(row["SampleMode"]);
+    if (mode != SampleMode::kOnVariable) addValue(Text::XVariable, "XVar");
+    if (mode != SampleMode::kOnTrigger) addValue(Text::Trigger, "Trigger");
+    addValue(Text::StartStop, "StartStop");
+    addValue(Text::Clear, "Reset");
+    if (onDisk) addValue(Text::Cache, "CacheSize");
+    addValue(Text::Authorization, "AuthorizationLevel");
+    addValue(Text::Comment, "Comment");
     return facts;
 }
 
 Lines Wording::TypeWords(const ArchiveRow& row) const {
-    if (row[AC::Type].damaged) return {{texts_(Text::Damaged), Line::Look::Warning}};
-    const std::optional<int> type = Integer(row[AC::Type]);
+    if (row["Type"].damaged) return {{texts_(Text::Damaged), Line::Look::Warning}};
+    const std::optional<int> type = Integer(row["Type"]);
     if (!type) return {{texts_(Text::NotSet), Line::Look::Muted}};
     Lines lines;
-    const int kind = *type & kTypeMask;
-    if (kind == kTypeCircular) {
-        const std::optional<int> size = Integer(row[AC::MaxSamples]);
+    const int kind = *type & ArchiveType::kKindMask;
+    if (kind == ArchiveType::kCircularBuffer) {
+        const std::optional<int> size = Integer(row["MaxSamples"]);
         lines +=
             Line{size.value_or(0) > 0 ? texts_(Text::CircularBufferOf).arg(texts_.Number(*size))
                                       : texts_(Text::CircularBuffer)};
-    } else if (kind == kTypeContinuation) {
+    } else if (kind == ArchiveType::kContinuationFile) {
         lines += Line{texts_(Text::ContinuationFile)};
     } else {
         lines += Warning(Text::UnknownType, QString::number(kind));
     }
-    if (const int others = *type & ~kTypeKnown; others != 0) {
+    if (const int others = *type & ~ArchiveType::kKnown; others != 0) {
         lines += Line{texts_(Text::OtherTypeBits).arg(others), Line::Look::Muted};
     }
     return lines;
 }
 
 Lines Wording::StorageWords(const ArchiveRow& row) const {
-    const std::optional<int> type = Integer(row[AC::Type]);
+    const std::optional<int> type = Integer(row["Type"]);
     if (!type) return {};
-    if ((*type & kTypeMemory) != 0) return {Line{texts_(Text::InMainMemory)}};
-    return {Line{texts_(Text::OnHardDisk) + u", "_s +
-                 texts_((*type & kTypeSafe) != 0 ? Text::SavedSafe : Text::SavedFast)}};
+    if ((*type & ArchiveType::kMainMemory) != 0) return {Line{texts_(Text::InMainMemory)}};
+    return {
+        Line{texts_(Text::OnHardDisk) + u", "_s +
+             texts_((*type & ArchiveType::kSaveSafe) != 0 ? Text::SavedSafe : Text::SavedFast)}};
 }
 
 QString Wording::TypeInShort(const ArchiveRow& row) const {
@@ -177,43 +159,43 @@ QString Wording::TypeInShort(const ArchiveRow& row) const {
 
 Line Wording::RecordingWords(const ArchiveRow& row) const {
     const Line line =
-        Code(row[AC::SampleMode],
+        Code(row["SampleMode"],
              {Text::SampleSynchronous, Text::SampleAsynchronous, Text::SampleXVar,
               Text::SampleTrigger, Text::SampleSaveAll, Text::SampleNone, Text::SampleManual});
-    switch (Integer(row[AC::SampleMode]).value_or(-1)) {
-        case 0:
-        case 1:
-            return {line.text.arg(Named(row[AC::ScanTime])), line.look};
-        case 2:
-            return {line.text.arg(Named(row[AC::XVar])), line.look};
-        case 3:
-            return {line.text.arg(Named(row[AC::Trigger])), line.look};
+    switch (Integer(row["SampleMode"]).value_or(-1)) {
+        case SampleMode::kCycles:
+        case SampleMode::kMilliseconds:
+            return {line.text.arg(Named(row["ScanTime"])), line.look};
+        case SampleMode::kOnVariable:
+            return {line.text.arg(Named(row["XVar"])), line.look};
+        case SampleMode::kOnTrigger:
+            return {line.text.arg(Named(row["Trigger"])), line.look};
         default:
             return line;
     }
 }
 
 Line Wording::FileChangeWords(const ArchiveRow& row) const {
-    if (row[AC::NewFile].damaged) return {texts_(Text::Damaged), Line::Look::Warning};
-    const QString event = PlainText(row[AC::NewFile]);
-    for (const FileChangeEvent& known : kFileChanges) {
-        if (event == known.english || event == known.german) return {texts_(known.words)};
+    if (row["NewFile"].damaged) return {texts_(Text::Damaged), Line::Look::Warning};
+    const QString event = PlainText(row["NewFile"]);
+    if (const auto known = project::FindClockEvent(event.toStdU16String())) {
+        return {texts_(kFileChanges[*known])};
     }
     if (!event.isEmpty()) return {texts_(Text::FileChangeTrigger).arg(event)};
-    const int samples = Integer(row[AC::MaxSamples]).value_or(0);
+    const int samples = Integer(row["MaxSamples"]).value_or(0);
     return {samples != 0 ? texts_(Text::FileChangeCount).arg(texts_.Number(samples))
                          : texts_(Text::FileChangeNever)};
 }
 
 Lines Wording::LimitWords(const ArchiveRow& row) const {
     Lines lines;
-    const auto add = [&](AC column, Text words) {
+    const auto add = [&](std::string_view column, Text words) {
         if (row[column].damaged) lines += Line{texts_(Text::Damaged), Line::Look::Warning};
         const int limit = Integer(row[column]).value_or(0);
         if (limit != 0) lines += Line{texts_(words).arg(texts_.Number(limit))};
     };
-    add(AC::MaxFiles, Text::LimitFiles);
-    add(AC::MaxSizeKb, Text::LimitSize);
+    add("MaxFiles", Text::LimitFiles);
+    add("MaxSizeKb", Text::LimitSize);
     if (lines.isEmpty()) lines += Line{texts_(Text::NoLimits)};
     return lines;
 }
@@ -224,7 +206,7 @@ TrendCells Wording::Trend(const TrendRow& row) const {
         cells[0] = {Warning(Text::RowGone, row.failure)};
         return cells;
     }
-    const QString variable = Value(row[TC::TrendVar]);
+    const QString variable = Value(row["TrendVar"]);
     cells = {NameWords(row),
              variable.isEmpty() ? Lines{{texts_(Text::NotSet), Line::Look::Muted}}
                                 : Lines{Line{variable}},
@@ -239,52 +221,52 @@ TrendCells Wording::Trend(const TrendRow& row) const {
 }
 
 Lines Wording::NameWords(const TrendRow& row) const {
-    Lines lines = {{Named(row[TC::Name]), Line::Look::Strong}};
+    Lines lines = {{Named(row["Name"]), Line::Look::Strong}};
     lines += DisplayTexts(row.texts);
-    if (row.textMissing) lines += Warning(Text::TextMissing, PlainText(row[TC::TextID]));
-    if (!IsEmpty(row[TC::Comment])) lines += Line{Value(row[TC::Comment]), Line::Look::Muted};
+    if (row.textMissing) lines += Warning(Text::TextMissing, PlainText(row["TextID"]));
+    if (!IsEmpty(row["Comment"])) lines += Line{Value(row["Comment"]), Line::Look::Muted};
     return lines;
 }
 
 Lines Wording::RangeWords(const TrendRow& row) const {
     Lines lines;
-    if (!IsEmpty(row[TC::Minimum]) || !IsEmpty(row[TC::Maximum])) {
-        QString range = texts_(Text::FromTo).arg(Named(row[TC::Minimum]), Named(row[TC::Maximum]));
-        if (!IsEmpty(row[TC::Unit])) range += u' ' + Value(row[TC::Unit]);
+    if (!IsEmpty(row["Minimum"]) || !IsEmpty(row["Maximum"])) {
+        QString range = texts_(Text::FromTo).arg(Named(row["Minimum"]), Named(row["Maximum"]));
+        if (!IsEmpty(row["Unit"])) range += u' ' + Value(row["Unit"]);
         lines += Line{range};
-    } else if (!IsEmpty(row[TC::Unit])) {
-        lines += Line{Value(row[TC::Unit])};
+    } else if (!IsEmpty(row["Unit"])) {
+        lines += Line{Value(row["Unit"])};
     }
-    const auto* factor = std::get_if<double>(&row[TC::Factor].value);
-    const auto* offset = std::get_if<double>(&row[TC::Offset].value);
+    const auto* factor = std::get_if<double>(&row["Factor"].value);
+    const auto* offset = std::get_if<double>(&row["Offset"].value);
     const bool neutral = (factor == nullptr || *factor == 1.0) &&
-                         (offset == nullptr || *offset == 0.0) && !row[TC::Factor].damaged &&
-                         !row[TC::Offset].damaged;
+                         (offset == nullptr || *offset == 0.0) && !row["Factor"].damaged &&
+                         !row["Offset"].damaged;
     if (!neutral) {
-        lines += Line{texts_(Text::Scaling).arg(Named(row[TC::Factor]), Named(row[TC::Offset]))};
+        lines += Line{texts_(Text::Scaling).arg(Named(row["Factor"]), Named(row["Offset"]))};
     }
     return lines;
 }
 
 Lines Wording::SubstitutionWords(const TrendRow& row) const {
     Lines lines;
-    const auto add = [&](TC column, Text words) {
+    const auto add = [&](std::string_view column, Text words) {
         if (!IsEmpty(row[column])) lines += Line{texts_(words).arg(Value(row[column]))};
     };
-    add(TC::SurrogateMax, Text::SubstitutionMax);
-    add(TC::SurrogateMin, Text::SubstitutionMin);
-    add(TC::ErrorValue, Text::SubstitutionError);
+    add("SurrogateMax", Text::SubstitutionMax);
+    add("SurrogateMin", Text::SubstitutionMin);
+    add("ErrorValue", Text::SubstitutionError);
     return lines;
 }
 
 /// As the dialog understands it.
 Lines Wording::HysteresisWords(const TrendRow& row) const {
-    if (row[TC::Hysteresis].damaged || row[TC::HysteresisMode].damaged) {
+    if (row["Hysteresis"].damaged || row["HysteresisMode"].damaged) {
         return {{texts_(Text::Damaged), Line::Look::Warning}};
     }
-    const QString amount = Value(row[TC::Hysteresis]);
+    const QString amount = Value(row["Hysteresis"]);
     const std::int32_t mode =
-        project::HysteresisMode(!amount.isEmpty(), Integer(row[TC::HysteresisMode]).value_or(0));
+        project::HysteresisMode(!amount.isEmpty(), Integer(row["HysteresisMode"]).value_or(0));
     if (mode == project::kNoHysteresis) {
         return {{texts_(Text::HysteresisNone), Line::Look::Muted}};
     }
@@ -295,35 +277,35 @@ Lines Wording::HysteresisWords(const TrendRow& row) const {
 
 Lines Wording::FilterWords(const TrendRow& row) const {
     const Line filter =
-        Code(row[TC::Filter], {Text::FilterNone, Text::FilterAverage, Text::FilterAveraging,
-                               Text::FilterMax, Text::FilterMin});
-    const int code = Integer(row[TC::Filter]).value_or(0);
+        Code(row["Filter"], {Text::FilterNone, Text::FilterAverage, Text::FilterAveraging,
+                             Text::FilterMax, Text::FilterMin});
+    const int code = Integer(row["Filter"]).value_or(0);
     if (code == 0)
         return {{filter.text, filter.look == Line::Look::Plain ? Line::Look::Muted : filter.look}};
     Lines lines = {filter};
-    if (!IsEmpty(row[TC::FilterDepth])) {
-        lines += Line{texts_(Text::FilterDepth).arg(Value(row[TC::FilterDepth]))};
+    if (!IsEmpty(row["FilterDepth"])) {
+        lines += Line{texts_(Text::FilterDepth).arg(Value(row["FilterDepth"]))};
     }
     return lines;
 }
 
 Lines Wording::DisplayWords(const TrendRow& row) const {
     Lines lines;
-    if (!IsEmpty(row[TC::VMin]) || !IsEmpty(row[TC::VMax])) {
-        lines += Line{texts_(Text::FromTo).arg(Named(row[TC::VMin]), Named(row[TC::VMax]))};
+    if (!IsEmpty(row["VMin"]) || !IsEmpty(row["VMax"])) {
+        lines += Line{texts_(Text::FromTo).arg(Named(row["VMin"]), Named(row["VMax"]))};
     }
-    lines += Code(row[TC::VDrawMode], {Text::DrawLine, Text::DrawStair, Text::DrawSpline,
-                                       Text::DrawPoints, Text::DrawBars});
-    if (Integer(row[TC::VMaxSamples]).value_or(0) > 0 || row[TC::VMaxSamples].damaged) {
-        lines += Line{texts_(Text::Samples).arg(Value(row[TC::VMaxSamples]))};
+    lines += Code(row["VDrawMode"], {Text::DrawLine, Text::DrawStair, Text::DrawSpline,
+                                     Text::DrawPoints, Text::DrawBars});
+    if (Integer(row["VMaxSamples"]).value_or(0) > 0 || row["VMaxSamples"].damaged) {
+        lines += Line{texts_(Text::Samples).arg(Value(row["VMaxSamples"]))};
     }
     return lines;
 }
 
 Lines Wording::CurveWords(const TrendRow& row) const {
-    const std::optional<int> colour = Integer(row[TC::VLineColor]);
-    const std::optional<int> width = Integer(row[TC::VLineWidth]);
-    const std::optional<int> style = Integer(row[TC::VLineStyle]);
+    const std::optional<int> colour = Integer(row["VLineColor"]);
+    const std::optional<int> width = Integer(row["VLineWidth"]);
+    const std::optional<int> style = Integer(row["VLineStyle"]);
     Lines lines;
     if (colour) {
         const Curve curve{static_cast<std::uint32_t>(*colour), width.value_or(1),
@@ -331,7 +313,7 @@ Lines Wording::CurveWords(const TrendRow& row) const {
         lines += Line{{}, Line::Look::Plain, curve};
         lines += Line{curve.ColourName()};
     }
-    Line form = Code(row[TC::VLineStyle], {Text::StyleLine, Text::StyleDashed, Text::StyleDotted});
+    Line form = Code(row["VLineStyle"], {Text::StyleLine, Text::StyleDashed, Text::StyleDotted});
     if (width) form.text = texts_(Text::LineWidth).arg(*width) + u", "_s + form.text;
     lines += form;
     return lines;
@@ -339,7 +321,7 @@ Lines Wording::CurveWords(const TrendRow& row) const {
 
 Lines Wording::ToleranceWords(const TrendRow& row) const {
     Lines lines;
-    const auto add = [&](TC limit, TC colour, Text words) {
+    const auto add = [&](std::string_view limit, std::string_view colour, Text words) {
         if (IsEmpty(row[limit])) return;
         Line line{texts_(words).arg(Value(row[limit]))};
         if (const std::optional<int> code = Integer(row[colour])) {
@@ -347,11 +329,11 @@ Lines Wording::ToleranceWords(const TrendRow& row) const {
         }
         lines += line;
     };
-    add(TC::VUpper, TC::VUpperColor, Text::ToleranceUpper);
-    add(TC::VLower, TC::VLowerColor, Text::ToleranceLower);
+    add("VUpper", "VUpperColor", Text::ToleranceUpper);
+    add("VLower", "VLowerColor", Text::ToleranceLower);
     if (lines.isEmpty()) return lines;
     Line config =
-        Code(row[TC::VConfig], {Text::ToleranceColour, Text::ToleranceLines, Text::ToleranceBoth});
+        Code(row["VConfig"], {Text::ToleranceColour, Text::ToleranceLines, Text::ToleranceBoth});
     if (config.look == Line::Look::Plain) config.look = Line::Look::Muted;
     lines += config;
     return lines;

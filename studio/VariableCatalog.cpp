@@ -7,6 +7,7 @@
 #include "ado/Connection.h"
 #include "ado/Recordset.h"
 #include "platform/ReasonText.h"
+#include "project/Schema.h"
 
 namespace studio {
 namespace {
@@ -52,7 +53,7 @@ void VariableCatalog::Open(const QString& nativePath) {
                                  nativePath.toStdString() + ";Mode=Read|Share Deny None;");
         ReadStructures();
         ado::Recordset& rows = source_->variables;
-        rows.Open("TpdbVars", source_->connection, ado::CommandType::Table);
+        rows.Open(project::kVariableTable, source_->connection, ado::CommandType::Table);
         source_->columns = {rows.FieldIndex("StructID"), rows.FieldIndex("Name"),
                             rows.FieldIndex("DataType"), rows.FieldIndex("Unit"),
                             rows.FieldIndex("Comment")};
@@ -64,7 +65,7 @@ void VariableCatalog::Open(const QString& nativePath) {
 
 void VariableCatalog::ReadStructures() {
     ado::Recordset rows;
-    rows.Open("TpdbStructs", source_->connection, ado::CommandType::Table);
+    rows.Open(project::kStructTable, source_->connection, ado::CommandType::Table);
     while (!rows.IsEOF()) {
         try {
             const std::int32_t id = ado::ToLong(rows.Get("ID"));

@@ -7,6 +7,7 @@
 
 #include "languages/MResources.h"
 #include "languages/MResourceTable.h"
+#include "project/Schema.h"
 
 namespace {
 
@@ -74,10 +75,10 @@ private:
 QString Reach(const Line& line, const ArchiveSettings& settings, double records) {
     const double span = records * settings.scanTime;
     if (!(span > 0)) return {};
-    if (settings.sampleMode == SampleMode::kMilliseconds) {
+    if (settings.sampleMode == project::SampleMode::kMilliseconds) {
         return line.Text(kTextReachesBack, line.Duration(span));
     }
-    if (settings.sampleMode == SampleMode::kCycles) {
+    if (settings.sampleMode == project::SampleMode::kCycles) {
         return line.Text(kTextReachesBack, line.Number(kTextProcessCycles, span));
     }
     return {};

@@ -16,12 +16,6 @@ inline constexpr int kSecond = 8;
 inline constexpr int kNever = 9;
 }  // namespace FileChange
 
-/// Stored codes of `SampleMode` of which more is to be known than their text.
-namespace SampleMode {
-inline constexpr int kCycles = 0;        // the scan time counts process cycles
-inline constexpr int kMilliseconds = 1;  // the scan time counts milliseconds
-}  // namespace SampleMode
-
 /// What an archive's settings mean, as the dialog shows them at the moment.
 struct ArchiveSettings {
     enum class Kind { Unknown, CircularBuffer, ContinuationFile };

@@ -11,22 +11,12 @@
 namespace {
 
 using namespace MResourceTable;
+namespace SampleMode = project::SampleMode;
 
-// List indices of cmbType
-constexpr int kCircularBuffer = 0;
-constexpr int kContinuationFile = 1;
+using project::ArchiveType::kCircularBuffer;
+using project::ArchiveType::kContinuationFile;
 
-constexpr std::array<project::Code, 2> kTypes = {
-    {{0, kTextTypeCircularBuffer}, {1, kTextTypeContinuationFile}}};
 constexpr std::array<int, 2> kScanTimeUnits = {kTextUnitProcessCycles, kTextUnitMilliseconds};
-
-// The list indices of cmbSampleMode that UpdateSampleModeFields tells apart
-constexpr int kSynchronous = 0;
-constexpr int kAsynchronous = 1;
-constexpr int kOnTrigger = 3;
-
-constexpr std::array<const char16_t*, 7> kClockEvents = {u"$Year", u"$Month",  u"$Week",  u"$Day",
-                                                         u"$Hour", u"$Minute", u"$Second"};
 
 constexpr int kCharactersShown = 64;
 
@@ -135,7 +125,7 @@ void FArchiv::SetCaptions() {
 }
 
 void FArchiv::FillLists() {
-    FillWithCodes(*cmbType, kTypes);
+    FillWithCodes(*cmbType, project::ArchiveKinds());
     FillWithCodes(*cmbSampleMode, project::FindArchiveColumn("SampleMode")->codes);
     for (int entry = FileChange::kTrigger; entry <= FileChange::kNever; ++entry) {
         cboNewFile->addItem(Text(kTextNewFileTrigger + entry), entry);
@@ -218,10 +208,10 @@ void FArchiv::UpdateArchiveEnabling() {
 }
 
 void FArchiv::UpdateSampleModeFields() {
-    const int mode = cmbSampleMode->currentIndex();
-    SetUsable(txtTrigger, mode == kOnTrigger);
-    SetUsable(cmdChoose[0], mode == kOnTrigger);
-    const bool timed = mode == kSynchronous || mode == kAsynchronous;
+    const int mode = cmbSampleMode->currentIndex();  // the code is the place in the list
+    SetUsable(txtTrigger, mode == SampleMode::kOnTrigger);
+    SetUsable(cmdChoose[0], mode == SampleMode::kOnTrigger);
+    const bool timed = mode == SampleMode::kCycles || mode == SampleMode::kMilliseconds;
     SetUsable(txtScantime, timed);
     SetUsable(lblScanTimeUnit, timed);
     // The other modes have no unit; the greyed label keeps the last one.
@@ -249,7 +239,8 @@ void FArchiv::ChooseFileChange() {
         lblMaxSamples->setText(txtMaxSamples->text());
     } else if (entry >= FileChange::kYear && entry <= FileChange::kSecond) {
         const auto event = static_cast<std::size_t>(entry - FileChange::kYear);
-        lblNewFile->setText(QString::fromUtf16(kClockEvents.at(event)));
+        const std::u16string_view name = project::ClockEvents()[event].english;
+        lblNewFile->setText(QString::fromUtf16(name.data(), static_cast<qsizetype>(name.size())));
     } else if (entry == FileChange::kNever) {
         lblNewFile->clear();
     }

@@ -14,10 +14,9 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr QStringView kLimits[] = {u"Maximum",      u"Minimum",    u"SurrogateMax",
-                                   u"SurrogateMin", u"ErrorValue", u"Hysteresis"};
-
 constexpr QStringView kUnitTable = u"Units";  // what follows the prefix of the table's kind
+
+const QString kGeneralNumber = u"General Number"_s;
 
 constexpr double kArchiveWidth = 3000;  // twips
 
@@ -48,16 +47,14 @@ void SetUpTrends(GridSplit& trends, const MResources::TextTable& texts) {
     for (int i = 0; i < trends.ColumnCount(); ++i) {
         GridColumn* column = trends.ColumnAt(i);
         if (!TrendFields().contains(column->DataField())) column->SetVisible(false);
-        // Projects keep limits as texts, which may be names of variables too.
-        const bool limit = std::find(std::begin(kLimits), std::end(kLimits), column->DataField()) !=
-                           std::end(kLimits);
-        if (limit || column->Kind() == GridKind::Number || column->Kind() == GridKind::Integer) {
-            column->SetNumberFormat(u"General Number"_s);
+        if (column->Kind() == GridKind::Number || column->Kind() == GridKind::Integer) {
+            column->SetNumberFormat(kGeneralNumber);
         }
     }
     for (const project::Column& known : project::TrendColumns()) {
         GridColumn* column = trends.Column(projectdb::ToQString(known.name));
-        if (column == nullptr) continue;
+        if (column == nullptr || known.caption == 0) continue;
+        if (known.kind == project::Kind::Limit) column->SetNumberFormat(kGeneralNumber);
         column->SetCaption(texts.GetText(known.caption));
         GridValueItems items;
         for (const project::Code& code : known.codes) {
@@ -108,7 +105,7 @@ QList<QString> TrendFields() {
     static const QList<QString> fields = [] {
         QList<QString> names;
         for (const project::Column& column : project::TrendColumns()) {
-            names.append(projectdb::ToQString(column.name));
+            if (column.caption != 0) names.append(projectdb::ToQString(column.name));
         }
         return names;
     }();

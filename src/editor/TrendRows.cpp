@@ -1,7 +1,5 @@
 #include "editor/TrendRows.h"
 
-#include <algorithm>
-
 #include "languages/MResourceTable.h"
 #include "project/Rows.h"
 #include "projectdb/Guard.h"
@@ -10,20 +8,23 @@
 
 namespace {
 
-constexpr std::string_view kTrendTable = "TchrTrends";
-constexpr std::string_view kTextTable = "TidxTexts";
-constexpr std::string_view kOwnKeys[] = {"ID", "ArchiveID", "TextID"};
-constexpr std::string_view kUnitKey = "VUnitID";
-constexpr std::string_view kColours[] = {"VLineColor", "VUpperColor", "VLowerColor"};
+/// The column of the table of trends that a field holds; null when it is another's.
+const project::Column* KnownColumn(const ado::Field& field) {
+    return field.baseTable == project::kTrendTable ? project::FindTrendColumn(field.baseColumn)
+                                                   : nullptr;
+}
 
-template <typename List>
-bool Contains(const List& list, std::string_view name) {
-    return std::find(std::begin(list), std::end(list), name) != std::end(list);
+/// Whether a trend has that setting of its own: keys are given to it.
+bool IsSettingField(const ado::Field& field) {
+    if (field.baseTable != project::kTrendTable) return false;
+    const project::Column* column = KnownColumn(field);
+    return column != nullptr ? column->caption != 0 : field.baseColumn != project::kKeyColumn;
 }
 
 GridKind KindOf(const ado::Field& field) {
     using ado::DataType;
-    if (Contains(kColours, field.baseColumn)) return GridKind::Colour;
+    const project::Column* known = KnownColumn(field);
+    if (known != nullptr && known->kind == project::Kind::Colour) return GridKind::Colour;
     switch (field.type) {
         case DataType::SmallInt:
         case DataType::Integer:
@@ -62,23 +63,21 @@ TrendRows::TrendRows(const MResources::TextTable& texts, INameRegistry& names, R
 void TrendRows::AttachTrends(ado::Recordset& trends, const QVariant& archive) {
     std::vector<Column> columns;
     for (const ado::Field& field : trends.Fields()) {
-        const bool editable = field.baseTable == kTrendTable && field.baseColumn != kUnitKey &&
-                              !Contains(kOwnKeys, field.baseColumn);
+        const project::Column* known = KnownColumn(field);
+        const bool isKey = known != nullptr && known->kind == project::Kind::Key;
+        const bool editable = IsSettingField(field) && !isKey;
         columns.push_back({field.name, KindOf(field), editable});
     }
     Attach(trends, std::move(columns), archive);
 }
 
 bool TrendRows::IsSetting(int column) const {
-    const ado::Field& field = FieldAt(column);
-    return field.baseTable == kTrendTable && !Contains(kOwnKeys, field.baseColumn);
+    return IsSettingField(FieldAt(column));
 }
 
 bool TrendRows::IsLanguage(int column) const {
     const ado::Field& field = FieldAt(column);
-    const std::string_view name = field.baseColumn;
-    return field.baseTable == kTextTable && name.size() > 1 && name[0] == 'L' &&
-           name.find_first_not_of("0123456789", 1) == std::string_view::npos;
+    return field.baseTable == project::kTextTable && project::IsLanguageColumn(field.baseColumn);
 }
 
 GridCommit TrendRows::CommitCell(GridRowId id, int column, const QVariant& value) {

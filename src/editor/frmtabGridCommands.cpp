@@ -24,8 +24,10 @@
 #include "languages/MResourceTable.h"
 #include "platform/ComponentRegistry.h"
 #include "platform/MessageBox.h"
+#include "project/Schema.h"
 #include "projectdb/Guard.h"
 #include "projectdb/NodeKey.h"
+#include "projectdb/Text.h"
 #include "records/MArchiv.h"
 #include "records/MTrend.h"
 #include "settings/CInit.h"
@@ -84,7 +86,7 @@ platform::Lcid frmtabGrid::CurrentLcid() const {
 }
 
 QString frmtabGrid::LanguageColumn() const {
-    return u'L' + QString::number(CurrentLcid());
+    return projectdb::ToQString(project::LanguageColumn(CurrentLcid()));
 }
 
 AskUser frmtabGrid::Question(const QString& about) {

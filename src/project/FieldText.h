@@ -5,20 +5,11 @@
 #include <string_view>
 
 #include "ado/Recordset.h"
+#include "project/Number.h"
 #include "project/Schema.h"
 
 /// What a text means that somebody types or pastes for a field.
 namespace project {
-
-/// The number that a text begins with. Blanks around it do not count.
-struct NumberText {
-    double number = 0;
-    bool any = false;    // there is one
-    bool whole = false;  // the text is nothing else
-};
-/// Sign, digits, one ".", more digits, an exponent. `comma`: "," counts as the point, too; there is
-/// never more than one of both. A number beyond the range of a double is the largest.
-[[nodiscard]] NumberText ReadNumber(std::u16string_view text, bool comma = true);
 
 /// The numbers that a field can hold.
 struct NumberRange {

@@ -1,7 +1,9 @@
 #include "project/Schema.h"
 
 #include <algorithm>
-#include <string>
+#include <iterator>
+
+#include "project/Colour.h"
 
 namespace project {
 namespace {
@@ -20,65 +22,164 @@ constexpr Code kDrawModes[] = {
 constexpr Code kSampleModes[] = {{0, 171}, {1, 172},        {2, 173}, {3, 174},
                                  {4, 176}, {5, 177, false}, {6, 178}};
 
+constexpr Code kArchiveKinds[] = {{ArchiveType::kCircularBuffer, 162},
+                                  {ArchiveType::kContinuationFile, 163}};
+
+constexpr ClockEvent kClockEvents[] = {
+    {u"$Year", u"$Jahr"},   {u"$Month", u"$Monat"},   {u"$Week", u"$Woche"},     {u"$Day", u"$Tag"},
+    {u"$Hour", u"$Stunde"}, {u"$Minute", u"$Minute"}, {u"$Second", u"$Sekunde"},
+};
+
 constexpr std::u16string_view kProjectFolder = u"<ProjectDir>";
 constexpr std::int32_t kRed = 0x0000FF;
 constexpr std::int32_t kBlue = 0xFF0000;
 
-// The file name of a new archive is made of its name, see Names.
+// The forms that columns have.
+
+constexpr Column TextOf(std::string_view name, int length, Kind kind = Kind::Text) {
+    return {.name = name, .length = length, .kind = kind};
+}
+constexpr Column Preset(Column column, std::u16string_view initial) {
+    column.initial = initial;
+    return column;
+}
+constexpr Column NameOf(int length) {
+    Column column = TextOf("Name", length);
+    column.required = true;
+    return column;
+}
+constexpr Column NumberOf(std::string_view name, Storage storage, Default initial = {}) {
+    return {.name = name, .storage = storage, .kind = Number, .initial = initial};
+}
+constexpr Column CountOf(std::string_view name, Storage storage, Default initial = {}) {
+    Column column = NumberOf(name, storage, initial);
+    column.isCount = true;
+    return column;
+}
+constexpr Column CodeOf(std::string_view name, std::span<const Code> codes, std::int32_t initial) {
+    return {.name = name,
+            .storage = Storage::Short,
+            .kind = Listed,
+            .initial = initial,
+            .codes = codes};
+}
+constexpr Column ColourOf(std::string_view name, Default initial = {}) {
+    return {.name = name, .storage = Storage::Long, .kind = Colour, .initial = initial};
+}
+constexpr Column KeyOf(std::string_view name) {
+    return {.name = name, .storage = Storage::Long, .kind = Key};
+}
+constexpr Column FlagOf(std::string_view name) {
+    return {.name = name, .storage = Storage::Flag, .kind = Flag};
+}
+/// Over the grid's column stands the text of that number.
+constexpr Column Shown(int caption, Column column) {
+    column.caption = caption;
+    return column;
+}
+
+using Storage::Double;
+using Storage::Long;
+using Storage::Short;
+
+// The file name of a new archive is made of its name, see Names. A `NewFile` that is Null is the
+// empty text that every file accepts.
 constexpr Column kArchiveColumns[] = {
-    {"Name"},
-    {"TextID", Key},
-    {"Type", Number, 0},
-    {"FileName"},
-    {"FilePath", Text, kProjectFolder},
-    {"RedundancyFilePath", Text, kProjectFolder},
-    {"SampleMode", Listed, 1, kSampleModes},
-    {"Trigger", Variable},
-    {"ScanTime", Number, 1000},
-    {"MaxSamples", Number, 10000},
-    {"NewFile"},  // Null is the empty text that every file accepts
-    {"XVar", Variable},
-    {"StartStop", Variable},
-    {"Reset", Variable},
-    {"CacheSize", Number, 100},
-    {"AuthorizationLevel", Number, 0},
-    {"Comment"},
-    {"MaxFiles", Number, 0},
-    {"MaxSizeKb", Number, 0},
-    {"ParamNames"},
+    NameOf(80),
+    KeyOf("TextID"),
+    NumberOf("Type", Short, 0),
+    TextOf("FileName", 255),
+    Preset(TextOf("FilePath", 255), kProjectFolder),
+    Preset(TextOf("RedundancyFilePath", 255), kProjectFolder),
+    CodeOf("SampleMode", kSampleModes, SampleMode::kMilliseconds),
+    TextOf("Trigger", 255, Variable),
+    CountOf("ScanTime", Long, 1000),
+    CountOf("MaxSamples", Long, 10000),
+    TextOf("NewFile", 255),
+    TextOf("XVar", 255, Variable),
+    TextOf("StartStop", 255, Variable),
+    TextOf("Reset", 255, Variable),
+    CountOf("CacheSize", Long, 100),
+    CountOf("AuthorizationLevel", Short, 0),
+    TextOf("Comment", 255),
+    CountOf("MaxFiles", Long, 0),
+    CountOf("MaxSizeKb", Long, 0),
+    TextOf(kParamNames, 255),
 };
 
-// The colour of the curve depends on the other trends, see CurveColours.
+// The colour of a new curve depends on the other trends, see CurveColours.
 constexpr Column kTrendColumns[] = {
-    {"Name", Text, {}, {}, 101},
-    {"TrendVar", Variable, {}, {}, 102},
-    {"Maximum", Text, {}, {}, 103},
-    {"Minimum", Text, {}, {}, 104},
-    {"SurrogateMax", Text, {}, {}, 105},
-    {"SurrogateMin", Text, {}, {}, 106},
-    {"ErrorValue", Text, {}, {}, 107},
-    {"Hysteresis", Text, {}, {}, 108},
-    {"HysteresisMode", Listed, kNoHysteresis, kHysteresisModes, 109},
-    {"Factor", Number, 1, {}, 110},
-    {"Offset", Number, 0, {}, 111},
-    {"Filter", Listed, 0, kFilters, 112},
-    {"FilterDepth", Number, 0, {}, 113},
-    {"Unit", Text, {}, {}, 114},
-    {"VMax", Number, 100, {}, 115},
-    {"VMin", Number, 0, {}, 116},
-    {"VUpper", Number, 90, {}, 117},
-    {"VLower", Number, 10, {}, 118},
-    {"VLineColor", Colour, {}, {}, 119},
-    {"VLineWidth", Number, 1, {}, 120},
-    {"VLineStyle", Listed, 0, kLineStyles, 121},
-    {"VUpperColor", Colour, kRed, {}, 122},
-    {"VLowerColor", Colour, kBlue, {}, 123},
-    {"VConfig", Listed, 0, kConfigs, 124},
-    {"VDrawMode", Listed, 0, kDrawModes, 125},
-    {"VMaxSamples", Number, 1000, {}, 126},
-    {"VUnitID", Key, {}, {}, 127},
-    {"Comment", Text, {}, {}, 128},
+    Shown(101, NameOf(80)),
+    KeyOf("ArchiveID"),
+    KeyOf("TextID"),
+    Shown(102, TextOf("TrendVar", 255, Variable)),
+    Shown(103, TextOf("Maximum", 64, Limit)),
+    Shown(104, TextOf("Minimum", 64, Limit)),
+    Shown(105, TextOf("SurrogateMax", 64, Limit)),
+    Shown(106, TextOf("SurrogateMin", 64, Limit)),
+    Shown(107, TextOf("ErrorValue", 64, Limit)),
+    Shown(108, TextOf("Hysteresis", 64, Limit)),
+    Shown(109, CodeOf("HysteresisMode", kHysteresisModes, kNoHysteresis)),
+    Shown(110, NumberOf("Factor", Double, 1)),
+    Shown(111, NumberOf("Offset", Double, 0)),
+    Shown(112, CodeOf("Filter", kFilters, 0)),
+    Shown(113, CountOf("FilterDepth", Long, 0)),
+    Shown(114, TextOf("Unit", 32)),
+    Shown(115, NumberOf("VMax", Double, 100)),
+    Shown(116, NumberOf("VMin", Double, 0)),
+    Shown(117, NumberOf("VUpper", Double, 90)),
+    Shown(118, NumberOf("VLower", Double, 10)),
+    Shown(119, ColourOf("VLineColor")),
+    Shown(120, CountOf("VLineWidth", Short, 1)),
+    Shown(121, CodeOf("VLineStyle", kLineStyles, 0)),
+    Shown(122, ColourOf("VUpperColor", kRed)),
+    Shown(123, ColourOf("VLowerColor", kBlue)),
+    Shown(124, CodeOf("VConfig", kConfigs, 0)),
+    Shown(125, CodeOf("VDrawMode", kDrawModes, 0)),
+    Shown(126, CountOf("VMaxSamples", Long, 1000)),
+    Shown(127, KeyOf("VUnitID")),
+    Shown(128, TextOf("Comment", 255)),
 };
+
+constexpr Column kTextColumns[] = {KeyOf("ParentID"), NameOf(100), TextOf(kParamNames, 255)};
+
+constexpr Column kGroupColumns[] = {KeyOf("ParentID"),  NameOf(100),      NumberOf("Type", Short),
+                                    KeyOf("Parameter"), FlagOf("Delete"), FlagOf("Rename")};
+
+constexpr Column kStructColumns[] = {NameOf(64), TextOf("Comment", 255)};
+
+constexpr Column kVariableColumns[] = {KeyOf("StructID"), NameOf(128), TextOf("DataType", 16),
+                                       TextOf("Unit", 16), TextOf("Comment", 255)};
+
+constexpr Column kLanguageColumns[] = {NumberOf("LCID", Long), TextOf("kbLayout", 16),
+                                       TextOf("Font", 64)};
+
+constexpr Table kTables[] = {
+    {kArchiveTable, kArchiveColumns},
+    {kTrendTable, kTrendColumns, "ArchiveID"},
+    {kTextTable, kTextColumns, "ParentID", true},
+    {kGroupTable, kGroupColumns},
+    {kStructTable, kStructColumns},
+    {kVariableTable, kVariableColumns},
+    {kLanguageTable, kLanguageColumns},
+};
+
+std::string MakeTrendQuery() {
+    const std::string trends(kTrendTable);
+    const std::string texts(kTextTable);
+    std::string query = "SELECT " + trends + ".ID AS ID, " + trends + ".Name AS Name, " + trends +
+                        ".ArchiveID, " + trends + ".TextID, " + texts + ".*";
+    for (const Column& column : kTrendColumns) {
+        const bool stands = column.name == "Name" || column.caption == 0;
+        if (stands) continue;
+        // The columns of the display stand in back quotes.
+        const std::string quote = column.name.starts_with('V') ? "`" : "";
+        query += ", " + trends + "." + quote + std::string(column.name) + quote;
+    }
+    // Blanks as they stand, two of them before the last column included.
+    return query + ",  " + texts + ".ID AS Expr1 FROM " + trends + ", " + texts + " WHERE (" +
+           trends + ".TextID = " + texts + ".ID) AND (" + trends + ".ArchiveID = Param1 )";
+}
 
 const Column* Find(std::span<const Column> columns, std::string_view name) {
     const auto found = std::find_if(columns.begin(), columns.end(),
@@ -96,6 +197,10 @@ bool Takes(const ado::Field& field, const Default& initial) {
 
 }  // namespace
 
+std::span<const Table> Tables() {
+    return kTables;
+}
+
 std::span<const Column> ArchiveColumns() {
     return kArchiveColumns;
 }
@@ -110,6 +215,47 @@ const Column* FindArchiveColumn(std::string_view name) {
 
 const Column* FindTrendColumn(std::string_view name) {
     return Find(kTrendColumns, name);
+}
+
+std::string LanguageColumn(std::int64_t lcid) {
+    return "L" + std::to_string(lcid);
+}
+
+bool IsLanguageColumn(std::string_view name) {
+    return name.size() > 1 && name.front() == 'L' &&
+           name.find_first_not_of("0123456789", 1) == std::string_view::npos;
+}
+
+const std::string& TrendQuery() {
+    static const std::string query = MakeTrendQuery();
+    return query;
+}
+
+bool IsSound(const Column& column, const ado::Value& value) {
+    const auto* text = std::get_if<std::u16string>(&value);
+    if (column.required) return text != nullptr && text->find_first_not_of(u' ') != text->npos;
+    const auto* number = std::get_if<std::int32_t>(&value);
+    if (column.isCount) return number == nullptr || *number >= 0;
+    if (number == nullptr) return column.kind != Listed || ado::IsNull(value);
+    if (column.kind == Colour) return IsColour(*number);
+    return column.kind != Listed ||
+           std::any_of(column.codes.begin(), column.codes.end(),
+                       [&](const Code& each) { return each.code == *number; });
+}
+
+std::span<const Code> ArchiveKinds() {
+    return kArchiveKinds;
+}
+
+std::span<const ClockEvent> ClockEvents() {
+    return kClockEvents;
+}
+
+std::optional<std::size_t> FindClockEvent(std::u16string_view newFile) {
+    for (std::size_t i = 0; i < std::size(kClockEvents); ++i) {
+        if (newFile == kClockEvents[i].english || newFile == kClockEvents[i].german) return i;
+    }
+    return std::nullopt;
 }
 
 std::int32_t HysteresisMode(bool hasAmount, std::int32_t stored) {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <variant>
 
@@ -14,17 +16,28 @@ inline constexpr std::string_view kArchiveTable = "TchrArchives";
 inline constexpr std::string_view kTrendTable = "TchrTrends";
 inline constexpr std::string_view kTextTable = "TidxTexts";
 inline constexpr std::string_view kGroupTable = "TidxGroups";
+inline constexpr std::string_view kStructTable = "TpdbStructs";
+inline constexpr std::string_view kVariableTable = "TpdbVars";
+inline constexpr std::string_view kLanguageTable = "TcfgLanguages";
+
+/// The key of every table, an AutoNumber.
+inline constexpr std::string_view kKeyColumn = "ID";
 
 /// Type of the text groups that belong to archives, as it is stored; other editors have others.
 inline constexpr std::int32_t kArchiveGroup = -2;
 
+/// How a file that we make stores a column. In those of others it may be stored otherwise.
+enum class Storage { Text, Short, Long, Double, Flag };
+
 enum class Kind {
     Text,
     Number,
+    Limit,     // a number, or the name of a variable that holds it, as a text
     Listed,    // a number that stands for a text
-    Colour,    // 0x00BBGGRR, or 0x80000000 and the index of a colour of the system's scheme
+    Colour,    // see Colour.h
     Variable,  // name of a process variable
     Key,       // ID of a row of another table
+    Flag,
 };
 
 /// One stored code and what it means everywhere: in dialogs, in the grid, when it is pasted.
@@ -39,19 +52,81 @@ using Default = std::variant<std::monostate, std::int32_t, std::u16string_view>;
 
 struct Column {
     std::string_view name;
+    Storage storage = Storage::Text;
+    int length = 0;  // of a text, in UTF-16 units
     Kind kind = Kind::Text;
     Default initial{};
     std::span<const Code> codes{};  // of a Listed one, in the order in which the grid lists them
-    int caption = 0;  // number of the interface's text over the grid's column; 0: none
+    int caption = 0;        // number of the interface's text over the grid's column; 0: none
+    bool required = false;  // without it, or with blanks alone, the row is of no use
+    bool isCount = false;   // a number that is never negative
 };
 
-/// Columns of an archive's row but for its key. Files may lack some, and have others.
+/// A table of a project that we make. Files may lack columns, and have others.
+struct Table {
+    std::string_view name;
+    std::span<const Column> columns;  // behind the key
+    std::string_view indexed{};       // a column by which rows are looked up
+    bool hasLanguages = false;        // a LanguageColumn for each language behind the others
+};
+
+/// In the order in which projects have them.
+[[nodiscard]] std::span<const Table> Tables();
+/// Columns of an archive's row but for its key.
 [[nodiscard]] std::span<const Column> ArchiveColumns();
-/// Settings of a trend, which are the columns of the grid, in the order of their captions.
+/// Columns of a trend's row but for its key. Those with a caption are its settings, which are the
+/// columns of the grid, in the order of their captions.
 [[nodiscard]] std::span<const Column> TrendColumns();
 /// The column of that exact name; null when there is none.
 [[nodiscard]] const Column* FindArchiveColumn(std::string_view name);
 [[nodiscard]] const Column* FindTrendColumn(std::string_view name);
+
+/// The column of the texts in a language, a Windows locale id: "L1031".
+[[nodiscard]] std::string LanguageColumn(std::int64_t lcid);
+/// Length of the texts in it, in UTF-16 units.
+inline constexpr int kLanguageTextLength = 255;
+/// Whether a column of the texts has that form.
+[[nodiscard]] bool IsLanguageColumn(std::string_view name);
+/// A column of texts and archives that is carried through.
+inline constexpr std::string_view kParamNames = "ParamNames";
+
+/// The statement that joins the trends of an archive with their texts; the archive's ID is its one
+/// parameter.
+[[nodiscard]] const std::string& TrendQuery();
+
+/// Whether a value is one that the column is meant to hold. A stored one may be otherwise.
+[[nodiscard]] bool IsSound(const Column& column, const ado::Value& value);
+
+/// The bits of an archive's `Type`, as they are stored.
+namespace ArchiveType {
+inline constexpr std::int32_t kKindMask = 7;
+inline constexpr std::int32_t kCircularBuffer = 0;  // a kind
+inline constexpr std::int32_t kContinuationFile = 1;
+inline constexpr std::int32_t kMainMemory = 8;  // else on the hard disk
+inline constexpr std::int32_t kSaveSafe = 16;
+inline constexpr std::int32_t kRedundancy = 64;
+inline constexpr std::int32_t kKnown = kKindMask | kMainMemory | kSaveSafe | kRedundancy;
+}  // namespace ArchiveType
+[[nodiscard]] std::span<const Code> ArchiveKinds();
+
+/// Codes of `SampleMode` of which more is to be known than their text.
+namespace SampleMode {
+inline constexpr std::int32_t kCycles = 0;        // the scan time counts process cycles
+inline constexpr std::int32_t kMilliseconds = 1;  // the scan time counts milliseconds
+inline constexpr std::int32_t kOnVariable = 2;    // recorded over `XVar`
+inline constexpr std::int32_t kOnTrigger = 3;     // when `Trigger` changes
+}  // namespace SampleMode
+
+/// An event of the clock that begins a new file: what `NewFile` holds for it. Both names are read,
+/// the English one is written.
+struct ClockEvent {
+    std::u16string_view english;
+    std::u16string_view german;
+};
+/// From the year down to the second.
+[[nodiscard]] std::span<const ClockEvent> ClockEvents();
+/// Position among the events; nothing for a text that is none.
+[[nodiscard]] std::optional<std::size_t> FindClockEvent(std::u16string_view newFile);
 
 /// The code whose text has no amount beside it: the trend has no hysteresis.
 inline constexpr std::int32_t kNoHysteresis = 3;

@@ -1,39 +1,32 @@
 #include "projectdb/ADOArchiv.h"
 
 #include "ado/AdoError.h"
+#include "project/Schema.h"
 #include "projectdb/Text.h"
 
 namespace {
 
-// Blanks as they stand, two of them before the last column included.
-constexpr std::string_view kTrendsOfArchive =
-    "SELECT TchrTrends.ID AS ID, TchrTrends.Name AS Name, TchrTrends.ArchiveID, "
-    "TchrTrends.TextID, TidxTexts.*, TchrTrends.TrendVar, TchrTrends.Maximum, "
-    "TchrTrends.Minimum, TchrTrends.SurrogateMax, TchrTrends.SurrogateMin, "
-    "TchrTrends.ErrorValue, TchrTrends.Hysteresis, TchrTrends.HysteresisMode, "
-    "TchrTrends.Factor, TchrTrends.Offset, TchrTrends.Filter, TchrTrends.FilterDepth, "
-    "TchrTrends.Unit, TchrTrends.`VMax`, TchrTrends.`VMin`, TchrTrends.`VUpper`, "
-    "TchrTrends.`VLower`, TchrTrends.`VLineColor`, TchrTrends.`VLineWidth`, "
-    "TchrTrends.`VLineStyle`, TchrTrends.`VUpperColor`, TchrTrends.`VLowerColor`, "
-    "TchrTrends.`VConfig`, TchrTrends.`VDrawMode`, TchrTrends.`VMaxSamples`, "
-    "TchrTrends.`VUnitID`, TchrTrends.Comment,  TidxTexts.ID AS Expr1 FROM TchrTrends, "
-    "TidxTexts WHERE (TchrTrends.TextID = TidxTexts.ID) AND (TchrTrends.ArchiveID = Param1 )";
+using Definitions = std::array<ADOArchiv::Definition, ADOArchiv::kCommandCount>;
 
-constexpr std::array<ADOArchiv::Definition, ADOArchiv::kCommandCount> kDefinitions = {{
-    {"Archives", "TchrArchives", ado::CommandType::Table},
-    {"tabTrends", kTrendsOfArchive, ado::CommandType::Text},
-    {"Trends", "TchrTrends", ado::CommandType::Table},
-    {"IdxTexts", "TidxTexts", ado::CommandType::Table},
-    {"idxTextGrp", "TidxGroups", ado::CommandType::Table},
-    {"pdbStructs", "TpdbStructs", ado::CommandType::Table},
-    {"pdbVars", "TpdbVars", ado::CommandType::Table},
-    {"TLanguages", "TcfgLanguages", ado::CommandType::Table},
-}};
+const Definitions& AllDefinitions() {
+    using enum ado::CommandType;
+    static const Definitions definitions = {{
+        {"Archives", project::kArchiveTable, Table},
+        {"tabTrends", project::TrendQuery(), Text},
+        {"Trends", project::kTrendTable, Table},
+        {"IdxTexts", project::kTextTable, Table},
+        {"idxTextGrp", project::kGroupTable, Table},
+        {"pdbStructs", project::kStructTable, Table},
+        {"pdbVars", project::kVariableTable, Table},
+        {"TLanguages", project::kLanguageTable, Table},
+    }};
+    return definitions;
+}
 
 }  // namespace
 
 const ADOArchiv::Definition& ADOArchiv::DefinitionOf(Command command) {
-    return kDefinitions.at(static_cast<std::size_t>(command));
+    return AllDefinitions().at(static_cast<std::size_t>(command));
 }
 
 void ADOArchiv::OpenConnection(const QString& databasePath) {

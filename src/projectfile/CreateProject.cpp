@@ -9,6 +9,7 @@
 #include "jet/TableWriter.h"
 #include "jet/Unicode.h"
 #include "paths/NativePath.h"
+#include "project/Schema.h"
 #include "projectfile/ProjectTables.h"
 
 namespace projectfile {
@@ -50,11 +51,10 @@ jet::Status AddRow(jet::Table& table, const NamedValues& values) {
 /// it, and go with that archive.
 jet::Status AddRootGroup(jet::Database& database) {
     std::unique_ptr<jet::Table> table;
-    JET_ASSIGN(table, database.OpenTable(kGroupsTable));
-    constexpr std::int32_t kArchiveGroup = -2;
+    JET_ASSIGN(table, database.OpenTable(project::kGroupTable));
     return AddRow(*table, {{"ParentID", 0},
                            {"Name", jet::ToUtf16("Archive")},
-                           {"Type", kArchiveGroup},
+                           {"Type", project::kArchiveGroup},
                            {"Parameter", 0},
                            {"Delete", false},
                            {"Rename", false}});
@@ -62,7 +62,7 @@ jet::Status AddRootGroup(jet::Database& database) {
 
 jet::Status AddLanguages(jet::Database& database, std::span<const std::uint32_t> lcids) {
     std::unique_ptr<jet::Table> table;
-    JET_ASSIGN(table, database.OpenTable(kLanguagesTable));
+    JET_ASSIGN(table, database.OpenTable(project::kLanguageTable));
     for (const std::uint32_t lcid : lcids) {
         char layout[9];
         std::snprintf(layout, sizeof layout, "%08X", static_cast<unsigned>(lcid));

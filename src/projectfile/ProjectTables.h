@@ -8,9 +8,6 @@
 
 namespace projectfile {
 
-inline constexpr const char* kGroupsTable = "TidxGroups";
-inline constexpr const char* kLanguagesTable = "TcfgLanguages";
-
 /// The tables of a project with texts in these languages, in the order in which projects have them.
 [[nodiscard]] std::vector<jet::TableSpec> ProjectTables(std::span<const std::uint32_t> lcids);
 

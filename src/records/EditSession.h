@@ -4,22 +4,15 @@
 #include <optional>
 #include <QLineEdit>
 #include <QtGlobal>
-#include <string>
 #include <utility>
 
 #include "ado/Recordset.h"
 #include "dialogs/PropertyDialog.h"
-#include "platform/Locale.h"
 #include "project/FieldText.h"
 #include "projectdb/Guard.h"
 
 /// What the edit sessions of archives and trends have in common.
 namespace EditSession {
-
-/// The column of the index texts in a language: "L1031".
-[[nodiscard]] inline std::string LanguageColumn(platform::Lcid language) {
-    return "L" + std::to_string(language);
-}
 
 /// Lets the control take what the column does: no longer text, numbers of its range. What a column
 /// holds that no text can be typed for is only shown.

@@ -22,18 +22,11 @@ namespace MArchiv {
 namespace {
 
 using EditSession::BindToField;
-using EditSession::LanguageColumn;
 using EditSession::TellNotStored;
 using EditSession::Try;
-
-// Bits of `Type`, as they are stored
-constexpr int kKindMask = 7;  // the list index of cmbType
-constexpr int kMainMemory = 8;
-constexpr int kSaveSafe = 16;
-constexpr int kRedundancy = 64;
-constexpr int kEditedBits = kKindMask | kMainMemory | kSaveSafe | kRedundancy;
-
-constexpr std::string_view kParamNames = "ParamNames";
+using project::kParamNames;
+using project::LanguageColumn;
+namespace ArchiveType = project::ArchiveType;
 
 struct TextColumn {
     std::string_view name;
@@ -51,27 +44,6 @@ constexpr std::array<TextColumn, 11> kTextColumns = {{
     {"Comment", &Ui_FArchiv::txtComment},
     {"MaxFiles", &Ui_FArchiv::txtMaxFiles},
     {"MaxSizeKb", &Ui_FArchiv::txtMaxSizekB},
-}};
-
-// What is read back for an event of the clock; the English form is written.
-struct ClockEvent {
-    QStringView placeholder;
-    int entry;
-};
-constexpr std::array<ClockEvent, 13> kClockEvents = {{
-    {u"$Year", 2},
-    {u"$Jahr", 2},
-    {u"$Month", 3},
-    {u"$Monat", 3},
-    {u"$Week", 4},
-    {u"$Woche", 4},
-    {u"$Day", 5},
-    {u"$Tag", 5},
-    {u"$Hour", 6},
-    {u"$Stunde", 6},
-    {u"$Minute", 7},
-    {u"$Second", 8},
-    {u"$Sekunde", 8},
 }};
 
 const TextColumn* FindTextColumn(std::string_view name) {
@@ -155,10 +127,10 @@ private:
     }
 
     void LoadType(int type) {
-        dialog_.ShowCode(*dialog_.cmbType, type & kKindMask);
-        dialog_.optHDRAM.at((type & kMainMemory) != 0 ? 1 : 0)->setChecked(true);
-        dialog_.optSaveFast.at((type & kSaveSafe) != 0 ? 1 : 0)->setChecked(true);
-        dialog_.chkRedundancy->setChecked((type & kRedundancy) != 0);
+        dialog_.ShowCode(*dialog_.cmbType, type & ArchiveType::kKindMask);
+        dialog_.optHDRAM.at((type & ArchiveType::kMainMemory) != 0 ? 1 : 0)->setChecked(true);
+        dialog_.optSaveFast.at((type & ArchiveType::kSaveSafe) != 0 ? 1 : 0)->setChecked(true);
+        dialog_.chkRedundancy->setChecked((type & ArchiveType::kRedundancy) != 0);
     }
 
     void LoadDisplayText(const ado::Value& textId) {
@@ -190,11 +162,8 @@ private:
 
     /// Choosing an entry makes the dialog set what is stored for it.
     void ChooseFileChange() {
-        const auto event =
-            std::find_if(kClockEvents.begin(), kClockEvents.end(),
-                         [this](const ClockEvent& known) { return known.placeholder == newFile_; });
-        if (event != kClockEvents.end()) {
-            dialog_.cboNewFile->setCurrentIndex(event->entry);
+        if (const auto event = project::FindClockEvent(projectdb::ToUtf16(newFile_))) {
+            dialog_.cboNewFile->setCurrentIndex(FileChange::kYear + static_cast<int>(*event));
         } else if (!newFile_.isEmpty()) {
             dialog_.cboNewFile->setCurrentIndex(FileChange::kTrigger);
             dialog_.txtNewFile->setText(newFile_);
@@ -217,12 +186,12 @@ private:
 void StoreType(ado::Recordset& archive, std::size_t column, const FArchiv& dialog) {
     const std::int32_t stored = ado::ToLong(archive.Get(column));
     const bool kindShown = dialog.cmbType->currentIndex() >= 0;
-    int type = kindShown ? dialog.cmbType->currentData().toInt() : stored & kKindMask;
-    if (dialog.optHDRAM[1]->isChecked()) type |= kMainMemory;
-    if (dialog.optSaveFast[1]->isChecked()) type |= kSaveSafe;
-    if (dialog.chkRedundancy->isChecked()) type |= kRedundancy;
+    int type = kindShown ? dialog.cmbType->currentData().toInt() : stored & ArchiveType::kKindMask;
+    if (dialog.optHDRAM[1]->isChecked()) type |= ArchiveType::kMainMemory;
+    if (dialog.optSaveFast[1]->isChecked()) type |= ArchiveType::kSaveSafe;
+    if (dialog.chkRedundancy->isChecked()) type |= ArchiveType::kRedundancy;
     // On purpose not masked: bits that the dialog does not edit survive only an unchanged type.
-    if ((stored & kEditedBits) != type) archive.Set(column, type);
+    if ((stored & ArchiveType::kKnown) != type) archive.Set(column, type);
 }
 
 void AssignIfOther(ado::Recordset& row, std::string_view column,
@@ -250,9 +219,7 @@ void StoreDisplayText(ado::Recordset& texts, const ado::Value& textId, platform:
 void StoreNewFile(ado::Recordset& archive, std::size_t column, const FArchiv& dialog) {
     const QString stored = TextOf(archive.Get(column));
     const QString now = dialog.lblNewFile->text();
-    const bool isEvent =
-        std::any_of(kClockEvents.begin(), kClockEvents.end(),
-                    [&](const ClockEvent& known) { return known.placeholder == stored; });
+    const bool isEvent = project::FindClockEvent(projectdb::ToUtf16(stored)).has_value();
     if (dialog.Touched(*dialog.lblNewFile) || (isEvent && now != stored)) {
         archive.Set(column, ValueOf(now));
     }

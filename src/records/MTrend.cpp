@@ -22,11 +22,11 @@ namespace MTrend {
 namespace {
 
 using EditSession::BindToField;
-using EditSession::LanguageColumn;
 using EditSession::TellNotStored;
 using EditSession::Try;
+using project::kParamNames;
+using project::LanguageColumn;
 
-constexpr std::string_view kParamNames = "ParamNames";
 constexpr std::string_view kHysteresis = "Hysteresis";
 constexpr std::string_view kHysteresisMode = "HysteresisMode";
 

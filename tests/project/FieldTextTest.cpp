@@ -5,6 +5,8 @@
 #include <limits>
 #include <string>
 
+#include "project/Colour.h"
+
 namespace project {
 namespace {
 
@@ -55,6 +57,47 @@ TEST(FieldTextTest, ANumberIsWholeOrSaidNotToBe) {
         EXPECT_EQ(read.whole, each.whole);
     }
     EXPECT_EQ(ReadNumber(u"1,5", false).number, 1);
+}
+
+TEST(FieldTextTest, ANumberBeyondAllIsSaidToBe) {
+    EXPECT_TRUE(ReadNumber(u"1e400").tooLarge);
+    EXPECT_FALSE(ReadNumber(u"1e-400").tooLarge);
+    EXPECT_FALSE(ReadNumber(u"1.7e308").tooLarge);
+}
+
+TEST(FieldTextTest, ANumberHasTheDigitsThatItNeeds) {
+    const struct {
+        double number;
+        const char16_t* text;
+    } cases[] = {
+        {0.1 + 0.2, u"0,3"}, {-1995.024, u"-1995,024"},
+        {1031, u"1031"},     {0.0001, u"0,0001"},
+        {0.00001, u"1E-05"}, {123456789012345, u"123456789012345"},
+        {1e15, u"1E+15"},    {0, u"0"},
+    };
+    for (const auto& each : cases) EXPECT_EQ(FormatNumber(each.number, u','), each.text);
+    EXPECT_EQ(FormatNumber(0.1F), u"0.1");
+    EXPECT_EQ(FormatNumber(16777216.0F), u"16777216");
+}
+
+TEST(FieldTextTest, AColoursTextIsReadBack) {
+    const struct {
+        std::int32_t stored;
+        const char16_t* text;
+    } cases[] = {
+        {0x332211, u"#112233"},    {0, u"#000000"},
+        {0xFFFFFF, u"#FFFFFF"},    {static_cast<std::int32_t>(0x80000005), u"&H80000005"},
+        {0x1000000, u"&H1000000"},
+    };
+    for (const auto& each : cases) {
+        EXPECT_EQ(ColourText(each.stored), each.text);
+        EXPECT_EQ(ReadColour(each.text), each.stored);
+    }
+    EXPECT_EQ(ReadColour(u"255"), 255);
+    for (const char16_t* text :
+         {u"", u"#12345", u"#12345g", u"&H", u"red", u"1.5", u"9999999999"}) {
+        EXPECT_EQ(ReadColour(text), std::nullopt) << Ascii(text);
+    }
 }
 
 ado::Field FieldOf(DataType type, int size = 0) {

@@ -10,9 +10,12 @@ namespace project {
 namespace {
 
 TEST(SchemaTest, EachCodeHasOneMeaningAndEachColumnOnePlace) {
-    std::set<int> captions;
+    int lastCaption = 0;
     for (const Column& column : TrendColumns()) {
-        EXPECT_TRUE(captions.insert(column.caption).second) << column.name;
+        if (column.caption != 0) {
+            EXPECT_GT(column.caption, lastCaption) << column.name;
+            lastCaption = column.caption;
+        }
         std::set<int> codes;
         std::set<int> texts;
         for (const Code& code : column.codes) {
@@ -26,6 +29,70 @@ TEST(SchemaTest, EachCodeHasOneMeaningAndEachColumnOnePlace) {
     // The grid's list begins with no hysteresis, whose code is the last.
     EXPECT_EQ(FindTrendColumn("HysteresisMode")->codes.front().code, kNoHysteresis);
     EXPECT_EQ(FindTrendColumn("HysteresisMode")->codes[1].code, 0);
+}
+
+// Other programs know the statement to the last blank.
+TEST(SchemaTest, TheQueryOfTheTrendsIsTheOneThatIsKnown) {
+    EXPECT_EQ(
+        TrendQuery(),
+        "SELECT TchrTrends.ID AS ID, TchrTrends.Name AS Name, TchrTrends.ArchiveID, "
+        "TchrTrends.TextID, TidxTexts.*, TchrTrends.TrendVar, TchrTrends.Maximum, "
+        "TchrTrends.Minimum, TchrTrends.SurrogateMax, TchrTrends.SurrogateMin, "
+        "TchrTrends.ErrorValue, TchrTrends.Hysteresis, TchrTrends.HysteresisMode, "
+        "TchrTrends.Factor, TchrTrends.Offset, TchrTrends.Filter, TchrTrends.FilterDepth, "
+        "TchrTrends.Unit, TchrTrends.`VMax`, TchrTrends.`VMin`, TchrTrends.`VUpper`, "
+        "TchrTrends.`VLower`, TchrTrends.`VLineColor`, TchrTrends.`VLineWidth`, "
+        "TchrTrends.`VLineStyle`, TchrTrends.`VUpperColor`, TchrTrends.`VLowerColor`, "
+        "TchrTrends.`VConfig`, TchrTrends.`VDrawMode`, TchrTrends.`VMaxSamples`, "
+        "TchrTrends.`VUnitID`, TchrTrends.Comment,  TidxTexts.ID AS Expr1 FROM TchrTrends, "
+        "TidxTexts WHERE (TchrTrends.TextID = TidxTexts.ID) AND (TchrTrends.ArchiveID = Param1 )");
+}
+
+TEST(SchemaTest, NewRowsAreSoundAndOthersAreToldFromThem) {
+    for (const Table& table : Tables()) {
+        for (const Column& column : table.columns) {
+            const auto* initial = std::get_if<std::int32_t>(&column.initial);
+            EXPECT_TRUE(initial == nullptr || IsSound(column, *initial)) << column.name;
+            EXPECT_EQ(column.storage == Storage::Text, column.length > 0) << column.name;
+        }
+    }
+    const struct {
+        const char* column;
+        ado::Value value;
+        bool sound;
+    } cases[] = {
+        {"Name", std::u16string(u"P1"), true},
+        {"Name", std::u16string(u"  "), false},
+        {"Name", ado::Null(), false},
+        {"Comment", ado::Null(), true},
+        {"Filter", 4, true},
+        {"Filter", 5, false},
+        {"Filter", 1.0, false},
+        {"Filter", ado::Null(), true},
+        {"VMaxSamples", -1, false},
+        {"VLineColor", 0xFFFFFF, true},
+        {"VLineColor", 0x1000000, false},
+        {"VLineColor", static_cast<std::int32_t>(0x80000005), true},
+    };
+    for (const auto& each : cases) {
+        EXPECT_EQ(IsSound(*FindTrendColumn(each.column), each.value), each.sound) << each.column;
+    }
+}
+
+TEST(SchemaTest, ColumnsOfLanguagesAreKnownByTheirForm) {
+    EXPECT_EQ(LanguageColumn(1031), "L1031");
+    for (const char* name : {"L", "LCID", "1031", "L10a", "l1031"}) {
+        EXPECT_FALSE(IsLanguageColumn(name)) << name;
+    }
+    EXPECT_TRUE(IsLanguageColumn("L1031"));
+}
+
+TEST(SchemaTest, EventsOfTheClockAreReadInBothLanguages) {
+    EXPECT_EQ(FindClockEvent(u"$Year"), 0U);
+    EXPECT_EQ(FindClockEvent(u"$Woche"), 2U);
+    EXPECT_EQ(FindClockEvent(u"$Second"), 6U);
+    EXPECT_EQ(FindClockEvent(u"$week"), std::nullopt);
+    EXPECT_EQ(FindClockEvent(u""), std::nullopt);
 }
 
 TEST(SchemaTest, WithoutAnAmountThereIsNoHysteresis) {

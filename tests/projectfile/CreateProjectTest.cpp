@@ -10,6 +10,7 @@
 #include "jet/Check.h"
 #include "jet/TableWriter.h"
 #include "JetTesting.h"
+#include "project/Schema.h"
 #include "projectfile/ProjectTables.h"
 
 namespace projectfile {
@@ -87,7 +88,7 @@ TEST_F(CreateProjectTest, IsLaidOutAsProjectsOfTheStudio) {
         EXPECT_EQ(IndexesOf(ours->Definition()), IndexesOf(theirs->Definition()));
         EXPECT_EQ(ours->Definition().PrimaryKey(), theirs->Definition().PrimaryKey());
         const auto rows = AllRows(*ours);
-        if (name == kGroupsTable) {
+        if (name == project::kGroupTable) {
             // The sample lacks it; the first archive's group would become the root of the others.
             ASSERT_EQ(rows.size(), 1U);
             const jet::Value root[] = {1, 0, std::u16string(u"Archive"), -2, 0, false, false};

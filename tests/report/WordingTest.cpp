@@ -9,10 +9,8 @@
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-using report::ArchiveColumn;
 using report::ArchiveRow;
 using report::Line;
-using report::TrendColumn;
 using report::TrendRow;
 
 class WordingTest : public testing::Test {
@@ -68,15 +66,12 @@ TEST_F(WordingTest, SaysWhatAnArchiveDoes) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.type);
         ArchiveRow row;
-        const auto set = [&](ArchiveColumn column, report::Cell cell) {
-            row.cells[static_cast<std::size_t>(column)] = std::move(cell);
-        };
-        set(ArchiveColumn::Type, Value(c.type));
-        set(ArchiveColumn::SampleMode, Value(c.mode));
-        set(ArchiveColumn::ScanTime, Value(c.scan));
-        set(ArchiveColumn::MaxSamples, Value(c.samples));
-        set(ArchiveColumn::NewFile, Value(c.newFile));
-        set(ArchiveColumn::Trigger, Value(u"Filler.Clock"));
+        row["Type"] = Value(c.type);
+        row["SampleMode"] = Value(c.mode);
+        row["ScanTime"] = Value(c.scan);
+        row["MaxSamples"] = Value(c.samples);
+        row["NewFile"] = Value(c.newFile);
+        row["Trigger"] = Value(u"Filler.Clock");
         const QList<report::Fact> facts = wording.Archive(row);
         EXPECT_EQ(FactNamed(facts, u"Archive type"_s), QLatin1String(c.kind));
         EXPECT_EQ(FactNamed(facts, u"Storage"_s), QLatin1String(c.storage));
@@ -89,25 +84,22 @@ TEST_F(WordingTest, SaysWhatATrendDoesAndWhatItCannotRead) {
     const report::ReportTexts texts = Texts(1031);
     const report::Wording wording(texts);
     TrendRow row;
-    const auto set = [&](TrendColumn column, report::Cell cell) {
-        row.cells[static_cast<std::size_t>(column)] = std::move(cell);
-    };
-    set(TrendColumn::Name, Value(u"Druck %1"));
-    set(TrendColumn::Minimum, Value(u"0"));
-    set(TrendColumn::Maximum, Value(u"Kessel.Grenze"));
-    set(TrendColumn::Unit, Value(u"bar"));
-    set(TrendColumn::Factor, {ado::Value(0.5)});
-    set(TrendColumn::Offset, {ado::Value(-1.25e-07)});
-    set(TrendColumn::Hysteresis, Value(u"5"));
-    set(TrendColumn::HysteresisMode, Value(1));
-    set(TrendColumn::Filter, Value(7));
-    set(TrendColumn::VDrawMode, Value(4));
-    set(TrendColumn::VLineColor, Value(0x0080FF));
-    set(TrendColumn::VLineWidth, Value(3));
-    set(TrendColumn::VLineStyle, {{}, true});
-    set(TrendColumn::VUpper, {ado::Value(8.5)});
-    set(TrendColumn::VUpperColor, Value(0xFF0000));
-    set(TrendColumn::VConfig, Value(1));
+    row["Name"] = Value(u"Druck %1");
+    row["Minimum"] = Value(u"0");
+    row["Maximum"] = Value(u"Kessel.Grenze");
+    row["Unit"] = Value(u"bar");
+    row["Factor"] = {ado::Value(0.5)};
+    row["Offset"] = {ado::Value(-1.25e-07)};
+    row["Hysteresis"] = Value(u"5");
+    row["HysteresisMode"] = Value(1);
+    row["Filter"] = Value(7);
+    row["VDrawMode"] = Value(4);
+    row["VLineColor"] = Value(0x0080FF);
+    row["VLineWidth"] = Value(3);
+    row["VLineStyle"] = {{}, true};
+    row["VUpper"] = {ado::Value(8.5)};
+    row["VUpperColor"] = Value(0xFF0000);
+    row["VConfig"] = Value(1);
     row.textMissing = true;
 
     const report::TrendCells cells = wording.Trend(row);
@@ -128,11 +120,11 @@ TEST_F(WordingTest, SaysWhatATrendDoesAndWhatItCannotRead) {
     const std::pair<report::Cell, QString> modes[] = {
         {Value(7), u"keine"_s}, {Value(-1), u"5 absolut"_s}, {{}, u"5 absolut"_s}};
     for (const auto& [mode, shown] : modes) {
-        set(TrendColumn::HysteresisMode, mode);
+        row["HysteresisMode"] = mode;
         EXPECT_EQ(Words(wording.Trend(row)[4]), shown);
     }
     // Without an amount there is no hysteresis, whatever the mode says.
-    set(TrendColumn::Hysteresis, {});
+    row["Hysteresis"] = {};
     EXPECT_EQ(Words(wording.Trend(row)[4]), u"keine"_s);
 }
 
