@@ -220,6 +220,41 @@ TEST_F(TypesTest, EveryTypeIsComparedAsWhatItIs) {
     EXPECT_EQ(found.RecordCount(), 1U) << "there is one zero only";
 }
 
+// Each of these amounts is the same double as its neighbour.
+TEST_F(TypesTest, GreatAmountsAreComparedByTheirDigits) {
+    Add({{"Money", u"90071992547409.9301"_t}, {"Amount", u"9007199254740993.01"_t}});
+    Add({{"Money", u"90071992547409.9302"_t}, {"Amount", u"9007199254740993.02"_t}});
+    Add({{"Money", u"922337203685477.0000"_t}, {"Amount", u"-9007199254740993.01"_t}});
+    Add({{"Money", u"922337203685477.0001"_t}, {"Amount", u"-9007199254740993.02"_t}});
+    Add({{"Money", u"0.1"_t}, {"Amount", u"0.1"_t}, {"Fine", 0.1}});
+    using Ids = std::vector<std::u16string>;
+    const struct {
+        const char* criteria;
+        Ids ids;
+    } filters[] = {
+        {"Money = 90071992547409.9301", {u"1"}},
+        {"'90071992547409.9302' = Money", {u"2"}},
+        {"Money > 90071992547409.9301 AND Money < 1e14", {u"2"}},
+        {"Money = 922337203685477", {u"3"}},
+        {"922337203685477 < Money", {u"4"}},
+        {"Money = 90071992547409.93015", {}},
+        {"Amount = 9007199254740993.010", {u"1"}},
+        {"Amount <= -9007199254740993.02", {u"4"}},
+        {"Amount = Money", {u"5"}},
+        {"Money = Fine AND Fine = Amount", {u"5"}},
+        {"Fine = 0.1 AND Fine = 0.100000000000000001", {u"5"}},
+        {"Money = .1 AND Amount = +1e-1", {u"5"}},
+    };
+    for (const auto& each : filters) {
+        SCOPED_TRACE(each.criteria);
+        rows_.SetFilter(each.criteria);
+        EXPECT_EQ(Column(rows_, "ID"), each.ids);
+    }
+    rows_.SetFilter("");
+    rows_.SetSort("Amount DESC");
+    EXPECT_EQ(Column(rows_, "ID"), (Ids{u"2", u"1", u"5", u"3", u"4"}));
+}
+
 TEST(ValueTest, NumbersAndTextsConvertOrAreRefused) {
     EXPECT_EQ(ToLong(2.5), 2);
     EXPECT_EQ(ToLong(u"-7"_t), -7);

@@ -7,7 +7,9 @@
 #include <utility>
 
 #include "ado/detail/Convert.h"
+#include "ado/detail/ExactNumber.h"
 #include "jet/TextKey.h"
+#include "jet/Unicode.h"
 
 namespace ado {
 namespace {
@@ -97,6 +99,7 @@ private:
         Operand operand;
         if (lexer_.Current().kind == Token::Kind::Constant) {
             operand.constant = lexer_.Current().value;
+            operand.number = jet::ToUtf16(lexer_.Current().text);
             lexer_.Advance();
         } else if (lexer_.TakeKeyword("TRUE")) {
             operand.constant = true;
@@ -181,6 +184,19 @@ int OrderOfNumbers(double a, double b) {
     return Order(a, b);
 }
 
+bool IsExact(const Value& value) {
+    return std::holds_alternative<Currency>(value) || std::holds_alternative<Decimal>(value);
+}
+
+/// Numbers of which one is exact. The digits decide where doubles may deceive.
+int OrderOfExact(const Value& a, const Value& b, double numberA, double numberB) {
+    constexpr double kNear = 1e-12;
+    const double size = std::max(std::abs(numberA), std::abs(numberB));
+    const bool isNear = std::abs(numberA - numberB) <= kNear * size;
+    const std::optional<int> exact = isNear ? OrderOfDigits(a, b) : std::nullopt;
+    return exact ? *exact : OrderOfNumbers(numberA, numberB);
+}
+
 /// True, false, or nothing when Null takes part.
 std::optional<bool> Evaluate(const Expression& expression, const ColumnReader& read);
 
@@ -188,10 +204,12 @@ std::optional<bool> EvaluateComparison(const Expression& expression, const Colum
     const auto valueOf = [&](const Operand& operand) {
         return operand.isColumn ? read(operand.column) : operand.constant;
     };
-    const Value left = valueOf(expression.left);
-    const Value right = valueOf(expression.right);
+    Value left = valueOf(expression.left);
+    Value right = valueOf(expression.right);
     if (IsNull(left) || IsNull(right)) return std::nullopt;
     if (expression.op == Operator::Like) return MatchesPattern(ToText(left), ToText(right));
+    if (IsExact(left) && !expression.right.number.empty()) right = expression.right.number;
+    if (IsExact(right) && !expression.left.number.empty()) left = expression.left.number;
     const int order = CompareValues(left, right);
     switch (expression.op) {
         case Operator::Equal:
@@ -278,12 +296,14 @@ int CompareValues(const Value& a, const Value& b) {
     const auto* textA = std::get_if<std::u16string>(&a);
     const auto* textB = std::get_if<std::u16string>(&b);
     if (const auto* amount = std::get_if<Currency>(&a)) {
-        // As numbers, great amounts would be the same that are not.
         if (const auto* other = std::get_if<Currency>(&b)) return Order(*amount, *other);
     }
     if (textA == nullptr || textB == nullptr) {
         const std::optional<double> numberA = AsNumber(a);
         const std::optional<double> numberB = AsNumber(b);
+        if (numberA && numberB && (IsExact(a) || IsExact(b))) {
+            return OrderOfExact(a, b, *numberA, *numberB);
+        }
         if (numberA && numberB) return OrderOfNumbers(*numberA, *numberB);
         if (a.index() == b.index()) {
             if (const auto* bytes = std::get_if<Binary>(&a)) {

@@ -23,6 +23,7 @@ struct Operand {
     bool isColumn = false;
     ColumnRef column;
     Value constant;
+    std::u16string number;  // the constant as it is written, when it is a number
 };
 
 /// A condition on rows: a comparison, or conditions joined by And, Or and Not.

@@ -71,6 +71,7 @@ void Lexer::ReadNumber(bool negative) {
     if (parsed.ec != std::errc()) Fail("a number that cannot be read");
     at_ += static_cast<std::size_t>(parsed.ptr - begin);
     if (negative) number = -number;
+    token_.text = (negative ? "-" : "") + std::string(begin, parsed.ptr);
     const auto whole =
         static_cast<std::int32_t>(number >= -2147483648.0 && number <= 2147483647.0 ? number : 0);
     token_.kind = Token::Kind::Constant;

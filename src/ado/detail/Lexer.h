@@ -11,7 +11,8 @@ namespace ado {
 struct Token {
     enum class Kind { End, Name, Constant, Symbol };
     Kind kind = Kind::End;
-    std::string text;       // Name: without its quotes; Symbol: = <> < <= > >= ( ) , . *
+    // Name: without its quotes. Symbol: = <> < <= > >= ( ) , . * Constant: a number as written.
+    std::string text;
     ado::Value value;       // Constant: a number, text or date
     bool isQuoted = false;  // Name in backquotes or brackets: never a keyword
 };
