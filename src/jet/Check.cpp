@@ -89,7 +89,7 @@ void CheckTrees(PageCache& cache, Reporter& report, check::PageLedger& pages,
 
 }  // namespace
 
-Result<std::vector<std::uint32_t>> CheckPages(PageCache& cache) {
+Result<PageState> CheckPages(PageCache& cache) {
     const FindingSink sink = [](const Finding&) { return true; };
     Reporter report(sink, 0);
     check::PageLedger pages(report, cache.PageCount());
@@ -106,7 +106,7 @@ Result<std::vector<std::uint32_t>> CheckPages(PageCache& cache) {
          {Subject::Maps, Subject::Pages, Subject::Columns, Subject::Indexes}) {
         if (!report.FirstError(subject).empty()) return Status::Corrupt(report.FirstError(subject));
     }
-    return maps.WithLeftOvers();
+    return PageState{maps.WithLeftOvers(), maps.Limits()};
 }
 
 Status Check(File& file, const FindingSink& sink, const CheckOptions& options) {
@@ -128,6 +128,7 @@ Status Check(File& file, const FindingSink& sink, const CheckOptions& options) {
     }
     definitions.CheckRelationships();
     maps.CheckAccounting();
+    for (const std::string& limit : maps.Limits()) report.Warn(Subject::Maps, limit);
 
     pages.Seal();
     for (const TableEntry& entry : tables) {

@@ -5,7 +5,6 @@
 #include <chrono>
 #include <tuple>
 
-#include "jet/Check.h"
 #include "jet/detail/FileHeader.h"
 #include "jet/detail/Journal.h"
 #include "jet/detail/UsageMapEditor.h"
@@ -20,10 +19,6 @@ constexpr std::uint32_t kSystemFlags = 0x80000002;  // column Flags: made by the
 constexpr const char* kCatalogName = "MSysObjects";
 
 constexpr const char* kRepairHint = "; kvs repair writes what can be read into a new file";
-
-constexpr std::chrono::milliseconds kWriterWait{5'000};
-// Another program may be reading the whole of a big file.
-constexpr std::chrono::milliseconds kCommitWait{30'000};
 
 /// The columns of the catalog that matter here, by position.
 struct CatalogColumns {
@@ -126,9 +121,13 @@ Status Database::TellWhetherWritable() {
     // While another program commits there is no time for it; it is asked again before a change.
     if (scope.GetStatus().Code() == StatusCode::Busy) return {};
     JET_TRY(scope.GetStatus());
-    const Status pages = CheckPages(cache_).GetStatusOrOk();
+    const Result<PageState> pages = CheckPages(cache_);
     if (!pages.IsOk()) {
-        Notify("it can only be read: " + pages.Text() + kRepairHint);
+        Notify("it can only be read: " + pages.GetStatus().Text() + kRepairHint);
+        return {};
+    }
+    for (const std::string& limit : pages->limits) {
+        Notify(limit + "; kvs repair writes a file that can take it");
     }
     return {};
 }
@@ -162,7 +161,7 @@ Result<bool> Database::Recover() {
         return *outcome != Outcome::Ignored;
     }
     // Who may not write, or not now, can read on when there is no half of a change in the file.
-    JET_TRY(locks_->LockPagesShared(kCommitWait));
+    JET_TRY(locks_->LockPagesShared(waits_.commit));
     Result<Outcome> outcome = recovery_->Run(nullptr);
     locks_->UnlockPages();
     if (!outcome.IsOk()) return outcome.GetStatus();
@@ -171,7 +170,7 @@ Result<bool> Database::Recover() {
         return status.In("an interrupted change has to be taken back first");
     }
     // Another program is about to.
-    JET_TRY(locks_->LockWriter(kWriterWait));
+    JET_TRY(locks_->LockWriter(waits_.writer));
     locks_->UnlockWriter();
     return true;
 }
@@ -188,15 +187,15 @@ Result<Recovery::Outcome> Database::RollBackJournal() {
         // It still is the one that is locked.
         JET_TRY(file_->Stamp().GetStatusOrOk());
     }
-    JET_TRY(locks_->LockPages({}, kCommitWait));
+    JET_TRY(locks_->LockPages({}, waits_.commit));
     Result<Recovery::Outcome> outcome = recovery_->Run(own != nullptr ? own.get() : file_.get());
     locks_->UnlockPages();
     return outcome;
 }
 
-/// The maps of pages that have left-over bits behind the end of the file.
+/// What the last look at the pages has found.
 /// REQUIRES: this program holds the writer lock.
-Result<std::vector<std::uint32_t>> Database::PrepareToWrite() {
+Result<PageState> Database::PrepareToWrite() {
     if (recovery_->IsNeeded()) {
         Recovery::Outcome outcome{};
         JET_ASSIGN(outcome, RollBackJournal());
@@ -206,15 +205,14 @@ Result<std::vector<std::uint32_t>> Database::PrepareToWrite() {
         }
     }
     JET_TRY(cache_.Revalidate());
-    std::vector<std::uint32_t> leftOvers;
-    if (pagesAreSound_) return leftOvers;
-    Result<std::vector<std::uint32_t>> checked = CheckPages(cache_);
+    if (pagesAreSound_) return PageState();
+    Result<PageState> checked = CheckPages(cache_);
     if (!checked.IsOk()) {
         return Status::Corrupt(
             "it is damaged and cannot be written: " + checked.GetStatus().Text() + kRepairHint);
     }
     // Until a transaction that removes them has been committed, the next one has to.
-    pagesAreSound_ = checked->empty();
+    pagesAreSound_ = checked->leftOvers.empty();
     return checked;
 }
 
@@ -236,17 +234,17 @@ Status Database::Begin() {
     if (cache_.IsBeingRead()) {
         return Status::BadArgument("nothing can be changed while one state of it is read");
     }
-    JET_TRY(locks_->LockWriter(kWriterWait));
-    Result<std::vector<std::uint32_t>> leftOvers = PrepareToWrite();
-    if (!leftOvers.IsOk()) {
+    JET_TRY(locks_->LockWriter(waits_.writer));
+    const Result<PageState> pages = PrepareToWrite();
+    if (!pages.IsOk()) {
         locks_->UnlockWriter();
-        return leftOvers.GetStatus();
+        return pages.GetStatus();
     }
     cache_.Begin();
     known_ = KnownTables();
     isRolledBack_ = false;
     depth_ = 1;
-    return RemoveLeftOvers(*leftOvers);
+    return RemoveLeftOvers(pages->leftOvers);
 }
 
 Status Database::RemoveLeftOvers(const std::vector<std::uint32_t>& maps) {
@@ -289,7 +287,7 @@ Status Database::WriteTransaction() {
         *disk_, path_, *file_, {pages, cache_.SizeBefore(), cache_.SizeAfter(), newContent});
     if (!journal.IsOk()) return journal.GetStatus();
     JET_TRY(file_->SetNote(journal->Path()));
-    JET_TRY(locks_->LockPages(pages, kCommitWait));
+    JET_TRY(locks_->LockPages(pages, waits_.commit));
     Status status = journal->Publish();
     if (status.IsOk()) status = WriteJournalled(*journal);
     locks_->UnlockPages();

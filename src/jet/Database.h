@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -9,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "jet/Check.h"
 #include "jet/detail/Recovery.h"
 #include "jet/Disk.h"
 #include "jet/File.h"
@@ -58,6 +60,12 @@ public:
     /// Busy when another program goes on reading, or holds a page that has to be written.
     Status Commit();
     Status Rollback();
+    /// How long this program waits for others before it gives up with Busy.
+    struct Waits {
+        std::chrono::milliseconds writer{5'000};   // for the end of another's transaction
+        std::chrono::milliseconds commit{30'000};  // for who may be reading the whole of a big file
+    };
+    void SetWaits(const Waits& waits) { waits_ = waits; }
     [[nodiscard]] bool InTransaction() const { return depth_ > 0; }
 
     [[nodiscard]] jet::Format FileFormat() const { return context_.format; }
@@ -95,7 +103,7 @@ private:
     Status TellWhetherWritable();
     [[nodiscard]] Result<bool> Recover();
     [[nodiscard]] Result<Recovery::Outcome> RollBackJournal();
-    [[nodiscard]] Result<std::vector<std::uint32_t>> PrepareToWrite();
+    [[nodiscard]] Result<PageState> PrepareToWrite();
     Status RenewKnownTables();
     Status RemoveLeftOvers(const std::vector<std::uint32_t>& maps);
     Status WriteTransaction();
@@ -116,10 +124,11 @@ private:
     std::optional<Recovery> recovery_;
     std::vector<std::string> notices_;  // not taken yet
     std::vector<std::string> told_;     // all so far
-    int depth_ = 0;                     // of joined transactions
-    bool isRolledBack_ = false;         // inside an outer transaction that is still to end
-    bool pagesAreSound_ = false;        // has been checked, before the first transaction
-    Status broken_;  // why nothing more can be written until the file is opened again
+    Waits waits_;
+    int depth_ = 0;               // of joined transactions
+    bool isRolledBack_ = false;   // inside an outer transaction that is still to end
+    bool pagesAreSound_ = false;  // has been checked, before the first transaction
+    Status broken_;               // why nothing more can be written until the file is opened again
 
     /// What the catalog and the definitions say, as of one generation of the page cache. Forgotten
     /// when a transaction begins, and not kept inside one.

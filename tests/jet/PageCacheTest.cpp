@@ -73,9 +73,9 @@ TEST(PageCacheTest, SeesWhatAnotherProgramHasChanged) {
 
 // A transaction of any size, with room for a few of its pages, against a plain map.
 TEST(PageCacheTest, ALargeTransactionKeepsWhatMemoryIsTooSmallFor) {
-    const unsigned seed = std::random_device{}();
-    SCOPED_TRACE(seed);
-    std::mt19937 random(seed);
+    const unsigned start = std::random_device{}();
+    SCOPED_TRACE(start);
+    std::mt19937 random(start);
     TestDisk disk;
     std::vector<std::byte> content(40 * kPageSizeJet4);
     disk.Put("file", content);

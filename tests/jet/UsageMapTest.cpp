@@ -219,6 +219,66 @@ TEST(UsageMapTest, MapsOfTablesReachEveryPageWhateverTheirForm) {
     }
 }
 
+// What would be refused in the middle of a change is told before it.
+TEST(UsageMapTest, WhatTheMapsDoNotAllowIsSaidWhenTheFileIsOpened) {
+    const TableDef def = [] {
+        auto disk = SmallDisk();
+        auto database = Must(Database::Open(*disk, kProject, OpenMode::Read));
+        return Must(database->OpenTable("T"))->Definition();
+    }();
+    const Column& column = def.columns[1];
+    const auto withoutMap = [&](TestDisk& disk) {
+        std::vector<std::byte> content = disk.Content(kProject);
+        const MutableBytes page =
+            MutableBytes(content).subspan(kPageSizeJet4 * Raw(def.page), kPageSizeJet4);
+        for (std::size_t i = 0; i + 4 <= page.size(); ++i) {
+            const std::uint32_t value = LoadU32(page, i);
+            if (value == column.ownedMap || value == column.freeMap) StoreU32(page, i, 0);
+        }
+        disk.Put(kProject, content);
+    };
+    const auto shortMap = [&](TestDisk& disk) {
+        ChangeRow(disk, RowId::FromPointer(column.ownedMap),
+                  [](auto& row) { row.assign(5, std::byte{0}); });
+        ChangeRow(disk, RowId::FromPointer(def.freeMap), [&](auto& row) {
+            const auto& content = disk.Content(kProject);
+            const RowId id = RowId::FromPointer(def.freeMap);
+            row.resize(row.size() + LoadU16(content, kPageSizeJet4 * Raw(id.page) + 2));
+        });
+    };
+    const struct {
+        std::function<void(TestDisk&)> damage;
+        const char* text;
+        bool mayStore;  // long values, while the file is small
+    } cases[] = {
+        {withoutMap, "column \"O\": it has no map of its pages", false},
+        {shortMap, "reaches no further than 127 MB and has no room to be lengthened", true},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.text);
+        auto disk = SmallDisk();
+        each.damage(*disk);
+        EXPECT_THAT(FindingsIn(*disk), testing::ElementsAre(testing::HasSubstr(each.text)));
+        EXPECT_THAT(ErrorsIn(*disk), IsEmpty());
+        EXPECT_THAT(Must(Database::Open(*disk, kProject, OpenMode::Read))->TakeNotices(),
+                    IsEmpty());
+        auto database = Must(Database::Open(*disk, kProject, OpenMode::ReadWrite));
+        EXPECT_THAT(database->TakeNotices(),
+                    testing::ElementsAre(testing::AllOf(testing::HasSubstr(each.text),
+                                                        testing::HasSubstr("kvs repair"))));
+        auto table = Must(database->OpenTable("T"));
+        ASSERT_OK(database->Begin());
+        const auto insert = [&](std::size_t size) {
+            const Assignment value{1, Binary(size, std::byte{1})};
+            return StatusOf(TableWriter(*table).Insert(std::vector<Assignment>{value}));
+        };
+        ASSERT_OK(insert(64));
+        EXPECT_EQ(insert(65).Code(), each.mayStore ? StatusCode::Ok : StatusCode::Unsupported);
+        ASSERT_OK(database->Commit());
+        EXPECT_THAT(FindingsIn(*disk), testing::SizeIs(1));
+    }
+}
+
 // Some programs leave bits in a table's map that lie far behind the end of the file. They mean
 // nothing, and must not come to mean something when the file grows.
 TEST(UsageMapTest, BitsLeftOverFarBehindTheEndAreNoDamage) {

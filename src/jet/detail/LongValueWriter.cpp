@@ -103,7 +103,8 @@ Result<PageNo> LongValueWriter::PageFor(std::size_t size, bool shared) {
 
 Result<RowId> LongValueWriter::StoreRow(Bytes row, bool shared) {
     if (column_.ownedMap == 0) {
-        return Status::Unsupported("column \"" + column_.name + "\" has no map of its pages");
+        return Status::Unsupported("column \"" + column_.name +
+                                   "\" has no map of its pages; a repair makes one");
     }
     PageNo page{};
     JET_ASSIGN(page, PageFor(row.size(), shared));

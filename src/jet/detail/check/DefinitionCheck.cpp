@@ -202,6 +202,11 @@ void DefinitionCheck::ClaimMaps(const CheckedTable& table) {
     for (std::size_t i = 0; i < table.def.columns.size(); ++i) {
         const Column& column = table.def.columns[i];
         // Long values may do without a map as long as they have no pages, or none with room.
+        if (column.IsLongValue() && column.ownedMap == 0) {
+            maps_.AddLimit(table.name + ", column \"" + column.name +
+                           "\": it has no map of its pages, so that no value of more than 64 bytes "
+                           "can be stored");
+        }
         if (column.IsLongValue() && column.ownedMap != 0) {
             maps_.ClaimPages(column.ownedMap, table.longValues[i]);
         }

@@ -1,10 +1,12 @@
 #include "jet/detail/check/MapCheck.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 
 #include "jet/detail/Bytes.h"
 #include "jet/detail/check/DataPageCheck.h"
+#include "jet/detail/GlobalMap.h"
 
 namespace jet::check {
 namespace {
@@ -12,6 +14,7 @@ namespace {
 constexpr PageNo kGlobalPage{1};
 constexpr std::uint8_t kInline = 0;
 constexpr std::uint8_t kBitmapPageType = 5;
+constexpr std::size_t kFreeBytes = 2;     // offset of their number on a page of rows
 constexpr std::size_t kBitmapHeader = 4;  // bytes
 constexpr std::uint32_t kBitmapPages = (kPageSizeJet4 - kBitmapHeader) * 8;
 constexpr int kUnwritten = 0;
@@ -104,9 +107,27 @@ std::optional<UsageMap> MapCheck::Open(std::uint32_t pointer, const std::string&
         }
     }
     Result<UsageMap> map = UsageMap::Open(cache_, Format::Jet4, pointer);
-    if (map.IsOk()) return std::move(*map);
+    if (map.IsOk()) {
+        CheckReach(*map, id, name);
+        return std::move(*map);
+    }
     report_.Error(Subject::Maps, name + ": " + map.GetStatus().Text());
     return std::nullopt;
+}
+
+/// A list of bitmap pages needs a field for each share of the file. A row that is too short for
+/// those of a file that grows, on a page without room for a longer one, ends the growth.
+void MapCheck::CheckReach(const UsageMap& map, RowId id, const std::string& name) {
+    Result<PageRef> ref = cache_.Read(id.page);
+    if (!ref.IsOk()) return;
+    const std::size_t size =
+        std::min(GlobalMap::kListSize, map.Stored().size() + LoadU16(ref->Bytes(), kFreeBytes));
+    const std::uint64_t reach = (size - 1) / 4 * std::uint64_t{kBitmapPages};
+    if (reach >= std::min(kMostPages, cache_.PageCount() + kBitmapPages)) return;
+    constexpr std::uint64_t kMegabyte = std::uint64_t{1} << 20;
+    AddLimit(name + ": its usage map on " + RowText(id) + " reaches no further than " +
+             std::to_string(reach * kPageSizeJet4 / kMegabyte) +
+             " MB and has no room to be lengthened");
 }
 
 Bytes MapCheck::OpenBitmap(PageNo page, const std::string& name, PageRef& ref) {

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 #include <unordered_set>
 #include <vector>
 
@@ -30,9 +31,13 @@ public:
     void CheckDoubleUse();
     /// Row pointers of the maps in which bits are left over behind the end of the file.
     [[nodiscard]] const std::vector<std::uint32_t>& WithLeftOvers() const { return leftOvers_; }
+    /// What the maps do not allow to be stored: see PageState.
+    [[nodiscard]] const std::vector<std::string>& Limits() const { return limits_; }
+    void AddLimit(std::string limit) { limits_.push_back(std::move(limit)); }
 
 private:
     [[nodiscard]] std::optional<UsageMap> Open(std::uint32_t pointer, const std::string& name);
+    void CheckReach(const UsageMap& map, RowId id, const std::string& name);
     /// Calls `each` for the pages of a map in ascending order until it returns false. Pages behind
     /// the end of the file come too.
     void ForEachPage(const UsageMap& map, const std::string& name,
@@ -53,6 +58,7 @@ private:
     OwnerId bitmaps_;
     std::unordered_set<std::uint32_t> seen_;  // row pointers of maps
     std::vector<std::uint32_t> leftOvers_;
+    std::vector<std::string> limits_;
     std::vector<bool> isFree_;  // by page; empty when the global map is unreadable
 };
 
