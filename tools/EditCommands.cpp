@@ -1,3 +1,4 @@
+#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -58,23 +59,31 @@ std::pair<std::size_t, ado::Value> ParseAssignment(const ado::Recordset& rows,
     return {field, ParseValue(rows.Fields()[field], value == "\"\"" ? "" : value)};
 }
 
-/// Shows how far it is, on a terminal and only there.
+/// Shows how far it is, on a terminal and only there. Others wait for the end of the change, so it
+/// must not wait for a terminal that somebody has stopped: what that does not take is left out.
 class Progress {
 public:
     explicit Progress(std::FILE* stream) : stream_(stream), isShown_(::isatty(::fileno(stream))) {}
     ~Progress() {
-        if (isShown_ && count_ >= kEvery) std::fputs("\r\033[K", stream_);
+        if (isShown_ && count_ >= kEvery) Show("\r\033[K");
     }
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
     void Step() {
-        if (++count_ % kEvery == 0 && isShown_) std::fprintf(stream_, "\r%zu rows", count_);
+        if (++count_ % kEvery == 0 && isShown_) Show("\r" + std::to_string(count_) + " rows");
     }
     [[nodiscard]] std::size_t Count() const { return count_; }
 
 private:
     static constexpr std::size_t kEvery = 1000;
+
+    void Show(const std::string& text) const {
+        pollfd terminal{::fileno(stream_), POLLOUT, 0};
+        if (::poll(&terminal, 1, 0) == 1 && (terminal.revents & POLLOUT) != 0) {
+            std::fputs(text.c_str(), stream_);
+        }
+    }
 
     std::FILE* stream_;
     bool isShown_;

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
+#include <thread>
 #include <vector>
 
 #include "tools/Commands.h"
@@ -43,6 +44,16 @@ TEST(CommandTest, CompactsAFileAndTellsItsSizes) {
     EXPECT_EQ(RunTool({"compact"}).status, kUsage);
 }
 
+/// Waits until `isSo`, or until the child has ended; it is left to be waited for.
+template <typename Condition>
+void WaitUntil(pid_t child, Condition isSo) {
+    siginfo_t info{};
+    while (!isSo() && info.si_pid != child) {
+        ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOHANG | WNOWAIT), 0);
+        std::this_thread::yield();
+    }
+}
+
 // All rows of a CSV file are there or none, whenever the program that loads them is killed.
 TEST(CommandTest, AKilledLoadLeavesTheOldRowsOrAll) {
     const std::string folder = testing::TempDir() + "load_" + std::to_string(::getpid());
@@ -64,7 +75,14 @@ TEST(CommandTest, AKilledLoadLeavesTheOldRowsOrAll) {
             std::FILE* out = std::fopen("/dev/null", "w");
             ::_exit(Load(project, "TidxTexts", csv, Encoding::Utf8, out, out));
         }
-        ::usleep(static_cast<useconds_t>(round * 2500));
+        // The later it is killed, the further it has come.
+        const auto isThere = [&](const char* name) {
+            return std::filesystem::exists(folder + "/project" + name);
+        };
+        const int stages = round % 4;
+        if (stages > 0) WaitUntil(child, [&] { return isThere(".ldb"); });
+        if (stages > 1) WaitUntil(child, [&] { return isThere(".kvs-journal"); });
+        if (stages > 2) WaitUntil(child, [&] { return !isThere(".kvs-journal"); });
         ::kill(child, SIGKILL);
         ::waitpid(child, nullptr, 0);
         EXPECT_EQ(RunTool({"check", project}).out, "");
