@@ -135,6 +135,11 @@ private:
             name = path_ + "-compact-" + std::to_string(i);
         }
         JET_TRY(named);
+        if (name != path_ + "-compact") {
+            database_.Notify("\"" + path_ +
+                             "-compact\" is in the way; if a compaction that was cut short has "
+                             "left it, it can be deleted");
+        }
         Status status = disk_.Replace(name, path_);
         // The failure to be told is the first one.
         if (!status.IsOk() && disk_.HasName(*draft_, name)) std::ignore = disk_.Remove(name);
