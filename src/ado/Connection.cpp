@@ -164,6 +164,7 @@ void Connection::TakeDatabase(std::unique_ptr<jet::Database> database, const std
     }
     rep_->database = std::move(database);
     rep_->source = source;
+    rep_->Observe();
 }
 
 void Connection::Close() {
@@ -184,11 +185,17 @@ void Connection::BeginTrans() {
 void Connection::CommitTrans() {
     RequireOpen(*this);
     Check(rep_->database->Commit(), rep_->source);
+    rep_->TellChanges();
 }
 
 void Connection::RollbackTrans() {
     RequireOpen(*this);
     Check(rep_->database->Rollback(), rep_->source);
+}
+
+void Connection::SetChangeListener(ChangeListener listener) {
+    rep_->listener = std::move(listener);
+    rep_->Observe();
 }
 
 ObjectState Connection::State() const noexcept {

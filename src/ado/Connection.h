@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "ado/RowChange.h"
+
 namespace jet {
 class Database;
 }
@@ -45,6 +47,10 @@ public:
     void BeginTrans();
     void CommitTrans();
     void RollbackTrans();
+
+    /// Who hears of every row that is changed through this connection from now on, whoever changes
+    /// it, whichever file is open; an empty one: nobody, and nothing is collected.
+    void SetChangeListener(ChangeListener listener);
 
     [[nodiscard]] ObjectState State() const noexcept;
     /// False for a file that can only be looked at: its rights or its version allow no more. Every

@@ -122,7 +122,10 @@ struct Recordset::Rep {
         if (isOwn) Check(database.Begin(), file);
         jet::Status status = change();
         if (!isOwn) return Check(status, file);
-        if (status.IsOk()) return Check(database.Commit(), file);
+        if (status.IsOk()) {
+            Check(database.Commit(), file);
+            return connection.rep_->TellChanges();
+        }
         std::ignore = database.Rollback();  // the failure to be told is the first one
         ThrowStatus(status, file);
     }

@@ -8,6 +8,7 @@
 #include "jet/detail/FileHeader.h"
 #include "jet/detail/Journal.h"
 #include "jet/detail/UsageMapEditor.h"
+#include "jet/RowObserver.h"
 #include "jet/Unicode.h"
 
 namespace jet {
@@ -262,6 +263,7 @@ Status Database::RemoveLeftOvers(const std::vector<std::uint32_t>& maps) {
 void Database::EndTransaction(bool committed) {
     cache_.End(committed);
     locks_->UnlockWriter();
+    if (context_.observer != nullptr) context_.observer->TransactionEnded(committed);
 }
 
 Status Database::Commit() {

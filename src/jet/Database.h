@@ -66,6 +66,8 @@ public:
         std::chrono::milliseconds commit{30'000};  // for who may be reading the whole of a big file
     };
     void SetWaits(const Waits& waits) { waits_ = waits; }
+    /// Lets `observer` hear of all changes of rows from now on; null: nobody. Borrowed.
+    void Observe(RowObserver* observer) { context_.observer = observer; }
     [[nodiscard]] bool InTransaction() const { return depth_ > 0; }
 
     [[nodiscard]] jet::Format FileFormat() const { return context_.format; }

@@ -54,11 +54,14 @@ private:
     RowView view_;
 };
 
+class RowObserver;
+
 /// What the parts of one open file share. Lives in Database.
 struct FileContext {
     PageCache& cache;
     Format format;
-    const CodePage* codePage;  // null for Jet 4
+    const CodePage* codePage;         // null for Jet 4
+    RowObserver* observer = nullptr;  // of changes; null: nobody listens
 };
 
 /// Walks the rows of a table in the order in which they are stored. The database must outlive it.

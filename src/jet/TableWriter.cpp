@@ -9,6 +9,7 @@
 #include "jet/detail/KeyEncoder.h"
 #include "jet/detail/LongValueWriter.h"
 #include "jet/detail/UsageMapEditor.h"
+#include "jet/RowObserver.h"
 
 namespace jet {
 namespace {
@@ -59,6 +60,7 @@ Status TableWriter::Step(Change change) {
         file_.cache.UndoStep();
         status = table_.Named(status);
     }
+    if (file_.observer != nullptr) file_.observer->StepEnded(status.IsOk());
     file_.cache.BeginStep();
     return status;
 }
@@ -281,6 +283,7 @@ Status TableWriter::NumberRow(RowImage& image, std::vector<Value>& values,
 
 Result<RowId> TableWriter::InsertNow(std::span<const Assignment> assignments) {
     const TableDef& def = table_.Definition();
+    const std::size_t change = Changing(nullptr);
     RowImage image(def);
     std::vector<Value> values(def.columns.size());
     for (std::size_t i = 0; i < values.size(); ++i) {
@@ -301,6 +304,7 @@ Result<RowId> TableWriter::InsertNow(std::span<const Assignment> assignments) {
     // When the row is there: it may belong to itself.
     JET_TRY(CheckParents(values, nullptr, keys));
     JET_TRY(Count(1));
+    JET_TRY(Changed(change, row));
     return row;
 }
 
@@ -310,6 +314,7 @@ Status TableWriter::UpdateNow(RowId id, std::span<const Assignment> assignments)
     JET_ASSIGN(place, Find(id));
     Row row;
     JET_ASSIGN(row, table_.Fetch(id));
+    const std::size_t change = Changing(&row);
     Result<RowImage> image = RowImage::Of(def, row.view_);
     if (!image.IsOk()) return image.GetStatus().In(RowText(id));
     std::vector<Value> values;
@@ -330,6 +335,7 @@ Status TableWriter::UpdateNow(RowId id, std::span<const Assignment> assignments)
     JET_TRY(RemoveKeys(before, id, &after));
     JET_TRY(ReplaceRow(place, bytes));
     JET_TRY(InsertKeys(after, id, &before));
+    JET_TRY(Changed(change, id));
     JET_TRY(FollowChildren(oldValues, before, values, &after));
     return CheckParents(values, &before, after);
 }
@@ -340,6 +346,7 @@ Status TableWriter::DeleteNow(RowId id) {
     JET_ASSIGN(place, Find(id));
     Row row;
     JET_ASSIGN(row, table_.Fetch(id));
+    const std::size_t change = Changing(&row);
     std::vector<Value> values;
     JET_ASSIGN(values, ValuesOf(row));
     std::vector<Key> keys;
@@ -354,7 +361,20 @@ Status TableWriter::DeleteNow(RowId id) {
     if (place.moved) JET_TRY(DeleteSlot(*place.moved));
     JET_TRY(DeleteSlot(place.own));
     JET_TRY(Count(-1));
+    if (file_.observer != nullptr) file_.observer->Changed(change, table_, nullptr);
     return FollowChildren(values, keys, {}, nullptr);
+}
+
+std::size_t TableWriter::Changing(const Row* before) {
+    return file_.observer != nullptr ? file_.observer->Changing(table_, before) : 0;
+}
+
+Status TableWriter::Changed(std::size_t change, RowId row) {
+    if (file_.observer == nullptr) return {};
+    Row after;
+    JET_ASSIGN(after, table_.Fetch(row));
+    file_.observer->Changed(change, table_, &after);
+    return {};
 }
 
 Status TableWriter::Count(int change) {

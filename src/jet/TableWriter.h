@@ -78,6 +78,10 @@ private:
     Status UpdateNow(RowId row, std::span<const Assignment> values);
     Status DeleteNow(RowId row);
 
+    // Tell the observer, when there is one.
+    [[nodiscard]] std::size_t Changing(const Row* before);
+    Status Changed(std::size_t change, RowId row);
+
     [[nodiscard]] Result<std::vector<Value>> ValuesOf(const Row& row) const;
     [[nodiscard]] Result<std::vector<Key>> KeysOf(std::span<const Value> values) const;
     Status CheckKey(std::size_t index, const Key& key, const Key* before);
