@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <QString>
 
-#include "languages/FontString.h"
+#include "records/FontString.h"
 
 // The fuzzer's own name for its entry point.
 // NOLINTNEXTLINE(readability-identifier-naming)

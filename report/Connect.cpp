@@ -35,8 +35,8 @@ void Connect::Show(qulonglong windowHandle, const QString& projectPath, const QS
 void Connect::ShowReport(QWidget* owner, const QString& projectPath, const QString& report) {
     if (report.compare(kTrendReport, Qt::CaseInsensitive) != 0) {
         const ReportTexts texts(registry_);
-        platform::ShowMessage(texts(Text::UnknownReport).arg(report), platform::MessageButtons::Ok,
-                              texts(Text::ReportTitle), owner);
+        platform::ShowMessage(texts(Text::UnknownReport, {{u"name", report}}),
+                              platform::MessageButtons::Ok, texts(Text::ReportTitle), owner);
         return;
     }
     if (window_ && (window_->ProjectPath() != projectPath || window_->parentWidget() != owner)) {

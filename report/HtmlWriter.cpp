@@ -181,8 +181,8 @@ QString HtmlWriter::FileHead() const {
     return u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE html>\n"_s
            u"<html xmlns=\"http://www.w3.org/1999/xhtml\" xml:lang=\"%1\">\n<head>\n"_s
            u"<meta charset=\"utf-8\"/>\n"_s.arg(texts_.Locale().name().left(2)) +
-           Element(u"title"_s, texts_(Text::WindowTitle).arg(projectPath_)) + u"\n<style>\n"_s +
-           kFileStyle.toString() + u"</style>\n</head>\n<body>\n"_s;
+           Element(u"title"_s, texts_(Text::WindowTitle, {{u"project", projectPath_}})) +
+           u"\n<style>\n"_s + kFileStyle.toString() + u"</style>\n</head>\n<body>\n"_s;
 }
 
 QString HtmlWriter::FileBody(const Section& section) {
@@ -209,17 +209,18 @@ QString HtmlWriter::Facts() const {
     add(texts_(Text::Project), projectPath_);
     add(texts_(Text::MadeOn), texts_.Locale().toString(madeOn_, QLocale::ShortFormat));
     html += u"</table><p>"_s;
-    html += texts_(Text::ArchiveCount)
-                .arg(texts_.Number(static_cast<qint64>(reader_.Archives().size()))) +
+    html += texts_(Text::ArchiveCount,
+                   {{u"n", texts_.Number(static_cast<qint64>(reader_.Archives().size()))}}) +
             u", "_s +
-            texts_(Text::TrendCount).arg(texts_.Number(static_cast<qint64>(reader_.TrendCount())));
+            texts_(Text::TrendCount,
+                   {{u"n", texts_.Number(static_cast<qint64>(reader_.TrendCount()))}});
     html += u"<br/>"_s;
     const qint64 problems = static_cast<qint64>(reader_.ProblemCount());
     if (problems == 0) {
         html += texts_(Text::NoProblems).toHtmlEscaped();
     } else {
         html += Link({Section::Kind::Problems},
-                     texts_(Text::ProblemCount).arg(texts_.Number(problems)));
+                     texts_(Text::ProblemCount, {{u"n", texts_.Number(problems)}}));
     }
     html += u"</p>"_s + Element(u"h2"_s, texts_(Text::Contents));
     if (reader_.Archives().empty()) html += Element(u"p"_s, texts_(Text::NoArchives));
@@ -274,7 +275,7 @@ QString HtmlWriter::ContentsRow(const Section& section, const QString& name, con
 QString HtmlWriter::Settings(const Section& section) {
     if (section.kind == Section::Kind::WithoutArchive) return Element(u"h2"_s, Title(section));
     const ProjectReader::Archive& archive = TrendsOf(section);
-    QString html = Element(u"h2"_s, texts_(Text::Archive).arg(archive.name)) +
+    QString html = Element(u"h2"_s, texts_(Text::Archive, {{u"name", archive.name}})) +
                    kTableBegin.toString() + u"<tbody>\n"_s;
     for (const Fact& fact : wording_.Archive(reader_.ReadArchive(archive))) {
         html += u"<tr><td class=\"name\" width=\"22%\">"_s + fact.name.toHtmlEscaped() +
@@ -289,14 +290,14 @@ QString HtmlWriter::TrendHeading(const Section& section) const {
     };
     const std::size_t count = TrendsOf(section).trends.size();
     if (count <= kTrendsPerSection || target_ == Target::File) {
-        return Element(u"h3"_s, texts_(Text::Trends).arg(number(count)));
+        return Element(u"h3"_s, texts_(Text::Trends, {{u"n", number(count)}}));
     }
     const std::size_t last = std::min(section.first + kTrendsPerSection, count);
     const QString title = section.first == 0 ? QString() : Title(section) + u": "_s;
-    const QString heading = Element(
-        u"h3"_s,
-        title +
-            texts_(Text::TrendsPart).arg(number(section.first + 1), number(last), number(count)));
+    const QString heading =
+        Element(u"h3"_s, title + texts_(Text::TrendsPart, {{u"first", number(section.first + 1)},
+                                                           {u"last", number(last)},
+                                                           {u"n", number(count)}}));
     return heading + PartLinks(section);
 }
 
@@ -351,8 +352,8 @@ QString HtmlWriter::ProblemTable() const {
     html += u"</tbody></table>\n"_s;
     if (reader_.ProblemCount() > reader_.Problems().size()) {
         const std::size_t more = reader_.ProblemCount() - reader_.Problems().size();
-        html += Element(u"p"_s,
-                        texts_(Text::ProblemMore).arg(texts_.Number(static_cast<qint64>(more))));
+        html += Element(
+            u"p"_s, texts_(Text::ProblemMore, {{u"n", texts_.Number(static_cast<qint64>(more))}}));
     }
     return html;
 }

@@ -51,7 +51,7 @@ ReportWindow::ReportWindow(platform::Registry& registry, QString projectPath, QW
     : QMainWindow(parent, Qt::Window), texts_(registry), projectPath_(std::move(projectPath)) {
     setObjectName(u"frmReport"_s);
     platform::KeepTextsPlain(*this);
-    setWindowTitle(texts_(Text::WindowTitle).arg(FileName(projectPath_)));
+    setWindowTitle(texts_(Text::WindowTitle, {{u"project", FileName(projectPath_)}}));
     setAttribute(Qt::WA_DeleteOnClose);
     resize(1180, 760);
     BuildActions();
@@ -218,7 +218,8 @@ bool ReportWindow::Read() {
         SetRunning(false);
         lblState_->clear();
         platform::Message message = failure.ToMessage(u"KVProjectReport: Read"_s);
-        message.text = texts_(Text::CannotOpen).arg(projectPath_, message.text);
+        message.text =
+            texts_(Text::CannotOpen, {{u"file", projectPath_}, {u"cause", message.text}});
         Tell(message);
         return false;
     }
@@ -232,7 +233,8 @@ bool ReportWindow::Read() {
                       }
                       if (outcome == PortionRunner::Outcome::Failed) {
                           platform::Message message = failure;
-                          message.text = texts_(Text::CannotOpen).arg(projectPath_, failure.text);
+                          message.text = texts_(Text::CannotOpen, {{u"file", projectPath_},
+                                                                   {u"cause", failure.text}});
                           Tell(message);
                       }
                       emit TaskEnded(outcome == PortionRunner::Outcome::Done);
@@ -244,10 +246,11 @@ void ReportWindow::Collected() {
     ready_ = true;
     FillArchives();
     lblState_->setText(
-        texts_(Text::ArchiveCount)
-            .arg(texts_.Number(static_cast<qint64>(reader_->Archives().size()))) +
+        texts_(Text::ArchiveCount,
+               {{u"n", texts_.Number(static_cast<qint64>(reader_->Archives().size()))}}) +
         u", "_s +
-        texts_(Text::TrendCount).arg(texts_.Number(static_cast<qint64>(reader_->TrendCount()))));
+        texts_(Text::TrendCount,
+               {{u"n", texts_.Number(static_cast<qint64>(reader_->TrendCount()))}}));
     SetRunning(false);
     Show({});
     txtReport_->setFocus();
@@ -323,7 +326,7 @@ void ReportWindow::Find(bool backward) {
             txtReport_->moveCursor(backward ? QTextCursor::End : QTextCursor::Start);
             txtReport_->find(needle, flags);
         } else if (outcome == PortionRunner::Outcome::Done) {
-            lblState_->setText(texts_(Text::FindNothing).arg(needle));
+            lblState_->setText(texts_(Text::FindNothing, {{u"text", needle}}));
         }
         emit TaskEnded(found.has_value());
     });
@@ -345,7 +348,7 @@ void ReportWindow::Start(std::unique_ptr<Task> task, const QString& doneText) {
 void ReportWindow::ExportHtml(const QString& file) {
     if (!ready_ || IsBusy()) return;
     Start(std::make_unique<HtmlExportTask>(*reader_, texts_, projectPath_, file),
-          texts_(Text::Written).arg(file));
+          texts_(Text::Written, {{u"file", file}}));
 }
 
 void ReportWindow::ExportPdf(const QString& file) {
@@ -356,7 +359,7 @@ void ReportWindow::ExportPdf(const QString& file) {
     printer->setPageSize(QPageSize(QPageSize::A4));
     printer->setDocName(windowTitle());
     Start(std::make_unique<PrintTask>(*reader_, texts_, projectPath_, std::move(printer)),
-          texts_(Text::Written).arg(file));
+          texts_(Text::Written, {{u"file", file}}));
 }
 
 void ReportWindow::actPrint_Triggered() {

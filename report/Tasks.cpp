@@ -93,7 +93,8 @@ HtmlExportTask::HtmlExportTask(ProjectReader& reader, const ReportTexts& texts,
 bool HtmlExportTask::DoSection(std::size_t index) {
     if (!file_.isOpen()) {
         if (!file_.open(QIODevice::WriteOnly)) {
-            throw TaskError{texts_(Text::CannotWrite).arg(file_.fileName(), file_.errorString())};
+            throw TaskError{texts_(Text::CannotWrite,
+                                   {{u"file", file_.fileName()}, {u"cause", file_.errorString()}})};
         }
         Write(writer_.FileHead());
     }
@@ -105,7 +106,8 @@ bool HtmlExportTask::Finish() {
     Write(writer_.FileFoot());
     // Committing alone does not tell that the last bytes, still in memory, find no room.
     if (!file_.flush() || !file_.commit()) {
-        throw TaskError{texts_(Text::CannotWrite).arg(file_.fileName(), file_.errorString())};
+        throw TaskError{texts_(Text::CannotWrite,
+                               {{u"file", file_.fileName()}, {u"cause", file_.errorString()}})};
     }
     return true;
 }
@@ -113,7 +115,8 @@ bool HtmlExportTask::Finish() {
 void HtmlExportTask::Write(const QString& html) {
     const QByteArray bytes = html.toUtf8();
     if (file_.write(bytes) != bytes.size()) {
-        throw TaskError{texts_(Text::CannotWrite).arg(file_.fileName(), file_.errorString())};
+        throw TaskError{texts_(Text::CannotWrite,
+                               {{u"file", file_.fileName()}, {u"cause", file_.errorString()}})};
     }
 }
 
@@ -121,7 +124,7 @@ PrintTask::PrintTask(ProjectReader& reader, const ReportTexts& texts, const QStr
                      std::unique_ptr<QPrinter> printer)
     : SectionTask(reader, texts, projectPath, HtmlWriter::Target::Print),
       printer_(std::move(printer)),
-      header_(texts(Text::WindowTitle).arg(projectPath)),
+      header_(texts(Text::WindowTitle, {{u"project", projectPath}})),
       firstPages_(sections_.size()),
       counting_(reader.TrendCount() <= kTrendsToCount) {
     printer_->setPageOrientation(QPageLayout::Landscape);
@@ -155,9 +158,10 @@ void PrintTask::Begin() {
     painter_ = std::make_unique<QPainter>();
     if (painter_->begin(printer_.get())) return;
     painter_.reset();
-    throw TaskError{file.isEmpty()
-                        ? texts_(Text::CannotPrint)
-                        : texts_(Text::CannotWrite).arg(file, texts_(Text::CannotPrint))};
+    throw TaskError{
+        file.isEmpty()
+            ? texts_(Text::CannotPrint)
+            : texts_(Text::CannotWrite, {{u"file", file}, {u"cause", texts_(Text::CannotPrint)}})};
 }
 
 bool PrintTask::DoSection(std::size_t index) {
@@ -201,8 +205,10 @@ void PrintTask::DrawPage(const QTextDocument& document, int page) {
     painter_->setPen(QColor(0x60, 0x60, 0x60));
     const QRectF header(0, 0, body_.width(), kHeaderHeight - 6);
     const QRectF footer(0, body_.height() + kHeaderHeight + 6, body_.width(), kHeaderHeight - 6);
-    const QString number = pageCount_ > 0 ? texts_(Text::PageOf).arg(page_ + 1).arg(pageCount_)
-                                          : texts_(Text::Page).arg(page_ + 1);
+    const QString number = pageCount_ > 0
+                               ? texts_(Text::PageOf, {{u"page", QString::number(page_ + 1)},
+                                                       {u"pages", QString::number(pageCount_)}})
+                               : texts_(Text::Page, {{u"page", QString::number(page_ + 1)}});
     painter_->drawText(header, Qt::AlignLeft | Qt::AlignTop, header_);
     painter_->drawText(footer, Qt::AlignRight | Qt::AlignBottom, number);
 

@@ -78,7 +78,9 @@ class FindTask final : public SectionTask {
 public:
     FindTask(ProjectReader& reader, const ReportTexts& texts, const QString& projectPath,
              QString needle, const Section& from, bool backward);
-    [[nodiscard]] QString Label() const override { return texts_(Text::Searching).arg(needle_); }
+    [[nodiscard]] QString Label() const override {
+        return texts_(Text::Searching, {{u"text", needle_}});
+    }
     /// The first section that holds it.
     [[nodiscard]] const std::optional<Section>& Found() const noexcept { return found_; }
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "languages/MResources.h"
 #include "platform/Locale.h"
 #include "project/Schema.h"
+#include "texts/MResources.h"
 
 namespace report {
 
@@ -52,7 +52,7 @@ QString Wording::Named(const Cell& cell) const {
 }
 
 Line Wording::Warning(Text text, const QString& filled) const {
-    return {texts_(text).arg(filled), Line::Look::Warning};
+    return {texts_(text, {{u"value", filled}}), Line::Look::Warning};
 }
 
 /// The words of a code that counts from 0.
@@ -127,16 +127,17 @@ Lines Wording::TypeWords(const ArchiveRow& row) const {
     const int kind = *type & ArchiveType::kKindMask;
     if (kind == ArchiveType::kCircularBuffer) {
         const std::optional<int> size = Integer(row["MaxSamples"]);
-        lines +=
-            Line{size.value_or(0) > 0 ? texts_(Text::CircularBufferOf).arg(texts_.Number(*size))
-                                      : texts_(Text::CircularBuffer)};
+        lines += Line{size.value_or(0) > 0
+                          ? texts_(Text::CircularBufferOf, {{u"n", texts_.Number(*size)}})
+                          : texts_(Text::CircularBuffer)};
     } else if (kind == ArchiveType::kContinuationFile) {
         lines += Line{texts_(Text::ContinuationFile)};
     } else {
         lines += Warning(Text::UnknownType, QString::number(kind));
     }
     if (const int others = *type & ~ArchiveType::kKnown; others != 0) {
-        lines += Line{texts_(Text::OtherTypeBits).arg(others), Line::Look::Muted};
+        lines += Line{texts_(Text::OtherTypeBits, {{u"bits", QString::number(others)}}),
+                      Line::Look::Muted};
     }
     return lines;
 }
@@ -165,11 +166,11 @@ Line Wording::RecordingWords(const ArchiveRow& row) const {
     switch (Integer(row["SampleMode"]).value_or(-1)) {
         case SampleMode::kCycles:
         case SampleMode::kMilliseconds:
-            return {line.text.arg(Named(row["ScanTime"])), line.look};
+            return {texts::Fill(line.text, {{u"value", Named(row["ScanTime"])}}), line.look};
         case SampleMode::kOnVariable:
-            return {line.text.arg(Named(row["XVar"])), line.look};
+            return {texts::Fill(line.text, {{u"value", Named(row["XVar"])}}), line.look};
         case SampleMode::kOnTrigger:
-            return {line.text.arg(Named(row["Trigger"])), line.look};
+            return {texts::Fill(line.text, {{u"value", Named(row["Trigger"])}}), line.look};
         default:
             return line;
     }
@@ -181,9 +182,9 @@ Line Wording::FileChangeWords(const ArchiveRow& row) const {
     if (const auto known = project::FindClockEvent(event.toStdU16String())) {
         return {texts_(kFileChanges[*known])};
     }
-    if (!event.isEmpty()) return {texts_(Text::FileChangeTrigger).arg(event)};
+    if (!event.isEmpty()) return {texts_(Text::FileChangeTrigger, {{u"variable", event}})};
     const int samples = Integer(row["MaxSamples"]).value_or(0);
-    return {samples != 0 ? texts_(Text::FileChangeCount).arg(texts_.Number(samples))
+    return {samples != 0 ? texts_(Text::FileChangeCount, {{u"n", texts_.Number(samples)}})
                          : texts_(Text::FileChangeNever)};
 }
 
@@ -192,7 +193,7 @@ Lines Wording::LimitWords(const ArchiveRow& row) const {
     const auto add = [&](std::string_view column, Text words) {
         if (row[column].damaged) lines += Line{texts_(Text::Damaged), Line::Look::Warning};
         const int limit = Integer(row[column]).value_or(0);
-        if (limit != 0) lines += Line{texts_(words).arg(texts_.Number(limit))};
+        if (limit != 0) lines += Line{texts_(words, {{u"n", texts_.Number(limit)}})};
     };
     add("MaxFiles", Text::LimitFiles);
     add("MaxSizeKb", Text::LimitSize);
@@ -231,7 +232,8 @@ Lines Wording::NameWords(const TrendRow& row) const {
 Lines Wording::RangeWords(const TrendRow& row) const {
     Lines lines;
     if (!IsEmpty(row["Minimum"]) || !IsEmpty(row["Maximum"])) {
-        QString range = texts_(Text::FromTo).arg(Named(row["Minimum"]), Named(row["Maximum"]));
+        QString range = texts_(Text::FromTo,
+                               {{u"from", Named(row["Minimum"])}, {u"to", Named(row["Maximum"])}});
         if (!IsEmpty(row["Unit"])) range += u' ' + Value(row["Unit"]);
         lines += Line{range};
     } else if (!IsEmpty(row["Unit"])) {
@@ -243,7 +245,8 @@ Lines Wording::RangeWords(const TrendRow& row) const {
                          (offset == nullptr || *offset == 0.0) && !row["Factor"].damaged &&
                          !row["Offset"].damaged;
     if (!neutral) {
-        lines += Line{texts_(Text::Scaling).arg(Named(row["Factor"]), Named(row["Offset"]))};
+        lines += Line{texts_(
+            Text::Scaling, {{u"factor", Named(row["Factor"])}, {u"offset", Named(row["Offset"])}})};
     }
     return lines;
 }
@@ -251,7 +254,7 @@ Lines Wording::RangeWords(const TrendRow& row) const {
 Lines Wording::SubstitutionWords(const TrendRow& row) const {
     Lines lines;
     const auto add = [&](std::string_view column, Text words) {
-        if (!IsEmpty(row[column])) lines += Line{texts_(words).arg(Value(row[column]))};
+        if (!IsEmpty(row[column])) lines += Line{texts_(words, {{u"value", Value(row[column])}})};
     };
     add("SurrogateMax", Text::SubstitutionMax);
     add("SurrogateMin", Text::SubstitutionMin);
@@ -272,7 +275,7 @@ Lines Wording::HysteresisWords(const TrendRow& row) const {
     }
     constexpr std::array words = {Text::HysteresisAbsolute, Text::HysteresisRange,
                                   Text::HysteresisValue};
-    return {Line{texts_(words.at(static_cast<std::size_t>(mode))).arg(amount)}};
+    return {Line{texts_(words.at(static_cast<std::size_t>(mode)), {{u"value", amount}})}};
 }
 
 Lines Wording::FilterWords(const TrendRow& row) const {
@@ -284,7 +287,7 @@ Lines Wording::FilterWords(const TrendRow& row) const {
         return {{filter.text, filter.look == Line::Look::Plain ? Line::Look::Muted : filter.look}};
     Lines lines = {filter};
     if (!IsEmpty(row["FilterDepth"])) {
-        lines += Line{texts_(Text::FilterDepth).arg(Value(row["FilterDepth"]))};
+        lines += Line{texts_(Text::FilterDepth, {{u"n", Value(row["FilterDepth"])}})};
     }
     return lines;
 }
@@ -292,12 +295,13 @@ Lines Wording::FilterWords(const TrendRow& row) const {
 Lines Wording::DisplayWords(const TrendRow& row) const {
     Lines lines;
     if (!IsEmpty(row["VMin"]) || !IsEmpty(row["VMax"])) {
-        lines += Line{texts_(Text::FromTo).arg(Named(row["VMin"]), Named(row["VMax"]))};
+        lines += Line{
+            texts_(Text::FromTo, {{u"from", Named(row["VMin"])}, {u"to", Named(row["VMax"])}})};
     }
     lines += Code(row["VDrawMode"], {Text::DrawLine, Text::DrawStair, Text::DrawSpline,
                                      Text::DrawPoints, Text::DrawBars});
     if (Integer(row["VMaxSamples"]).value_or(0) > 0 || row["VMaxSamples"].damaged) {
-        lines += Line{texts_(Text::Samples).arg(Value(row["VMaxSamples"]))};
+        lines += Line{texts_(Text::Samples, {{u"n", Value(row["VMaxSamples"])}})};
     }
     return lines;
 }
@@ -314,7 +318,9 @@ Lines Wording::CurveWords(const TrendRow& row) const {
         lines += Line{curve.ColourName()};
     }
     Line form = Code(row["VLineStyle"], {Text::StyleLine, Text::StyleDashed, Text::StyleDotted});
-    if (width) form.text = texts_(Text::LineWidth).arg(*width) + u", "_s + form.text;
+    if (width)
+        form.text =
+            texts_(Text::LineWidth, {{u"n", QString::number(*width)}}) + u", "_s + form.text;
     lines += form;
     return lines;
 }
@@ -323,7 +329,7 @@ Lines Wording::ToleranceWords(const TrendRow& row) const {
     Lines lines;
     const auto add = [&](std::string_view limit, std::string_view colour, Text words) {
         if (IsEmpty(row[limit])) return;
-        Line line{texts_(words).arg(Value(row[limit]))};
+        Line line{texts_(words, {{u"value", Value(row[limit])}})};
         if (const std::optional<int> code = Integer(row[colour])) {
             line.curve = Curve{static_cast<std::uint32_t>(*code), 1, 0};
         }
@@ -349,15 +355,15 @@ QString Wording::Place(const Problem& problem) const {
 QString Wording::Finding(const Problem& problem) const {
     switch (problem.kind) {
         case Problem::Kind::Row:
-            return texts_(Text::ProblemRow).arg(problem.detail);
+            return texts_(Text::ProblemRow, {{u"value", problem.detail}});
         case Problem::Kind::Value:
-            return texts_(Text::ProblemValue).arg(problem.detail);
+            return texts_(Text::ProblemValue, {{u"value", problem.detail}});
         case Problem::Kind::MissingText:
-            return texts_(Text::ProblemText).arg(problem.detail);
+            return texts_(Text::ProblemText, {{u"value", problem.detail}});
         case Problem::Kind::MissingArchive:
-            return texts_(Text::ProblemArchive).arg(problem.detail);
+            return texts_(Text::ProblemArchive, {{u"value", problem.detail}});
         case Problem::Kind::Table:
-            return texts_(Text::ProblemTable).arg(problem.detail);
+            return texts_(Text::ProblemTable, {{u"value", problem.detail}});
     }
     return {};
 }

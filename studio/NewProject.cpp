@@ -13,8 +13,8 @@
 
 #include "platform/Locale.h"
 #include "platform/MessageBox.h"
-#include "platform/ReasonText.h"
 #include "projectfile/CreateProject.h"
+#include "texts/ReasonText.h"
 
 namespace studio {
 namespace {
@@ -113,8 +113,8 @@ void NewProjectDialog::cmdBrowse_Click() {
 
 void NewProjectDialog::cmdOk_Click() {
     const QString file = PathOf(txtFile_->text().trimmed());
-    if (file.contains(u'\\')) return Complain(texts_(Text::ErrorBackslash).arg(file));
-    if (QFileInfo::exists(file)) return Complain(texts_(Text::ErrorExists).arg(file));
+    if (file.contains(u'\\')) return Complain(texts_(Text::ErrorBackslash, {{u"file", file}}));
+    if (QFileInfo::exists(file)) return Complain(texts_(Text::ErrorExists, {{u"file", file}}));
     std::vector<std::uint32_t> lcids;
     for (int row = 0; row < lstLanguages_->count(); ++row) {
         const QListWidgetItem& item = *lstLanguages_->item(row);
@@ -122,9 +122,10 @@ void NewProjectDialog::cmdOk_Click() {
     }
     const projectfile::Outcome outcome = projectfile::CreateProject(file.toStdString(), lcids);
     using Kind = projectfile::Outcome::Kind;
-    if (outcome.kind == Kind::Exists) return Complain(texts_(Text::ErrorExists).arg(file));
+    if (outcome.kind == Kind::Exists) return Complain(texts_(Text::ErrorExists, {{u"file", file}}));
     if (outcome.kind != Kind::Made) {
-        return Complain(texts_(Text::ErrorNotMade).arg(file, platform::ReasonText(outcome.reason)),
+        return Complain(texts_(Text::ErrorNotMade,
+                               {{u"file", file}, {u"cause", texts::ReasonText(outcome.reason)}}),
                         QString::fromStdString(outcome.text));
     }
     file_ = file;

@@ -58,21 +58,23 @@ bool IsReadOnly(const QString& nativePath) {
 /// Empty, or why the file cannot be a project.
 QString Refusal(const QString& nativePath, const StudioTexts& texts) {
     const QFileInfo info(nativePath);
-    if (!info.exists()) return texts(Text::ErrorNotFound).arg(nativePath);
-    if (!info.isFile()) return texts(Text::ErrorNoFile).arg(nativePath);
+    if (!info.exists()) return texts(Text::ErrorNotFound, {{u"file", nativePath}});
+    if (!info.isFile()) return texts(Text::ErrorNoFile, {{u"file", nativePath}});
     QFile file(nativePath);
     if (!file.open(QIODevice::ReadOnly)) {
-        return texts(Text::ErrorNotReadable).arg(nativePath, file.errorString());
+        return texts(Text::ErrorNotReadable,
+                     {{u"file", nativePath}, {u"cause", file.errorString()}});
     }
     // Whether the database itself can be used is found out by whoever opens it; this tells a text
     // or picture from a database: 4 bytes 00 01 00 00, then the name of the format.
     const QByteArray start = file.read(kHeadBytes);
     if (file.error() != QFileDevice::NoError) {
-        return texts(Text::ErrorNotReadable).arg(nativePath, file.errorString());
+        return texts(Text::ErrorNotReadable,
+                     {{u"file", nativePath}, {u"cause", file.errorString()}});
     }
-    if (start.isEmpty()) return texts(Text::ErrorEmptyFile).arg(nativePath);
+    if (start.isEmpty()) return texts(Text::ErrorEmptyFile, {{u"file", nativePath}});
     if (!start.startsWith(QByteArrayView("\x00\x01\x00\x00Standard ", 13))) {
-        return texts(Text::ErrorNoDatabase).arg(nativePath);
+        return texts(Text::ErrorNoDatabase, {{u"file", nativePath}});
     }
     return {};
 }
@@ -86,12 +88,12 @@ std::variant<ProjectLocation, QString> Locate(const QString& project, StudioRegi
         const QString given = project.trimmed();
         // A native name may hold a backslash, which the form with backslashes cannot express.
         if (!HasDrive(given) && given.contains(u'/') && given.contains(u'\\')) {
-            return texts(Text::ErrorBackslash).arg(given);
+            return texts(Text::ErrorBackslash, {{u"file", given}});
         }
         const bool projectForm = HasDrive(given) || given.startsWith(u'\\');
         location.nativePath = QDir::cleanPath(QFileInfo(ToNative(given)).absoluteFilePath());
         if (!projectForm && location.nativePath.contains(u'\\')) {
-            return texts(Text::ErrorBackslash).arg(location.nativePath);
+            return texts(Text::ErrorBackslash, {{u"file", location.nativePath}});
         }
         location.forAddIns = projectForm ? given : ToProject(location.nativePath);
         location.remembered = location.nativePath;
@@ -99,7 +101,8 @@ std::variant<ProjectLocation, QString> Locate(const QString& project, StudioRegi
         const QString file = FileOfName(project, registry);
         if (file.isEmpty()) {
             const bool isFile = project.contains(u'/') || QFileInfo::exists(project);
-            return texts(isFile ? Text::ErrorExtension : Text::ErrorUnknownName).arg(project);
+            return texts(isFile ? Text::ErrorExtension : Text::ErrorUnknownName,
+                         {{u"project", project}});
         }
         location.nativePath = ToNative(file);
         location.forAddIns = project;

@@ -2,101 +2,15 @@
 
 #include <QString>
 
+#include "texts/MResources.h"
+#include "texts/MResourceTable.h"
+
 namespace studio {
 
 /// The studio's own interface texts. Add-ins bring their own.
-enum class Text {
-    StudioTitle,
-    ReadOnlyProject,
-    MenuFile,
-    FileNew,
-    FileNewTip,
-    FileOpen,
-    FileOpenTip,
-    FileRecent,
-    FileRecentNone,
-    FileRecentClear,
-    FileRecentMissing,
-    FileClose,
-    FileCloseTip,
-    FileQuit,
-    MenuView,
-    ViewTree,
-    ViewEditor,
-    MenuSettings,
-    SettingsLanguage,
-    LanguageTip,
-    MenuHelp,
-    HelpAddIns,
-    HelpAddInsTip,
-    HelpAbout,
-    AboutTitle,
-    AboutBody,
-    TreeName,
-    EditorAreaName,
-    EmptyTitle,
-    EmptyHint,
-    EmptyOpen,
-    EmptyRecent,
-    NothingOpenTitle,
-    NothingOpenHint,
-    NoAddInsHint,
-    NewTitle,
-    NewFile,
-    NewBrowse,
-    NewLanguages,
-    NewOk,
-    OpenTitle,
-    OpenFilter,
-    StatusReady,
-    StatusOpened,
-    StatusOpenedReadOnly,
-    StatusClosed,
-    StatusBusy,
-    StatusAddInFailed,
-    StatusAddInError,
-    StatusLanguage,
-    ErrorNotFound,
-    ErrorNoFile,
-    ErrorNotReadable,
-    ErrorEmptyFile,
-    ErrorNoDatabase,
-    ErrorExtension,
-    ErrorUnknownName,
-    ErrorBackslash,
-    ErrorExists,
-    ErrorNotMade,
-    ErrorLanguage,
-    ErrorRegistryFile,
-    AddInColumn,
-    AddInFileColumn,
-    AddInStateColumn,
-    AddInLoaded,
-    AddInNoLibrary,
-    AddInNoName,
-    AddInNameTaken,
-    AddInFailed,
-    VariablesTitle,
-    VariablesSearch,
-    VariablesSearchHint,
-    VariablesTree,
-    VariableColumn,
-    VariableTypeColumn,
-    VariableUnitColumn,
-    VariableCommentColumn,
-    VariablesNoStructure,
-    VariablesReading,
-    VariablesCount,
-    VariablesFound,
-    VariablesNone,
-    VariablesFailed,
-    VariablesUnreadable,
-    Ok,
-    Cancel,
-    Close
-};
+using Text = MResourceTable::Studio;
 
-/// Windows locale identifiers of the languages that the studio speaks.
+/// Windows locale identifiers of the languages that the studio begins with.
 inline constexpr int kGerman = 1031;
 inline constexpr int kEnglish = 1033;
 
@@ -104,16 +18,19 @@ inline constexpr int kEnglish = 1033;
 /// one and setting the texts again.
 class StudioTexts {
 public:
-    /// Any `lcid` but kEnglish gives German.
-    explicit StudioTexts(int lcid = kGerman) noexcept
-        : lcid_(lcid == kEnglish ? kEnglish : kGerman) {}
+    /// German where there is no such language.
+    explicit StudioTexts(int lcid = kGerman) {
+        table_.SetLanguage(static_cast<std::uint32_t>(lcid));
+    }
 
-    [[nodiscard]] int Lcid() const noexcept { return lcid_; }
-    /// The text with its "&" access key, if it has one; "%1" and so on are filled by the caller.
-    [[nodiscard]] QString operator()(Text text) const;
+    [[nodiscard]] int Lcid() const noexcept { return static_cast<int>(table_.Language().lcid); }
+    /// The text with its "&" access key, if it has one, and values for its placeholders.
+    [[nodiscard]] QString operator()(Text text, texts::Values values = {}) const {
+        return table_.GetText(text, values);
+    }
 
 private:
-    int lcid_;
+    MResources::TextTable table_;
 };
 
 }  // namespace studio

@@ -19,7 +19,6 @@
 
 #include "platform/MessageBox.h"
 #include "platform/PlainTexts.h"
-#include "platform/ReasonText.h"
 #include "studio/AddInsDialog.h"
 #include "studio/AddInSet.h"
 #include "studio/EditorArea.h"
@@ -28,6 +27,7 @@
 #include "studio/StudioHost.h"
 #include "studio/StudioIcons.h"
 #include "studio/StudioRegistry.h"
+#include "texts/ReasonText.h"
 
 namespace studio {
 namespace {
@@ -67,8 +67,9 @@ StudioWindow::StudioWindow(StudioRegistry& registry, AddInSet& addIns,
         [this] { menuKeys_->Update(); }, Qt::QueuedConnection);
     host_ = std::make_unique<StudioHost>(model_, *tree_, *editors_, variables_);
     addIns_.SetFailureHandler([this](const AddInSet::Failure& failure) {
-        const QString text =
-            texts_(Text::StatusAddInError).arg(failure.progId, failure.event, failure.what);
+        const QString text = texts_(
+            Text::StatusAddInError,
+            {{u"name", failure.progId}, {u"event", failure.event}, {u"cause", failure.what}});
         qWarning("%s", qUtf8Printable(text));
         statusBar()->showMessage(text);
     });
@@ -80,7 +81,8 @@ StudioWindow::StudioWindow(StudioRegistry& registry, AddInSet& addIns,
         qWarning("Add-in not loaded: %s (%s)", qUtf8Printable(report.name),
                  qUtf8Printable(report.failure));
         statusBar()->showMessage(
-            texts_(Text::StatusAddInFailed).arg(report.name, texts_(TextOf(report.state))));
+            texts_(Text::StatusAddInFailed,
+                   {{u"name", report.name}, {u"state", texts_(TextOf(report.state))}}));
     }
 }
 
@@ -108,7 +110,7 @@ bool StudioWindow::OpenProject(const QString& project) {
     ApplyProjectState();
     recent_.Add(project_->remembered);
     const Text opened = project_->isReadOnly ? Text::StatusOpenedReadOnly : Text::StatusOpened;
-    statusBar()->showMessage(texts_(opened).arg(project_->shown), kStatusMs);
+    statusBar()->showMessage(texts_(opened, {{u"project", project_->shown}}), kStatusMs);
     addIns_.ForEach("Initialize", [this](KV4AddIn::CKV4Extensibility& addIn) {
         addIn.CKV4Extensibility_Initialize(project_->forAddIns, QString(), host_.get(), nullptr);
     });
@@ -230,8 +232,8 @@ void StudioWindow::mnuFileRecent_Popup() {
         QAction* action = mnuFileRecent_->addAction(accessKey + caption);
         action->setObjectName(u"mnuFileRecent(%1)"_s.arg(number - 1));
         action->setEnabled(IsThere(project, registry_));
-        action->setStatusTip(action->isEnabled() ? project
-                                                 : texts_(Text::FileRecentMissing).arg(project));
+        action->setStatusTip(
+            action->isEnabled() ? project : texts_(Text::FileRecentMissing, {{u"file", project}}));
         connect(action, &QAction::triggered, this, [this, project] { OpenProject(project); });
     }
     if (number == 0) mnuFileRecent_->addAction(texts_(Text::FileRecentNone))->setEnabled(false);
@@ -258,8 +260,9 @@ void StudioWindow::mnuSettingsLanguage_Click(QAction* action) {
             entry->setChecked(entry->data().toInt() == texts_.Lcid());
         }
         if (failure) {
-            Complain(texts_(Text::ErrorLanguage).arg(platform::ReasonText(failure->Reason())),
-                     failure->Description());
+            Complain(
+                texts_(Text::ErrorLanguage, {{u"cause", texts::ReasonText(failure->Reason())}}),
+                failure->Description());
         }
         return;
     }
@@ -286,7 +289,7 @@ void StudioWindow::mnuHelpAbout_Click() {
     box.setWindowTitle(texts_(Text::AboutTitle));
     box.setIconPixmap(windowIcon().pixmap(64));
     box.setTextFormat(Qt::RichText);
-    box.setText(texts_(Text::AboutBody).arg(QCoreApplication::applicationVersion()));
+    box.setText(texts_(Text::AboutBody, {{u"version", QCoreApplication::applicationVersion()}}));
     box.exec();
 }
 

@@ -9,12 +9,12 @@
 #include <QSplitter>
 #include <QStatusBar>
 
-#include "platform/ReasonText.h"
 #include "studio/AddInSet.h"
 #include "studio/EditorArea.h"
 #include "studio/ProjectTree.h"
 #include "studio/StudioRegistry.h"
 #include "studio/StudioWindow.h"
+#include "texts/Language.h"
 
 namespace studio {
 namespace {
@@ -106,12 +106,11 @@ void StudioWindow::BuildOtherMenus() {
     captions_.push_back({language->menuAction(), Text::SettingsLanguage, std::nullopt});
     languages_ = new QActionGroup(this);
     // Each language by its own name, so that everyone finds the own one.
-    for (const auto& [lcid, name] :
-         {std::pair(kGerman, u"&Deutsch"_s), std::pair(kEnglish, u"&English"_s)}) {
-        QAction* action = language->addAction(name);
-        action->setObjectName(u"mnuSettingsLanguage(%1)"_s.arg(lcid));
+    for (const texts::Language* known : texts::Languages()) {
+        QAction* action = language->addAction(known->name);
+        action->setObjectName(u"mnuSettingsLanguage(%1)"_s.arg(known->lcid));
         action->setCheckable(true);
-        action->setData(lcid);
+        action->setData(static_cast<int>(known->lcid));
         languages_->addAction(action);
     }
     connect(languages_, &QActionGroup::triggered, this, &StudioWindow::mnuSettingsLanguage_Click);
@@ -132,7 +131,7 @@ void StudioWindow::ReserveShortcuts() {
 
 void StudioWindow::ApplyLanguage(int lcid) {
     texts_ = StudioTexts(lcid);
-    platform::SetInterfaceLanguage(static_cast<platform::Lcid>(texts_.Lcid()));
+    texts::SetInterfaceLanguage(static_cast<platform::Lcid>(texts_.Lcid()));
     QCoreApplication::removeTranslator(&qtTexts_);
     if (texts_.Lcid() == kGerman &&
         qtTexts_.load(u"qtbase_de"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
@@ -156,7 +155,8 @@ void StudioWindow::ApplyProjectState() {
     using State = EditorArea::State;
     const QString studioTitle = texts_(Text::StudioTitle);
     QString shown = project_ ? project_->shown : QString();
-    if (project_ && project_->isReadOnly) shown = texts_(Text::ReadOnlyProject).arg(shown);
+    if (project_ && project_->isReadOnly)
+        shown = texts_(Text::ReadOnlyProject, {{u"project", shown}});
     setWindowTitle(project_ ? shown + u" - "_s + studioTitle : studioTitle);
     setWindowFilePath(project_ ? project_->nativePath : QString());
     lblProject_->setText(project_ ? QFileInfo(project_->nativePath).fileName() : QString());

@@ -6,8 +6,8 @@
 #include "ado/AdoError.h"
 #include "ado/Connection.h"
 #include "ado/Recordset.h"
-#include "platform/ReasonText.h"
 #include "project/Schema.h"
+#include "texts/ReasonText.h"
 
 namespace studio {
 namespace {
@@ -31,7 +31,7 @@ QString Explanation(const std::exception& error) {
     if (failure == nullptr || failure->Reason().cause == reasons::Cause::Unknown) {
         return QString::fromUtf8(error.what());
     }
-    return platform::ReasonText(failure->Reason());
+    return texts::ReasonText(failure->Reason());
 }
 
 }  // namespace

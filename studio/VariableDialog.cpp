@@ -177,18 +177,19 @@ void VariableDialog::ShowState() {
     const QString all = Number(catalog_.VariableCount());
     QString state;
     if (!catalog_.Failure().isEmpty()) {
-        state = texts_(Text::VariablesFailed).arg(catalog_.Failure());
+        state = texts_(Text::VariablesFailed, {{u"cause", catalog_.Failure()}});
     } else if (!catalog_.IsComplete()) {
-        state = texts_(Text::VariablesReading).arg(all);
+        state = texts_(Text::VariablesReading, {{u"n", all}});
     } else if (catalog_.VariableCount() == 0) {
         state = texts_(Text::VariablesNone);
     } else if (model_.IsFiltered()) {
-        state = texts_(Text::VariablesFound).arg(Number(model_.ShownCount()), all);
+        state = texts_(Text::VariablesFound, {{u"n", Number(model_.ShownCount())}, {u"all", all}});
     } else {
-        state = texts_(Text::VariablesCount).arg(all);
+        state = texts_(Text::VariablesCount, {{u"n", all}});
     }
     if (catalog_.UnreadableRows() > 0) {
-        state += u'\n' + texts_(Text::VariablesUnreadable).arg(catalog_.UnreadableRows());
+        state += u'\n' + texts_(Text::VariablesUnreadable,
+                                {{u"n", QString::number(catalog_.UnreadableRows())}});
     }
     lblState_->setText(state);
 }

@@ -8,13 +8,13 @@
 #include "addin/MKVSGlobalEditors.h"
 #include "addin/WindowEmbedding.h"
 #include "help/HelpViewer.h"
-#include "languages/MResourceTable.h"
 #include "platform/Error.h"
 #include "platform/HelpTopics.h"
 #include "platform/MessageBox.h"
 #include "projectdb/Guard.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 

@@ -8,11 +8,11 @@
 
 #include "editor/frmtabGrid.h"
 #include "editor/IAddIn.h"
-#include "languages/MResources.h"
 #include "platform/HelpFile.h"
 #include "platform/Registry.h"
 #include "projectdb/ProjectContext.h"
 #include "projectdb/RowWalk.h"
+#include "texts/MResources.h"
 
 /// The class that the host creates, and all it knows of the add-in: receives the host's events,
 /// keeps the archives' branch in the host's tree, opens the project at first use and leads tree

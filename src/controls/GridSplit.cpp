@@ -51,7 +51,7 @@ QTableView* GridSplit::View() const {
     return &view_;
 }
 
-void GridSplit::SetTexts(std::function<QString(int)> texts) {
+void GridSplit::SetTexts(std::function<QString(GridText)> texts) {
     rows_->SetTexts(std::move(texts));
     rows_->Refresh();
 }

@@ -10,6 +10,7 @@
 
 #include "controls/GridColumn.h"
 #include "controls/GridSource.h"
+#include "controls/GridText.h"
 
 class CellEdit;
 class ColumnLayout;
@@ -41,8 +42,8 @@ public:
     /// The view, for its place on the screen and its context menu; not for its model.
     [[nodiscard]] QTableView* View() const;
 
-    /// Interface texts by number, see TDBGrid::SetTexts.
-    void SetTexts(std::function<QString(int)> texts);
+    /// See TDBGrid::SetTexts.
+    void SetTexts(std::function<QString(GridText)> texts);
 
     // --- source and columns
     /// Borrowed; it must outlive the split or be taken away with nullptr.

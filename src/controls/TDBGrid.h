@@ -5,6 +5,7 @@
 #include <QWidget>
 
 #include "controls/GridSplit.h"
+#include "controls/GridText.h"
 
 class FontProperties;
 class QSplitter;
@@ -44,8 +45,8 @@ public:
     [[nodiscard]] Q_INVOKABLE QObject* Splits(int split) const;
     [[nodiscard]] GridSplit& SplitAt(int split) const;
 
-    /// Interface texts by number (1300 to 1305); asked again whenever one is needed.
-    void SetTexts(std::function<QString(int)> texts);
+    /// The texts of the interface; asked for again whenever one is needed.
+    void SetTexts(std::function<QString(GridText)> texts);
 
     /// FontProperties of the cells and of the headings. The headings follow the cells until they
     /// are given a font of their own.

@@ -5,45 +5,49 @@
 #include <QLocale>
 #include <QStringList>
 
-#include "languages/MResources.h"
-#include "languages/MResourceTable.h"
 #include "project/Schema.h"
+#include "texts/MResources.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 
 using namespace MResourceTable;
 
-// A unit is shown from one of it on; `text` is that for exactly one, the next number that for more.
+// A unit is shown from one of it on.
 struct Unit {
     double size;
-    int text;
+    int one;
+    int more;
 };
 constexpr double kSecondMs = 1000;
-constexpr std::array<Unit, 5> kTimes = {{{365 * 86400 * kSecondMs, kTextYears},
-                                         {86400 * kSecondMs, kTextDays},
-                                         {3600 * kSecondMs, kTextHours},
-                                         {60 * kSecondMs, kTextMinutes},
-                                         {kSecondMs, kTextSeconds}}};
+constexpr std::array<Unit, 5> kTimes = {{{365 * 86400 * kSecondMs, kTextOneYear, kTextYears},
+                                         {86400 * kSecondMs, kTextOneDay, kTextDays},
+                                         {3600 * kSecondMs, kTextOneHour, kTextHours},
+                                         {60 * kSecondMs, kTextOneMinute, kTextMinutes},
+                                         {kSecondMs, kTextOneSecond, kTextSeconds}}};
+// From the change of the year on, in the order of FileChange.
+constexpr std::array kEachFile = {kTextFileEachYear,  kTextFileEachMonth, kTextFileEachWeek,
+                                  kTextFileEachDay,   kTextFileEachHour,  kTextFileEachMinute,
+                                  kTextFileEachSecond};
 
 class Line {
 public:
     explicit Line(const MResources::TextTable& texts) : texts_(texts) {}
 
     [[nodiscard]] QString Text(int id) const { return texts_.GetText(id); }
-    [[nodiscard]] QString Text(int id, const QString& value) const {
-        QString text = texts_.GetText(id);
-        const qsizetype at = text.indexOf(u'<');
-        const qsizetype end = text.indexOf(u'>', at);
-        return at < 0 || end < 0 ? text : text.replace(at, end - at + 1, value);
+    [[nodiscard]] QString Text(int id, QStringView placeholder, const QString& value) const {
+        return texts_.GetText(id, {{placeholder, value}});
     }
-    [[nodiscard]] QString Number(int id, double number) const { return Text(id, Shown(number)); }
+    [[nodiscard]] QString Number(int id, double number) const {
+        return Text(id, u"n", Shown(number));
+    }
 
     /// "1 day", "2.5 days".
     [[nodiscard]] QString Duration(double milliseconds) const {
         for (const Unit& unit : kTimes) {
             if (milliseconds < unit.size) continue;
             const QString count = Shown(milliseconds / unit.size);
-            return Text(count == u'1' ? unit.text : unit.text + 1, count);
+            return Text(count == u'1' ? unit.one : unit.more, u"n", count);
         }
         return Number(kTextMilliseconds, milliseconds);
     }
@@ -76,10 +80,10 @@ QString Reach(const Line& line, const ArchiveSettings& settings, double records)
     const double span = records * settings.scanTime;
     if (!(span > 0)) return {};
     if (settings.sampleMode == project::SampleMode::kMilliseconds) {
-        return line.Text(kTextReachesBack, line.Duration(span));
+        return line.Text(kTextReachesBack, u"time", line.Duration(span));
     }
     if (settings.sampleMode == project::SampleMode::kCycles) {
-        return line.Text(kTextReachesBack, line.Number(kTextProcessCycles, span));
+        return line.Text(kTextReachesBack, u"time", line.Number(kTextProcessCycles, span));
     }
     return {};
 }
@@ -95,15 +99,16 @@ QString FileEvent(const Line& line, const ArchiveSettings& settings) {
         case -1:
             return {};
         case FileChange::kTrigger:
-            return settings.fileTrigger.isEmpty()
-                       ? line.Text(kTextNewFileOnTrigger)
-                       : line.Text(kTextNewFileOnVariable, Shortened(settings.fileTrigger));
+            return settings.fileTrigger.isEmpty() ? line.Text(kTextNewFileOnTrigger)
+                                                  : line.Text(kTextNewFileOnVariable, u"variable",
+                                                              Shortened(settings.fileTrigger));
         case FileChange::kCount:
             return line.Number(kTextNewFileAfterRecords, settings.maxSamples);
         case FileChange::kNever:
             return line.Text(kTextSingleFile);
         default:
-            return line.Text(kTextFileEachYear + settings.fileChange - FileChange::kYear);
+            return line.Text(
+                kEachFile.at(static_cast<std::size_t>(settings.fileChange - FileChange::kYear)));
     }
 }
 
@@ -121,7 +126,8 @@ QString ArchiveSummary(const ArchiveSettings& settings, const MResources::TextTa
         parts << FileEvent(line, settings);
         const bool changes = settings.fileChange != FileChange::kNever;
         if (changes && settings.maxFiles > 0) parts << line.Files(settings.maxFiles);
-        if (settings.maxSizeKb > 0) parts << line.Text(kTextAtMost, line.Size(settings.maxSizeKb));
+        if (settings.maxSizeKb > 0)
+            parts << line.Text(kTextAtMost, u"size", line.Size(settings.maxSizeKb));
         if (settings.fileChange == FileChange::kCount) {
             parts << Reach(line, settings, settings.maxSamples * settings.maxFiles);
         }

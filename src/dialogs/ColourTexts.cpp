@@ -1,9 +1,10 @@
 #include "dialogs/ColourTexts.h"
 
-#include <span>
+#include <algorithm>
+#include <initializer_list>
 
-#include "languages/MResources.h"
-#include "languages/MResourceTable.h"
+#include "texts/MResources.h"
+#include "texts/MResourceTable.h"
 
 ColorTexts ColourTexts(const MResources::TextTable& texts) {
     using namespace MResourceTable;
@@ -14,11 +15,13 @@ ColorTexts ColourTexts(const MResources::TextTable& texts) {
     words.none = texts.GetText(kTextNoColor);
     words.system = texts.GetText(kTextSystemColor);
     words.parts = texts.GetText(kTextColorParts);
-    const auto fill = [&](std::span<QString> names, int first) {
-        for (QString& name : names) name = texts.GetText(first++);
+    const auto fill = [&](auto& names, std::initializer_list<int> numbers) {
+        std::transform(numbers.begin(), numbers.end(), names.begin(),
+                       [&](int number) { return texts.GetText(number); });
     };
-    fill(words.hues, kTextFirstHue);
-    fill(words.tints, kTextFirstTint);
-    fill(words.greys, kTextFirstGrey);
+    fill(words.hues,
+         {kTextRed, kTextOrange, kTextYellow, kTextGreen, kTextCyan, kTextBlue, kTextViolet});
+    fill(words.tints, {kTextLightHue, kTextDarkHue, kTextVeryDarkHue});
+    fill(words.greys, {kTextWhite, kTextLightGrey, kTextDarkGrey, kTextBlack});
     return words;
 }

@@ -4,9 +4,9 @@
 
 #include "dialogs/ArchiveSummary.h"
 #include "dialogs/FolderChoice.h"
-#include "languages/MResourceTable.h"
 #include "platform/HelpTopics.h"
 #include "platform/Locale.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 

@@ -14,9 +14,9 @@
 #include <utility>
 
 #include "dialogs/AccessKeys.h"
-#include "languages/MResources.h"
-#include "languages/MResourceTable.h"
 #include "platform/HelpTopics.h"
+#include "texts/MResources.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 

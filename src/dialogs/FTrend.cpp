@@ -7,10 +7,10 @@
 #include <utility>
 
 #include "dialogs/ColourTexts.h"
-#include "languages/KeyFilter.h"
-#include "languages/MResourceTable.h"
+#include "dialogs/KeyFilter.h"
 #include "platform/HelpTopics.h"
 #include "platform/Locale.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 

@@ -8,11 +8,11 @@
 #include "controls/FontProperties.h"
 #include "controls/TDBGrid.h"
 #include "dialogs/FConfigEditor.h"
-#include "languages/MResources.h"
-#include "languages/MResourceTable.h"
 #include "platform/Error.h"
 #include "platform/MessageBox.h"
 #include "settings/CInit.h"
+#include "texts/MResources.h"
+#include "texts/MResourceTable.h"
 
 namespace MConfigeditor {
 namespace {

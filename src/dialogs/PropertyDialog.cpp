@@ -22,12 +22,12 @@
 #include "dialogs/FieldColours.h"
 #include "dialogs/FieldMark.h"
 #include "dialogs/FolderChoice.h"
+#include "dialogs/KeyFilter.h"
 #include "dialogs/TextDialog.h"
-#include "languages/KeyFilter.h"
-#include "languages/MResources.h"
-#include "languages/MResourceTable.h"
 #include "platform/Locale.h"
 #include "platform/MessageBox.h"
+#include "texts/MResources.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 

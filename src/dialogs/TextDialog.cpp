@@ -6,9 +6,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "languages/KeyFilter.h"
-#include "languages/MResources.h"
-#include "languages/MResourceTable.h"
+#include "dialogs/KeyFilter.h"
+#include "texts/MResources.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 

@@ -3,11 +3,11 @@
 #include <optional>
 #include <tuple>
 
-#include "languages/MResourceTable.h"
 #include "project/Names.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
 #include "projectdb/Transaction.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 
 #include "ado/AdoError.h"
 #include "editor/NameLists.h"
-#include "languages/MResources.h"
 #include "projectdb/Hierarchy.h"
+#include "texts/MResources.h"
 
 /// The archives' nodes in the host's tree, as the commands need them.
 class IArchiveTree {

@@ -4,8 +4,8 @@
 #include <QString>
 
 #include "ado/Recordset.h"
-#include "languages/MResources.h"
 #include "project/FieldText.h"
+#include "texts/MResources.h"
 
 /// What a person has typed into a cell, or pasted, as the value for a field: texts, numbers, codes
 /// and colours as project::ReadCell does, codes by the texts of the interface too; dates as

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <QDateTime>
 
-#include "languages/MResourceTable.h"
 #include "projectdb/Text.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "ado/Value.h"
-#include "languages/MResources.h"
+#include "texts/MResources.h"
 
 /// A field's value as the grid shows it: numbers and dates as `locale` writes them (no digit
 /// grouping), Booleans by their words, binaries by their size. Null is nothing.

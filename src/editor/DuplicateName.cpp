@@ -1,6 +1,6 @@
 #include "editor/DuplicateName.h"
 
-#include "languages/MResourceTable.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 

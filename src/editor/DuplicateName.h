@@ -3,7 +3,7 @@
 #include <functional>
 #include <QString>
 
-#include "languages/MResources.h"
+#include "texts/MResources.h"
 
 /// The first free name of a copy: "Kopie von X", "Kopie(2) von X", "Kopie(3) von X" and so on. X is
 /// cut where the name would be longer than `limit` UTF-16 units.

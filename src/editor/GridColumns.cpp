@@ -5,9 +5,9 @@
 
 #include "ado/AdoError.h"
 #include "ado/Recordset.h"
-#include "languages/MResourceTable.h"
 #include "project/Schema.h"
 #include "projectdb/Text.h"
+#include "texts/MResourceTable.h"
 
 namespace GridColumns {
 namespace {

@@ -6,7 +6,7 @@
 #include "ado/Connection.h"
 #include "controls/GridSplit.h"
 #include "editor/RecordsetModel.h"
-#include "languages/MResources.h"
+#include "texts/MResources.h"
 
 /// The columns of the grid's two splits: captions, formats, lists of values and choosers, and the
 /// order of the trend columns as the settings keep it.

@@ -3,7 +3,7 @@
 #include <QMenu>
 
 #include "editor/GridColumns.h"
-#include "languages/MResourceTable.h"
+#include "texts/MResourceTable.h"
 
 namespace HeadingMenu {
 namespace {

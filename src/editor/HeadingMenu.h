@@ -1,7 +1,7 @@
 #pragma once
 
 #include "controls/GridSplit.h"
-#include "languages/MResources.h"
+#include "texts/MResources.h"
 
 class QMenu;
 

@@ -10,8 +10,8 @@
 
 #include "ado/Recordset.h"
 #include "controls/GridSource.h"
-#include "languages/MResources.h"
 #include "projectdb/RowWalk.h"
+#include "texts/MResources.h"
 
 /// The rows of a recordset as one split of the grid shows them; read only as it stands.
 ///

@@ -2,8 +2,8 @@
 
 #include <QProgressDialog>
 
-#include "languages/MResourceTable.h"
 #include "platform/MessageBox.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 

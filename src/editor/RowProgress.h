@@ -1,7 +1,7 @@
 #pragma once
 
-#include "languages/MResources.h"
 #include "projectdb/Hierarchy.h"
+#include "texts/MResources.h"
 
 class QProgressDialog;
 class QWidget;

@@ -5,8 +5,8 @@
 #include "editor/CellInput.h"
 #include "editor/CellText.h"
 #include "editor/TabText.h"
-#include "languages/MResourceTable.h"
 #include "projectdb/Text.h"
+#include "texts/MResourceTable.h"
 
 namespace TrendClipboard {
 namespace {

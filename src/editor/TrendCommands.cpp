@@ -4,11 +4,11 @@
 #include <string>
 #include <tuple>
 
-#include "languages/MResourceTable.h"
 #include "project/CurveColours.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
 #include "projectdb/Transaction.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 #include "editor/TrendRows.h"
 
-#include "languages/MResourceTable.h"
 #include "project/Rows.h"
 #include "projectdb/Guard.h"
 #include "projectdb/Hierarchy.h"
 #include "projectdb/Text.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 

@@ -19,13 +19,13 @@
 #include "editor/GridColumns.h"
 #include "editor/TrendCommands.h"
 #include "editor/TrendRows.h"
-#include "languages/CDBLanguages.h"
-#include "languages/MResourceTable.h"
 #include "platform/MessageBox.h"
 #include "platform/PlainTexts.h"
 #include "projectdb/Guard.h"
 #include "projectdb/NodeKey.h"
+#include "records/CDBLanguages.h"
 #include "settings/CInit.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 

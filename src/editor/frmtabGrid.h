@@ -10,9 +10,9 @@
 #include "editor/EditorPlace.h"
 #include "editor/IAddIn.h"
 #include "editor/NameLists.h"
-#include "languages/MResources.h"
 #include "platform/Locale.h"
 #include "projectdb/Hierarchy.h"
+#include "texts/MResources.h"
 
 class CDBLanguages;
 class CInit;

@@ -10,9 +10,9 @@
 #include "editor/frmtabGrid.h"
 #include "editor/GridColumns.h"
 #include "editor/RecordsetModel.h"
-#include "languages/MResourceTable.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/ProjectRows.h"
+#include "texts/MResourceTable.h"
 
 using namespace Qt::Literals::StringLiterals;
 using Command = ADOArchiv::Command;

@@ -11,9 +11,9 @@
 #include "editor/RowProgress.h"
 #include "editor/TrendClipboard.h"
 #include "editor/TrendRows.h"
-#include "languages/MResourceTable.h"
 #include "projectdb/Guard.h"
 #include "projectdb/Text.h"
+#include "texts/MResourceTable.h"
 
 using namespace Qt::Literals::StringLiterals;
 

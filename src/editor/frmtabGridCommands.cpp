@@ -20,17 +20,17 @@
 #include "editor/Statistic.h"
 #include "editor/TrendCommands.h"
 #include "editor/TrendRows.h"
-#include "languages/CDBLanguages.h"
-#include "languages/MResourceTable.h"
 #include "platform/ComponentRegistry.h"
 #include "platform/MessageBox.h"
 #include "project/Schema.h"
 #include "projectdb/Guard.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
+#include "records/CDBLanguages.h"
 #include "records/MArchiv.h"
 #include "records/MTrend.h"
 #include "settings/CInit.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 

@@ -15,8 +15,8 @@
 #include "editor/EditorIcons.h"
 #include "editor/frmtabGrid.h"
 #include "editor/TrendRows.h"
-#include "languages/MResourceTable.h"
 #include "projectdb/Guard.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 
@@ -46,6 +46,28 @@ constexpr std::array<Command, 5> kExtras = {{
     {0},
     {MResourceTable::kTextOptions, EditorIcon::Options},
 }};
+
+constexpr std::array kPanelTexts = {MResourceTable::kTextFunctionPanel,
+                                    MResourceTable::kTextArchivesPanel,
+                                    MResourceTable::kTextTrendsPanel};
+
+MResourceTable::Number TextOf(GridText text) {
+    switch (text) {
+        case GridText::SortedUpwards:
+            return MResourceTable::kTextSortedUpwards;
+        case GridText::SortedDownwards:
+            return MResourceTable::kTextSortedDownwards;
+        case GridText::Choose:
+            return MResourceTable::kTextChoose;
+        case GridText::CurrentRow:
+            return MResourceTable::kTextCurrentRow;
+        case GridText::EditedRow:
+            return MResourceTable::kTextEditedRow;
+        case GridText::NewRow:
+            return MResourceTable::kTextNewRow;
+    }
+    return MResourceTable::kTextTrendBlank;
+}
 
 constexpr int kFindWidth = 32;          // average characters
 constexpr int kSmallestFindWidth = 14;  // likewise
@@ -181,7 +203,7 @@ QLayout* frmtabGrid::BuildTopRow() {
 void frmtabGrid::BuildGrid() {
     tdbA = new TDBGrid(this);
     tdbA->setObjectName(u"tdbA"_s);
-    tdbA->SetTexts([this](int id) { return texts_.GetText(id); });
+    tdbA->SetTexts([this](GridText text) { return texts_.GetText(TextOf(text)); });
     tdbA->Splitter()->handle(1)->setObjectName(u"pctTrdTabSplit"_s);
     archives_ = new RecordsetModel(texts_, this);
     trends_ = new TrendRows(
@@ -238,7 +260,7 @@ void frmtabGrid::BuildStatusBar() {
     sb->setSizeGripEnabled(false);
     for (std::size_t i = 0; i < panels_.size(); ++i) {
         const int number = static_cast<int>(i);
-        auto* panel = new QLabel(texts_.GetText(MResourceTable::kTextFirstPanel + number), sb);
+        auto* panel = new QLabel(texts_.GetText(kPanelTexts.at(i)), sb);
         panel->setObjectName(ArrayName(u"sb.Panels", number + 1));
         panel->setTextFormat(Qt::PlainText);
         sb->addWidget(panel, i == 0 ? 2 : 1);

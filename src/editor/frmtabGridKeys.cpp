@@ -6,9 +6,9 @@
 
 #include "controls/TDBGrid.h"
 #include "editor/frmtabGrid.h"
-#include "languages/MResourceTable.h"
 #include "platform/HelpTopics.h"
 #include "projectdb/NodeKey.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include "controls/TDBGrid.h"
 #include "editor/EditorLayout.h"
 #include "editor/frmtabGrid.h"
-#include "languages/MResourceTable.h"
+#include "texts/MResourceTable.h"
 
 using namespace Qt::Literals::StringLiterals;
 

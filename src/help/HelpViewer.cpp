@@ -6,7 +6,6 @@
 #include <QPointer>
 #include <utility>
 
-#include "help/HelpTexts.h"
 #include "help/HelpWindow.h"
 #include "paths/NativePath.h"
 
@@ -28,14 +27,13 @@ void DeleteWindows() {
 /// Owns the window.
 class Viewer final {
 public:
-    explicit Viewer(MResources::TextTable& texts) : texts_(texts) {}
+    explicit Viewer(const MResources::TextTable& texts) : texts_(texts) {}
     ~Viewer() { delete window_.data(); }
     Viewer(const Viewer&) = delete;
     Viewer& operator=(const Viewer&) = delete;
 
     void Show(const QString& path, int topic, QWidget* owner) {
-        AddHelpTexts(texts_);
-        if (window_ && window_->Language() != GetText(texts_, Text::Folder)) delete window_.data();
+        if (window_ && window_->Language() != texts_.Language().help) delete window_.data();
         if (!window_) {
             window_ = new HelpWindow(texts_);
             if (Windows().isEmpty()) qAddPostRoutine(DeleteWindows);
@@ -49,13 +47,13 @@ public:
     }
 
 private:
-    MResources::TextTable& texts_;
+    const MResources::TextTable& texts_;
     QPointer<HelpWindow> window_;
 };
 
 }  // namespace
 
-platform::HelpFile::Viewer MakeViewer(MResources::TextTable& texts) {
+platform::HelpFile::Viewer MakeViewer(const MResources::TextTable& texts) {
     return
         [viewer = std::make_shared<Viewer>(texts)](const QString& path, int topic, QWidget* owner) {
             viewer->Show(path, topic, owner);

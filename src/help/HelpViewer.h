@@ -1,7 +1,7 @@
 #pragma once
 
-#include "languages/MResources.h"
 #include "platform/HelpFile.h"
+#include "texts/MResources.h"
 
 namespace help {
 
@@ -13,6 +13,6 @@ namespace help {
 /// `texts` is borrowed and outlives the viewer; its language is the one that counts when a topic
 /// is shown. The window is made at the first topic and goes with the last copy of the viewer, or
 /// when the application quits.
-[[nodiscard]] platform::HelpFile::Viewer MakeViewer(MResources::TextTable& texts);
+[[nodiscard]] platform::HelpFile::Viewer MakeViewer(const MResources::TextTable& texts);
 
 }  // namespace help

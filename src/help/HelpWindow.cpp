@@ -18,13 +18,14 @@
 
 #include "help/detail/HtmlText.h"
 #include "help/HelpPage.h"
-#include "help/HelpTexts.h"
 #include "platform/HelpTopics.h"
 #include "platform/PlainTexts.h"
+#include "texts/MResourceTable.h"
 
 namespace help {
 
 using namespace Qt::Literals::StringLiterals;
+using Text = MResourceTable::Help;
 
 namespace {
 
@@ -42,7 +43,7 @@ QString Stamp(const QString& path) {
 }  // namespace
 
 HelpWindow::HelpWindow(const MResources::TextTable& texts)
-    : texts_(texts), language_(GetText(texts_, Text::Folder)), builtIn_(language_) {
+    : texts_(texts), language_(texts_.Language().help), builtIn_(language_) {
     setObjectName(u"frmHelp"_s);
     platform::KeepTextsPlain(*this);
     // The program ends with its own windows; this one goes with them.
@@ -72,19 +73,19 @@ QAction* HelpWindow::AddAction(const char* name, const QString& text, const QStr
 
 void HelpWindow::BuildToolBar() {
     txtPage_ = new HelpPage(this);
-    auto* bar = addToolBar(GetText(texts_, Text::Home));
+    auto* bar = addToolBar(texts_.GetText(Text::Home));
     bar->setObjectName(u"tbrHelp"_s);
     bar->setMovable(false);
     bar->setContextMenuPolicy(Qt::PreventContextMenu);
-    QAction* back = AddAction("actBack", GetText(texts_, Text::Back), u"◀"_s, QKeySequence::Back);
+    QAction* back = AddAction("actBack", texts_.GetText(Text::Back), u"◀"_s, QKeySequence::Back);
     QAction* forward =
-        AddAction("actForward", GetText(texts_, Text::Forward), u"▶"_s, QKeySequence::Forward);
-    const QString homeText = GetText(texts_, Text::Home);
+        AddAction("actForward", texts_.GetText(Text::Forward), u"▶"_s, QKeySequence::Forward);
+    const QString homeText = texts_.GetText(Text::Home);
     QAction* home = AddAction("actHome", homeText, homeText, Qt::ALT | Qt::Key_Home);
     QAction* smaller =
-        AddAction("actSmaller", GetText(texts_, Text::Smaller), u"A−"_s, QKeySequence::ZoomOut);
+        AddAction("actSmaller", texts_.GetText(Text::Smaller), u"A−"_s, QKeySequence::ZoomOut);
     QAction* larger =
-        AddAction("actLarger", GetText(texts_, Text::Larger), u"A+"_s, QKeySequence::ZoomIn);
+        AddAction("actLarger", texts_.GetText(Text::Larger), u"A+"_s, QKeySequence::ZoomIn);
     bar->addActions({back, forward, home});
     bar->addSeparator();
     bar->addActions({smaller, larger});
@@ -97,7 +98,7 @@ void HelpWindow::BuildToolBar() {
     connect(home, &QAction::triggered, this, [this] { txtPage_->ShowPage(source_->HomePage()); });
     connect(smaller, &QAction::triggered, this, [this] { txtPage_->zoomOut(1); });
     connect(larger, &QAction::triggered, this, [this] { txtPage_->zoomIn(1); });
-    QAction* find = AddAction("actFind", GetText(texts_, Text::Search), {}, QKeySequence::Find);
+    QAction* find = AddAction("actFind", texts_.GetText(Text::Search), {}, QKeySequence::Find);
     connect(find, &QAction::triggered, this, [this] {
         txtSearch_->setFocus();
         txtSearch_->selectAll();
@@ -110,25 +111,25 @@ void HelpWindow::BuildBody() {
     column->setContentsMargins(4, 4, 0, 4);
     txtSearch_ = new QLineEdit(left);
     txtSearch_->setObjectName(u"txtSearch"_s);
-    txtSearch_->setPlaceholderText(GetText(texts_, Text::Search));
-    txtSearch_->setToolTip(GetText(texts_, Text::SearchTip));
-    txtSearch_->setAccessibleName(GetText(texts_, Text::Search));
+    txtSearch_->setPlaceholderText(texts_.GetText(Text::Search));
+    txtSearch_->setToolTip(texts_.GetText(Text::SearchTip));
+    txtSearch_->setAccessibleName(texts_.GetText(Text::Search));
     txtSearch_->setClearButtonEnabled(true);
     tvwContents_ = new QTreeWidget(left);
     tvwContents_->setObjectName(u"tvwContents"_s);
-    tvwContents_->setAccessibleName(GetText(texts_, Text::Contents));
+    tvwContents_->setAccessibleName(texts_.GetText(Text::Contents));
     tvwContents_->setHeaderHidden(true);
     tvwContents_->setUniformRowHeights(true);
     lstMatches_ = new QListWidget(left);
     lstMatches_->setObjectName(u"lstMatches"_s);
-    lstMatches_->setAccessibleName(GetText(texts_, Text::Matches));
+    lstMatches_->setAccessibleName(texts_.GetText(Text::Matches));
     stkLeft_ = new QStackedWidget(left);
     stkLeft_->addWidget(tvwContents_);
     stkLeft_->addWidget(lstMatches_);
     column->addWidget(txtSearch_);
     column->addWidget(stkLeft_);
     txtPage_->setObjectName(u"txtPage"_s);
-    txtPage_->setAccessibleName(GetText(texts_, Text::Page));
+    txtPage_->setAccessibleName(texts_.GetText(Text::Page));
 
     auto* splitter = new QSplitter(this);
     splitter->setObjectName(u"splHelp"_s);
@@ -164,7 +165,7 @@ void HelpWindow::Use(const IHelpSource& source) {
     words_.clear();
     txtSearch_->clear();
     txtPage_->SetSource(source_);
-    setWindowTitle(GetText(texts_, Text::WindowTitle).arg(source_->Title()));
+    setWindowTitle(texts_.GetText(Text::WindowTitle, {{u"title", source_->Title()}}));
     const QSignalBlocker quiet(tvwContents_);
     tvwContents_->clear();
     QList<QTreeWidgetItem*> parents;
@@ -191,7 +192,7 @@ void HelpWindow::ShowTopic(const QString& helpFile, int topic) {
         chm_.reset();
         lblState_->clear();
         if (!stamp.isEmpty()) {
-            lblState_->setText(GetText(texts_, Text::Loading));
+            lblState_->setText(texts_.GetText(Text::Loading));
             reader_ = std::make_unique<ChmReader>(
                 helpFile, [this](std::unique_ptr<ChmHelp> chm) { Loaded(std::move(chm)); });
         }
@@ -205,7 +206,8 @@ void HelpWindow::Loaded(std::unique_ptr<ChmHelp> chm) {
     chm_ = std::move(chm);
     const bool usable = chm_ && !chm_->HomePage().isEmpty();
     if (!usable) chm_.reset();
-    lblState_->setText(usable ? QString() : GetText(texts_, Text::FileDamaged).arg(chmFile_));
+    lblState_->setText(usable ? QString()
+                              : texts_.GetText(Text::FileDamaged, {{u"file", chmFile_}}));
     ShowPending();
 }
 
@@ -259,7 +261,8 @@ void HelpWindow::Search(const QString& words) {
         auto* item = new QListWidgetItem(text->section(u'\n', 0, 0), lstMatches_);
         item->setData(kPageRole, page);
     }
-    if (lstMatches_->count() == 0) lblState_->setText(GetText(texts_, Text::NoMatches).arg(wanted));
+    if (lstMatches_->count() == 0)
+        lblState_->setText(texts_.GetText(Text::NoMatches, {{u"text", wanted}}));
 }
 
 void HelpWindow::BringUp(QWidget* owner) {

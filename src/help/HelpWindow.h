@@ -6,7 +6,7 @@
 
 #include "help/BuiltInHelp.h"
 #include "help/ChmHelp.h"
-#include "languages/MResources.h"
+#include "texts/MResources.h"
 
 class QAction;
 class QLabel;

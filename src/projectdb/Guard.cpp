@@ -12,13 +12,16 @@
 #include "ado/AdoError.h"
 #include "ado/FileCheck.h"
 #include "platform/Error.h"
-#include "platform/ReasonText.h"
 #include "projectdb/Text.h"
+#include "texts/Fill.h"
+#include "texts/Language.h"
+#include "texts/MResourceTable.h"
+#include "texts/ReasonText.h"
 
 namespace projectdb {
 
 using namespace Qt::Literals::StringLiterals;
-using platform::CheckText;
+using MResourceTable::Check;
 
 namespace {
 
@@ -37,9 +40,8 @@ QString TitleOf(const QString& procedure) {
     return window != nullptr ? window->windowTitle() : QString();
 }
 
-void Replace(QString& text, const QString& word, const QString& value) {
-    // One place each, and the last one first: a file may be called like the other word.
-    text.replace(text.lastIndexOf(word), word.size(), value);
+QString TextOf(Check text) {
+    return texts::InterfaceText(static_cast<int>(text));
 }
 
 /// Checks the file as a whole and shows what is wrong with it.
@@ -51,10 +53,10 @@ void ShowCheck(const std::string& file, QWidget* owner) noexcept {
         const ado::FileCheck found = ado::CheckFile(file);
         const bool isSound = found.errors.empty();
         platform::Message message;
-        message.text = platform::TextOf(isSound ? CheckText::Sound : CheckText::Faults);
-        if (!isSound) Replace(message.text, u"<n>"_s, QString::number(found.errors.size()));
-        Replace(message.text, u"<file>"_s, ToQString(file));
-        message.title = platform::TextOf(CheckText::Title);
+        message.text =
+            texts::Fill(TextOf(isSound ? Check::Sound : Check::Faults),
+                        {{u"file", ToQString(file)}, {u"n", QString::number(found.errors.size())}});
+        message.title = TextOf(Check::Title);
         for (const std::string& error : found.errors) message.details += ToQString(error) + u'\n';
         if (isSound) message.kind = platform::MessageKind::Information;
         platform::ShowMessage(message, owner);
@@ -82,7 +84,7 @@ Failure Failure::Current() {
 }
 
 QString Failure::Text() const {
-    return platform::ReasonText(reason);
+    return texts::ReasonText(reason);
 }
 
 QString Failure::Details() const {
@@ -93,7 +95,7 @@ platform::Message Failure::ToMessage(const QString& procedure) const {
     platform::Message message{Text(), platform::MessageButtons::Ok, TitleOf(procedure),
                               procedure + u'\n' + Details()};
     if (reason.cause == reasons::Cause::FileDamaged && !reason.file.empty()) {
-        message.actionCaption = platform::TextOf(CheckText::Caption);
+        message.actionCaption = TextOf(Check::Caption);
         message.action = [file = reason.file](QWidget* owner) { ShowCheck(file, owner); };
     }
     return message;

@@ -1,9 +1,9 @@
 #include "records/EditSession.h"
 
 #include "ado/AdoError.h"
-#include "languages/MResources.h"
-#include "languages/MResourceTable.h"
 #include "platform/MessageBox.h"
+#include "texts/MResources.h"
+#include "texts/MResourceTable.h"
 
 namespace EditSession {
 

@@ -9,14 +9,14 @@
 #include <utility>
 
 #include "dialogs/FTrend.h"
-#include "languages/MResources.h"
-#include "languages/MResourceTable.h"
 #include "platform/MessageBox.h"
 #include "project/Rows.h"
 #include "projectdb/Hierarchy.h"
 #include "projectdb/Text.h"
 #include "records/EditSession.h"
 #include "records/MDialogs.h"
+#include "texts/MResources.h"
+#include "texts/MResourceTable.h"
 
 namespace MTrend {
 namespace {

@@ -7,7 +7,7 @@
 #include <QPluginLoader>
 
 #include "paths/NativePath.h"
-#include "platform/ReasonText.h"
+#include "texts/Language.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -22,7 +22,7 @@ AddInTest::AddInTest()
     if (addIn_ == nullptr) qFatal("%s", qPrintable(loader.errorString()));
     qputenv("KV_REGISTRY", QFile::encodeName(folder_.filePath(u"machine.reg"_s)));
     host_.container.resize(1000, 560);
-    platform::SetInterfaceLanguage(platform::kLcidGerman);  // a test before may have left another
+    texts::SetInterfaceLanguage(platform::kLcidGerman);  // a test before may have left another
 }
 
 AddInTest::~AddInTest() {

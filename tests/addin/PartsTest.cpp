@@ -18,13 +18,13 @@
 #include "editor/CellText.h"
 #include "editor/GridColumns.h"
 #include "editor/RowProgress.h"
-#include "languages/MResources.h"
-#include "languages/MResourceTable.h"
 #include "platform/MessageBox.h"
 #include "platform/Registry.h"
 #include "projectdb/ADOArchiv.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/RowWalk.h"
+#include "texts/MResources.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 

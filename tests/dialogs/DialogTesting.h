@@ -14,9 +14,9 @@
 #include <QTemporaryDir>
 
 #include "dialogs/DialogServices.h"
-#include "languages/MResources.h"
 #include "platform/MessageBox.h"
 #include "platform/Registry.h"
+#include "texts/MResources.h"
 
 /// The editor window's lists, and what the dialogs did to them.
 class FakeNames final : public INameRegistry {

@@ -14,6 +14,7 @@
 #include "dialogs/FieldMark.h"
 #include "dialogs/TextDialog.h"
 #include "platform/HelpTopics.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 
@@ -449,8 +450,9 @@ TEST_P(FArchivTest, ANumberThatIsNotQuiteOneShowsWhatWouldBeStored) {
         Type(dialog_->txtMaxFiles, QString::fromUtf16(row.typed));
         const auto* mark = dialog_->txtMaxFiles->findChild<FieldMark*>();
         const QString shown = mark != nullptr && mark->isVisible() ? mark->text() : QString();
-        EXPECT_EQ(shown,
-                  row.mark != nullptr ? QString::fromUtf16(row.mark) : around_.texts.GetText(1188));
+        EXPECT_EQ(shown, row.mark != nullptr
+                             ? QString::fromUtf16(row.mark)
+                             : around_.texts.GetText(MResourceTable::kTextTooLarge));
         ShowPage(0);
         QTest::mouseClick(dialog_->cmdOk, Qt::LeftButton);
         EXPECT_EQ(dialog_->Cancelled(), !row.stores);
@@ -474,7 +476,9 @@ TEST_P(FArchivTest, AFileChangeNeedsWhatItHappensOn) {
         QTest::mouseClick(dialog_->cmdOk, Qt::LeftButton);
         EXPECT_TRUE(dialog_->Cancelled());
         const bool trigger = entry == FileChange::kTrigger;
-        EXPECT_EQ(around_.messages, QStringList(around_.texts.GetText(trigger ? 1190 : 1189)));
+        EXPECT_EQ(around_.messages,
+                  QStringList(around_.texts.GetText(trigger ? MResourceTable::kTextTriggerMissing
+                                                            : MResourceTable::kTextCountMissing)));
         EXPECT_EQ(Focus(),
                   trigger ? QStringLiteral("txtNewFile") : QStringLiteral("txtMaxSamples"));
         Type(trigger ? dialog_->txtNewFile : dialog_->txtMaxSamples, QStringLiteral("5"));

@@ -13,8 +13,8 @@
 #include "controls/TDBGrid.h"
 #include "dialogs/DialogTesting.h"
 #include "dialogs/MConfigeditor.h"
-#include "languages/MResourceTable.h"
 #include "settings/CInit.h"
+#include "texts/MResourceTable.h"
 
 // The options over a grid and settings as the editor window has them. With KV_SCREENSHOTS set to a
 // folder the pictures of both pages are kept there.

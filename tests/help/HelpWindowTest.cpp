@@ -15,7 +15,6 @@
 #include <QWindow>
 
 #include "help/HelpPage.h"
-#include "help/HelpTexts.h"
 #include "help/HelpViewer.h"
 #include "help/HelpWindow.h"
 #include "platform/HelpTopics.h"
@@ -33,7 +32,6 @@ protected:
         platform::Registry registry;
         registry.WriteDword(MResources::kStudioKey, u"LCID", lcid);
         texts_.Initialize(registry);
-        help::AddHelpTexts(texts_);
         return texts_;
     }
     static HelpPage& PageOf(QWidget& window) { return *window.findChild<HelpPage*>(u"txtPage"_s); }

@@ -11,6 +11,7 @@
 #include "dialogs/FArchiv.h"
 #include "projectdb/Text.h"
 #include "records/RecordTesting.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 
@@ -355,7 +356,8 @@ TEST_F(MArchivTest, ARowThatAnotherProgramHasChangedTakesWhatWasTypedWithTheNext
         EXPECT_TRUE(dialog.isVisible());
     }));
     EXPECT_EQ(around_.messages,
-              QStringList(around_.texts.GetText(224) + u"\n\n"_s + around_.texts.GetText(1106)));
+              QStringList(around_.texts.GetText(224) + u"\n\n"_s +
+                          around_.texts.GetText(MResourceTable::kTextRecordChanged)));
     const Row stored = ArchiveRow("JahrDeutsch");
     EXPECT_EQ(stored.at("Comment"), ado::Value(u"neu"s));
     EXPECT_EQ(stored.at("ScanTime"), ado::Value(77)) << "what nobody has typed is not overwritten";
@@ -377,7 +379,8 @@ TEST_F(MArchivTest, TextThatAnotherProgramDeletesMeanwhileIsToldOnceAndThenMissi
     }));
     EXPECT_TRUE(stayedOpen_);
     EXPECT_EQ(around_.messages,
-              QStringList(around_.texts.GetText(224) + u"\n\n"_s + around_.texts.GetText(1107)));
+              QStringList(around_.texts.GetText(224) + u"\n\n"_s +
+                          around_.texts.GetText(MResourceTable::kTextRecordGone)));
     EXPECT_EQ(archives_.EditMode(), ado::EditMode::None);
     EXPECT_EQ(texts_.EditMode(), ado::EditMode::None);
     EXPECT_EQ(database_.Rows("TchrArchives"), archives);

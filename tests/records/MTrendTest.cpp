@@ -13,6 +13,7 @@
 #include "projectdb/ADOArchiv.h"
 #include "projectdb/Text.h"
 #include "records/RecordTesting.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 
@@ -344,7 +345,9 @@ TEST_P(MTrendFailureTest, ARowThatAnotherProgramChangedTakesWhatWasTypedWithTheN
         EXPECT_EQ(stayedOpen_, !again);
         const QString text =
             In(u"Zurückschreiben von Trend-Dialog fehlgegangen", u"Error: Write Back Trend Dialog");
-        EXPECT_EQ(around_.messages, QStringList(text + u"\n\n"_s + around_.texts.GetText(1106)));
+        EXPECT_EQ(around_.messages,
+                  QStringList(text + u"\n\n"_s +
+                              around_.texts.GetText(MResourceTable::kTextRecordChanged)));
         EXPECT_EQ(trends_.EditMode(), ado::EditMode::None);
         const Row stored = TrendRow(again ? "Neu" : "Dezimal");
         EXPECT_EQ(stored.at("Unit"), Text(again ? u"Pa" : u"mbar"));

@@ -5,7 +5,7 @@
 #include <QCollator>
 
 #include "controls/detail/CellValue.h"
-#include "controls/detail/GridTexts.h"
+#include "controls/GridText.h"
 
 namespace {
 
@@ -354,8 +354,8 @@ QVariant GridRows::headerData(int section, Qt::Orientation orientation, int role
         caption = source_->headerData(section, orientation, Qt::DisplayRole).toString();
     }
     if (role == Qt::AccessibleTextRole && section == sortColumn_) {
-        caption += u", "_s + Text(order_ == Qt::AscendingOrder ? gridtexts::kSortedUpwards
-                                                               : gridtexts::kSortedDownwards);
+        caption += u", "_s + Text(order_ == Qt::AscendingOrder ? GridText::SortedUpwards
+                                                               : GridText::SortedDownwards);
     }
     return caption;
 }

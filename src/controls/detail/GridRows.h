@@ -11,6 +11,7 @@
 
 #include "controls/GridColumn.h"
 #include "controls/GridSource.h"
+#include "controls/GridText.h"
 
 /// The rows of a source as a split shows them: sorted once, narrowed, values as texts. What is
 /// changed or added afterwards stays where it stands until the next Sort, SetFilterText or reset.
@@ -22,8 +23,8 @@ public:
 
     void SetSource(GridSource* source);
     [[nodiscard]] GridSource* Source() const { return source_; }
-    void SetTexts(std::function<QString(int)> texts) { texts_ = std::move(texts); }
-    [[nodiscard]] QString Text(int id) const { return texts_ ? texts_(id) : QString(); }
+    void SetTexts(std::function<QString(GridText)> texts) { texts_ = std::move(texts); }
+    [[nodiscard]] QString Text(GridText text) const { return texts_ ? texts_(text) : QString(); }
 
     [[nodiscard]] GridRowId IdAt(int row) const;
     /// -1 when the row is not shown.
@@ -74,7 +75,7 @@ private:
 
     const std::vector<GridColumn*>& columns_;
     QPointer<GridSource> source_;
-    std::function<QString(int)> texts_;
+    std::function<QString(GridText)> texts_;
     std::vector<int> shown_;  // source rows in the order shown; ascending unless sorted
     int sortColumn_ = -1;
     Qt::SortOrder order_ = Qt::AscendingOrder;

@@ -14,9 +14,9 @@
 #include "controls/detail/CellEdit.h"
 #include "controls/detail/FrozenView.h"
 #include "controls/detail/GridRows.h"
-#include "controls/detail/GridTexts.h"
 #include "controls/detail/Headers.h"
 #include "controls/GridSplit.h"
+#include "controls/GridText.h"
 
 namespace {
 
@@ -256,7 +256,7 @@ bool GridView::viewportEvent(QEvent* event) {
         const QModelIndex cell = indexAt(help->pos());
         if (cell.isValid() && ButtonHit(cell, visualRect(cell), help->pos()) &&
             split_->ColumnAt(cell.column())->Button()) {
-            QToolTip::showText(help->globalPos(), rows_->Text(gridtexts::kChoose), this);
+            QToolTip::showText(help->globalPos(), rows_->Text(GridText::Choose), this);
             return true;
         }
     }

@@ -8,9 +8,9 @@
 #include <QToolTip>
 
 #include "controls/detail/GridRows.h"
-#include "controls/detail/GridTexts.h"
 #include "controls/detail/GridView.h"
 #include "controls/GridSplit.h"
+#include "controls/GridText.h"
 
 namespace {
 
@@ -118,13 +118,13 @@ bool RecordHeader::viewportEvent(QEvent* event) {
         case Mark::None:
             break;
         case Mark::Current:
-            text = grid_.Rows().Text(gridtexts::kCurrentRow);
+            text = grid_.Rows().Text(GridText::CurrentRow);
             break;
         case Mark::Edited:
-            text = grid_.Rows().Text(gridtexts::kEditedRow);
+            text = grid_.Rows().Text(GridText::EditedRow);
             break;
         case Mark::New:
-            text = grid_.Rows().Text(gridtexts::kNewRow);
+            text = grid_.Rows().Text(GridText::NewRow);
             break;
     }
     QToolTip::showText(help->globalPos(), text, this);

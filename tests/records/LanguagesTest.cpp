@@ -11,11 +11,11 @@
 #include "ado/AdoError.h"
 #include "ado/Connection.h"
 #include "ado/Recordset.h"
-#include "languages/CDBLanguages.h"
-#include "languages/MResources.h"
-#include "platform/ReasonText.h"
 #include "platform/Registry.h"
 #include "projectfile/CreateProject.h"
+#include "records/CDBLanguages.h"
+#include "texts/Language.h"
+#include "texts/MResources.h"
 
 namespace {
 
@@ -30,7 +30,7 @@ class LanguagesTest : public testing::Test {
 protected:
     LanguagesTest() {
         QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
-        platform::SetInterfaceLanguage(kEnglish);
+        texts::SetInterfaceLanguage(kEnglish);
     }
 
     void OpenCopy(const QString& source) {
@@ -104,7 +104,7 @@ TEST_F(LanguagesTest, AProjectsLanguagesInTheOrderOfTheTable) {
 }
 
 TEST_F(LanguagesTest, LanguagesAreNamedInTheLanguageOfTheInterface) {
-    platform::SetInterfaceLanguage(kGerman);
+    texts::SetInterfaceLanguage(kGerman);
     OpenCopy(QStringLiteral(KV_TEST_DATA "/Leer.kvs"));
     Init();
     ASSERT_EQ(languages_.Count(), 2U);

@@ -1,11 +1,11 @@
-#include "languages/FontString.h"
+#include "records/FontString.h"
 
 #include <gtest/gtest.h>
 
 #include <QApplication>
 #include <QFont>
 
-#include "languages/CDBLanguages.h"
+#include "records/CDBLanguages.h"
 
 namespace {
 

@@ -5,8 +5,9 @@
 #include <QScopeGuard>
 #include <set>
 
-#include "platform/ReasonText.h"
 #include "support/PrintQt.h"
+#include "texts/Language.h"
+#include "texts/ReasonText.h"
 
 namespace {
 
@@ -15,9 +16,9 @@ using reasons::Cause;
 using reasons::Reason;
 
 QString TextIn(platform::Lcid language, const Reason& reason) {
-    platform::SetInterfaceLanguage(language);
-    const auto back = qScopeGuard([] { platform::SetInterfaceLanguage(platform::kLcidGerman); });
-    return platform::ReasonText(reason);
+    texts::SetInterfaceLanguage(language);
+    const auto back = qScopeGuard([] { texts::SetInterfaceLanguage(platform::kLcidGerman); });
+    return texts::ReasonText(reason);
 }
 
 TEST(ReasonTextTest, EveryCauseHasASentenceOfItsOwnInBothLanguages) {

@@ -1,4 +1,4 @@
-#include "languages/CDBLanguages.h"
+#include "records/CDBLanguages.h"
 
 #include <algorithm>
 #include <QComboBox>
@@ -8,12 +8,12 @@
 
 #include "ado/AdoError.h"
 #include "ado/Recordset.h"
-#include "languages/FontString.h"
-#include "languages/MResources.h"
 #include "platform/Error.h"
 #include "platform/ProfileFile.h"
-#include "platform/ReasonText.h"
 #include "platform/Registry.h"
+#include "records/FontString.h"
+#include "texts/Language.h"
+#include "texts/MResources.h"
 
 namespace {
 
@@ -108,7 +108,7 @@ void CDBLanguages::AddLanguage(const ado::Recordset& texts, const ado::Recordset
     language.textColumn = TextColumn(texts, "L" + std::to_string(number));
     language.keyboardLayout = ValueOrNull(languages, "kbLayout");
     language.font = StringToFont(ado::ToText(ValueOrNull(languages, "Font")));
-    language.displayName = platform::LanguageName(lcid, platform::InterfaceLanguage());
+    language.displayName = platform::LanguageName(lcid, texts::InterfaceLanguage());
     if (language.displayName.isEmpty()) language.displayName = QString::number(number);
     languages_.push_back(std::move(language));
 }

@@ -1,4 +1,4 @@
-#include "languages/KeyFilter.h"
+#include "dialogs/KeyFilter.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,8 @@
 #include <QTest>
 #include <QToolTip>
 
-#include "languages/MResources.h"
+#include "texts/MResources.h"
+#include "texts/MResourceTable.h"
 
 namespace {
 
@@ -187,11 +188,11 @@ TEST_F(RestrictInputTest, KeysAreSwallowedAndWhatIsPastedComesInWholeOrNotAtAll)
 
 TEST_F(RestrictInputTest, TheFieldTellsWhatItTakes) {
     MResources::TextTable texts;
-    texts.AddTexts(1180, {u"nur <keys>"});
-    texts.AddTexts(1181, {u"nicht <keys>"});
-    texts.AddTexts(1182, {u"Leerzeichen"});
-    texts.AddTexts(1183, {u"nichts aus '<text>'."});
-    texts.AddTexts(1184, {u"höchstens <max>"});
+    texts.AddTexts(MResourceTable::kTextKeysTaken, {u"nur <keys>"});
+    texts.AddTexts(MResourceTable::kTextKeysNotTaken, {u"nicht <keys>"});
+    texts.AddTexts(MResourceTable::kTextBlankKey, {u"Leerzeichen"});
+    texts.AddTexts(MResourceTable::kTextNotPasted, {u"nichts aus '<text>'."});
+    texts.AddTexts(MResourceTable::kTextPasteTooLong, {u"höchstens <max>"});
     const auto told = [&](int mode, const QString& text, bool paste) {
         QToolTip::hideText();  // takes a moment
         EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));

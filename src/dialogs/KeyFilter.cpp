@@ -1,4 +1,4 @@
-#include "languages/KeyFilter.h"
+#include "dialogs/KeyFilter.h"
 
 #include <array>
 #include <QClipboard>
@@ -16,9 +16,9 @@
 #include <QStringView>
 #include <QToolTip>
 
-#include "languages/MResources.h"
-#include "languages/MResourceTable.h"
 #include "platform/Locale.h"
+#include "texts/MResources.h"
+#include "texts/MResourceTable.h"
 
 namespace MResources {
 namespace {

@@ -1,4 +1,4 @@
-#include "languages/FontString.h"
+#include "records/FontString.h"
 
 #include "platform/Locale.h"
 
