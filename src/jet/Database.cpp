@@ -127,6 +127,9 @@ Status Database::TellWhetherWritable() {
         Notify("it can only be read: " + pages.GetStatus().Text() + kRepairHint);
         return {};
     }
+    if (const Status place = recovery_->CheckPlace(); !place.IsOk()) {
+        Notify("it can only be read: " + place.Text());
+    }
     for (const std::string& limit : pages->limits) {
         Notify(limit + "; kvs repair writes a file that can take it");
     }
@@ -205,6 +208,7 @@ Result<PageState> Database::PrepareToWrite() {
             return Status(StatusCode::Permission, "it cannot be changed: " + why);
         }
     }
+    JET_TRY(recovery_->CheckPlace().In("it cannot be changed"));
     JET_TRY(cache_.Revalidate());
     if (pagesAreSound_) return PageState();
     Result<PageState> checked = CheckPages(cache_);

@@ -105,6 +105,20 @@ TEST_F(IdentityTest, AFileIsReadableWhateverHasTheNameOfItsJournal) {
     }
 }
 
+TEST_F(IdentityTest, WhatHasTheNameOfAJournalIsNamedBeforeAChange) {
+    const std::string journal = path_ + "-journal";
+    fs::create_directory(journal);
+    auto database = Open(path_);
+    const auto isNamed =
+        testing::AllOf(testing::HasSubstr(journal), testing::HasSubstr("move it away"));
+    EXPECT_THAT(database->TakeNotices(), testing::ElementsAre(isNamed));
+    const Status status = database->Begin();
+    EXPECT_EQ(status.Code(), StatusCode::BadArgument);
+    EXPECT_THAT(status.Text(), isNamed);
+    fs::remove(journal);
+    ASSERT_OK(AddArchive(*database));
+}
+
 TEST_F(IdentityTest, OneWriterAndOneReadersLockThroughEveryName) {
     const std::string link = (folder_ / "link.kvs").string();
     const fs::path elsewhere = folder_ / "elsewhere";

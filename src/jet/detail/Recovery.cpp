@@ -34,6 +34,14 @@ bool Recovery::IsNeeded() const {
     });
 }
 
+Status Recovery::CheckPlace() const {
+    const std::string path = Journal::PathFor(database_);
+    const auto found = disk_.OpenLeftOver(path, database_);
+    if (found.IsOk() || found.GetStatus().Code() != StatusCode::BadArgument) return {};
+    return Status::BadArgument("\"" + path + "\" stands where the journal of a change has to be (" +
+                               found.GetStatus().Text() + "); move it away");
+}
+
 Result<Recovery::Outcome> Recovery::Run(File* writable) {
     Outcome worst = Outcome::Nothing;
     for (const std::string& path : Paths()) {

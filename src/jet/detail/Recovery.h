@@ -22,6 +22,9 @@ public:
     /// shared; before, it may be that of a living program.
     [[nodiscard]] bool IsNeeded() const;
 
+    /// BadArgument when a folder, say, has the name that the journal of a change needs.
+    [[nodiscard]] Status CheckPlace() const;
+
     enum class Outcome {
         Nothing,      // there is no journal
         Done,         // the database or what lies beside it has changed: look again
