@@ -52,6 +52,10 @@ bool SameStructure(const TableDef& a, const TableDef& b) {
 }
 
 std::optional<std::size_t> TableDef::FindColumn(std::string_view name) const {
+    // Mostly it is written as it is called.
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (columns[i].name == name) return i;
+    }
     for (std::size_t i = 0; i < columns.size(); ++i) {
         if (SameName(columns[i].name, name)) return i;
     }

@@ -169,8 +169,7 @@ void RowSet::Bind(Expression& expression) const {
     });
 }
 
-bool RowReader::Load(RowKey key) {
-    if (key_ == key) return true;
+bool RowReader::LoadNow(RowKey key) {
     key_.reset();
     const auto known = std::exchange(loadedFirst_, std::nullopt);
     const jet::ReadScope scope = rows_.Table(0).Hold();

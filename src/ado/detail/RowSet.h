@@ -72,7 +72,7 @@ public:
     explicit RowReader(const RowSet& rows) : rows_(rows) {}
 
     /// Reads the row; false when it does not exist (any more).
-    [[nodiscard]] bool Load(RowKey key);
+    [[nodiscard]] bool Load(RowKey key) { return key_ == key || LoadNow(key); }
     /// Reads the row of one table, for whoever looks for the other by it. A Load with this row that
     /// follows at once does not read it again.
     [[nodiscard]] bool LoadOne(std::size_t table, jet::RowId row);
@@ -86,6 +86,7 @@ public:
     [[nodiscard]] bool Holds(const Expression& condition) const;
 
 private:
+    [[nodiscard]] bool LoadNow(RowKey key);
     [[nodiscard]] bool Fetch(std::size_t table, jet::RowId row);
 
     const RowSet& rows_;

@@ -78,4 +78,19 @@ void TextDecoder::Append(Bytes piece, std::u16string& out) {
     }
 }
 
+void DecodeText(const CodePage* codePage, Bytes text, std::u16string& out) {
+    constexpr std::size_t kMark = 2;
+    const bool isMarked =
+        text.size() >= kMark && text[0] == std::byte{0xFF} && text[1] == std::byte{0xFE};
+    const Bytes rest = text.subspan(isMarked ? kMark : 0);
+    if (codePage != nullptr || !isMarked || std::memchr(rest.data(), 0, rest.size()) != nullptr) {
+        out.clear();
+        TextDecoder(codePage).Append(text, out);
+        return;
+    }
+    // One byte a character, as most texts are.
+    out.resize(rest.size());
+    for (std::size_t i = 0; i < rest.size(); ++i) out[i] = static_cast<char16_t>(rest[i]);
+}
+
 }  // namespace jet

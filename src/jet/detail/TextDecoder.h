@@ -30,4 +30,7 @@ private:
     std::byte low_{};
 };
 
+/// Decodes a text that is there as a whole. `codePage` as above.
+void DecodeText(const CodePage* codePage, Bytes text, std::u16string& out);
+
 }  // namespace jet

@@ -115,12 +115,9 @@ Status DecodeValue(const Column& column, const CodePage* codePage, Bytes bytes, 
         case ColumnType::DateTime:
             value = Date{Load<double>(bytes, 0)};
             return {};
-        case ColumnType::Text: {
-            auto& text = Reuse<std::u16string>(value);
-            text.clear();
-            TextDecoder(codePage).Append(bytes, text);
+        case ColumnType::Text:
+            DecodeText(codePage, bytes, Reuse<std::u16string>(value));
             return {};
-        }
         case ColumnType::Guid:
             value = DecodeGuid(bytes);
             return {};
