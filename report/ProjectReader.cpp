@@ -5,6 +5,7 @@
 
 #include "ado/AdoError.h"
 #include "projectdb/Text.h"
+#include "texts/ReasonText.h"
 
 namespace report {
 
@@ -32,6 +33,13 @@ std::ptrdiff_t PlaceOf(const ado::Recordset& rows, std::string_view column) {
     } catch (const ado::AdoError&) {
         return -1;
     }
+}
+
+/// What the user can do about it, and in brackets what only the English description knows.
+QString CauseOf(const ado::AdoError& error) {
+    const QString description = ToQString(error.Description());
+    if (error.Reason().cause == reasons::Cause::Unknown) return description;
+    return u"%1 (%2)"_s.arg(texts::ReasonText(error.Reason()), description);
 }
 
 Cell ReadCell(ado::Recordset& rows, std::ptrdiff_t column) {
@@ -95,11 +103,7 @@ void ProjectReader::Open(const QString& path) {
         OpenTexts();
         textsReadable_ = true;
     } catch (const ado::AdoError& error) {
-        Note({Problem::Kind::Table,
-              ToQString(project::kTextTable),
-              0,
-              {},
-              ToQString(error.Description())});
+        Note({Problem::Kind::Table, ToQString(project::kTextTable), 0, {}, CauseOf(error)});
         stage_ = Stage::Archives;
     }
     rowsTotal_ = archiveRows_.rows.RecordCount() + trendRows_.rows.RecordCount();
@@ -127,15 +131,12 @@ void ProjectReader::OpenTexts() {
             wanted.push_back(ado::ToLong(languages.Get("LCID")));
         }
     } catch (const ado::AdoError& error) {
-        Note({Problem::Kind::Table,
-              ToQString(project::kLanguageTable),
-              0,
-              {},
-              ToQString(error.Description())});
+        Note({Problem::Kind::Table, ToQString(project::kLanguageTable), 0, {}, CauseOf(error)});
     }
     OpenSource(textRows_, project::kTextTable, {});
     if (textRows_.columns.front() < 0) {
-        throw ado::AdoError(ado::ErrorNumber::kItemNotFound, "The table TidxTexts has no ID.");
+        throw ado::AdoError(ado::ErrorNumber::kItemNotFound, "The table TidxTexts has no ID.",
+                            {reasons::Cause::ColumnMissing, {}, "ID"});
     }
     for (const int lcid : wanted) {
         const std::ptrdiff_t column = PlaceOf(textRows_.rows, project::LanguageColumn(lcid));
@@ -184,11 +185,7 @@ bool ProjectReader::NextRow(Source& source) {
             ++rowsDone_;
             return true;
         } catch (const ado::AdoError& error) {
-            Note({Problem::Kind::Row,
-                  source.table,
-                  source.place,
-                  {},
-                  ToQString(error.Description())});
+            Note({Problem::Kind::Row, source.table, source.place, {}, CauseOf(error)});
         }
     }
     return false;
@@ -207,11 +204,7 @@ void ProjectReader::CollectText() {
             if (column == textRows_.columns.front()) id = cell;
         }
     } catch (const ado::AdoError& error) {
-        Note({Problem::Kind::Row,
-              textRows_.table,
-              textRows_.place,
-              {},
-              ToQString(error.Description())});
+        Note({Problem::Kind::Row, textRows_.table, textRows_.place, {}, CauseOf(error)});
     }
     if (const std::optional<int> number = Integer(id)) textIds_.push_back(*number);
 }

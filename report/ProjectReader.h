@@ -20,7 +20,7 @@ struct Problem {
     QString table;
     qint64 row = 0;  // the row's ID; for Kind::Row its place in the table, from 1
     QString name;    // of the archive or trend, where it is known
-    QString detail;  // provider's description, column, or the number that leads nowhere
+    QString detail;  // cause, column, or the number that leads nowhere
 };
 
 /// Reads a project for the report, in portions, and changes nothing in it. What it reads is the

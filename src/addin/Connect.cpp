@@ -77,7 +77,10 @@ void Connect::CKV4Extensibility_Initialize(const QString& projectName,
         // Behind the look-up, which tells of a registry that cannot be read for itself.
         Guard(u"MResources"_s, [&] { texts_.Initialize(registry_); });
         // Any other opening begins with what has been saved.
-        if (project_.projectPath != std::exchange(reopening_, {})) place_.reset();
+        if (project_.projectPath != std::exchange(reopening_, {})) {
+            place_.reset();
+            toldNotices_.clear();
+        }
         host_ = host;
         hostWindow_ = host_->EditorParent();
         Guard(u"Connect: InitTreeView"_s, [&] { InitTreeView(); });
@@ -175,11 +178,36 @@ void Connect::FirstUse(QString node, bool clicked) {
     host_->ExpandNode(kRootKey);
     // The user who clicks on somebody else's node stays there.
     if (projectdb::IsOwnNode(node)) host_->SelectNode(kRootKey);
-    if (unreadable.Count() == 0) return;
     // Last of all: what can be read is there already, and the box has its own event loop.
-    platform::ShowMessage(unreadable.ToMessage(texts_.GetText(MResourceTable::kTextMoreFailures),
-                                               u"Connect: FirstUse"_s),
-                          editor_);
+    TellOfFile(unreadable);
+}
+
+/// Tells once what the user should know about a file that has been opened.
+void Connect::TellOfFile(const projectdb::RowFailures& unreadable) {
+    QStringList notices;
+    for (const std::string& notice : project_.Environment().Connection().TakeNotices()) {
+        notices += projectdb::ToQString(notice);
+    }
+    // Opened again by Refresh, the file says the same.
+    if (notices == std::exchange(toldNotices_, notices)) notices.clear();
+    if (unreadable.Count() == 0 && notices.isEmpty()) return;
+    platform::Message message;
+    if (unreadable.Count() > 0) {
+        message = unreadable.ToMessage(texts_.GetText(MResourceTable::kTextUnreadableRows),
+                                       u"Connect: FirstUse"_s);
+    } else {
+        projectdb::Failure notice;
+        notice.reason = {reasons::Cause::FileDamaged, project_.projectPath.toStdString()};
+        notice.told = texts_.GetText(MResourceTable::kTextFileNotices)
+                          .replace(u"<file>"_s, project_.projectPath);
+        message = notice.ToMessage({});
+        message.title = editor_->windowTitle();
+        message.kind = platform::MessageKind::Information;
+        message.details.clear();
+    }
+    if (!message.details.isEmpty()) message.details += u'\n';
+    message.details += notices.join(u'\n');
+    platform::ShowMessage(message, editor_);
 }
 
 bool Connect::ConnectToDataBase(const QString& databasePath, bool always) {

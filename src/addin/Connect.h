@@ -81,6 +81,7 @@ private:
     void OpenEditor(projectdb::RowFailures& unreadable);
     void WatchEditor();
     void FillArchiveNodes(projectdb::RowFailures& unreadable);
+    void TellOfFile(const projectdb::RowFailures& unreadable);
     void RemoveArchiveNodes();
     void KeepPlace();
     void OpenNode(const KV4AddIn::Node& node);
@@ -102,5 +103,6 @@ private:
     QString toldFailure_;  // details of the failure that the user has been told last
     // Where the user was when the window before this one went, while he is to come back there.
     std::optional<EditorPlace> place_;
-    QString reopening_;  // project that the host is going to close and open again
+    QStringList toldNotices_;  // of the file that is open
+    QString reopening_;        // project that the host is going to close and open again
 };

@@ -157,6 +157,8 @@ signals:
     /// A commit failed. The cell is current again, and when the message has been shown the typed
     /// text stands in it as a pending edit. The grid shows no message of its own.
     void DataError(int number, const QString& text, const QString& details);
+    /// What has been typed is no value of the column, and stays in its cell.
+    void TextRefused(int column, const QString& text);
     /// A row disappeared while `text` was being typed into it.
     void EditDiscarded(GridRowId row, int column, const QString& text);
     void EditStateChanged();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <iterator>
+#include <optional>
 #include <utility>
 
 #include "controls/FontProperties.h"
@@ -13,6 +14,7 @@
 #include "settings/CInit.h"
 #include "texts/MResources.h"
 #include "texts/MResourceTable.h"
+#include "texts/ReasonText.h"
 
 namespace MConfigeditor {
 namespace {
@@ -127,37 +129,49 @@ void DialogToSettings(const FConfigEditor& dialog, const Session& session) {
     if (session.takeColumnOrders) session.takeColumnOrders();
 }
 
-/// Whether the step went through. The user gets a message; the cause goes to the log.
+/// What stands below the sentence on a step that has failed.
+struct Cause {
+    QString text;
+    QString details;
+};
+
+/// Runs the step; empty when it went through. The cause goes to the log too.
 template <typename Step>
-bool Succeeds(Step&& step) {
+std::optional<Cause> Try(Step&& step) {
+    Cause cause{texts::ReasonText({}), u"EditOptions"_s};
     try {
         std::forward<Step>(step)();
-        return true;
+        return std::nullopt;
+    } catch (const platform::Error& error) {
+        cause.text = texts::ReasonText(error.Reason());
+        cause.details += u"\n%1   %2"_s.arg(error.Number()).arg(error.Description());
     } catch (const std::exception& error) {
-        qWarning("EditOptions: %s", error.what());
+        cause.details += u'\n' + QString::fromUtf8(error.what());
     } catch (...) {
-        qWarning("EditOptions: unknown error");
+        cause.details += u"\nUnspecified error."_s;
     }
-    return false;
+    qWarning("%s", qUtf8Printable(cause.details));
+    return cause;
 }
 
 }  // namespace
 
 bool EditOptions(const Session& session, QWidget* owner) {
     FConfigEditor dialog(session.texts, session.showHelp, owner);
-    const auto tell = [&](int text) {
-        platform::ShowMessage(session.texts.GetText(text), platform::MessageButtons::Ok,
-                              dialog.windowTitle(), owner);
+    const auto tell = [&](int text, const Cause& cause) {
+        platform::ShowMessage({session.texts.GetText(text) + u"\n\n"_s + cause.text,
+                               platform::MessageButtons::Ok, dialog.windowTitle(), cause.details},
+                              owner);
     };
-    if (!Succeeds([&] { SettingsToDialog(session, dialog); })) {
-        tell(MResourceTable::kTextOptionsInitFailed);
+    if (const auto cause = Try([&] { SettingsToDialog(session, dialog); })) {
+        tell(MResourceTable::kTextOptionsInitFailed, *cause);
         return false;
     }
     dialog.exec();
     if (dialog.Cancelled()) return false;
-    const bool takenOver = Succeeds([&] { DialogToSettings(dialog, session); });
-    if (!takenOver) tell(MResourceTable::kTextOptionsWriteBackFailed);
-    return takenOver;
+    const auto cause = Try([&] { DialogToSettings(dialog, session); });
+    if (cause) tell(MResourceTable::kTextOptionsWriteBackFailed, *cause);
+    return !cause;
 }
 
 }  // namespace MConfigeditor

@@ -152,6 +152,16 @@ void PropertyDialog::ShowCode(QComboBox& list, std::optional<int> code,
     list.setCurrentIndex(code ? list.findData(*code) : -1);
 }
 
+QString PropertyDialog::LabelOf(const QString& column) const {
+    const QLineEdit* field = columns_.value(column);
+    if (field == nullptr) return {};
+    // The field of an editable list has the name of the list.
+    const QWidget* list = qobject_cast<const QComboBox*>(field->parentWidget());
+    QString label = (list != nullptr ? list : field)->accessibleName();
+    if (label.endsWith(u':')) label.chop(1);
+    return label;
+}
+
 void PropertyDialog::SetReadOnly(QLineEdit& field) {
     field.setReadOnly(true);
     PaintField(&field, false);

@@ -51,6 +51,11 @@ public:
     /// in grey, with its number and what it means, and selects nothing; so does Null.
     void ShowCode(QComboBox& list, std::optional<int> code,
                   std::span<const project::Code> codes = {});
+    /// The field shows this column of the record.
+    void SetColumn(QLineEdit& field, const QString& column) { columns_.insert(column, &field); }
+    /// What the user knows the column as; empty when no field shows it.
+    [[nodiscard]] QString LabelOf(const QString& column) const;
+
     /// What is stored there cannot be typed.
     void SetReadOnly(QLineEdit& field);
     /// The field stands for a number in this range. Where its text is none as a whole, or does not
@@ -148,6 +153,7 @@ private:
     QList<Picker> pickers_;
     QHash<const QWidget*, QVariant> loadedContents_;
     QHash<const QLineEdit*, project::NumberRange> numbers_;
+    QHash<QString, const QLineEdit*> columns_;
     std::function<bool()> store_;
     QString openedName_;
     std::optional<QString> indexTextParamNames_;

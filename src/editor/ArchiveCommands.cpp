@@ -4,6 +4,7 @@
 #include <tuple>
 
 #include "project/Names.h"
+#include "projectdb/Guard.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
 #include "projectdb/Transaction.h"
@@ -86,19 +87,20 @@ bool ArchiveCommands::Edit(std::int32_t archiveId, const EditArchive& edit) {
     return true;
 }
 
-ado::AdoError WithRest(const ado::AdoError& error, const projectdb::Hierarchy& hierarchy,
-                       const MResources::TextTable& texts) {
+void RethrowWithRest(const projectdb::Hierarchy& hierarchy, const MResources::TextTable& texts) {
     const projectdb::Deletion& deletion = hierarchy.LastDeletion();
     const auto archives = static_cast<int>(deletion.archives.size());
     const auto trends = static_cast<int>(deletion.trends.size());
-    if (archives + trends == 0) return error;
+    if (archives + trends == 0) throw;
     const int text = archives > 0 ? MResourceTable::kTextArchivePartlyDeleted
                                   : MResourceTable::kTextTrendsPartlyDeleted;
-    const QString rest =
+    const projectdb::Failure failure = projectdb::Failure::Current();
+    throw projectdb::HalfDone(
+        failure,
         texts.GetText(text)
             .replace(u"<n>"_s, QString::number(trends))
-            .replace(u"<left>"_s, QString::number(hierarchy.LastTotal() - archives - trends));
-    return {error.Number(), error.Description() + "\n\n" + ToUtf8(rest)};
+            .replace(u"<left>"_s, QString::number(hierarchy.LastTotal() - archives - trends))
+            .replace(u"<cause>"_s, failure.Text()));
 }
 
 bool ArchiveCommands::Delete(const QString& nodeKey, const AskUser& ask,
@@ -125,9 +127,9 @@ bool ArchiveCommands::Delete(const QString& nodeKey, const AskUser& ask,
     };
     try {
         if (!hierarchy_.DeleteArchive(nodeKey, confirm, progress)) return false;
-    } catch (const ado::AdoError& error) {
+    } catch (...) {
         follow();
-        throw WithRest(error, hierarchy_, texts_);
+        RethrowWithRest(hierarchy_, texts_);
     }
     follow();
     return true;

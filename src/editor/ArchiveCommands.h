@@ -4,7 +4,6 @@
 #include <functional>
 #include <QString>
 
-#include "ado/AdoError.h"
 #include "editor/NameLists.h"
 #include "projectdb/Hierarchy.h"
 #include "texts/MResources.h"
@@ -22,11 +21,10 @@ public:
 /// Shows a question with OK and Cancel, the latter the default; true for OK.
 using AskUser = std::function<bool(const QString& question)>;
 
-/// The error that ended a deletion, with a sentence behind it that says what has been deleted
-/// before and what is left.
-[[nodiscard]] ado::AdoError WithRest(const ado::AdoError& error,
-                                     const projectdb::Hierarchy& hierarchy,
-                                     const MResources::TextTable& texts);
+/// Throws the failure that ended a deletion on, with what has been deleted before it and what is
+/// left. REQUIRES: called inside a catch block.
+[[noreturn]] void RethrowWithRest(const projectdb::Hierarchy& hierarchy,
+                                  const MResources::TextTable& texts);
 
 /// New, Edit and Delete of archives. Each keeps four things in step: the archive's row, its text
 /// group and index text, its node in the host's tree, and the list of names in use.

@@ -80,7 +80,7 @@ bool TrendCommands::Delete(std::span<const std::int32_t> trendIds, const AskUser
     }
     try {
         return hierarchy_.DeleteTrends(trendIds, confirm, progress);
-    } catch (const ado::AdoError& error) {
-        throw WithRest(error, hierarchy_, texts_);
+    } catch (...) {
+        RethrowWithRest(hierarchy_, texts_);
     }
 }

@@ -299,7 +299,7 @@ void frmtabGrid::ShowMissingTrends() {
             unreadable_.Count() > 0 ? unreadable_ : trends_->Missing();
         if (missing.Count() == 0) return;  // another archive has been opened meanwhile
         platform::Message message = missing.ToMessage(
-            texts_.GetText(MResourceTable::kTextMoreFailures), u"frmtabGrid: TrendsReloaded"_s);
+            texts_.GetText(MResourceTable::kTextUnreadableRows), u"frmtabGrid: TrendsReloaded"_s);
         message.title = texts_.GetText(MResourceTable::kTextEditorTitle);
         platform::ShowMessage(message, this);
     });

@@ -235,6 +235,11 @@ void frmtabGrid::BuildGrid() {
             [this, guarded](int number, const QString& text, const QString& details) {
                 guarded([&] { ShowDataError(number, text, details); });
             });
+    connect(&trends, &GridSplit::TextRefused, this, [this](int column, const QString& text) {
+        Hint(texts_.GetText(MResourceTable::kTextHintNoValue)
+                 .replace(u"<column>"_s, tdbA->SplitAt(1).ColumnAt(column)->Caption())
+                 .replace(u"<text>"_s, text));
+    });
     connect(&trends, &GridSplit::EditDiscarded, this, [this](GridRowId, int, const QString& text) {
         Tell(texts_.GetText(MResourceTable::kTextEditDiscarded).replace(u"<text>"_s, text));
     });
@@ -249,6 +254,9 @@ void frmtabGrid::BuildGrid() {
                 });
         connect(&tdbA->SplitAt(split), &GridSplit::FilterChanged, this, &frmtabGrid::ShowNarrowing);
     }
+    // The open archive may have been narrowed out, and be there again.
+    connect(&archives, &GridSplit::FilterChanged, this,
+            [this] { MarkArchive(project_.currentNodeKey); });
     connect(tdbA, &TDBGrid::SplitChange, this, &frmtabGrid::UpdateCommands);
     connect(tdbA, &TDBGrid::PageRequested, this,
             [this, guarded](int step) { guarded([&] { StepArchive(step); }); });

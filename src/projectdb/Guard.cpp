@@ -70,6 +70,8 @@ void ShowCheck(const std::string& file, QWidget* owner) noexcept {
 Failure Failure::Current() {
     try {
         throw;
+    } catch (const HalfDone& failure) {
+        return failure.Told();
     } catch (const ado::AdoError& error) {
         return {error.Number(), ToQString(error.Description()), error.Reason()};
     } catch (const platform::Error& error) {
@@ -84,7 +86,7 @@ Failure Failure::Current() {
 }
 
 QString Failure::Text() const {
-    return texts::ReasonText(reason);
+    return told.isEmpty() ? texts::ReasonText(reason) : told;
 }
 
 QString Failure::Details() const {

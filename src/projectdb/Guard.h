@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <QString>
 #include <utility>
 
@@ -20,12 +21,28 @@ struct Failure {
 
     /// Of the exception that is being handled. REQUIRES: called inside a catch block.
     [[nodiscard]] static Failure Current();
+    QString told = {};  // for the user, where the step that failed knows more than the reason
+
     /// For the user: what has happened, to what, why, and what can be done.
     [[nodiscard]] QString Text() const;
     /// For the details of a message, and for logs: number, three blanks, description.
     [[nodiscard]] QString Details() const;
     /// The message, with the name of the procedure that has failed in its details.
     [[nodiscard]] platform::Message ToMessage(const QString& procedure) const;
+};
+
+/// A failure that has come when a part was done already.
+class HalfDone final : public std::exception {
+public:
+    /// `told`: what is done and what is left, with the cause, in the interface language.
+    HalfDone(Failure cause, QString told) : failure_(std::move(cause)) {
+        failure_.told = std::move(told);
+    }
+    [[nodiscard]] const Failure& Told() const noexcept { return failure_; }
+    [[nodiscard]] const char* what() const noexcept override { return "half done"; }
+
+private:
+    Failure failure_;
 };
 
 /// Shows the exception that is being handled. Never throws. REQUIRES: called inside a catch block.

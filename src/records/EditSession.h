@@ -17,6 +17,7 @@ namespace EditSession {
 /// Lets the control take what the column does: no longer text, numbers of its range. What a column
 /// holds that no text can be typed for is only shown.
 inline void BindToField(PropertyDialog& dialog, QLineEdit& text, const ado::Field& field) {
+    dialog.SetColumn(text, QString::fromStdString(field.name));
     if (field.type == ado::DataType::VarWChar) text.setMaxLength(field.definedSize);
     if (const auto range = project::RangeOf(field.type)) dialog.ExpectNumber(text, *range);
     if (!project::IsText(field.type) && !project::IsNumber(field.type)) dialog.SetReadOnly(text);
@@ -40,5 +41,8 @@ std::optional<projectdb::Failure> Try(const char* procedure, Step&& step) noexce
 /// of the first sentence. `gone`: the row could not be read again either.
 void TellNotStored(PropertyDialog& dialog, const MResources::TextTable& texts, int text,
                    const projectdb::Failure& failure, bool gone);
+/// Tells the user why the dialog does not open.
+void TellNotLoaded(const PropertyDialog& dialog, const MResources::TextTable& texts, int text,
+                   const projectdb::Failure& failure, QWidget* owner);
 
 }  // namespace EditSession

@@ -22,6 +22,7 @@ namespace MArchiv {
 namespace {
 
 using EditSession::BindToField;
+using EditSession::TellNotLoaded;
 using EditSession::TellNotStored;
 using EditSession::Try;
 using project::kParamNames;
@@ -291,9 +292,11 @@ bool DialogToArchive(const Rows& rows, const FArchiv& dialog) {
 bool EditArchive(const Rows& rows, const DialogServices& services, QWidget* owner,
                  const std::function<void()>& save) {
     FArchiv dialog(services, projectdb::kArchiveNames, owner);
-    if (!ArchiveToDialog(rows, dialog, services.texts, owner)) {
-        platform::ShowMessage(services.texts.GetText(MResourceTable::kTextArchiveInitFailed),
-                              platform::MessageButtons::Ok, dialog.windowTitle(), owner);
+    const auto unread =
+        Try("ArchiveToDialog", [&] { Loader(rows, dialog, services.texts, owner).Load(); });
+    if (unread) {
+        TellNotLoaded(dialog, services.texts, MResourceTable::kTextArchiveInitFailed, *unread,
+                      owner);
         return false;
     }
     dialog.SetStore([&] {

@@ -22,6 +22,7 @@ namespace MTrend {
 namespace {
 
 using EditSession::BindToField;
+using EditSession::TellNotLoaded;
 using EditSession::TellNotStored;
 using EditSession::Try;
 using project::kParamNames;
@@ -191,9 +192,9 @@ bool DialogToTrend(ado::Recordset& trend, const FTrend& dialog, platform::Lcid l
 bool EditTrend(ado::Recordset& trend, platform::Lcid language, const DialogServices& services,
                QWidget* owner) {
     FTrend dialog(services, projectdb::kTrendNames, owner);
-    if (!TrendToDialog(trend, dialog, language)) {
-        platform::ShowMessage(services.texts.GetText(MResourceTable::kTextTrendInitFailed),
-                              platform::MessageButtons::Ok, dialog.windowTitle(), owner);
+    const auto unread = Try("TrendToDialog", [&] { Load(trend, dialog, language); });
+    if (unread) {
+        TellNotLoaded(dialog, services.texts, MResourceTable::kTextTrendInitFailed, *unread, owner);
         return false;
     }
     dialog.SetStore([&] {

@@ -254,7 +254,8 @@ enum Number : int {
 
     // Texts of our own
     kTextNoHelpFile = 1001,
-    kTextMoreFailures,
+    kTextUnreadableRows,
+    kTextFileNotices,
 
     // Property dialogs
     kTextEditText,
@@ -384,6 +385,7 @@ enum Number : int {
     kTextHintNoFurtherArchive,
     kTextArchiveDeletedElsewhere,
     kTextHintReadOnly,
+    kTextHintNoValue,
     kTextSortUpwards,
     kTextSortDownwards,
     kTextUnsorted,

@@ -387,6 +387,26 @@ TEST_F(ConnectTest, ArchivesThatCannotBeReadAreLeftOut) {
     EXPECT_EQ(host_.ChildTexts(kRoot).size(), 11);
 }
 
+TEST_F(ConnectTest, WhatIsWrongWithTheFileIsToldWhenItIsOpened) {
+    const QString path = Brewery();
+    QFile foreign(path + u"-journal"_s);
+    ASSERT_TRUE(foreign.open(QIODevice::WriteOnly));
+    foreign.write("A letter that somebody keeps here.");
+    foreign.close();
+    Initialize(path);
+    Click(kRoot);
+    ASSERT_EQ(messages_.size(), 1);
+    EXPECT_THAT(messages_[0].text.toStdString(),
+                AllOf(HasSubstr("Brauerei.kvs' ist geöffnet"), HasSubstr("Details")));
+    EXPECT_TRUE(messages_[0].details.contains(u"Brauerei.kvs-journal\""_s))
+        << messages_[0].details.toStdString();
+    EXPECT_EQ(messages_[0].actionCaption, u"Datei &prüfen"_s);
+    Click(u"ARCH1"_s);
+    Editor()->findChild<QAction*>(u"mnuExtra(2)"_s)->trigger();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(messages_.size(), 1) << "told once";
+}
+
 TEST_F(ConnectTest, TrendsThatCannotBeReadAreLeftOut) {
     const QString path = Brewery();
     for (const int position : {0, 5}) DamageRow(path, ADOArchiv::Command::Trends, position);

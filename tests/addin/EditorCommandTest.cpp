@@ -314,6 +314,9 @@ TEST_F(EditorCommandTest, NarrowingTellsHowManyRowsAreLeft) {
     Type(u"keller"_s);
     EXPECT_EQ(found->text(), u"2 of 14"_s);
     EXPECT_EQ(RowCount(1), 24);
+    EXPECT_EQ(CurrentRow(0), -1);
+    Find()->clear();
+    EXPECT_EQ(CurrentName(0), u"Sudhaus"_s) << "which is open all the time";
 }
 
 TEST_F(EditorCommandTest, RowsAreCopiedWithTheirHeadings) {

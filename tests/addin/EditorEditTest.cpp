@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
+#include <QStatusBar>
 
 #include "addin/EditorTest.h"
 #include "projectdb/Text.h"
@@ -217,6 +219,8 @@ TEST_F(EditorEditTest, WhatTheFieldDoesNotTakeIsADataError) {
         const QString head = english ? u"TDB-Error: -2147217887\n\nThe text is too long:"_s
                                      : u"TDB-Fehler: -2147217887\n\nDer Text ist zu lang:"_s;
         EXPECT_TRUE(messages_[0].text.startsWith(head)) << messages_[0].text.toStdString();
+        EXPECT_TRUE(messages_[0].text.contains(english ? u"'Unit'"_s : u"'Einheit'"_s))
+            << messages_[0].text.toStdString() << ": the heading, which the user knows";
         EXPECT_TRUE(messages_[0].details.contains(u"The text has 48 characters"_s));
         EXPECT_EQ(Stored(kFirst, "Unit"), u"°C"_s);
         EXPECT_EQ(CurrentRow(), 0);
@@ -235,6 +239,77 @@ TEST_F(EditorEditTest, WhatTheFieldDoesNotTakeIsADataError) {
         Click(u"ARCH2"_s);
         EXPECT_THAT(messages_, IsEmpty());
         EXPECT_NE(Text(0, u"Name"_s), kFirst);
+        CloseProject();
+    }
+}
+
+// It used to stay there without a word.
+TEST_F(EditorEditTest, WhatIsNoValueOfItsColumnStaysInTheCellAndIsTold) {
+    Open();
+    for (const auto& [field, typed] :
+         {std::pair(u"Factor"_s, u"1.000,5"_s), std::pair(u"Factor"_s, u"1,000.5"_s),
+          std::pair(u"VMaxSamples"_s, u"-"_s)}) {
+        SCOPED_TRACE(typed.toStdString());
+        const QString before = Stored(kFirst, field.toStdString());
+        ClickCell(0, field);
+        Type(typed);
+        Key(Qt::Key_Return);
+        EXPECT_EQ(TypedText(), typed);
+        const QString said = Editor()->findChild<QStatusBar*>(u"sb"_s)->currentMessage();
+        EXPECT_TRUE(said.startsWith(u"'%1' is no value of the column"_s.arg(typed)))
+            << said.toStdString();
+        Key(Qt::Key_Escape);
+        EXPECT_EQ(Stored(kFirst, field.toStdString()), before);
+    }
+    EXPECT_THAT(messages_, IsEmpty());
+}
+
+TEST_F(EditorEditTest, TheIndexTextFollowsARenamingThatItIsNamedBy) {
+    Open();
+    Key(Qt::Key_F8);
+    Type(u"Neuling"_s);
+    Key(Qt::Key_Return);
+    const auto withText = [&](const QString& trend, auto look) {
+        const std::int32_t id = Stored(trend, "TextID").toInt();
+        Elsewhere([&](projectdb::ProjectRows& rows) {
+            ASSERT_TRUE(rows.SeekText(id));
+            look(rows.Texts());
+        });
+    };
+    withText(u"Neuling"_s, [](ado::Recordset& text) {
+        EXPECT_EQ(projectdb::NameOf(text), u"IdxNeuling"_s);
+        text.Set("Name", std::u16string(u"Eigener"));
+        text.Update();
+    });
+    Click(u"ARCH1"_s);  // shows what is new
+    TurnTo();
+    ClickCell(static_cast<int>(Names().indexOf(u"Neuling"_s)), u"Name"_s);
+    Type(u"Altling"_s);
+    Key(Qt::Key_Return);
+    withText(u"Altling"_s, [](ado::Recordset& text) {
+        EXPECT_EQ(projectdb::NameOf(text), u"Eigener"_s) << "does not come from the trend's";
+    });
+}
+
+TEST_F(EditorEditTest, TrendsWithoutATextAreCountedInTheStatusBar) {
+    struct Case {
+        bool english;
+        QString trend;
+        QString said;
+    };
+    const Case cases[] = {
+        {true, kFirst, u"1 trend is not shown, its text is missing"_s},
+        {false, u"Maischbottich Druck"_s, u"2 Trends werden nicht angezeigt, ihre Texte fehlen"_s},
+    };
+    project_ = Brewery();
+    for (const Case& c : cases) {
+        ChangeElsewhere(c.trend, "TextID", ado::Null());
+        Open(u"ARCH1"_s, c.english);
+        auto* label = Editor()->findChild<QLabel*>(u"lblTextsMissing"_s);
+        EXPECT_EQ(label->text(), c.said);
+        EXPECT_TRUE(label->isVisible());
+        Click(u"ARCH2"_s);
+        EXPECT_FALSE(label->isVisible());
         CloseProject();
     }
 }

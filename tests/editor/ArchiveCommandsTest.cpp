@@ -358,13 +358,20 @@ TEST_F(ArchiveCommandsTest, TheNodeGoesExactlyWhenItsArchiveIsGone) {
     }
     // Failed after them.
     tree_.calls.clear();
-    EXPECT_EQ(ErrorOf([&] {
-                  archives_.Delete(u"ARCH2"_s, {}, [](int done, int) -> bool {
-                      if (done == 1) throw ado::AdoError(7, "A page is damaged.");
-                      return true;
-                  });
-              }),
-              7);
+    projectdb::Failure failure;
+    try {
+        archives_.Delete(u"ARCH2"_s, {}, [](int done, int) -> bool {
+            if (done < 3) return true;
+            throw ado::AdoError(7, "A page is damaged.", {reasons::Cause::FileDamaged, "a.kvs"});
+        });
+    } catch (...) {
+        failure = projectdb::Failure::Current();
+    }
+    EXPECT_EQ(failure.Details(), u"7   A page is damaged."_s);
+    // What is left used to stand under the details only, and the cause to be unknown.
+    EXPECT_TRUE(failure.Text().startsWith(
+        u"Archiv und 2 Trends weg, 22 da: Die Datei 'a.kvs' ist beschädigt."_s))
+        << failure.Text().toStdString();
     EXPECT_EQ(tree_.calls, QStringList(u"remove 2"_s));
     // Not there any more.
     EXPECT_TRUE(archives_.Delete(u"ARCH2"_s, {}, {}));

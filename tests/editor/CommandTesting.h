@@ -6,6 +6,7 @@
 #include "editor/TrendCommands.h"
 #include "projectdb/ProjectTesting.h"
 #include "projectdb/Text.h"
+#include "texts/MResourceTable.h"
 
 /// The fields of a new archive behind its keys, and of a new trend.
 inline std::string NewArchiveFields(const std::string& fileName) {
@@ -44,6 +45,8 @@ protected:
         texts_.AddTexts(527, {u"Archiv mit <td> Trends?"});
         texts_.AddTexts(528, {u"Einen Trend?"});
         texts_.AddTexts(529, {u"<td> Trends?"});
+        texts_.AddTexts(MResourceTable::kTextArchivePartlyDeleted,
+                        {u"Archiv und <n> Trends weg, <left> da: <cause>"});
         texts_.AddTexts(701, {u"Kopie von "});
         texts_.AddTexts(702, {u") von "});
         texts_.AddTexts(703, {u"Kopie("});

@@ -12,6 +12,7 @@
 #include "projectdb/Text.h"
 #include "records/RecordTesting.h"
 #include "texts/MResourceTable.h"
+#include "texts/ReasonText.h"
 
 namespace {
 
@@ -415,7 +416,8 @@ TEST_F(MArchivTest, ColumnsThatAProjectLacksAreNotMissed) {
 TEST_F(MArchivTest, FailedLoadShowsNoDialog) {
     EXPECT_FALSE(Edit("gibt es nicht"));
     EXPECT_FALSE(shown_);
-    EXPECT_EQ(around_.messages, QStringList{around_.texts.GetText(223)});
+    EXPECT_EQ(around_.messages, QStringList(around_.texts.GetText(223) + u"\n\n"_s +
+                                            texts::ReasonText({reasons::Cause::RowGone})));
 }
 
 TEST_F(MArchivTest, TextsAreNoLongerThanTheirColumns) {

@@ -14,6 +14,7 @@
 #include "projectdb/Text.h"
 #include "records/RecordTesting.h"
 #include "texts/MResourceTable.h"
+#include "texts/ReasonText.h"
 
 namespace {
 
@@ -321,7 +322,9 @@ TEST_P(MTrendFailureTest, ATrendThatCannotBeReadIsNotShown) {
     EXPECT_FALSE(shown_);
     const QString text =
         In(u"Initialisierung Trend-Dialog fehlgegangen", u"Error: Initializing Trend Dialog");
-    EXPECT_EQ(around_.messages, QStringList({text, text}));
+    EXPECT_EQ(around_.messages,
+              QStringList({text + u"\n\n"_s + texts::ReasonText({}),
+                           text + u"\n\n"_s + texts::ReasonText({reasons::Cause::RowGone})}));
 }
 
 TEST_P(MTrendFailureTest, ARowThatAnotherProgramChangedTakesWhatWasTypedWithTheNextOk) {

@@ -158,6 +158,7 @@ bool CellEdit::Commit() {
         QApplication::beep();
         split_.NoteRefusal();
         if (!editor_->hasFocus()) editor_->setFocus(Qt::OtherFocusReason);
+        emit split_.TextRefused(column_, Text());
         return false;
     }
     const GridRowId row = row_;
