@@ -174,6 +174,9 @@ private:
     void UpdateCommands();
     /// False for a project that can only be looked at.
     [[nodiscard]] bool CanWrite();
+    /// As CanWrite, and says so in the status bar: for commands that come from elsewhere than from
+    /// an action that is grey then.
+    [[nodiscard]] bool MayStore();
     /// Why a command cannot run now; empty when it can.
     [[nodiscard]] QString Obstacle(const QAction& command);
     /// Says something in the status bar for a while; nobody has to answer.

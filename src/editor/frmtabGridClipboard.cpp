@@ -34,7 +34,8 @@ void frmtabGrid::Copy() {
 }
 
 void frmtabGrid::Paste() {
-    if (busy_) return;
+    if (busy_) return Hint(MResourceTable::kTextHintBusy);
+    if (!MayStore()) return;
     if (tdbA->Split() != 1) return Hint(MResourceTable::kTextHintPasteIntoTrends);
     const QScopedValueRollback busy(busy_, true);
     if (!CommitPendingEdit()) return;

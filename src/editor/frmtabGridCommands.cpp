@@ -102,7 +102,8 @@ AskUser frmtabGrid::Question(const QString& about) {
 
 void frmtabGrid::mnuArchiv_Click(int index) {
     if (index == kShowEditor) return addIn_.ShowEditor();
-    if (busy_) return;
+    if (busy_) return Hint(MResourceTable::kTextHintBusy);
+    if (index != kEdit && !MayStore()) return;
     const QScopedValueRollback busy(busy_, true);
     if (!CommitPendingEdit()) return;
     // The tree may have another node selected, of another editor; then the archive that is open.
@@ -144,7 +145,8 @@ void frmtabGrid::mnuArchiv_Click(int index) {
 }
 
 void frmtabGrid::mnuTrend_Click(int index) {
-    if (busy_) return;
+    if (busy_) return Hint(MResourceTable::kTextHintBusy);
+    if (index != kEdit && !MayStore()) return;
     const QScopedValueRollback busy(busy_, true);
     if (!CommitPendingEdit()) return;
     if (!IsThere(project_.currentNodeKey)) return;
@@ -223,7 +225,8 @@ void frmtabGrid::ShowOptions() {
 }
 
 void frmtabGrid::DuplicateSelection() {
-    if (busy_) return;
+    if (busy_) return Hint(MResourceTable::kTextHintBusy);
+    if (!MayStore()) return;
     const QScopedValueRollback busy(busy_, true);
     if (!CommitPendingEdit()) return;
     if (!IsThere(project_.currentNodeKey)) return;

@@ -42,6 +42,12 @@ QString frmtabGrid::Obstacle(const QAction& command) {
     return texts_.GetText(MResourceTable::kTextHintNoSelection);
 }
 
+bool frmtabGrid::MayStore() {
+    if (CanWrite()) return true;
+    Hint(MResourceTable::kTextHintReadOnly);
+    return false;
+}
+
 void frmtabGrid::HintAtArchiveCommand(int index) {
     const QString obstacle = Obstacle(*mnuArchiv.at(static_cast<std::size_t>(index)));
     if (!obstacle.isEmpty()) Hint(obstacle);

@@ -233,6 +233,29 @@ TEST_F(EditorLayoutTest, AnotherLanguageOfTheTextsIsWhatTheDialogsShow) {
     }
 }
 
+// A 0 in the settings file of the folder used to break the next project there.
+TEST_F(EditorLayoutTest, WhereThereIsNoLanguageNoneIsWritten) {
+    project_ = Brewery();
+    {
+        ado::Connection connection;
+        connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + project_.toStdString());
+        ado::Recordset languages;
+        languages.Open("TcfgLanguages", connection, ado::CommandType::Table);
+        for (; !languages.IsEOF(); languages.MoveNext()) languages.Delete();
+    }
+    for (const QByteArray& stored : {QByteArray(), QByteArray("CurrentLCID=1036\r\n")}) {
+        WriteIni(stored);
+        Open();
+        CloseProject();
+        EXPECT_THAT(Ini(), HasSubstr("Me.Width="));
+        if (stored.isEmpty()) {
+            EXPECT_THAT(Ini(), testing::Not(HasSubstr("CurrentLCID")));
+        } else {
+            EXPECT_THAT(Ini(), HasSubstr(stored.toStdString()));
+        }
+    }
+}
+
 // The places of columns are counted over all of them, also those with the texts of each language.
 TEST_F(EditorLayoutTest, ColumnsKeepTheirOrderInAProjectWithOtherLanguages) {
     Open();
