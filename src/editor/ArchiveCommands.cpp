@@ -20,20 +20,6 @@ using projectdb::ToQString;
 using projectdb::ToUtf16;
 using projectdb::ToUtf8;
 
-/// Group and index text bear the name of their archive, the current one.
-void RenameGroupAndText(std::int32_t archiveId, ProjectRows& rows) {
-    const std::u16string name = project::NameOf(rows.Archives());
-    if (rows.SeekGroup(archiveId)) {
-        const EditScope scope(rows.Groups());
-        rows.Groups().Set("Name", name);
-        rows.Groups().Update();
-    }
-    if (rows.SeekTextOf(rows.Archives())) {
-        rows.Texts().Set("Name", project::ArchiveTextName(name));
-        rows.Texts().Update();
-    }
-}
-
 }  // namespace
 
 std::int32_t ArchiveCommands::New(const QString& languageColumn) {
@@ -48,10 +34,7 @@ std::int32_t ArchiveCommands::New(const QString& languageColumn) {
                                  names_.UseIn(projectdb::kArchiveNames));
         id = rows.AddArchive(name);
         const std::int32_t group = rows.AddGroup(id, name);
-        const std::int32_t text = rows.AddArchiveText(group, name, ToUtf8(languageColumn));
-        const EditScope scope(archives);
-        archives.Set("TextID", text);
-        archives.Update();
+        rows.AddArchiveText(group, name, ToUtf8(languageColumn));
         return true;
     });
     names_.AddNameInGroup(projectdb::kArchiveNames, ToQString(name));
@@ -73,7 +56,7 @@ bool ArchiveCommands::Edit(std::int32_t archiveId, const EditArchive& edit) {
         projectdb::Transaction transaction(project_.Environment().Connection());
         if (texts.EditMode() != ado::EditMode::None) texts.Update();
         archives.Update();
-        if (NameOf(archives) != oldName) RenameGroupAndText(archiveId, rows);
+        if (NameOf(archives) != oldName) rows.NameGroupAndText(archiveId);
         transaction.Commit();
     };
     if (!edit(archives, texts, save)) return false;

@@ -5,7 +5,6 @@
 #include "editor/DuplicateName.h"
 #include "editor/NameLists.h"
 #include "project/CurveColours.h"
-#include "project/Names.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
 #include "projectdb/Transaction.h"
@@ -37,10 +36,7 @@ std::vector<std::int32_t> PasteCommands::PasteTrends(std::span<const project::Ne
         const std::int32_t group = rows.GroupOfTrends(archive);
         project::CurveColours colours(rows, archive);
         const ado::Recordset& trends = rows.Trends();
-        const qsizetype limit =
-            qMin(trends.Fields()[trends.FieldIndex("Name")].definedSize,
-                 rows.Texts().Fields()[rows.Texts().FieldIndex("Name")].definedSize -
-                     project::kTrendTextPrefix);
+        const int limit = rows.LongestTrendName();
         const auto isInUse = [&](const QString& name) {
             return names.TestNameInGroup(projectdb::kTrendNames, name);
         };

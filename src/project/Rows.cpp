@@ -15,6 +15,10 @@ bool Seek(ado::Recordset& rows, std::string_view column, std::int32_t id) {
     return !rows.IsEOF();
 }
 
+int LengthOfName(const ado::Recordset& rows) {
+    return rows.Fields()[rows.FieldIndex("Name")].definedSize;
+}
+
 void Assign(ado::Recordset& row, const Values& values, const NewTrend& trend) {
     for (const auto& [column, value] : values) {
         if (trend.assigning) trend.assigning(column);
@@ -129,7 +133,11 @@ std::int32_t Rows::AddArchiveText(std::int32_t group, std::u16string_view archiv
     texts.Set("Name", ArchiveTextName(archiveName));
     if (HasField(texts, languageColumn)) texts.Set(languageColumn, std::u16string(archiveName));
     texts.Update();
-    return ado::ToLong(texts.Get("ID"));
+    const std::int32_t id = ado::ToLong(texts.Get("ID"));
+    const EditScope archiveScope(Archives());
+    Archives().Set("TextID", id);
+    Archives().Update();
+    return id;
 }
 
 std::int32_t Rows::AddTrend(std::int32_t archiveId, const NewTrend& trend) {
@@ -165,6 +173,69 @@ std::int32_t Rows::AddTrendText(std::int32_t group, const NewTrend& trend) {
     Trends().Set("TextID", id);
     Trends().Update();
     return id;
+}
+
+void Rows::NameGroupAndText(std::int32_t archiveId) {
+    const std::u16string name = NameOf(Archives());
+    if (SeekGroup(archiveId)) {
+        const EditScope scope(Groups());
+        Groups().Set("Name", name);
+        Groups().Update();
+    }
+    if (SeekTextOf(Archives())) {
+        Texts().Set("Name", ArchiveTextName(name));
+        Texts().Update();
+    }
+}
+
+int Rows::LongestArchiveName() {
+    return std::min(LengthOfName(Archives()), LengthOfName(Texts()) - kArchiveTextPrefix);
+}
+
+int Rows::LongestTrendName() {
+    return std::min(LengthOfName(Trends()), LengthOfName(Texts()) - kTrendTextPrefix);
+}
+
+void Rows::BeginRemoving() {
+    // Asked of all of them first: a failure in the middle leaves removed what is removed.
+    for (const ado::Recordset* table : {&Archives(), &Groups(), &Texts(), &Trends()}) {
+        table->RequireWritable();
+    }
+    // Rows that cannot be read name no text.
+    const auto texts = [](const ado::Recordset& owners) {
+        return owners.NumbersOf(owners.FieldIndex("TextID"));
+    };
+    std::vector<std::int32_t> named = texts(Trends());
+    const std::vector<std::int32_t> archives = texts(Archives());
+    named.insert(named.end(), archives.begin(), archives.end());
+    std::sort(named.begin(), named.end());
+    sharedTexts_.clear();
+    for (std::size_t i = 1; i < named.size(); ++i) {
+        if (named[i] == named[i - 1]) ++sharedTexts_.try_emplace(named[i], 1).first->second;
+    }
+}
+
+bool Rows::RemoveArchive(std::int32_t id) {
+    if (!SeekArchive(id)) return false;
+    if (SeekGroup(id)) Groups().Delete();
+    RemoveTextOf(Archives());
+    Archives().Delete();
+    return true;
+}
+
+bool Rows::RemoveTrend(std::int32_t id) {
+    if (!SeekTrend(id)) return false;
+    RemoveTextOf(Trends());
+    Trends().Delete();
+    return true;
+}
+
+void Rows::RemoveTextOf(const ado::Recordset& owner) {
+    const auto text = NumberOf(owner, "TextID");
+    if (!text) return;
+    const auto shared = sharedTexts_.find(*text);
+    if (shared != sharedTexts_.end() && --shared->second > 0) return;
+    if (SeekText(*text)) Texts().Delete();
 }
 
 std::optional<std::int32_t> NumberOf(const ado::Recordset& rows, std::string_view field) {

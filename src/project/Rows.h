@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -71,7 +72,8 @@ public:
     std::int32_t AddArchive(std::u16string_view name);
     /// The group of an archive below the root.
     std::int32_t AddGroup(std::int32_t archiveId, std::u16string_view name);
-    /// The text of an archive, in the column of a language ("L1031") where the table has it.
+    /// The text of the current archive, which is told of it; in the column of a language ("L1031")
+    /// where the table has it.
     std::int32_t AddArchiveText(std::int32_t group, std::u16string_view archiveName,
                                 std::string_view languageColumn);
     /// A trend of an archive with what `trend` says.
@@ -79,7 +81,26 @@ public:
     /// The text of the current trend, which is told of it.
     std::int32_t AddTrendText(std::int32_t group, const NewTrend& trend);
 
+    /// Group and text of the current archive get its name.
+    void NameGroupAndText(std::int32_t archiveId);
+    /// How long a name may be that its table and the name made of it for the text can hold, in
+    /// UTF-16 units.
+    [[nodiscard]] int LongestArchiveName();
+    [[nodiscard]] int LongestTrendName();
+
+    // The removers take the text of a row along unless another row names it as well, and leave
+    // no current row. False: the row is not there (any more).
+
+    /// To be called before the first of them, and before rows are shown to go: throws when rows of
+    /// one of the tables can be changed in no way.
+    void BeginRemoving();
+    /// An archive with its group and text; its trends stay. Of several groups nobody can tell which
+    /// one is the archive's: they stay, too.
+    [[nodiscard]] bool RemoveArchive(std::int32_t id);
+    [[nodiscard]] bool RemoveTrend(std::int32_t id);
+
 private:
+    void RemoveTextOf(const ado::Recordset& owner);
     ado::Recordset& Opened(ado::Recordset& rows, std::string_view table);
     [[nodiscard]] bool IsArchive(std::int32_t id);
 
@@ -88,6 +109,7 @@ private:
     ado::Recordset trends_;
     ado::Recordset texts_;
     ado::Recordset groups_;
+    std::unordered_map<std::int32_t, int> sharedTexts_;  // how many rows name it, by ID
 };
 
 /// Drops what is still being edited in a recordset when the scope is left, so that a failure leaves

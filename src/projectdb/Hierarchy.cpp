@@ -1,6 +1,5 @@
 #include "projectdb/Hierarchy.h"
 
-#include <algorithm>
 #include <exception>
 
 #include "projectdb/Guard.h"
@@ -31,27 +30,6 @@ void ReloadTrends(ProjectContext& project, IEditorWindow& editor) {
     editor.NamesInGroup(kTrendNames);
     editor.TrendsReloaded();
 }
-
-namespace {
-
-/// The texts that several archives and trends name, and how many. Rows that cannot be read name
-/// none.
-std::unordered_map<std::int32_t, int> SharedTexts(ProjectRows& rows) {
-    const auto texts = [](const ado::Recordset& owners) {
-        return owners.NumbersOf(owners.FieldIndex("TextID"));
-    };
-    std::vector<std::int32_t> named = texts(rows.Trends());
-    const std::vector<std::int32_t> archives = texts(rows.Archives());
-    named.insert(named.end(), archives.begin(), archives.end());
-    std::sort(named.begin(), named.end());
-    std::unordered_map<std::int32_t, int> shared;
-    for (std::size_t i = 1; i < named.size(); ++i) {
-        if (named[i] == named[i - 1]) ++shared.try_emplace(named[i], 1).first->second;
-    }
-    return shared;
-}
-
-}  // namespace
 
 void Hierarchy::CollectArchive(const QString& nodeKey) {
     nodes_.Clear();
@@ -117,12 +95,7 @@ bool Hierarchy::Cascade(const Progress& progress) {
     CommitWhatIsDone(
         environment.Connection(),
         [&] {
-            // Asked of all of them first: a failure in the middle leaves deleted what is deleted.
-            for (const ado::Recordset* table :
-                 {&rows.Archives(), &rows.Groups(), &rows.Texts(), &rows.Trends()}) {
-                table->RequireWritable();
-            }
-            sharedTexts_ = SharedTexts(rows);
+            rows.BeginRemoving();
             goesOn = DeleteNodes(nodes_, rows, progress);
             return goesOn;
         },
@@ -138,42 +111,20 @@ bool Hierarchy::DeleteNodes(const CHNds& nodes, ProjectRows& rows, const Progres
     for (std::size_t i = 0; i < nodes.Count(); ++i) {
         if (progress && !progress(done_, total_)) return false;
         const CHNd& node = nodes.Item(i);
-        if (node.Kind() == CHNds::Kind::Archive) {
-            DeleteArchiveRows(node.Id(), rows);
-        } else {
-            DeleteTrendRows(node.Id(), rows);
+        // A row may be gone: another program was faster.
+        if (node.Kind() == CHNds::Kind::Trend) {
+            if (rows.RemoveTrend(node.Id())) {
+                deletion_.trends.push_back(node.Id());
+                counters_.Add(DeleteFunction(), 0, 1);
+            }
+        } else if (rows.RemoveArchive(node.Id())) {
+            deletion_.archives.push_back(node.Id());
+            counters_.Add(DeleteFunction(), 1, 0);
         }
         ++done_;
         if (!DeleteNodes(node.Children(), rows, progress)) return false;
     }
     return true;
-}
-
-void Hierarchy::DeleteArchiveRows(std::int32_t id, ProjectRows& rows) {
-    if (!rows.SeekArchive(id)) return;  // another program was faster
-    // With several groups nobody can tell which one is the archive's.
-    if (rows.SeekGroup(id)) rows.Groups().Delete();
-    DeleteTextOf(rows.Archives(), rows);
-    rows.Archives().Delete();
-    deletion_.archives.push_back(id);
-    counters_.Add(DeleteFunction(), 1, 0);
-}
-
-/// A text that another row names as well is that row's, too.
-void Hierarchy::DeleteTextOf(const ado::Recordset& owner, ProjectRows& rows) {
-    const auto text = NumberOf(owner, "TextID");
-    if (!text) return;
-    const auto shared = sharedTexts_.find(*text);
-    if (shared != sharedTexts_.end() && --shared->second > 0) return;
-    if (rows.SeekText(*text)) rows.Texts().Delete();
-}
-
-void Hierarchy::DeleteTrendRows(std::int32_t id, ProjectRows& rows) {
-    if (!rows.SeekTrend(id)) return;
-    DeleteTextOf(rows.Trends(), rows);
-    rows.Trends().Delete();
-    deletion_.trends.push_back(id);
-    counters_.Add(DeleteFunction(), 0, 1);
 }
 
 /// Gives the recordsets of the data environment and the window the rows that are left.

@@ -3,7 +3,6 @@
 #include <functional>
 #include <QStringView>
 #include <span>
-#include <unordered_map>
 #include <vector>
 
 #include "projectdb/CHNds.h"
@@ -81,9 +80,6 @@ private:
     bool Delete(const Confirm& confirm, const Progress& progress);
     bool Cascade(const Progress& progress);
     bool DeleteNodes(const CHNds& nodes, ProjectRows& rows, const Progress& progress);
-    void DeleteArchiveRows(std::int32_t id, ProjectRows& rows);
-    void DeleteTrendRows(std::int32_t id, ProjectRows& rows);
-    void DeleteTextOf(const ado::Recordset& owner, ProjectRows& rows);
     void BringUpToDate();
 
     ProjectContext& project_;
@@ -91,9 +87,8 @@ private:
     FunctionCounters counters_;
     CHNds nodes_;  // of the operation that ran last
     Deletion deletion_;
-    std::unordered_map<std::int32_t, int> sharedTexts_;  // how many rows name it, by ID
-    int done_ = 0;                                       // nodes of the deletion so far
-    int total_ = 0;                                      // all nodes of the deletion
+    int done_ = 0;   // nodes of the deletion so far
+    int total_ = 0;  // all nodes of the deletion
 };
 
 }  // namespace projectdb
