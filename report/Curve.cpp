@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <QVector>
 
+#include "project/Colour.h"
+
 namespace report {
 
 using namespace Qt::Literals::StringLiterals;
@@ -28,8 +30,8 @@ int ShownWidth(const Curve& curve) {
 }  // namespace
 
 QColor Curve::Colour() const {
-    return QColor(static_cast<int>(colour & 0xFF), static_cast<int>((colour >> 8) & 0xFF),
-                  static_cast<int>((colour >> 16) & 0xFF));
+    const project::ColourParts parts = project::PartsOf(static_cast<std::int32_t>(colour));
+    return QColor(parts.red, parts.green, parts.blue);
 }
 
 QColor Curve::Ground() const {

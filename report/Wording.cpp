@@ -3,12 +3,15 @@
 #include <algorithm>
 
 #include "platform/Locale.h"
+#include "project/Number.h"
 #include "project/Schema.h"
+#include "projectdb/Text.h"
 #include "texts/MResources.h"
 
 namespace report {
 
 using namespace Qt::Literals::StringLiterals;
+using projectdb::ToQString;
 
 namespace {
 
@@ -35,11 +38,12 @@ QString LanguageName(int lcid) {
 /// The value in the language's own form of numbers; empty for Null.
 QString Wording::Value(const Cell& cell) const {
     if (cell.damaged) return texts_(Text::Damaged);
+    const char16_t point = platform::DecimalSeparator(texts_.Locale()).unicode();
     if (const auto* number = std::get_if<double>(&cell.value)) {
-        return platform::NumberToText(*number, texts_.Locale());
+        return ToQString(project::FormatNumber(*number, point));
     }
     if (const auto* number = std::get_if<float>(&cell.value)) {
-        return texts_.Locale().toString(*number, 'g', QLocale::FloatingPointShortest);
+        return ToQString(project::FormatNumber(*number, point));
     }
     if (const auto* number = std::get_if<std::int32_t>(&cell.value)) return texts_.Number(*number);
     return PlainText(cell);

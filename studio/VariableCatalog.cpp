@@ -6,6 +6,7 @@
 #include "ado/AdoError.h"
 #include "ado/Connection.h"
 #include "ado/Recordset.h"
+#include "project/FieldText.h"
 #include "project/Schema.h"
 #include "texts/ReasonText.h"
 
@@ -20,10 +21,7 @@ constexpr int kMostUnreadableRows = 1000;
 constexpr std::int32_t kNoStructure = 0;
 
 QString TextOf(const ado::Value& value) {
-    const std::u16string text = ado::ToText(value);
-    // One character U+0000 stands for an empty text in columns that forbid one.
-    if (text == std::u16string_view(u"\0", 1)) return {};
-    return QString::fromStdU16String(text);
+    return QString::fromStdU16String(project::ValueText(value));
 }
 
 QString Explanation(const std::exception& error) {

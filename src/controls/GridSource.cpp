@@ -1,15 +1,8 @@
 #include "controls/GridSource.h"
 
-#include "controls/detail/CellValue.h"
-
 GridSource::GridSource(QObject* parent) : QAbstractTableModel(parent) {}
 
 GridSource::~GridSource() = default;
-
-std::optional<QVariant> GridSource::ReadCell(int column, const QString& text) const {
-    const int kind = headerData(column, Qt::Horizontal, GridRole::kKind).toInt();
-    return cellvalue::Parse(text, static_cast<GridKind>(kind));
-}
 
 GridRowState GridSource::RowState(GridRowId /*row*/) const {
     return GridRowState::Stored;

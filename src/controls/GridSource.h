@@ -30,6 +30,8 @@ inline constexpr int kStored = Qt::UserRole + 1;
 inline constexpr int kField = Qt::UserRole + 2;
 /// headerData(), horizontal: a GridKind as int. Text when missing.
 inline constexpr int kKind = Qt::UserRole + 3;
+/// data(): the number that the text of a cell is as a whole; an invalid QVariant when it is none.
+inline constexpr int kNumber = Qt::UserRole + 4;
 }  // namespace GridRole
 
 enum class GridRowState {
@@ -60,15 +62,16 @@ struct GridCommit {
 /// grid knows no database.
 ///
 /// What the grid asks for while it paints or scrolls:
-/// - rowCount, data (Qt::DisplayRole: the text shown, Qt::ToolTipRole: optional, kStored),
+/// - rowCount, data (Qt::DisplayRole: the text shown, Qt::ToolTipRole: optional, kStored, kNumber),
 ///   headerData (Qt::DisplayRole: the caption until the column is given another, kField, kKind),
 ///   flags (Qt::ItemIsEditable decides whether the cell can be edited at all). They are answered
 ///   from memory.
 /// - canFetchMore, fetchMore: the next portion of rows, inserted at the end. Some screens full at
 ///   a time; it must take less than a frame (16 ms). Sorting and narrowing read all portions.
 ///
-/// A column with value items shows the item's text, one with a number format the formatted
-/// number, a colour its swatch; for all others the grid shows what Qt::DisplayRole says.
+/// A column with value items shows the item's text; for all others the grid shows what
+/// Qt::DisplayRole says, and has it edited, numbers and colours too. A text column with a number
+/// format is sorted by the numbers that its texts are.
 ///
 /// Changes are announced as Qt's models do: rows inserted and removed, dataChanged, and a reset
 /// when the rows are read anew or become those of another archive. Columns change by reset only.
@@ -94,8 +97,9 @@ public:
     [[nodiscard]] virtual QVariant ContentKey() const { return {}; }
 
     /// What a text typed into a cell of the column means there: an invalid value when it is empty,
-    /// nothing when it is no value for the column. By default as the column's kind says.
-    [[nodiscard]] virtual std::optional<QVariant> ReadCell(int column, const QString& text) const;
+    /// nothing when it is no value for the column.
+    [[nodiscard]] virtual std::optional<QVariant> ReadCell(int column,
+                                                           const QString& text) const = 0;
 
     /// Writes one cell. `value` is of the column's kind: QString, qlonglong or double; invalid
     /// when the cell has been cleared. Checks of the value (an empty name) belong here. On

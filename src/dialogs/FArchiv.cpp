@@ -5,7 +5,7 @@
 #include "dialogs/ArchiveSummary.h"
 #include "dialogs/FolderChoice.h"
 #include "platform/HelpTopics.h"
-#include "platform/Locale.h"
+#include "project/Number.h"
 #include "texts/MResourceTable.h"
 
 namespace {
@@ -19,6 +19,11 @@ using project::ArchiveType::kContinuationFile;
 constexpr std::array<int, 2> kScanTimeUnits = {kTextUnitProcessCycles, kTextUnitMilliseconds};
 
 constexpr int kCharactersShown = 64;
+
+/// All of them are whole: a comma is no point.
+double NumberIn(const QLineEdit& field) {
+    return project::ReadNumber(field.text().toStdU16String(), false).number;
+}
 
 }  // namespace
 
@@ -56,8 +61,7 @@ int FArchiv::HelpTopic(int page) const {
 /// Without a count or a variable the event would be stored as none at all.
 std::optional<PropertyDialog::Objection> FArchiv::WhatIsMissing() const {
     if (!cboNewFile->isEnabledTo(this) || !Touched(*cboNewFile)) return std::nullopt;
-    if (cboNewFile->currentIndex() == FileChange::kCount &&
-        platform::LeadingNumber(txtMaxSamples->text()) == 0) {
+    if (cboNewFile->currentIndex() == FileChange::kCount && NumberIn(*txtMaxSamples) == 0) {
         return Objection{txtMaxSamples, Text(kTextCountMissing)};
     }
     if (cboNewFile->currentIndex() == FileChange::kTrigger && txtNewFile->text().isEmpty()) {
@@ -267,9 +271,7 @@ void FArchiv::txtNewFile_Change() {
 
 void FArchiv::ShowSummary() {
     using enum ArchiveSettings::Kind;
-    const auto number = [](const QLineEdit* field) {
-        return platform::LeadingNumber(field->text());
-    };
+    const auto number = [](const QLineEdit* field) { return NumberIn(*field); };
     ArchiveSettings settings;
     if (cmbType->currentIndex() == kCircularBuffer) settings.kind = CircularBuffer;
     if (IsContinuationFile()) settings.kind = ContinuationFile;

@@ -9,7 +9,7 @@
 #include "dialogs/ColourTexts.h"
 #include "dialogs/KeyFilter.h"
 #include "platform/HelpTopics.h"
-#include "platform/Locale.h"
+#include "project/Number.h"
 #include "texts/MResourceTable.h"
 
 namespace {
@@ -21,10 +21,8 @@ constexpr int kDigitKeys = 2;  // see MResources::KeyFilter
 constexpr int kNoFilter = 0;
 
 std::optional<double> NumberIn(const QLineEdit& field) {
-    const QString text = field.text().replace(u',', u'.');
-    qsizetype end = 0;
-    const double number = platform::LeadingNumber(text, &end);
-    return end == 0 ? std::nullopt : std::optional(number);
+    const project::NumberText read = project::ReadNumber(field.text().toStdU16String());
+    return read.any ? std::optional(read.number) : std::nullopt;
 }
 
 /// The code that a list shows, as far as a picture needs one.

@@ -31,6 +31,12 @@
 
 namespace {
 
+/// As the user writes it.
+QString NumberToText(double number) {
+    return QString::fromStdU16String(
+        project::FormatNumber(number, platform::DecimalSeparator().unicode()));
+}
+
 bool IsField(const QWidget* control) {
     return qobject_cast<const QLineEdit*>(control) != nullptr ||
            qobject_cast<const QComboBox*>(control) != nullptr ||
@@ -61,7 +67,7 @@ std::u16string ToUtf16(const QString& text) {
 /// A number as it would be stored, in the user's own form.
 QString StoredNumber(const ado::Value& value, const project::NumberRange& range) {
     const double number = std::get<double>(value);
-    return platform::NumberToText(range.integral ? std::nearbyint(number) : number);
+    return NumberToText(range.integral ? std::nearbyint(number) : number);
 }
 
 /// The first control of a page that the Tab key reaches; null when there is none.
@@ -197,8 +203,8 @@ QString PropertyDialog::NumberText(const QLineEdit& field, int text) const {
     const project::NumberRange range = numbers_.value(&field);
     const project::Reading read = project::ReadDialogText(ToUtf16(field.text()), range);
     return Text(text)
-        .replace(QStringLiteral("<smallest>"), platform::NumberToText(range.smallest))
-        .replace(QStringLiteral("<largest>"), platform::NumberToText(range.largest))
+        .replace(QStringLiteral("<smallest>"), NumberToText(range.smallest))
+        .replace(QStringLiteral("<largest>"), NumberToText(range.largest))
         .replace(QStringLiteral("<number>"), StoredNumber(read.value, range))
         .replace(QStringLiteral("<text>"), field.text());
 }

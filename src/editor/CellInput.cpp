@@ -3,6 +3,7 @@
 #include <optional>
 #include <QDateTime>
 
+#include "project/Moment.h"
 #include "projectdb/Text.h"
 #include "texts/MResourceTable.h"
 
@@ -23,10 +24,9 @@ std::optional<ado::Date> Moment(const QString& text, const QLocale& locale) {
     if (!moment.isValid()) moment = locale.toDate(text, QLocale::ShortFormat).startOfDay(Qt::UTC);
     if (!moment.isValid()) moment = QDateTime::fromString(text, Qt::ISODate);
     if (!moment.isValid()) return std::nullopt;
-    constexpr double kMillisecondsPerDay = 24.0 * 60 * 60 * 1000;
-    const double day = static_cast<double>(QDate(1899, 12, 30).daysTo(moment.date()));
-    const double time = moment.time().msecsSinceStartOfDay() / kMillisecondsPerDay;
-    return ado::Date{day < 0 ? day - time : day + time};
+    const QDate day = moment.date();
+    return project::DateOf(
+        {day.year(), day.month(), day.day(), moment.time().msecsSinceStartOfDay()});
 }
 
 template <typename Parsed>

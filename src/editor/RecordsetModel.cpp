@@ -4,6 +4,8 @@
 
 #include "editor/CellInput.h"
 #include "editor/CellText.h"
+#include "project/Colour.h"
+#include "project/FieldText.h"
 #include "projectdb/Guard.h"
 #include "projectdb/Text.h"
 
@@ -90,7 +92,8 @@ const ado::Field& RecordsetModel::FieldAt(int column) const {
 
 QVariant RecordsetModel::Stored(const ado::Value& value) {
     if (ado::IsNull(value)) return {};
-    if (const auto* text = std::get_if<std::u16string>(&value)) return ShownText(*text);
+    if (const auto* text = std::get_if<std::u16string>(&value))
+        return projectdb::ToQString(project::ValueText(*text));
     if (const auto* flag = std::get_if<bool>(&value)) return *flag ? 1 : 0;
     if (const auto* number = std::get_if<std::int32_t>(&value)) return *number;
     // As it is: its double would show places that a single does not have.
@@ -147,11 +150,25 @@ int RecordsetModel::columnCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(columns_.size());
 }
 
+QString RecordsetModel::ShownText(int row, int column) const {
+    const ado::Value& value = ValueAt(row, column);
+    const auto* number = std::get_if<std::int32_t>(&value);
+    const bool isColour =
+        columns_[static_cast<std::size_t>(column)].kind == GridKind::Colour && number != nullptr;
+    return isColour ? projectdb::ToQString(project::ColourText(*number))
+                    : CellText(value, locale_, texts_);
+}
+
 QVariant RecordsetModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) return {};
     switch (role) {
         case Qt::DisplayRole:
-            return CellText(ValueAt(index.row(), index.column()), locale_, texts_);
+            return ShownText(index.row(), index.column());
+        case GridRole::kNumber: {
+            const auto* text = std::get_if<std::u16string>(&ValueAt(index.row(), index.column()));
+            const auto read = text != nullptr ? project::ReadNumber(*text) : project::NumberText();
+            return read.whole && !read.tooLarge ? QVariant(read.number) : QVariant();
+        }
         case GridRole::kStored:
             return Stored(ValueAt(index.row(), index.column()));
         default:

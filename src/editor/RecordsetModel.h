@@ -97,6 +97,7 @@ private:
     void Bind(ado::Recordset& recordset, std::vector<Column> columns);
     void ReadPortion(std::vector<Row>& portion);
     [[nodiscard]] Row ReadRow() const;
+    [[nodiscard]] QString ShownText(int row, int column) const;
 
     const MResources::TextTable& texts_;
     ado::Recordset* recordset_ = nullptr;

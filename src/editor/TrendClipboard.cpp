@@ -114,7 +114,7 @@ std::unique_ptr<QMimeData> CopyTrends(const GridSplit& trends, const TrendRows& 
         if (row < 0) continue;
         QStringList line;
         for (const int column : columns) {
-            line.append(CellText(rows.ValueAt(row, column), QLocale::c(), texts));
+            line.append(WholeText(rows.ValueAt(row, column), texts));
         }
         lines.append(line);
     }

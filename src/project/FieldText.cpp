@@ -1,5 +1,6 @@
 #include "project/FieldText.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -58,6 +59,19 @@ Reading ReadColourCell(std::u16string_view text, const CellRules& rules) {
 
 }  // namespace
 
+std::u16string ValueText(const ado::Value& value, char16_t point) {
+    if (const auto* number = std::get_if<double>(&value)) return FormatNumber(*number, point);
+    if (const auto* number = std::get_if<float>(&value)) return FormatNumber(*number, point);
+    std::u16string text = ado::ToText(value);
+    if (std::holds_alternative<std::u16string>(value)) {
+        return text == kEmptyText ? std::u16string() : text;
+    }
+    const bool isNumber =
+        std::holds_alternative<ado::Currency>(value) || std::holds_alternative<ado::Decimal>(value);
+    if (isNumber) std::replace(text.begin(), text.end(), u'.', point);
+    return text;
+}
+
 std::optional<NumberRange> RangeOf(ado::DataType type) {
     switch (type) {
         case ado::DataType::UnsignedTinyInt:
@@ -93,7 +107,7 @@ Reading ReadDialogText(std::u16string_view text, const NumberRange& range) {
 
 Reading ReadDialogText(std::u16string_view text, const ado::Field& field) {
     if (IsText(field.type)) {
-        if (text.empty()) return {std::u16string(1, u'\0'), Problem::None};
+        if (text.empty()) return {std::u16string(kEmptyText), Problem::None};
         return {std::u16string(text), FitsText(text, field) ? Problem::None : Problem::TooLong};
     }
     const auto range = RangeOf(field.type);

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "ado/Recordset.h"
@@ -10,6 +11,12 @@
 
 /// What a text means that somebody types or pastes for a field.
 namespace project {
+
+/// What columns hold that forbid empty texts: the one character U+0000.
+inline constexpr std::u16string_view kEmptyText(u"\0", 1);
+
+/// A value as people are shown it: numbers as by FormatNumber, Null and kEmptyText as nothing.
+[[nodiscard]] std::u16string ValueText(const ado::Value& value, char16_t point = u'.');
 
 /// The numbers that a field can hold.
 struct NumberRange {

@@ -11,6 +11,7 @@
 #include "platform/Error.h"
 #include "platform/ProfileFile.h"
 #include "platform/Registry.h"
+#include "project/Schema.h"
 #include "records/FontString.h"
 #include "texts/Language.h"
 #include "texts/MResources.h"
@@ -105,7 +106,7 @@ void CDBLanguages::AddLanguage(const ado::Recordset& texts, const ado::Recordset
     }
     CDBLanguage language;
     language.lcid = lcid;
-    language.textColumn = TextColumn(texts, "L" + std::to_string(number));
+    language.textColumn = TextColumn(texts, project::LanguageColumn(number));
     language.keyboardLayout = ValueOrNull(languages, "kbLayout");
     language.font = StringToFont(ado::ToText(ValueOrNull(languages, "Font")));
     language.displayName = platform::LanguageName(lcid, texts::InterfaceLanguage());

@@ -250,7 +250,7 @@ void StoreColumn(const Rows& rows, std::size_t column, const FArchiv& dialog) {
         }
     } else if (name == "MaxSamples") {
         if (dialog.Touched(*dialog.lblMaxSamples)) {
-            archive.Set(column, platform::LeadingNumber(dialog.lblMaxSamples->text()));
+            MDialogs::TextToField(archive, column, dialog.lblMaxSamples->text());
         }
     } else if (name == "NewFile") {
         StoreNewFile(archive, column, dialog);

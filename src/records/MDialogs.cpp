@@ -7,15 +7,9 @@
 #include "projectdb/Text.h"
 
 namespace MDialogs {
-namespace {
-
-const std::u16string kEmptyText(1, u'\0');
-
-}  // namespace
-
 void FieldToText(const ado::Recordset& row, std::size_t column, QLineEdit& text) {
     const std::u16string shown = ado::ToText(row.Get(column));
-    text.setText(shown == kEmptyText ? QString() : projectdb::ToQString(shown));
+    text.setText(shown == project::kEmptyText ? QString() : projectdb::ToQString(shown));
 }
 
 void TextToField(ado::Recordset& row, std::size_t column, const QLineEdit& text) {

@@ -79,17 +79,9 @@ Control* Find(const std::array<Column<Control>, N>& columns, std::string_view na
     return found == columns.end() ? nullptr : dialog.*found->control;
 }
 
-/// A value as a text control shows it: Null, and the one character that stands for an empty text,
-/// as nothing.
+/// A value as the user writes it.
 QString TextOf(const ado::Value& value) {
-    if (const auto* number = std::get_if<double>(&value)) return platform::NumberToText(*number);
-    if (const auto* number = std::get_if<float>(&value)) {
-        constexpr int kDigits = 7;  // more would show what a float only seems to have
-        return platform::NumberToText(
-            QString::number(static_cast<double>(*number), 'g', kDigits).toDouble());
-    }
-    const std::u16string text = ado::ToText(value);
-    return text == std::u16string_view(u"\0", 1) ? QString() : projectdb::ToQString(text);
+    return projectdb::ToQString(project::ValueText(value, platform::DecimalSeparator().unicode()));
 }
 
 void Load(const ado::Recordset& trend, FTrend& dialog, platform::Lcid language) {

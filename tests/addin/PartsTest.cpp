@@ -148,6 +148,8 @@ TEST(CellTextTest, ValuesReadAsInTheUsersLocale) {
         {8.25, u"8,25"_s},
         {1000000.0, u"1000000"_s},
         {0.1, u"0,1"_s},
+        {0.1 + 0.2, u"0,3"_s},  // the digits behind are the machine's
+        {0.1F, u"0,1"_s},
         {0.0, u"0"_s},
         {1e20, u"1e+20"_s},
         {std::u16string(u"1.5 §"), u"1.5 §"_s},
@@ -161,6 +163,7 @@ TEST(CellTextTest, ValuesReadAsInTheUsersLocale) {
                     text.startsWith(c.text + u' '))  // a time may name its zone
             << text.toStdString() << " instead of " << c.text.toStdString();
     }
+    EXPECT_EQ(WholeText(0.1 + 0.2, texts), u"0.30000000000000004"_s) << "what is copied is whole";
 }
 
 // Rows come in portions; what is read on later must be the rows behind, whatever else has moved

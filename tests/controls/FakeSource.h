@@ -80,6 +80,26 @@ public:
         return found == places_.end() ? -1 : found->second;
     }
     [[nodiscard]] QVariant ContentKey() const override { return key_; }
+    [[nodiscard]] std::optional<QVariant> ReadCell(int column, const QString& text) const override {
+        if (text.isEmpty()) return QVariant();
+        bool ok = true;
+        QVariant value = text;
+        switch (fields_.at(static_cast<std::size_t>(column)).kind) {
+            case GridKind::Integer:
+                value = text.toLongLong(&ok);
+                break;
+            case GridKind::Number:
+                value = NumberIn(text, ok);
+                break;
+            case GridKind::Colour:
+                value = qlonglong{Turned(text.mid(1).toUInt(&ok, 16))};
+                ok = ok && text.size() == 7;
+                break;
+            case GridKind::Text:
+                break;
+        }
+        return ok ? std::optional(value) : std::nullopt;
+    }
     GridCommit CommitCell(GridRowId id, int column, const QVariant& value) override {
         commits.push_back({id, column, value});
         if (answer) {
@@ -111,7 +131,15 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override {
         const QVariant& value = At(index.row()).values.at(static_cast<std::size_t>(index.column()));
         if (role == GridRole::kStored) return value;
-        return role == Qt::DisplayRole ? QVariant(value.toString()) : QVariant();
+        if (role == GridRole::kNumber) {
+            bool ok = false;
+            const double number = NumberIn(value.toString(), ok);
+            return ok ? QVariant(number) : QVariant();
+        }
+        if (role != Qt::DisplayRole) return {};
+        const Field& field = fields_.at(static_cast<std::size_t>(index.column()));
+        return field.kind == GridKind::Colour && value.isValid() ? ColourText(value.toUInt())
+                                                                 : value.toString();
     }
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation, int role) const override {
         const Field& field = fields_.at(static_cast<std::size_t>(section));
@@ -139,6 +167,15 @@ public:
     std::function<GridCommit(const Commit&)> answer;  // none: everything is stored
 
 private:
+    [[nodiscard]] static double NumberIn(QString text, bool& ok) {
+        return text.replace(u',', u'.').toDouble(&ok);
+    }
+    [[nodiscard]] static uint Turned(uint bits) {
+        return (bits & 0xFF) << 16 | (bits & 0xFF00) | bits >> 16;
+    }
+    [[nodiscard]] static QString ColourText(uint stored) {
+        return u'#' + QString::number(Turned(stored), 16).toUpper().rightJustified(6, u'0');
+    }
     [[nodiscard]] const Row& At(int row) const { return stored_.at(static_cast<std::size_t>(row)); }
 
     std::vector<Field> fields_;

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "project/Colour.h"
+#include "project/Moment.h"
 
 namespace project {
 namespace {
@@ -98,6 +99,29 @@ TEST(FieldTextTest, AColoursTextIsReadBack) {
          {u"", u"#12345", u"#12345g", u"&H", u"red", u"1.5", u"9999999999"}) {
         EXPECT_EQ(ReadColour(text), std::nullopt) << Ascii(text);
     }
+}
+
+TEST(FieldTextTest, AStoredMomentIsOneOfTheCalendar) {
+    const struct {
+        double days;
+        int year, month, day, hour;
+    } cases[] = {{0, 1899, 12, 30, 0},
+                 {36526.75, 2000, 1, 1, 18},
+                 {-1.25, 1899, 12, 29, 6},
+                 {-0.5, 1899, 12, 30, 12},
+                 {2958465, 9999, 12, 31, 0}};
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.days);
+        const auto moment = MomentOf({each.days});
+        ASSERT_TRUE(moment);
+        EXPECT_EQ(moment->year, each.year);
+        EXPECT_EQ(moment->month, each.month);
+        EXPECT_EQ(moment->day, each.day);
+        EXPECT_EQ(moment->milliseconds, each.hour * 3'600'000);
+        if (each.days != -0.5) EXPECT_EQ(DateOf(*moment).days, each.days);
+    }
+    EXPECT_FALSE(MomentOf({1e9}));
+    EXPECT_FALSE(MomentOf({-657435}));
 }
 
 ado::Field FieldOf(DataType type, int size = 0) {

@@ -4,7 +4,6 @@
 #include <numeric>
 #include <QCollator>
 
-#include "controls/detail/CellValue.h"
 #include "controls/GridText.h"
 
 namespace {
@@ -194,7 +193,8 @@ std::optional<double> GridRows::NumberAt(int sourceRow, int column) const {
     const QVariant stored = source_->data(source_->index(sourceRow, column), GridRole::kStored);
     if (how.Kind() == GridKind::Text) {
         if (how.NumberFormat().isEmpty()) return std::nullopt;
-        return cellvalue::WholeNumber(stored.toString());
+        const QVariant read = source_->data(source_->index(sourceRow, column), GridRole::kNumber);
+        return read.isValid() ? std::optional(read.toDouble()) : std::nullopt;
     }
     bool isNumber = false;
     const double number = stored.toDouble(&isNumber);
@@ -279,27 +279,18 @@ void GridRows::SourceChanged(const QModelIndex& topLeft, const QModelIndex& bott
 QString GridRows::ShownText(int sourceRow, int column) const {
     const GridColumn& how = *columns_[static_cast<std::size_t>(column)];
     const QModelIndex cell = source_->index(sourceRow, column);
-    const bool formatted = !how.NumberFormat().isEmpty() && how.Kind() != GridKind::Text;
-    if (how.ValueItems().isEmpty() && !formatted && how.Kind() != GridKind::Colour) {
-        return source_->data(cell, Qt::DisplayRole).toString();
-    }
+    if (how.ValueItems().isEmpty()) return source_->data(cell, Qt::DisplayRole).toString();
     const QVariant stored = source_->data(cell, GridRole::kStored);
     if (IsNull(stored)) return {};
-    if (!how.ValueItems().isEmpty()) {
-        const QString text = how.ValueText(stored);
-        return text.isNull() ? cellvalue::GeneralNumber(stored, locale_) : text;
-    }
-    if (how.Kind() == GridKind::Colour) return cellvalue::ColourText(stored.toInt());
-    return cellvalue::GeneralNumber(stored, locale_);
+    const QString text = how.ValueText(stored);
+    return text.isNull() ? stored.toString() : text;
 }
 
 QString GridRows::EditText(int sourceRow, int column) const {
     const GridColumn& how = *columns_[static_cast<std::size_t>(column)];
-    const QVariant stored = source_->data(source_->index(sourceRow, column), GridRole::kStored);
-    if (IsNull(stored)) return {};
-    if (how.Kind() == GridKind::Colour) return cellvalue::ColourText(stored.toInt());
-    return how.Kind() == GridKind::Text ? stored.toString()
-                                        : cellvalue::GeneralNumber(stored, locale_);
+    const QModelIndex cell = source_->index(sourceRow, column);
+    const bool shown = how.Kind() != GridKind::Text && how.ValueItems().isEmpty();
+    return source_->data(cell, shown ? int{Qt::DisplayRole} : GridRole::kStored).toString();
 }
 
 int GridRows::rowCount(const QModelIndex& parent) const {
