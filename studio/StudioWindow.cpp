@@ -17,6 +17,7 @@
 #include <QTimer>
 #include <tuple>
 
+#include "icons/Icons.h"
 #include "platform/MessageBox.h"
 #include "platform/PlainTexts.h"
 #include "studio/AddInsDialog.h"
@@ -25,7 +26,6 @@
 #include "studio/NewProject.h"
 #include "studio/ProjectTree.h"
 #include "studio/StudioHost.h"
-#include "studio/StudioIcons.h"
 #include "studio/StudioRegistry.h"
 #include "texts/ReasonText.h"
 
@@ -52,7 +52,7 @@ StudioWindow::StudioWindow(StudioRegistry& registry, AddInSet& addIns,
       recent_(state),
       treeEvents_(addIns) {
     setObjectName(u"frmStudio"_s);
-    setWindowIcon(StudioIcon());
+    setWindowIcon(icons::FixedIcon(u"kvstudio"));
     setAcceptDrops(true);
     platform::KeepTextsPlain(*this);
     BuildAreas();
@@ -104,7 +104,7 @@ bool StudioWindow::OpenProject(const QString& project) {
     CloseProject();
     project_ = std::get<ProjectLocation>(std::move(located));
     variables_.SetProject(project_->nativePath);
-    model_.RegisterIcon(kProjectIcon, ProjectIcon());
+    model_.RegisterIcon(kProjectIcon, icons::Icon(u"project"));
     model_.AddOwn(project_->shown, kProjectKey.toString(), kProjectIcon);
     tree_->HostSelect(kProjectKey.toString());
     ApplyProjectState();

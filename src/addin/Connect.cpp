@@ -4,10 +4,10 @@
 #include <utility>
 #include <vector>
 
-#include "addin/ArchiveIcon.h"
 #include "addin/MKVSGlobalEditors.h"
 #include "addin/WindowEmbedding.h"
 #include "help/HelpViewer.h"
+#include "icons/Icons.h"
 #include "platform/Error.h"
 #include "platform/HelpTopics.h"
 #include "platform/MessageBox.h"
@@ -89,7 +89,7 @@ void Connect::CKV4Extensibility_Initialize(const QString& projectName,
 }
 
 void Connect::InitTreeView() {
-    host_->RegisterIcon(kIconKey, ArchiveIcon());
+    host_->RegisterIcon(kIconKey, icons::FixedIcon(u"archive"));
     host_->AddNode({}, texts_.GetText(MResourceTable::kTextArchivesNode), kRootKey, u"0"_s,
                    kIconKey,
                    {.expandable = true, .ordered = true, .permanent = true, .editable = false});
@@ -385,9 +385,9 @@ bool Connect::RunKey(const Node& node, int keyCode, int shift) {
 
 void Connect::ShowHelpTopic(int topic, QWidget* owner) {
     if (helpFile_.ShowTopic(topic, owner)) return;
-    QString text = texts_.GetText(MResourceTable::kTextNoHelpFile);
-    text.replace(u"<topic>"_s, QString::number(topic));
-    text.replace(u"<file>"_s, helpFile_.Path());
+    const QString text =
+        texts_.GetText(MResourceTable::kTextNoHelpFile,
+                       {{u"topic", QString::number(topic)}, {u"file", helpFile_.Path()}});
     platform::ShowMessage(text, platform::MessageButtons::Ok,
                           texts_.GetText(MResourceTable::kTextEditorTitle), owner);
 }

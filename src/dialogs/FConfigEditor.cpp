@@ -4,16 +4,14 @@
 #include <initializer_list>
 #include <QApplication>
 #include <QFontDialog>
-#include <QIconEngine>
 #include <QKeyEvent>
 #include <QLocale>
-#include <QPainter>
 #include <QShortcut>
 #include <QTabBar>
-#include <tuple>
 #include <utility>
 
 #include "dialogs/AccessKeys.h"
+#include "icons/Icons.h"
 #include "platform/HelpTopics.h"
 #include "texts/MResources.h"
 #include "texts/MResourceTable.h"
@@ -27,44 +25,6 @@ constexpr int kPosition = Qt::UserRole;
 constexpr int kNumber = Qt::UserRole + 1;
 
 constexpr double kLargestSample = 24;  // points; a larger font would burst the page
-
-/// An arrow that is drawn anew at any size and scaling.
-class ArrowIcon final : public QIconEngine {
-public:
-    /// `degrees`: clockwise from pointing to the right.
-    explicit ArrowIcon(int degrees) : degrees_(degrees) {}
-
-    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
-        constexpr double kUnits = 16;  // the side of the field that the points below lie in
-        const double side = std::min(rect.width(), rect.height());
-        painter->save();
-        painter->setRenderHint(QPainter::Antialiasing);
-        painter->translate(QRectF(rect).center());
-        painter->rotate(degrees_);
-        painter->scale(side / kUnits, side / kUnits);
-        const QColor ink = mode == QIcon::Disabled ? QApplication::palette().color(
-                                                         QPalette::Disabled, QPalette::WindowText)
-                                                   : QColor::fromRgb(0x2F7DC4);
-        painter->setPen(QPen(ink, 1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        painter->setBrush(ink);
-        painter->drawPolygon(
-            QPolygonF({{-6, -1.8}, {0, -1.8}, {0, -5.5}, {6, 0}, {0, 5.5}, {0, 1.8}, {-6, 1.8}}));
-        painter->restore();
-    }
-
-    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
-        QPixmap pixmap(size);
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        paint(&painter, QRect(QPoint(), size), mode, state);
-        return pixmap;
-    }
-
-    [[nodiscard]] QIconEngine* clone() const override { return new ArrowIcon(degrees_); }
-
-private:
-    int degrees_;
-};
 
 QListWidgetItem* MakeItem(const FConfigEditor::Column& column) {
     auto* item = new QListWidgetItem(column.caption);
@@ -158,17 +118,18 @@ void FConfigEditor::SetCaptions() {
 }
 
 void FConfigEditor::SetUpToolBar() {
-    constexpr int kRight = 0;
-    constexpr int kDown = 90;
-    constexpr int kLeft = 180;
-    constexpr int kUp = 270;
-    for (const auto& [button, text, direction] :
-         std::initializer_list<std::tuple<QAction*, int, int>>{{btnAdd, kTextAddColumn, kRight},
-                                                               {btnDel, kTextRemoveColumn, kLeft},
-                                                               {btnUp, kTextColumnUp, kUp},
-                                                               {btnDn, kTextColumnDown, kDown}}) {
+    struct Button {
+        QAction* action;
+        int text;
+        QStringView icon;
+    };
+    for (const auto& [button, text, icon] :
+         std::initializer_list<Button>{{btnAdd, kTextAddColumn, u"arrow-right"},
+                                       {btnDel, kTextRemoveColumn, u"arrow-left"},
+                                       {btnUp, kTextColumnUp, u"arrow-up"},
+                                       {btnDn, kTextColumnDown, u"arrow-down"}}) {
         button->setText(Text(text));
-        button->setIcon(QIcon(new ArrowIcon(direction)));  // which takes the engine over
+        button->setIcon(icons::Icon(icon));
     }
 }
 

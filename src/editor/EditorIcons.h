@@ -2,8 +2,7 @@
 
 #include <QIcon>
 
-/// The pictures of the editor's commands. Drawn at the size and in the colours that the palette
-/// has when they are shown, so that they are sharp at any scaling and follow light and dark.
+/// The pictures of the editor's commands, see icons/Icons.h.
 enum class EditorIcon {
     NewArchive,
     EditArchive,

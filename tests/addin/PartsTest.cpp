@@ -10,7 +10,6 @@
 #include <QTest>
 #include <set>
 
-#include "addin/ArchiveIcon.h"
 #include "addin/DamagedRow.h"
 #include "addin/MKVSGlobalEditors.h"
 #include "ado/AdoError.h"
@@ -245,18 +244,6 @@ TEST(RowWalkTest, GivesUpWhereNoRowCanBeReached) {
 // The statement that the recordsets are tested with is the editor's own.
 TEST(ADOArchivTest, TrendStatement) {
     EXPECT_EQ(ADOArchiv::DefinitionOf(ADOArchiv::Command::tabTrends).source, kTrendQuery);
-}
-
-TEST(ArchiveIconTest, IsDrawnForEachSize) {
-    const QIcon icon = ArchiveIcon();
-    const QString target = qEnvironmentVariable("KV_SCREENSHOTS");
-    for (const int size : {16, 24, 32, 64}) {
-        const QImage image = icon.pixmap(size).toImage();
-        EXPECT_EQ(image.width(), size);
-        EXPECT_EQ(qAlpha(image.pixel(0, 0)), 0);
-        EXPECT_EQ(qAlpha(image.pixel(size / 2, size / 2)), 255);
-        if (!target.isEmpty()) image.save(target + u"/icoArchiv-%1.png"_s.arg(size));
-    }
 }
 
 }  // namespace
