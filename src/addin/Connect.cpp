@@ -198,8 +198,8 @@ void Connect::TellOfFile(const projectdb::RowFailures& unreadable) {
     } else {
         projectdb::Failure notice;
         notice.reason = {reasons::Cause::FileDamaged, project_.projectPath.toStdString()};
-        notice.told = texts_.GetText(MResourceTable::kTextFileNotices)
-                          .replace(u"<file>"_s, project_.projectPath);
+        notice.told =
+            texts_.GetText(MResourceTable::kTextFileNotices, {{u"file", project_.projectPath}});
         message = notice.ToMessage({});
         message.title = editor_->windowTitle();
         message.kind = platform::MessageKind::Information;

@@ -71,13 +71,12 @@ bool TypesText(const QKeyEvent& event) {
     return first.isPrint() || first.category() == QChar::Other_PrivateUse;
 }
 
-/// Paste in the context menu that Qt makes for a line edit. Its entries have neither names nor
-/// texts that can be relied on, but an order: Undo, Redo, Cut, Copy, Paste.
+/// Paste in the context menu that Qt makes for a line edit. Its entries have no names; the text is
+/// Qt's own in Qt's language, with the key behind it where nothing else in the window has that.
 QAction* PasteAction(const QMenu& menu) {
-    constexpr int kPosition = 4;
-    int position = 0;
+    const QString paste = QLineEdit::tr("&Paste");
     for (QAction* action : menu.actions()) {
-        if (!action->isSeparator() && position++ == kPosition) return action;
+        if (action->text().section(u'\t', 0, 0) == paste) return action;
     }
     return nullptr;
 }
@@ -134,16 +133,16 @@ private:
         if (Passing(text) != text) {
             Tell(text, KeysTold());
         } else if (length > field_.maxLength()) {
-            Tell(text, Text(MResourceTable::kTextPasteTooLong)
-                           .replace(u"<max>"_s, QString::number(field_.maxLength())));
+            Tell(text, Text(MResourceTable::kTextPasteTooLong,
+                            {{u"max", QString::number(field_.maxLength())}}));
         } else {
             return true;
         }
         return false;
     }
 
-    [[nodiscard]] QString Text(int id) const {
-        return texts_ != nullptr ? texts_->GetText(id) : QString();
+    [[nodiscard]] QString Text(int id, texts::Values values = {}) const {
+        return texts_ != nullptr ? texts_->GetText(id, values) : QString();
     }
     [[nodiscard]] QString KeysTold() const {
         const Rule& rule = kRules.at(static_cast<std::size_t>(mode_));
@@ -154,7 +153,7 @@ private:
         }
         const int text =
             rule.listed ? MResourceTable::kTextKeysTaken : MResourceTable::kTextKeysNotTaken;
-        return Text(text).replace(u"<keys>"_s, keys);
+        return Text(text, {{u"keys", keys}});
     }
     /// Over the field, where the user looks. `refused`: what was to be pasted; may be empty.
     void Tell(const QString& refused, const QString& why) const {
@@ -164,7 +163,7 @@ private:
         if (!refused.isEmpty()) {
             QString begin = refused.left(kShown);
             if (begin.size() < refused.size()) begin += QChar(0x2026);
-            text = Text(MResourceTable::kTextNotPasted).replace(u"<text>"_s, begin) + u' ' + why;
+            text = Text(MResourceTable::kTextNotPasted, {{u"text", begin}}) + u' ' + why;
         }
         QToolTip::showText(field_.mapToGlobal(field_.rect().bottomLeft()),
                            QStringLiteral("<p>%1</p>").arg(text.toHtmlEscaped()), &field_);

@@ -202,11 +202,10 @@ void PropertyDialog::MarkNumber(QLineEdit& field) {
 QString PropertyDialog::NumberText(const QLineEdit& field, int text) const {
     const project::NumberRange range = numbers_.value(&field);
     const project::Reading read = project::ReadDialogText(ToUtf16(field.text()), range);
-    return Text(text)
-        .replace(QStringLiteral("<smallest>"), NumberToText(range.smallest))
-        .replace(QStringLiteral("<largest>"), NumberToText(range.largest))
-        .replace(QStringLiteral("<number>"), StoredNumber(read.value, range))
-        .replace(QStringLiteral("<text>"), field.text());
+    return services_.texts.GetText(text, {{u"smallest", NumberToText(range.smallest)},
+                                          {u"largest", NumberToText(range.largest)},
+                                          {u"number", StoredNumber(read.value, range)},
+                                          {u"text", field.text()}});
 }
 
 std::optional<PropertyDialog::Objection> PropertyDialog::NumberThatDoesNotFit() const {
@@ -282,9 +281,9 @@ void PropertyDialog::ConnectTextEditor(QPushButton* button, QLineEdit* field) {
 bool PropertyDialog::Fits(const QString& chosen, const QLineEdit& field) {
     if (chosen.size() <= field.maxLength()) return true;
     // The field would cut it to the name of something else.
-    QString text = Text(MResourceTable::kTextChoiceTooLong);
-    text.replace(QStringLiteral("<max>"), QString::number(field.maxLength()))
-        .replace(QStringLiteral("<text>"), chosen);
+    const QString text =
+        services_.texts.GetText(MResourceTable::kTextChoiceTooLong,
+                                {{u"max", QString::number(field.maxLength())}, {u"text", chosen}});
     platform::ShowMessage(text, platform::MessageButtons::Ok, windowTitle(), this);
     return false;
 }

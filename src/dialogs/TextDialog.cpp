@@ -54,8 +54,7 @@ QString TextDialog::Text() const {
 }
 
 void TextDialog::txtText_Change() {
-    QString count = texts_.GetText(MResourceTable::kTextCharacterCount);
-    count.replace(QStringLiteral("<n>"), QString::number(txtText_->text().size()));
-    count.replace(QStringLiteral("<max>"), QString::number(txtText_->maxLength()));
-    lblCount_->setText(count);
+    lblCount_->setText(texts_.GetText(MResourceTable::kTextCharacterCount,
+                                      {{u"n", QString::number(txtText_->text().size())},
+                                       {u"max", QString::number(txtText_->maxLength())}}));
 }

@@ -80,10 +80,9 @@ void RethrowWithRest(const projectdb::Hierarchy& hierarchy, const MResources::Te
     const projectdb::Failure failure = projectdb::Failure::Current();
     throw projectdb::HalfDone(
         failure,
-        texts.GetText(text)
-            .replace(u"<n>"_s, QString::number(trends))
-            .replace(u"<left>"_s, QString::number(hierarchy.LastTotal() - archives - trends))
-            .replace(u"<cause>"_s, failure.Text()));
+        texts.GetText(text, {{u"n", QString::number(trends)},
+                             {u"left", QString::number(hierarchy.LastTotal() - archives - trends)},
+                             {u"cause", failure.Text()}}));
 }
 
 bool ArchiveCommands::Delete(const QString& nodeKey, const AskUser& ask,
@@ -99,7 +98,7 @@ bool ArchiveCommands::Delete(const QString& nodeKey, const AskUser& ask,
         confirm = [&](int trends) {
             const int text = trends == 1 ? MResourceTable::kTextDeleteArchiveWithTrend
                                          : MResourceTable::kTextDeleteArchiveWithTrends;
-            return ask(texts_.GetText(text).replace(u"<td>"_s, QString::number(trends)));
+            return ask(texts_.GetText(text, {{u"td", QString::number(trends)}}));
         };
     }
     // One that another program has deleted has left its node behind.

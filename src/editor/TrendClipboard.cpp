@@ -57,8 +57,7 @@ QString ReadHeadings(const QStringList& headings, const Reader& reader, QList<in
         return reader.texts.GetText(MResourceTable::kTextPasteNoHeadings);
     }
     if (!columns.contains(-1)) return {};
-    return reader.texts.GetText(MResourceTable::kTextPasteUnknownColumn)
-        .replace(u"<column>"_s, unknown);
+    return reader.texts.GetText(MResourceTable::kTextPasteUnknownColumn, {{u"column", unknown}});
 }
 
 bool IsBlank(const QStringList& line) {
@@ -77,10 +76,8 @@ std::optional<ado::Value> ReadCell(const QString& text, int column, const Reader
 
 QString Refusal(const MResources::TextTable& texts, std::size_t row, const QString& column,
                 const QString& cell) {
-    QString text = texts.GetText(MResourceTable::kTextPasteInvalid);
-    text.replace(u"<row>"_s, QString::number(row));
-    text.replace(u"<column>"_s, column);
-    return text.replace(u"<text>"_s, cell);
+    return texts.GetText(MResourceTable::kTextPasteInvalid,
+                         {{u"row", QString::number(row)}, {u"column", column}, {u"text", cell}});
 }
 
 QString Copy(const GridSplit& split, const QList<GridRowId>& rows) {

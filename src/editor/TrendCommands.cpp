@@ -75,7 +75,7 @@ bool TrendCommands::Delete(std::span<const std::int32_t> trendIds, const AskUser
         confirm = [&](int trends) {
             const int text = trends < 2 ? MResourceTable::kTextDeleteOneTrend
                                         : MResourceTable::kTextDeleteTrends;
-            return ask(texts_.GetText(text).replace(u"<td>"_s, QString::number(trends)));
+            return ask(texts_.GetText(text, {{u"td", QString::number(trends)}}));
         };
     }
     try {

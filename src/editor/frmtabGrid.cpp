@@ -287,8 +287,7 @@ void frmtabGrid::CountMissingTexts(ado::Recordset& shown) {
     const int text =
         missing == 1 ? MResourceTable::kTextOneTextMissing : MResourceTable::kTextTextsMissing;
     lblTextsMissing->setText(
-        missing == 0 ? QString()
-                     : texts_.GetText(text).replace(u"<n>"_s, QString::number(missing)));
+        missing == 0 ? QString() : texts_.GetText(text, {{u"n", QString::number(missing)}}));
     lblTextsMissing->setVisible(missing > 0);
 }
 

@@ -125,5 +125,5 @@ bool frmtabGrid::IsThere(const QString& nodeKey) {
 }
 
 void frmtabGrid::TellOfDeletedArchive(const QString& name) {
-    Tell(texts_.GetText(MResourceTable::kTextArchiveDeletedElsewhere).replace(u"<name>"_s, name));
+    Tell(texts_.GetText(MResourceTable::kTextArchiveDeletedElsewhere, {{u"name", name}}));
 }

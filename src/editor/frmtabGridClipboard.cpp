@@ -56,11 +56,11 @@ void frmtabGrid::Paste() {
         if (!commands.Refused()) throw;
         const auto& [trend, column] = *commands.Refused();
         const GridColumn* known = tdbA->SplitAt(1).Column(projectdb::ToQString(column));
-        Tell(texts_.GetText(MResourceTable::kTextPasteRefused)
-                 .replace(u"<row>"_s, QString::number(trend + 1))
-                 .replace(u"<column>"_s,
-                          known != nullptr ? known->Caption() : projectdb::ToQString(column))
-                 .replace(u"<cause>"_s, projectdb::Failure::Current().Text()));
+        Tell(texts_.GetText(
+            MResourceTable::kTextPasteRefused,
+            {{u"row", QString::number(trend + 1)},
+             {u"column", known != nullptr ? known->Caption() : projectdb::ToQString(column)},
+             {u"cause", projectdb::Failure::Current().Text()}}));
     }
 }
 

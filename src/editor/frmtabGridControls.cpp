@@ -236,12 +236,12 @@ void frmtabGrid::BuildGrid() {
                 guarded([&] { ShowDataError(number, text, details); });
             });
     connect(&trends, &GridSplit::TextRefused, this, [this](int column, const QString& text) {
-        Hint(texts_.GetText(MResourceTable::kTextHintNoValue)
-                 .replace(u"<column>"_s, tdbA->SplitAt(1).ColumnAt(column)->Caption())
-                 .replace(u"<text>"_s, text));
+        Hint(texts_.GetText(
+            MResourceTable::kTextHintNoValue,
+            {{u"column", tdbA->SplitAt(1).ColumnAt(column)->Caption()}, {u"text", text}}));
     });
     connect(&trends, &GridSplit::EditDiscarded, this, [this](GridRowId, int, const QString& text) {
-        Tell(texts_.GetText(MResourceTable::kTextEditDiscarded).replace(u"<text>"_s, text));
+        Tell(texts_.GetText(MResourceTable::kTextEditDiscarded, {{u"text", text}}));
     });
     for (int split = 0; split < TDBGrid::kSplitCount; ++split) {
         connect(&tdbA->SplitAt(split), &GridSplit::ContextMenu, this,

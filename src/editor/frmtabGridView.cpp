@@ -71,12 +71,12 @@ void frmtabGrid::ShowNarrowing() {
     if (text.isEmpty() || split.Source() == nullptr) return;
     // A narrowed split has read all its rows.
     const int all = split.Source()->rowCount();
-    lblFound->setText(texts_.GetText(MResourceTable::kTextRowsShown)
-                          .replace(u"<n>"_s, QString::number(split.RowCount()))
-                          .replace(u"<all>"_s, QString::number(all)));
+    lblFound->setText(texts_.GetText(
+        MResourceTable::kTextRowsShown,
+        {{u"n", QString::number(split.RowCount())}, {u"all", QString::number(all)}}));
     if (!empty) return;
     // For as long as it is so.
-    sb->showMessage(texts_.GetText(MResourceTable::kTextNothingShown).replace(u"<text>"_s, text));
+    sb->showMessage(texts_.GetText(MResourceTable::kTextNothingShown, {{u"text", text}}));
 }
 
 void frmtabGrid::FreezeName(bool freeze) {

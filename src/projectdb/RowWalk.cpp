@@ -1,6 +1,7 @@
 #include "projectdb/RowWalk.h"
 
 #include "projectdb/Text.h"
+#include "texts/Fill.h"
 
 namespace projectdb {
 
@@ -18,9 +19,9 @@ void RowFailures::Note(const ado::AdoError& error, int times) {
     count_ += times;
 }
 
-platform::Message RowFailures::ToMessage(QString rows, const QString& procedure) const {
+platform::Message RowFailures::ToMessage(const QString& rows, const QString& procedure) const {
     platform::Message message = first_->ToMessage(procedure);
-    message.text += u"\n\n"_s + rows.replace(u"<n>"_s, QString::number(count_));
+    message.text += u"\n\n"_s + texts::Fill(rows, {{u"n", QString::number(count_)}});
     return message;
 }
 

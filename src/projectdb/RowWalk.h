@@ -19,7 +19,7 @@ public:
     [[nodiscard]] int Count() const noexcept { return count_; }
     /// The first failure as it is shown, and below it `rows`, in which Count() takes the place of
     /// "<n>". REQUIRES: Count() > 0.
-    [[nodiscard]] platform::Message ToMessage(QString rows, const QString& procedure) const;
+    [[nodiscard]] platform::Message ToMessage(const QString& rows, const QString& procedure) const;
 
 private:
     std::optional<Failure> first_;

@@ -15,6 +15,7 @@
 #include "dialogs/MConfigeditor.h"
 #include "settings/CInit.h"
 #include "texts/MResourceTable.h"
+#include "texts/ReasonText.h"
 
 // The options over a grid and settings as the editor window has them. With KV_SCREENSHOTS set to a
 // folder the pictures of both pages are kept there.
@@ -533,7 +534,8 @@ TEST_P(FConfigEditorTest, FailuresAreTold) {
     EXPECT_FALSE(Edit([](FConfigEditor&) {}));
     EXPECT_FALSE(opened_);
     EXPECT_EQ(around_.messages,
-              QStringList({around_.texts.GetText(318), around_.texts.GetText(317)}));
+              QStringList({around_.texts.GetText(318) + u"\n\n"_s + texts::ReasonText({}),
+                           around_.texts.GetText(317) + u"\n\n"_s + texts::ReasonText({})}));
 }
 
 void Keep(FConfigEditor& dialog, const QString& page) {
