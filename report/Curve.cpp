@@ -27,6 +27,13 @@ int ShownWidth(const Curve& curve) {
     return std::clamp(curve.width, 1, Curve::kMaximumWidth);
 }
 
+/// The middle of a line so wide: one of an odd width lies on whole pixels when it runs between
+/// them.
+qreal Middle(int width) {
+    constexpr int kRow = Curve::kSampleHeight / 2;
+    return kRow + (width % 2) / 2.0;
+}
+
 }  // namespace
 
 QColor Curve::Colour() const {
@@ -61,8 +68,7 @@ QImage Curve::Picture(qreal scale) const {
     for (qreal& length : dashes) length /= shown;  // a pen counts in its own width
     if (!dashes.isEmpty()) pen.setDashPattern(dashes);
     painter.setPen(pen);
-    // A line of an odd width lies on whole pixels when it runs between them.
-    const qreal middle = kSampleHeight / 2 + (shown % 2) / 2.0;
+    const qreal middle = Middle(shown);
     painter.drawLine(QPointF(kMargin, middle), QPointF(kSampleWidth - kMargin, middle));
     painter.setPen(QPen(QColor(0x90, 0x90, 0x90), 1));
     painter.drawRect(QRectF(0.5, 0.5, kSampleWidth - 1, kSampleHeight - 1));
@@ -81,7 +87,7 @@ QString Curve::Svg() const {
                .arg(kSampleHeight - 1)
                .arg(Ground().name())
                .arg(kMargin)
-               .arg(kSampleHeight / 2 + (shown % 2) / 2.0)
+               .arg(Middle(shown))
                .arg(kSampleWidth - kMargin)
                .arg(ColourName()) +
            u" stroke-width=\"%1\""_s.arg(shown) +

@@ -163,10 +163,9 @@ QString Wording::TypeInShort(const ArchiveRow& row) const {
 }
 
 Line Wording::RecordingWords(const ArchiveRow& row) const {
-    const Line line =
-        Code(row["SampleMode"],
-             {Text::SampleSynchronous, Text::SampleAsynchronous, Text::SampleXVar,
-              Text::SampleTrigger, Text::SampleSaveAll, Text::SampleNone, Text::SampleManual});
+    Line line = Code(row["SampleMode"], {Text::SampleSynchronous, Text::SampleAsynchronous,
+                                         Text::SampleXVar, Text::SampleTrigger, Text::SampleSaveAll,
+                                         Text::SampleNone, Text::SampleManual});
     switch (Integer(row["SampleMode"]).value_or(-1)) {
         case SampleMode::kCycles:
         case SampleMode::kMilliseconds:
@@ -277,9 +276,9 @@ Lines Wording::HysteresisWords(const TrendRow& row) const {
     if (mode == project::kNoHysteresis) {
         return {{texts_(Text::HysteresisNone), Line::Look::Muted}};
     }
-    constexpr std::array words = {Text::HysteresisAbsolute, Text::HysteresisRange,
-                                  Text::HysteresisValue};
-    return {Line{texts_(words.at(static_cast<std::size_t>(mode)), {{u"value", amount}})}};
+    constexpr std::array kWords = {Text::HysteresisAbsolute, Text::HysteresisRange,
+                                   Text::HysteresisValue};
+    return {Line{texts_(kWords.at(static_cast<std::size_t>(mode)), {{u"value", amount}})}};
 }
 
 Lines Wording::FilterWords(const TrendRow& row) const {

@@ -73,7 +73,7 @@ GridSplit& TDBGrid::SplitAt(int split) const {
     return *splits_.at(static_cast<std::size_t>(split));
 }
 
-void TDBGrid::SetTexts(std::function<QString(GridText)> texts) {
+void TDBGrid::SetTexts(const std::function<QString(GridText)>& texts) {
     for (GridSplit* split : splits_) split->SetTexts(texts);
 }
 

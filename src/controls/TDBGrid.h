@@ -46,7 +46,7 @@ public:
     [[nodiscard]] GridSplit& SplitAt(int split) const;
 
     /// The texts of the interface; asked for again whenever one is needed.
-    void SetTexts(std::function<QString(GridText)> texts);
+    void SetTexts(const std::function<QString(GridText)>& texts);
 
     /// FontProperties of the cells and of the headings. The headings follow the cells until they
     /// are given a font of their own.

@@ -20,7 +20,8 @@ struct GlobalMap {
     static constexpr std::size_t kBitmapHead = 4;  // bytes in front of the bits of a bitmap page
     static constexpr std::uint32_t kPagesPerBitmap = (kPageSizeJet4 - kBitmapHead) * 8;
     /// Bytes of a list that reaches every page there can be.
-    static constexpr std::size_t kListSize = 1 + 4 * ((kMostPages - 1) / kPagesPerBitmap + 1);
+    static constexpr std::size_t kListSize =
+        1 + std::size_t{4} * ((kMostPages - 1) / kPagesPerBitmap + 1);
     /// Most pages of an inline map: what the page holds beside its head, its two slots, the other
     /// map's row and this map's head, in steps of four bytes.
     static constexpr std::uint32_t kMostInline = (kPageSizeJet4 - 14 - 2 * 2 - 69 - kHead) / 4 * 32;
