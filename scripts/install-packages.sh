@@ -9,8 +9,9 @@ set -euo pipefail
 
 groups=(build run wayland test clang format tidy bench)
 declare -A packages=(
-    # Compiler, build tools, libraries with their headers (the presets build tests and benchmarks).
-    [build]="g++ cmake ninja-build qt6-base-dev qt6-svg-dev libchm-dev libicu-dev libgtest-dev
+    # Compiler, linker, build tools, libraries with their headers (the presets build tests and
+    # benchmarks).
+    [build]="g++ lld cmake ninja-build qt6-base-dev qt6-svg-dev libchm-dev libicu-dev libgtest-dev
              libgmock-dev libbenchmark-dev"
     # A bare machine has no font, and without one every text is a row of boxes. Qt's own German
     # texts (buttons of boxes and file choosers) are a package apart.
