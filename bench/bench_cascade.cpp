@@ -5,10 +5,10 @@
 
 #include <filesystem>
 
-#include "editor/ArchiveCommands.h"
-#include "editor/DuplicateCommands.h"
-#include "editor/Statistic.h"
-#include "editor/TrendCommands.h"
+#include "commands/ArchiveCommands.h"
+#include "commands/DuplicateCommands.h"
+#include "commands/Statistic.h"
+#include "commands/TrendCommands.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Transaction.h"
 

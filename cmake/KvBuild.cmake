@@ -124,13 +124,14 @@ function(kv_test name)
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
 endfunction()
 
-# kv_use_qt(TARGET): Qt's generators for a target with Q_OBJECT, .ui or .qrc.
+# kv_use_qt(TARGET [CORE]): Qt's generators for a target with Q_OBJECT, .ui or .qrc. CORE: it has no
+# widgets.
 function(kv_use_qt target)
   set_target_properties(${target} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
   get_target_property(type ${target} TYPE)
   # Plugins are one file each, for which it does not pay; a test has its headers already.
   get_target_property(reused ${target} PRECOMPILE_HEADERS_REUSE_FROM)
-  if(NOT type STREQUAL MODULE_LIBRARY AND NOT reused)
+  if(NOT type STREQUAL MODULE_LIBRARY AND NOT reused AND NOT "CORE" IN_LIST ARGN)
     kv_precompile(${target} qt)
   endif()
 endfunction()

@@ -3,8 +3,8 @@
 #include <QCoreApplication>
 #include <QWidget>
 
-#include "platform/MessageBox.h"
-#include "projectdb/Guard.h"
+#include "guard/Guard.h"
+#include "messages/MessageBox.h"
 #include "report/ReportTexts.h"
 #include "report/ReportWindow.h"
 
@@ -29,14 +29,14 @@ ReportWindow* Connect::Window() const {
 
 void Connect::Show(qulonglong windowHandle, const QString& projectPath, const QString& report) {
     QWidget* owner = QWidget::find(static_cast<WId>(windowHandle));
-    projectdb::Guard(u"KVProjectReport: Show"_s, [&] { ShowReport(owner, projectPath, report); });
+    guard::Guard(u"KVProjectReport: Show"_s, [&] { ShowReport(owner, projectPath, report); });
 }
 
 void Connect::ShowReport(QWidget* owner, const QString& projectPath, const QString& report) {
     if (report.compare(kTrendReport, Qt::CaseInsensitive) != 0) {
         const ReportTexts texts(registry_);
-        platform::ShowMessage(texts(Text::UnknownReport, {{u"name", report}}),
-                              platform::MessageButtons::Ok, texts(Text::ReportTitle), owner);
+        messages::ShowMessage(texts(Text::UnknownReport, {{u"name", report}}),
+                              messages::MessageButtons::Ok, texts(Text::ReportTitle), owner);
         return;
     }
     if (window_ && (window_->ProjectPath() != projectPath || window_->parentWidget() != owner)) {

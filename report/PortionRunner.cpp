@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "projectdb/Guard.h"
+#include "guard/Guard.h"
 
 namespace report {
 
@@ -31,7 +31,7 @@ void PortionRunner::Cancel() {
 }
 
 void PortionRunner::Step() {
-    platform::Message failure;
+    messages::Message failure;
     try {
         if (task_->Step(kPortion)) {
             End(Outcome::Done, {});
@@ -42,12 +42,12 @@ void PortionRunner::Step() {
     } catch (const TaskError& error) {
         failure.text = error.text;
     } catch (...) {
-        failure = projectdb::Failure::Current().ToMessage(u"KVProjectReport: Step"_s);
+        failure = guard::ToMessage(projectdb::Failure::Current(), u"KVProjectReport: Step"_s);
     }
     End(Outcome::Failed, failure);
 }
 
-void PortionRunner::End(Outcome outcome, const platform::Message& failure) {
+void PortionRunner::End(Outcome outcome, const messages::Message& failure) {
     timer_.stop();
     const std::unique_ptr<Task> task = std::exchange(task_, nullptr);
     const Finished finished = std::exchange(finished_, nullptr);

@@ -5,7 +5,7 @@
 #include <QObject>
 #include <QTimer>
 
-#include "platform/MessageBox.h"
+#include "messages/MessageBox.h"
 #include "report/Tasks.h"
 
 namespace report {
@@ -18,7 +18,7 @@ public:
     enum class Outcome { Done, Cancelled, Failed };
     /// `failure` says why it failed. The task still exists while this runs.
     using Finished =
-        std::function<void(Task& task, Outcome outcome, const platform::Message& failure)>;
+        std::function<void(Task& task, Outcome outcome, const messages::Message& failure)>;
 
     explicit PortionRunner(QObject* parent = nullptr);
 
@@ -34,7 +34,7 @@ signals:
 
 private:
     void Step();
-    void End(Outcome outcome, const platform::Message& failure);
+    void End(Outcome outcome, const messages::Message& failure);
 
     std::unique_ptr<Task> task_;
     Finished finished_;

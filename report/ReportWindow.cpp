@@ -18,14 +18,14 @@
 #include <QVBoxLayout>
 #include <tuple>
 
+#include "guard/Guard.h"
 #include "help/HelpViewer.h"
+#include "messages/MessageBox.h"
+#include "messages/PlainTexts.h"
 #include "paths/NativePath.h"
 #include "platform/Error.h"
 #include "platform/HelpTopics.h"
-#include "platform/MessageBox.h"
-#include "platform/PlainTexts.h"
 #include "platform/Registry.h"
-#include "projectdb/Guard.h"
 #include "projectdb/Text.h"
 #include "report/ReportDocument.h"
 
@@ -50,7 +50,7 @@ QString FileName(const QString& path) {
 ReportWindow::ReportWindow(platform::Registry& registry, QString projectPath, QWidget* parent)
     : QMainWindow(parent, Qt::Window), texts_(registry), projectPath_(std::move(projectPath)) {
     setObjectName(u"frmReport"_s);
-    platform::KeepTextsPlain(*this);
+    messages::KeepTextsPlain(*this);
     setWindowTitle(texts_(Text::WindowTitle, {{u"project", FileName(projectPath_)}}));
     setAttribute(Qt::WA_DeleteOnClose);
     resize(1180, 760);
@@ -76,9 +76,8 @@ QAction* ReportWindow::AddAction(const char* name, Text text, Text tip, const QK
     QString help = texts_(tip).remove(u'&');
     if (!key.isEmpty()) help += u" ("_s + key.toString(QKeySequence::NativeText) + u')';
     action->setToolTip(help);
-    connect(action, &QAction::triggered, this, [this, action, slot] {
-        projectdb::Guard(action->objectName(), [&] { (this->*slot)(); });
-    });
+    connect(action, &QAction::triggered, this,
+            [this, action, slot] { guard::Guard(action->objectName(), [&] { (this->*slot)(); }); });
     addAction(action);
     actions_ += action;
     return action;
@@ -197,9 +196,9 @@ void ReportWindow::BuildStatusBar() {
     connect(cmdCancel_, &QPushButton::clicked, &runner_, &PortionRunner::Cancel);
 }
 
-void ReportWindow::Tell(platform::Message message) {
+void ReportWindow::Tell(messages::Message message) {
     message.title = windowTitle();
-    platform::ShowMessage(message, this);
+    messages::ShowMessage(message, this);
 }
 
 bool ReportWindow::Read() {
@@ -217,7 +216,7 @@ bool ReportWindow::Read() {
         reader_.reset();
         SetRunning(false);
         lblState_->clear();
-        platform::Message message = failure.ToMessage(u"KVProjectReport: Read"_s);
+        messages::Message message = guard::ToMessage(failure, u"KVProjectReport: Read"_s);
         message.text =
             texts_(Text::CannotOpen, {{u"file", projectPath_}, {u"cause", message.text}});
         Tell(message);
@@ -226,13 +225,13 @@ bool ReportWindow::Read() {
     writer_ =
         std::make_unique<HtmlWriter>(*reader_, texts_, projectPath_, HtmlWriter::Target::Screen);
     runner_.Start(std::make_unique<CollectTask>(*reader_, texts_),
-                  [this](Task&, PortionRunner::Outcome outcome, const platform::Message& failure) {
+                  [this](Task&, PortionRunner::Outcome outcome, const messages::Message& failure) {
                       if (outcome == PortionRunner::Outcome::Done) Collected();
                       if (outcome == PortionRunner::Outcome::Cancelled) {
                           lblState_->setText(texts_(Text::Cancelled));
                       }
                       if (outcome == PortionRunner::Outcome::Failed) {
-                          platform::Message message = failure;
+                          messages::Message message = failure;
                           message.text = texts_(Text::CannotOpen, {{u"file", projectPath_},
                                                                    {u"cause", failure.text}});
                           Tell(message);
@@ -316,7 +315,7 @@ void ReportWindow::Find(bool backward) {
         std::make_unique<FindTask>(*reader_, texts_, projectPath_, needle, shown_, backward);
     runner_.Start(std::move(task), [this, needle, flags, backward](
                                        Task& ended, PortionRunner::Outcome outcome,
-                                       const platform::Message& failure) {
+                                       const messages::Message& failure) {
         const std::optional<Section> found = static_cast<FindTask&>(ended).Found();
         lblState_->setText(outcome == PortionRunner::Outcome::Failed ? failure.text : QString());
         if (outcome == PortionRunner::Outcome::Cancelled) {
@@ -334,7 +333,7 @@ void ReportWindow::Find(bool backward) {
 
 void ReportWindow::Start(std::unique_ptr<Task> task, const QString& doneText) {
     runner_.Start(std::move(task), [this, doneText](Task&, PortionRunner::Outcome outcome,
-                                                    const platform::Message& failure) {
+                                                    const messages::Message& failure) {
         const bool done = outcome == PortionRunner::Outcome::Done;
         lblState_->setText(done ? doneText : texts_(Text::Cancelled));
         if (outcome == PortionRunner::Outcome::Failed) {

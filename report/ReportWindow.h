@@ -61,7 +61,7 @@ protected:
 
 private:
     /// The message under the title of this window.
-    void Tell(platform::Message message);
+    void Tell(messages::Message message);
     void BuildActions();
     void BuildBody();
     void BuildStatusBar();

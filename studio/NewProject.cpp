@@ -11,8 +11,8 @@
 #include <QPushButton>
 #include <vector>
 
+#include "messages/MessageBox.h"
 #include "platform/Locale.h"
-#include "platform/MessageBox.h"
 #include "projectfile/CreateProject.h"
 #include "texts/ReasonText.h"
 
@@ -133,7 +133,7 @@ void NewProjectDialog::cmdOk_Click() {
 }
 
 void NewProjectDialog::Complain(const QString& message, const QString& details) {
-    platform::ShowMessage({message, platform::MessageButtons::Ok, texts_(Text::NewTitle), details},
+    messages::ShowMessage({message, messages::MessageButtons::Ok, texts_(Text::NewTitle), details},
                           this);
     txtFile_->setFocus();
     txtFile_->selectAll();

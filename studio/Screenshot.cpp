@@ -10,7 +10,7 @@
 #include <QTemporaryDir>
 #include <QWindow>
 
-#include "platform/MessageBox.h"
+#include "messages/MessageBox.h"
 #include "studio/ProjectLocation.h"
 #include "studio/ProjectTree.h"
 #include "studio/StudioHost.h"
@@ -54,11 +54,11 @@ int TakeScreenshot(StudioWindow& window, StudioRegistry& registry, const QString
     const QTemporaryDir folder;
     const auto closed = qScopeGuard([&window] { window.CloseProject(); });
     bool failed = false;
-    const platform::MessageAnswer answer([&failed](const platform::Message& message) {
+    const messages::MessageAnswer answer([&failed](const messages::Message& message) {
         std::fprintf(stderr, "%s: %s\n", qUtf8Printable(message.title),
                      qUtf8Printable(message.text));
         failed = true;
-        return platform::MessageResult::Cancel;
+        return messages::MessageResult::Cancel;
     });
     window.resize(kWidth, kHeight);
     window.show();

@@ -18,8 +18,8 @@
 #include <tuple>
 
 #include "icons/Icons.h"
-#include "platform/MessageBox.h"
-#include "platform/PlainTexts.h"
+#include "messages/MessageBox.h"
+#include "messages/PlainTexts.h"
 #include "studio/AddInsDialog.h"
 #include "studio/AddInSet.h"
 #include "studio/EditorArea.h"
@@ -54,7 +54,7 @@ StudioWindow::StudioWindow(StudioRegistry& registry, AddInSet& addIns,
     setObjectName(u"frmStudio"_s);
     setWindowIcon(icons::FixedIcon(u"kvstudio"));
     setAcceptDrops(true);
-    platform::KeepTextsPlain(*this);
+    messages::KeepTextsPlain(*this);
     BuildAreas();
     BuildFileMenu();
     BuildOtherMenus();
@@ -134,7 +134,7 @@ bool StudioWindow::CloseProject() {
     project_.reset();
     variables_.SetProject({});
     // An add-in may have been waiting for a database when it was terminated.
-    platform::SetScreenPointer(platform::Pointer::Default);
+    messages::SetScreenPointer(messages::Pointer::Default);
     ApplyProjectState();
     statusBar()->showMessage(texts_(Text::StatusClosed), kStatusMs);
     return true;
@@ -302,8 +302,8 @@ void StudioWindow::RaiseStartupComplete() {
 }
 
 void StudioWindow::Complain(const QString& message, const QString& details) {
-    platform::ShowMessage(
-        {message, platform::MessageButtons::Ok, texts_(Text::StudioTitle), details}, this);
+    messages::ShowMessage(
+        {message, messages::MessageButtons::Ok, texts_(Text::StudioTitle), details}, this);
 }
 
 QString StudioWindow::RecentCaption(const QString& project) const {

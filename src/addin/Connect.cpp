@@ -6,12 +6,13 @@
 
 #include "addin/MKVSGlobalEditors.h"
 #include "addin/WindowEmbedding.h"
+#include "commandset/CommandSet.h"
+#include "guard/Guard.h"
 #include "help/HelpViewer.h"
 #include "icons/Icons.h"
+#include "messages/MessageBox.h"
 #include "platform/Error.h"
 #include "platform/HelpTopics.h"
-#include "platform/MessageBox.h"
-#include "projectdb/Guard.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
 #include "texts/MResourceTable.h"
@@ -19,31 +20,38 @@
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+using guard::Guard;
 using KV4AddIn::Node;
-using platform::Pointer;
-using projectdb::Guard;
+using messages::Pointer;
 using Command = ADOArchiv::Command;
 
 const QString kRootKey = projectdb::kRootKind.toString();
 const QString kIconKey = u"icoArchiv"_s;
 const std::vector<std::u16string> kNoArchive = {u"0"};
 
-constexpr int kHelpKey = 112;        // F1
-constexpr int kShowEditorKey = 117;  // F6
-constexpr int kFindKey = 70;         // F
+/// A key of the tree as Qt names it; the host gives the key code of its platform.
+QKeyCombination KeyOf(int keyCode, int shift) {
+    constexpr int kInsertCode = 45;
+    constexpr int kDeleteCode = 46;
+    constexpr int kF1Code = 112;
+    constexpr int kF12Code = 123;
+    int key = keyCode;  // letters and digits are the same
+    if (keyCode == kInsertCode) key = Qt::Key_Insert;
+    if (keyCode == kDeleteCode) key = Qt::Key_Delete;
+    if (keyCode >= kF1Code && keyCode <= kF12Code) key = Qt::Key_F1 + keyCode - kF1Code;
+    Qt::KeyboardModifiers modifiers;
+    modifiers.setFlag(Qt::ShiftModifier, (shift & KV4AddIn::kShift) != 0);
+    modifiers.setFlag(Qt::ControlModifier, (shift & KV4AddIn::kCtrl) != 0);
+    modifiers.setFlag(Qt::AltModifier, (shift & KV4AddIn::kAlt) != 0);
+    return QKeyCombination(modifiers, static_cast<Qt::Key>(key));
+}
 
-/// Keys that run an archive command of the editor on a node of one kind.
-struct CommandKey {
-    int keyCode;
-    int shift;
-    QStringView kind;
-    int command;
-};
-constexpr CommandKey kCommandKeys[] = {
-    {119, KV4AddIn::kShiftNone, projectdb::kRootKind, 0},     // F8 New
-    {120, KV4AddIn::kShiftNone, projectdb::kArchiveKind, 1},  // F9 Edit
-    {46, KV4AddIn::kCtrl, projectdb::kArchiveKind, 2},        // Ctrl+Del Delete
-};
+/// Whether an archive command of the tree belongs to a node of this kind.
+bool Suits(const commandset::Command& command, const Node& node) {
+    const QStringView kind = projectdb::NodeKind(node.key);
+    return kind == ((command.needs & commandset::kArchive) != 0 ? projectdb::kArchiveKind
+                                                                : projectdb::kRootKind);
+}
 
 int TopicOf(const Node& node) {
     const QStringView kind = projectdb::NodeKind(node.key);
@@ -128,7 +136,7 @@ void Connect::CKV4Extensibility_Terminate() {
     });
     Guard(u"Connect: Terminate"_s, [&] { ShutDown(); });
     // A failed connection has left the hourglass, and nobody else will take it away.
-    if (host_ != nullptr) platform::SetScreenPointer(Pointer::Default);
+    if (host_ != nullptr) messages::SetScreenPointer(Pointer::Default);
     host_ = nullptr;
     hostWindow_ = nullptr;
     toldFailure_.clear();
@@ -155,10 +163,10 @@ void Connect::ShutDown() {
 /// asks for nothing, and one that opens has been clicked in the same breath.
 void Connect::FirstUse(QString node, bool clicked) {
     if (opened_) {
-        platform::SetScreenPointer(Pointer::Default);
+        messages::SetScreenPointer(Pointer::Default);
         return;
     }
-    platform::SetScreenPointer(Pointer::Hourglass);
+    messages::SetScreenPointer(Pointer::Hourglass);
     // The hourglass stays: the project is not open yet, and the next click tries again.
     const bool always = clicked && projectdb::IsOwnNode(node);
     if (!ConnectToDataBase(project_.projectPath, always)) return;
@@ -169,12 +177,12 @@ void Connect::FirstUse(QString node, bool clicked) {
         TellFailure(u"Connect: FirstUse"_s, always);
         RemoveArchiveNodes();
         ShutDown();
-        platform::SetScreenPointer(Pointer::Default);
+        messages::SetScreenPointer(Pointer::Default);
         return;
     }
     opened_ = true;
     toldFailure_.clear();
-    platform::SetScreenPointer(Pointer::Default);
+    messages::SetScreenPointer(Pointer::Default);
     host_->ExpandNode(kRootKey);
     // The user who clicks on somebody else's node stays there.
     if (projectdb::IsOwnNode(node)) host_->SelectNode(kRootKey);
@@ -191,23 +199,23 @@ void Connect::TellOfFile(const projectdb::RowFailures& unreadable) {
     // Opened again by Refresh, the file says the same.
     if (notices == std::exchange(toldNotices_, notices)) notices.clear();
     if (unreadable.Count() == 0 && notices.isEmpty()) return;
-    platform::Message message;
+    messages::Message message;
     if (unreadable.Count() > 0) {
-        message = unreadable.ToMessage(texts_.GetText(MResourceTable::kTextUnreadableRows),
-                                       u"Connect: FirstUse"_s);
+        message = guard::ToMessage(unreadable, texts_.GetText(MResourceTable::kTextUnreadableRows),
+                                   u"Connect: FirstUse"_s);
     } else {
         projectdb::Failure notice;
         notice.reason = {reasons::Cause::FileDamaged, project_.projectPath.toStdString()};
         notice.told =
             texts_.GetText(MResourceTable::kTextFileNotices, {{u"file", project_.projectPath}});
-        message = notice.ToMessage({});
+        message = guard::ToMessage(notice, {});
         message.title = editor_->windowTitle();
-        message.kind = platform::MessageKind::Information;
+        message.kind = messages::MessageKind::Information;
         message.details.clear();
     }
     if (!message.details.isEmpty()) message.details += u'\n';
     message.details += notices.join(u'\n');
-    platform::ShowMessage(message, editor_);
+    messages::ShowMessage(message, editor_);
 }
 
 bool Connect::ConnectToDataBase(const QString& databasePath, bool always) {
@@ -223,7 +231,7 @@ bool Connect::ConnectToDataBase(const QString& databasePath, bool always) {
 /// Shows the failure that is being handled; not `always`: unless the user has been told it already.
 void Connect::TellFailure(const QString& procedure, bool always) {
     const QString details = projectdb::Failure::Current().Details();
-    if (always || details != toldFailure_) projectdb::ShowFailure(procedure);
+    if (always || details != toldFailure_) guard::ShowFailure(procedure);
     toldFailure_ = details;
 }
 
@@ -355,31 +363,32 @@ void Connect::CKV4Extensibility_NodeKeyDown(const Node& node, int& keyCode, int&
 
 /// False when the key means nothing here.
 bool Connect::RunKey(const Node& node, int keyCode, int shift) {
+    using commandset::Id;
     if (host_ == nullptr) return false;
-    if (keyCode == kHelpKey) {
+    const QKeyCombination keys = KeyOf(keyCode, shift);
+    // In the tree F1 asks for help with whatever else is held down.
+    const commandset::Command* command = commandset::CommandOf(
+        commandset::Place::Tree, keys.key() == Qt::Key_F1 ? Qt::Key_F1 : keys);
+    if (command == nullptr) return false;
+    if (command->id == Id::Help) {
         ShowHelpTopic(TopicOf(node), editor_);
         return true;
     }
-    if (!editor_) return false;
-    if (keyCode == kShowEditorKey && shift == KV4AddIn::kAlt && projectdb::IsOwnNode(node.key)) {
+    if (!editor_ || !projectdb::IsOwnNode(node.key)) return false;
+    if (command->id == Id::ShowEditor) {
         ShowEditor();
         return true;
     }
-    if (keyCode == kFindKey && shift == KV4AddIn::kCtrl && projectdb::IsOwnNode(node.key)) {
+    if (command->id == Id::Find) {
         BringEditorUp();
         editor_->FindArchives();
         return true;
     }
-    for (const CommandKey& key : kCommandKeys) {
-        if (key.keyCode != keyCode || key.shift != shift || !projectdb::IsOwnNode(node.key)) {
-            continue;
-        }
-        if (key.kind == projectdb::NodeKind(node.key)) {
-            editor_->mnuArchiv_Click(key.command);
-            return true;
-        }
-        editor_->HintAtArchiveCommand(key.command);
+    if (Suits(*command, node)) {
+        editor_->Run(command->id);
+        return true;
     }
+    editor_->HintAt(command->id);
     return false;
 }
 
@@ -388,7 +397,7 @@ void Connect::ShowHelpTopic(int topic, QWidget* owner) {
     const QString text =
         texts_.GetText(MResourceTable::kTextNoHelpFile,
                        {{u"topic", QString::number(topic)}, {u"file", helpFile_.Path()}});
-    platform::ShowMessage(text, platform::MessageButtons::Ok,
+    messages::ShowMessage(text, messages::MessageButtons::Ok,
                           texts_.GetText(MResourceTable::kTextEditorTitle), owner);
 }
 

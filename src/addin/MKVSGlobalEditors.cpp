@@ -1,7 +1,7 @@
 #include "addin/MKVSGlobalEditors.h"
 
+#include "guard/Guard.h"
 #include "platform/Registry.h"
-#include "projectdb/Guard.h"
 
 namespace MKVSGlobalEditors {
 namespace {
@@ -26,7 +26,7 @@ bool ReadCurrentProject(platform::Registry& registry, QString& projectPath) {
         projectPath = folder + u'\\' + projectPath + kExtension.toString();
         return true;
     } catch (...) {
-        projectdb::ShowFailure(u"MKVSGlobalEditors: ReadCurrentProject"_s);
+        guard::ShowFailure(u"MKVSGlobalEditors: ReadCurrentProject"_s);
         return false;
     }
 }

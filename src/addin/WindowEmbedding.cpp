@@ -2,7 +2,7 @@
 
 #include <QApplication>
 
-#include "platform/MessageBox.h"
+#include "messages/MessageBox.h"
 
 namespace WindowEmbedding {
 
@@ -49,7 +49,7 @@ void ActivationWatch::FocusChanged() {
 
 void ActivationWatch::FocusSettled() {
     settling_ = false;
-    if (!editor_ || platform::IsMessageOpen()) return;
+    if (!editor_ || messages::IsMessageOpen()) return;
     const bool active = Owns(QApplication::focusWidget());
     if (active == active_) return;
     active_ = active;

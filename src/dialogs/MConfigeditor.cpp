@@ -9,8 +9,8 @@
 #include "controls/FontProperties.h"
 #include "controls/TDBGrid.h"
 #include "dialogs/FConfigEditor.h"
+#include "messages/MessageBox.h"
 #include "platform/Error.h"
-#include "platform/MessageBox.h"
 #include "settings/CInit.h"
 #include "texts/MResources.h"
 #include "texts/MResourceTable.h"
@@ -159,8 +159,8 @@ std::optional<Cause> Try(Step&& step) {
 bool EditOptions(const Session& session, QWidget* owner) {
     FConfigEditor dialog(session.texts, session.showHelp, owner);
     const auto tell = [&](int text, const Cause& cause) {
-        platform::ShowMessage({session.texts.GetText(text) + u"\n\n"_s + cause.text,
-                               platform::MessageButtons::Ok, dialog.windowTitle(), cause.details},
+        messages::ShowMessage({session.texts.GetText(text) + u"\n\n"_s + cause.text,
+                               messages::MessageButtons::Ok, dialog.windowTitle(), cause.details},
                               owner);
     };
     if (const auto cause = Try([&] { SettingsToDialog(session, dialog); })) {

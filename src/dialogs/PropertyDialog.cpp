@@ -24,8 +24,8 @@
 #include "dialogs/FolderChoice.h"
 #include "dialogs/KeyFilter.h"
 #include "dialogs/TextDialog.h"
+#include "messages/MessageBox.h"
 #include "platform/Locale.h"
-#include "platform/MessageBox.h"
 #include "texts/MResources.h"
 #include "texts/MResourceTable.h"
 
@@ -284,7 +284,7 @@ bool PropertyDialog::Fits(const QString& chosen, const QLineEdit& field) {
     const QString text =
         services_.texts.GetText(MResourceTable::kTextChoiceTooLong,
                                 {{u"max", QString::number(field.maxLength())}, {u"text", chosen}});
-    platform::ShowMessage(text, platform::MessageButtons::Ok, windowTitle(), this);
+    messages::ShowMessage(text, messages::MessageButtons::Ok, windowTitle(), this);
     return false;
 }
 
@@ -311,7 +311,7 @@ void PropertyDialog::cmdOk_Click() {
 
 /// Says what stands against OK and leads to the field where it can be put right.
 void PropertyDialog::Refuse(const Objection& objection) {
-    platform::ShowMessage(objection.text, platform::MessageButtons::Ok, windowTitle(), this);
+    messages::ShowMessage(objection.text, messages::MessageButtons::Ok, windowTitle(), this);
     for (int page = 0; page < frame_.tabs->count(); ++page) {
         if (frame_.tabs->widget(page)->isAncestorOf(objection.field)) {
             frame_.tabs->setCurrentIndex(page);

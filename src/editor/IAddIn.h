@@ -4,7 +4,7 @@
 #include <QString>
 #include <QStringList>
 
-#include "editor/ArchiveCommands.h"
+#include "commands/ArchiveCommands.h"
 
 class QWidget;
 

@@ -4,9 +4,9 @@
 
 #include "editor/CellInput.h"
 #include "editor/CellText.h"
+#include "guard/Guard.h"
 #include "project/Colour.h"
 #include "project/FieldText.h"
-#include "projectdb/Guard.h"
 #include "projectdb/Text.h"
 
 namespace {
@@ -210,7 +210,7 @@ void RecordsetModel::fetchMore(const QModelIndex& parent) {
     const bool missingBefore = missing_.Count() > 0;
     std::vector<Row> portion;
     // The view calls this while it scrolls: nothing may be thrown into it.
-    if (!projectdb::Guard(u"frmtabGrid"_s, [&] { ReadPortion(portion); })) failed_ = true;
+    if (!guard::Guard(u"frmtabGrid"_s, [&] { ReadPortion(portion); })) failed_ = true;
     if (!portion.empty()) {
         const int first = rowCount();
         beginInsertRows({}, first, first + static_cast<int>(portion.size()) - 1);

@@ -2,7 +2,7 @@
 
 #include <QProgressDialog>
 
-#include "platform/MessageBox.h"
+#include "messages/MessageBox.h"
 #include "texts/MResourceTable.h"
 
 namespace {
@@ -13,12 +13,12 @@ constexpr int kShowAfter = 500;  // milliseconds
 
 RowProgress::RowProgress(const MResources::TextTable& texts, int text, QWidget* owner)
     : texts_(texts), text_(text), owner_(owner) {
-    platform::SetScreenPointer(platform::Pointer::Hourglass);
+    messages::SetScreenPointer(messages::Pointer::Hourglass);
 }
 
 RowProgress::~RowProgress() {
     delete dialog_;
-    platform::SetScreenPointer(platform::Pointer::Default);
+    messages::SetScreenPointer(messages::Pointer::Default);
 }
 
 projectdb::Progress RowProgress::Function() {

@@ -7,8 +7,8 @@
 #include <QString>
 #include <vector>
 
+#include "commands/PasteCommands.h"
 #include "controls/GridSplit.h"
-#include "editor/PasteCommands.h"
 #include "editor/TrendRows.h"
 
 /// Trends for and from the clipboard, as text: a line of headings, then a line for each trend,

@@ -1,7 +1,7 @@
 #include "editor/TrendRows.h"
 
 #include "project/Rows.h"
-#include "projectdb/Guard.h"
+#include "projectdb/Failure.h"
 #include "projectdb/Hierarchy.h"
 #include "projectdb/Text.h"
 #include "texts/MResourceTable.h"

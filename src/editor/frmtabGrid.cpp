@@ -13,15 +13,17 @@
 #include <tuple>
 #include <utility>
 
+#include "commands/TrendCommands.h"
 #include "controls/FontProperties.h"
 #include "controls/TDBGrid.h"
+#include "editor/EditorKeys.h"
 #include "editor/EditorLayout.h"
+#include "editor/EditorMenus.h"
 #include "editor/GridColumns.h"
-#include "editor/TrendCommands.h"
 #include "editor/TrendRows.h"
-#include "platform/MessageBox.h"
-#include "platform/PlainTexts.h"
-#include "projectdb/Guard.h"
+#include "guard/Guard.h"
+#include "messages/MessageBox.h"
+#include "messages/PlainTexts.h"
 #include "projectdb/NodeKey.h"
 #include "records/CDBLanguages.h"
 #include "settings/CInit.h"
@@ -30,11 +32,8 @@
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-using projectdb::Guard;
+using guard::Guard;
 using Command = ADOArchiv::Command;
-
-constexpr std::size_t kSeparator = 3;
-constexpr std::size_t kShowEditor = 4;
 
 }  // namespace
 
@@ -51,16 +50,15 @@ frmtabGrid::frmtabGrid(projectdb::ProjectContext& project, const MResources::Tex
       trendCommands_(std::make_unique<TrendCommands>(project, hierarchy_, *this, names_, texts)),
       layout_(std::make_unique<EditorLayout>(*this)) {
     setObjectName(u"frmtabGrid"_s);
-    platform::KeepTextsPlain(*this);
+    messages::KeepTextsPlain(*this);
     setWindowTitle(texts_.GetText(MResourceTable::kTextEditorTitle));
     BuildMenus();
     BuildGrid();
-    BuildToolBar();
     BuildStatusBar();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->setMenuBar(bar_);
+    layout->setMenuBar(menus_->Bar());
     layout->addLayout(BuildTopRow());
     layout->addWidget(tdbA, 1);
     layout->addWidget(sb);
@@ -109,28 +107,8 @@ void frmtabGrid::Unload() {
 
 void frmtabGrid::MenuSwitcher(const QString& nodeKey, bool popUp) {
     nodeKey_ = nodeKey;
-    mnuArchiv[kSeparator]->setVisible(popUp);
-    mnuArchiv[kShowEditor]->setVisible(popUp);
+    menus_->ShowAtTree(popUp);
     UpdateCommands();
-}
-
-/// What the menu of the trends says when it opens holds for the toolbar at any time.
-void frmtabGrid::UpdateCommands() {
-    const QStringView kind = projectdb::NodeKind(nodeKey_);
-    const bool archive = kind == projectdb::kArchiveKind;
-    // The list of the archives is as good a place for a new one as the node above them.
-    const bool inList = active_ && tdbA->Split() == 0;
-    const bool canWrite = CanWrite();
-    mnuArchiv[0]->setEnabled((kind == projectdb::kRootKind || inList) && canWrite);
-    mnuArchiv[1]->setEnabled(archive);
-    mnuArchiv[2]->setEnabled(archive && canWrite);
-    const GridSplit& trends = tdbA->SplitAt(1);
-    const bool selected = archive && !trends.SelectedRows().isEmpty();
-    mnuTrend[0]->setEnabled(archive && canWrite);
-    mnuTrend[1]->setEnabled(archive && trends.CurrentRow() != kNoGridRow);
-    mnuTrend[2]->setEnabled(selected && canWrite);
-    mnuPaste->setEnabled(archive && canWrite);
-    mnuDuplicate->setEnabled(archive && canWrite);
 }
 
 bool frmtabGrid::CanWrite() {
@@ -202,7 +180,7 @@ void frmtabGrid::dblangs_LanguageChanged() {
 }
 
 void frmtabGrid::PopUpArchiveMenu() {
-    mnuArchive->exec(QCursor::pos());
+    menus_->MenuOf(u"mnuArchive")->exec(QCursor::pos());
 }
 
 void frmtabGrid::Arrange() {
@@ -297,15 +275,16 @@ void frmtabGrid::ShowMissingTrends() {
         const projectdb::RowFailures& missing =
             unreadable_.Count() > 0 ? unreadable_ : trends_->Missing();
         if (missing.Count() == 0) return;  // another archive has been opened meanwhile
-        platform::Message message = missing.ToMessage(
-            texts_.GetText(MResourceTable::kTextUnreadableRows), u"frmtabGrid: TrendsReloaded"_s);
+        messages::Message message =
+            guard::ToMessage(missing, texts_.GetText(MResourceTable::kTextUnreadableRows),
+                             u"frmtabGrid: TrendsReloaded"_s);
         message.title = texts_.GetText(MResourceTable::kTextEditorTitle);
-        platform::ShowMessage(message, this);
+        messages::ShowMessage(message, this);
     });
 }
 
 void frmtabGrid::Tell(const QString& text) {
-    platform::ShowMessage(text, platform::MessageButtons::Ok,
+    messages::ShowMessage(text, messages::MessageButtons::Ok,
                           texts_.GetText(MResourceTable::kTextEditorTitle), this);
 }
 
@@ -325,7 +304,7 @@ void frmtabGrid::SetPanelText(int panel, const QString& text) {
 
 void frmtabGrid::keyPressEvent(QKeyEvent* event) {
     bool used = false;
-    Guard(u"frmtabGrid: KeyDown"_s, [&] { used = RunKey(*event); });
+    Guard(u"frmtabGrid: KeyDown"_s, [&] { used = keys_->Press(*event, Place(tdbA->Split())); });
     if (!used) QWidget::keyPressEvent(event);
 }
 

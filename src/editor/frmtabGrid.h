@@ -5,27 +5,28 @@
 #include <QPointer>
 #include <QWidget>
 
+#include "commands/ArchiveCommands.h"
+#include "commands/NameLists.h"
+#include "commandset/CommandSet.h"
 #include "dialogs/DialogServices.h"
-#include "editor/ArchiveCommands.h"
+#include "editor/DialogNames.h"
 #include "editor/EditorPlace.h"
 #include "editor/IAddIn.h"
-#include "editor/NameLists.h"
 #include "platform/Locale.h"
 #include "projectdb/Hierarchy.h"
 #include "texts/MResources.h"
 
 class CDBLanguages;
 class CInit;
+class EditorKeys;
 class EditorLayout;
+class EditorMenus;
 namespace platform {
 class Registry;
 }
-class QAction;
 class QComboBox;
 class QLabel;
 class QLineEdit;
-class QMenu;
-class QMenuBar;
 class QStatusBar;
 class QToolBar;
 class RecordsetModel;
@@ -92,8 +93,10 @@ public:
     [[nodiscard]] bool IsThere(const QString& nodeKey);
     /// Leads the keyboard to the find field, to narrow the list of archives.
     void FindArchives();
-    /// Says in the status bar what an archive command that the tree's node does not allow needs.
-    void HintAtArchiveCommand(int index);
+    /// Says in the status bar why a command cannot run; nothing when it can.
+    void HintAt(commandset::Id id);
+    /// Runs a command, wherever it was asked for.
+    void Run(commandset::Id id);
     /// Runs an archive command: 0 New, 1 Edit, 2 Delete, 4 Show editor.
     void mnuArchiv_Click(int index);
     /// Runs a trend command: 0 New, 1 Edit, 2 Delete.
@@ -133,18 +136,9 @@ public:
     [[nodiscard]] QString PanelText(int panel) const override;
     void SetPanelText(int panel, const QString& text) override;
 
-    // Controls under their given names, objectName() alike.
+    // Controls under their given names, objectName() alike. Those of the commands are in
+    // EditorMenus.
     TDBGrid* tdbA = nullptr;
-    QMenu* mnuArchive = nullptr;
-    std::array<QAction*, 5> mnuArchiv{};  // 3 is a separator
-    QMenu* mnuTrends = nullptr;
-    std::array<QAction*, 3> mnuTrend{};
-    QMenu* mnuExtras = nullptr;
-    std::array<QAction*, 5> mnuExtra{};  // 3 is a separator
-    QAction* mnuCopy = nullptr;
-    QAction* mnuPaste = nullptr;
-    QAction* mnuDuplicate = nullptr;
-    QAction* mnuFreeze = nullptr;  // keeps the name column in view
     QToolBar* tbrfunc = nullptr;
     QComboBox* cmbLanguage = nullptr;
     QLineEdit* txtFind = nullptr;
@@ -164,11 +158,9 @@ protected:
 
 private:
     void BuildMenus();
-    void BuildToolBar();
     [[nodiscard]] QLayout* BuildTopRow();
     void BuildGrid();
     void BuildStatusBar();
-    [[nodiscard]] QAction* AddCommand(QMenu* menu, int text, const QString& name);
 
     void ArchiveRowChanged();
     void UpdateCommands();
@@ -177,8 +169,10 @@ private:
     /// As CanWrite, and says so in the status bar: for commands that come from elsewhere than from
     /// an action that is grey then.
     [[nodiscard]] bool MayStore();
-    /// Why a command cannot run now; empty when it can.
-    [[nodiscard]] QString Obstacle(const QAction& command);
+    /// How things stand for the commands.
+    [[nodiscard]] commandset::Situation Situation();
+    [[nodiscard]] commandset::Place Place(int split) const;
+    void ShowHelp();
     /// Says something in the status bar for a while; nobody has to answer.
     void Hint(int text);
     void Hint(const QString& text);
@@ -198,7 +192,6 @@ private:
     void Paste();
     void DuplicateSelection();
     void StepArchive(int step);
-    [[nodiscard]] bool RunKey(const QKeyEvent& event);
     void ReadArchives();
     /// The archives as the file has them now. When the one that is open has gone, `instead` is
     /// opened.
@@ -229,11 +222,13 @@ private:
     const MResources::TextTable& texts_;
     IAddIn& addIn_;
     NameLists names_;
+    DialogNames dialogNames_{names_};
     projectdb::Hierarchy hierarchy_;
     std::unique_ptr<ArchiveCommands> archiveCommands_;
     std::unique_ptr<TrendCommands> trendCommands_;
     std::unique_ptr<EditorLayout> layout_;
-    QMenuBar* bar_ = nullptr;
+    EditorMenus* menus_ = nullptr;
+    std::unique_ptr<EditorKeys> keys_;
     std::array<QLabel*, 3> panels_{};
     RecordsetModel* archives_ = nullptr;
     TrendRows* trends_ = nullptr;

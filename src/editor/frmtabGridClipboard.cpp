@@ -5,13 +5,13 @@
 #include <QMimeData>
 #include <QScopedValueRollback>
 
+#include "commands/PasteCommands.h"
 #include "controls/TDBGrid.h"
 #include "editor/frmtabGrid.h"
-#include "editor/PasteCommands.h"
 #include "editor/RowProgress.h"
 #include "editor/TrendClipboard.h"
 #include "editor/TrendRows.h"
-#include "projectdb/Guard.h"
+#include "guard/Guard.h"
 #include "projectdb/Text.h"
 #include "texts/MResourceTable.h"
 

@@ -7,23 +7,24 @@
 #include <QStatusBar>
 #include <QTableView>
 
+#include "commands/DuplicateCommands.h"
+#include "commands/Statistic.h"
+#include "commands/TrendCommands.h"
 #include "controls/KVColorSelect.h"
 #include "controls/TDBGrid.h"
 #include "dialogs/ColourTexts.h"
 #include "dialogs/MConfigeditor.h"
-#include "editor/DuplicateCommands.h"
 #include "editor/EditorLayout.h"
+#include "editor/EditorMenus.h"
 #include "editor/frmtabGrid.h"
 #include "editor/GridColumns.h"
 #include "editor/HeadingMenu.h"
 #include "editor/RowProgress.h"
-#include "editor/Statistic.h"
-#include "editor/TrendCommands.h"
 #include "editor/TrendRows.h"
+#include "guard/Guard.h"
+#include "messages/MessageBox.h"
 #include "platform/ComponentRegistry.h"
-#include "platform/MessageBox.h"
 #include "project/Schema.h"
-#include "projectdb/Guard.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
 #include "records/CDBLanguages.h"
@@ -35,7 +36,7 @@
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-using projectdb::Guard;
+using guard::Guard;
 using Command = ADOArchiv::Command;
 
 constexpr int kNew = 0;
@@ -61,8 +62,8 @@ QList<GridRowId> Rows(const std::vector<std::int32_t>& ids) {
 /// The pointer of a busy program while the scope lasts.
 class Busy {
 public:
-    Busy() { platform::SetScreenPointer(platform::Pointer::Hourglass); }
-    ~Busy() { platform::SetScreenPointer(platform::Pointer::Default); }
+    Busy() { messages::SetScreenPointer(messages::Pointer::Hourglass); }
+    ~Busy() { messages::SetScreenPointer(messages::Pointer::Default); }
     Busy(const Busy&) = delete;
     Busy& operator=(const Busy&) = delete;
 };
@@ -70,7 +71,7 @@ public:
 }  // namespace
 
 DialogServices frmtabGrid::Services() {
-    DialogServices services{texts_, names_, {}, {}, {}, {}, {}};
+    DialogServices services{texts_, dialogNames_, {}, {}, {}, {}, {}};
     services.chooseVariable = [this](QWidget* owner, const QString& current) {
         return addIn_.ChooseVariable(owner, current);
     };
@@ -95,9 +96,51 @@ AskUser frmtabGrid::Question(const QString& about) {
     QString title = texts_.GetText(MResourceTable::kTextEditorTitle);
     if (!about.isEmpty()) title += u": "_s + about;
     return [this, title](const QString& question) {
-        return platform::ShowMessage(question, platform::MessageButtons::OkCancelDefaultCancel,
-                                     title, this) == platform::MessageResult::Ok;
+        return messages::ShowMessage(question, messages::MessageButtons::OkCancelDefaultCancel,
+                                     title, this) == messages::MessageResult::Ok;
     };
+}
+
+void frmtabGrid::Run(commandset::Id id) {
+    using commandset::Id;
+    switch (id) {
+        case Id::NewArchive:
+            return mnuArchiv_Click(kNew);
+        case Id::EditArchive:
+            return mnuArchiv_Click(kEdit);
+        case Id::DeleteArchive:
+            return mnuArchiv_Click(kDelete);
+        case Id::ShowEditor:
+            return mnuArchiv_Click(kShowEditor);
+        case Id::NewTrend:
+            return mnuTrend_Click(kNew);
+        case Id::EditTrend:
+            return mnuTrend_Click(kEdit);
+        case Id::DeleteTrend:
+            return mnuTrend_Click(kDelete);
+        case Id::Statistic:
+            return mnuExtra_Click(kStatistic);
+        case Id::Report:
+            return mnuExtra_Click(kReport);
+        case Id::Refresh:
+            return mnuExtra_Click(kRefresh);
+        case Id::Options:
+            return mnuExtra_Click(kOptions);
+        case Id::Copy:
+            return Copy();
+        case Id::Paste:
+            return Paste();
+        case Id::Duplicate:
+            return DuplicateSelection();
+        case Id::FreezeName:
+            return FreezeName(menus_->Action(id)->isChecked());
+        case Id::Find:
+            return Find(tdbA->Split());
+        case Id::Help:
+            return ShowHelp();
+        case Id::Separator:
+            return;
+    }
 }
 
 void frmtabGrid::mnuArchiv_Click(int index) {
@@ -207,11 +250,11 @@ void frmtabGrid::ShowReport() {
                                              Q_ARG(QString, project_.projectPath),
                                              Q_ARG(QString, u"KVTrend"_s));
     if (shown) return;
-    platform::Message message{texts_.GetText(MResourceTable::kTextNoReport),
-                              platform::MessageButtons::Ok,
+    messages::Message message{texts_.GetText(MResourceTable::kTextNoReport),
+                              messages::MessageButtons::Ok,
                               texts_.GetText(MResourceTable::kTextEditorTitle)};
-    message.kind = platform::MessageKind::Information;
-    platform::ShowMessage(message, this);
+    message.kind = messages::MessageKind::Information;
+    messages::ShowMessage(message, this);
 }
 
 void frmtabGrid::ShowOptions() {
@@ -306,13 +349,13 @@ void frmtabGrid::ShowDataError(int number, const QString& text, const QString& d
     const QString cause =
         number == TrendRows::kRowChanged ? texts_.GetText(MResourceTable::kTextRowChanged) : text;
     if (!cause.isEmpty()) message += u"\n\n"_s + cause;
-    platform::ShowMessage({message, platform::MessageButtons::Ok,
+    messages::ShowMessage({message, messages::MessageButtons::Ok,
                            texts_.GetText(MResourceTable::kTextEditorTitle), details},
                           this);
     if (number != TrendRows::kRowChanged) return;
-    platform::ShowMessage(texts_.GetText(MResourceTable::kTextError) + QString::number(number) +
+    messages::ShowMessage(texts_.GetText(MResourceTable::kTextError) + QString::number(number) +
                               texts_.GetText(MResourceTable::kTextOutOfStep),
-                          platform::MessageButtons::Ok, u"No way out"_s, this);
+                          messages::MessageButtons::Ok, u"No way out"_s, this);
     projectdb::ReloadTrends(project_, *this);
     const QList<GridRowId> rows = tdbA->SplitAt(1).ShownRows();
     if (!rows.isEmpty()) tdbA->SplitAt(1).SetCurrentCell(rows.front());
@@ -320,17 +363,7 @@ void frmtabGrid::ShowDataError(int number, const QString& text, const QString& d
 
 void frmtabGrid::OpenContextMenu(int split, const QPoint& position) {
     QMenu menu(this);
-    if (split == 0) {
-        menu.addActions({mnuArchiv[0], mnuArchiv[1], mnuArchiv[2]});
-        menu.addSeparator();
-        menu.addActions({mnuCopy, mnuDuplicate});
-    } else {
-        menu.addActions({mnuTrend[0], mnuTrend[1], mnuTrend[2]});
-        menu.addSeparator();
-        menu.addActions({mnuCopy, mnuPaste, mnuDuplicate});
-        menu.addSeparator();
-        menu.addAction(mnuFreeze);
-    }
+    menus_->FillContextMenu(menu, Place(split));
     GridSplit& grid = tdbA->SplitAt(split);
     QMenu* column = menu.addMenu(texts_.GetText(MResourceTable::kTextColumnMenu));
     HeadingMenu::Fill(*column, grid, grid.CurrentColumn(), texts_);

@@ -1,51 +1,26 @@
 // Building of the editor window's controls.
 
-#include <QAction>
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenu>
-#include <QMenuBar>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QToolBar>
 
 #include "controls/TDBGrid.h"
-#include "editor/EditorIcons.h"
+#include "editor/EditorKeys.h"
+#include "editor/EditorMenus.h"
 #include "editor/frmtabGrid.h"
 #include "editor/TrendRows.h"
-#include "projectdb/Guard.h"
+#include "guard/Guard.h"
+#include "icons/Icons.h"
 #include "texts/MResourceTable.h"
 
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-using projectdb::Guard;
-
-struct Command {
-    int text;  // 0: a separator
-    EditorIcon icon = EditorIcon::Help;
-};
-constexpr std::array<Command, 5> kArchiveCommands = {{
-    {MResourceTable::kTextNewArchive, EditorIcon::NewArchive},
-    {MResourceTable::kTextEditArchive, EditorIcon::EditArchive},
-    {MResourceTable::kTextDeleteArchive, EditorIcon::DeleteArchive},
-    {0},
-    {MResourceTable::kTextShowEditor},
-}};
-constexpr std::array<Command, 3> kTrendCommands = {{
-    {MResourceTable::kTextNewTrend, EditorIcon::NewTrend},
-    {MResourceTable::kTextEditTrend, EditorIcon::EditTrend},
-    {MResourceTable::kTextDeleteTrend, EditorIcon::DeleteTrend},
-}};
-constexpr std::array<Command, 5> kExtras = {{
-    {MResourceTable::kTextStatistics},
-    {MResourceTable::kTextReport, EditorIcon::Report},
-    {MResourceTable::kTextActualizeConnection, EditorIcon::Refresh},
-    {0},
-    {MResourceTable::kTextOptions, EditorIcon::Options},
-}};
+using guard::Guard;
 
 constexpr std::array kPanelTexts = {MResourceTable::kTextFunctionPanel,
                                     MResourceTable::kTextArchivesPanel,
@@ -77,86 +52,20 @@ QString ArrayName(QStringView name, int index) {
     return u"%1(%2)"_s.arg(name).arg(index);
 }
 
-/// A menu text as a tool tip: without access key, the key that stands behind many blanks or a tab
-/// in parentheses ("New (F8)").
-QString ToolTip(QString text) {
-    text.remove(u'&').replace(u'\t', u"  "_s);
-    const qsizetype gap = text.indexOf(u"  "_s);
-    if (gap < 0) return text;
-    return u"%1 (%2)"_s.arg(text.left(gap), text.mid(gap).trimmed());
-}
-
 }  // namespace
 
-QAction* frmtabGrid::AddCommand(QMenu* menu, int text, const QString& name) {
-    QAction* action = text == 0 ? menu->addSeparator() : menu->addAction(texts_.GetText(text));
-    action->setObjectName(name);
-    return action;
-}
-
 void frmtabGrid::BuildMenus() {
-    bar_ = new QMenuBar(this);
-    bar_->setNativeMenuBar(false);  // the window stands inside the host's
-
-    const auto build = [this](QStringView menuName, int menuText, QStringView itemName,
-                              const auto& commands, auto& actions, auto click) {
-        QMenu* menu = bar_->addMenu(texts_.GetText(menuText));
-        menu->setObjectName(menuName.toString());
-        for (int i = 0; i < static_cast<int>(commands.size()); ++i) {
-            const Command& command = commands[static_cast<std::size_t>(i)];
-            QAction* action = AddCommand(menu, command.text, ArrayName(itemName, i));
-            if (command.icon != EditorIcon::Help) {
-                action->setIcon(MakeIcon(command.icon));
-                action->setToolTip(ToolTip(texts_.GetText(menuText)) + u": "_s +
-                                   ToolTip(texts_.GetText(command.text)));
-            }
-            connect(action, &QAction::triggered, this, [this, click, i, itemName] {
-                Guard(u"frmtabGrid: %1_Click"_s.arg(itemName), [&] { (this->*click)(i); });
-            });
-            actions[static_cast<std::size_t>(i)] = action;
-        }
-        return menu;
-    };
-    mnuArchive = build(u"mnuArchive", MResourceTable::kTextMenuArchive, u"mnuArchiv",
-                       kArchiveCommands, mnuArchiv, &frmtabGrid::mnuArchiv_Click);
-    mnuTrends = build(u"mnuTrends", MResourceTable::kTextMenuTrends, u"mnuTrend", kTrendCommands,
-                      mnuTrend, &frmtabGrid::mnuTrend_Click);
-    mnuExtras = build(u"mnuExtras", MResourceTable::kTextMenuExtras, u"mnuExtra", kExtras, mnuExtra,
-                      &frmtabGrid::mnuExtra_Click);
-    connect(mnuTrends, &QMenu::aboutToShow, this, &frmtabGrid::UpdateCommands);
-
-    const auto addEdit = [this](QStringView name, int text, EditorIcon icon, auto slot) {
-        auto* action = new QAction(MakeIcon(icon), texts_.GetText(text), this);
-        action->setObjectName(name.toString());
-        action->setToolTip(ToolTip(texts_.GetText(text)));
-        connect(action, &QAction::triggered, this, [this, slot, name] {
-            Guard(u"frmtabGrid: %1"_s.arg(name), [&] { (this->*slot)(); });
-        });
-        return action;
-    };
-    mnuCopy = addEdit(u"mnuCopy", MResourceTable::kTextCopy, EditorIcon::Copy, &frmtabGrid::Copy);
-    mnuPaste =
-        addEdit(u"mnuPaste", MResourceTable::kTextPaste, EditorIcon::Paste, &frmtabGrid::Paste);
-    mnuDuplicate = addEdit(u"mnuDuplicate", MResourceTable::kTextDuplicate, EditorIcon::Duplicate,
-                           &frmtabGrid::DuplicateSelection);
-    mnuFreeze = new QAction(texts_.GetText(MResourceTable::kTextFreezeName), this);
-    mnuFreeze->setObjectName(u"mnuFreeze"_s);
-    mnuFreeze->setCheckable(true);
-    connect(mnuFreeze, &QAction::triggered, this, &frmtabGrid::FreezeName);
-}
-
-void frmtabGrid::BuildToolBar() {
-    tbrfunc = new QToolBar(texts_.GetText(MResourceTable::kTextToolBar), this);
-    tbrfunc->setObjectName(u"tbrfunc"_s);
-    tbrfunc->setMovable(false);
-    tbrfunc->setIconSize(QSize(20, 20));
-    for (const std::size_t i : {0u, 1u, 2u}) tbrfunc->addAction(mnuArchiv[i]);
-    tbrfunc->addSeparator();
-    for (const std::size_t i : {0u, 1u, 2u}) tbrfunc->addAction(mnuTrend[i]);
-    tbrfunc->addSeparator();
-    for (QAction* action : {mnuCopy, mnuPaste, mnuDuplicate}) tbrfunc->addAction(action);
-    tbrfunc->addSeparator();
-    for (const std::size_t i : {1u, 2u, 4u}) tbrfunc->addAction(mnuExtra[i]);
+    menus_ = new EditorMenus(texts_, *this);
+    connect(menus_, &EditorMenus::AboutToShow, this, &frmtabGrid::UpdateCommands);
+    connect(menus_, &EditorMenus::Triggered, this, [this](commandset::Id id) {
+        QString procedure = commandset::CommandOf(id).name.toString();
+        procedure.replace(procedure.indexOf(u'('), procedure.size(), u"_Click"_s);
+        Guard(u"frmtabGrid: "_s + procedure, [&] { Run(id); });
+    });
+    tbrfunc = menus_->MakeToolBar();
+    keys_ = std::make_unique<EditorKeys>(EditorKeys::Window{
+        [this] { return Situation(); }, [this] { return busy_; },
+        [this](commandset::Id id) { Run(id); }, [this](int text) { Hint(text); }});
 }
 
 /// The fields beside the toolbar, which gives way to them where there is little room.
@@ -164,7 +73,7 @@ QLayout* frmtabGrid::BuildTopRow() {
     txtFind = new QLineEdit(this);
     txtFind->setObjectName(u"txtFind"_s);
     txtFind->setClearButtonEnabled(true);
-    txtFind->addAction(MakeIcon(EditorIcon::Find), QLineEdit::LeadingPosition);
+    txtFind->addAction(icons::Icon(u"find"), QLineEdit::LeadingPosition);
     const int letter = txtFind->fontMetrics().averageCharWidth();
     txtFind->setMinimumWidth(kSmallestFindWidth * letter);
     txtFind->setMaximumWidth(kFindWidth * letter);
@@ -207,7 +116,7 @@ void frmtabGrid::BuildGrid() {
     tdbA->Splitter()->handle(1)->setObjectName(u"pctTrdTabSplit"_s);
     archives_ = new RecordsetModel(texts_, this);
     trends_ = new TrendRows(
-        texts_, names_, [this](int text) { Tell(texts_.GetText(text)); }, this);
+        texts_, dialogNames_, [this](int text) { Tell(texts_.GetText(text)); }, this);
     // Queued: a view may be reading in the middle of its layout.
     connect(trends_, &RecordsetModel::RowsMissing, this, &frmtabGrid::ShowMissingTrends,
             Qt::QueuedConnection);

@@ -1,10 +1,10 @@
 // The keys of the editor window, and what it says when a command cannot run.
 
-#include <QKeyEvent>
 #include <QStatusBar>
 #include <QToolTip>
 
 #include "controls/TDBGrid.h"
+#include "editor/EditorMenus.h"
 #include "editor/frmtabGrid.h"
 #include "platform/HelpTopics.h"
 #include "projectdb/NodeKey.h"
@@ -28,18 +28,23 @@ void frmtabGrid::Hint(int text) {
     Hint(texts_.GetText(text));
 }
 
-QString frmtabGrid::Obstacle(const QAction& command) {
-    if (busy_) return texts_.GetText(MResourceTable::kTextHintBusy);
-    if (command.isEnabled()) return {};
-    const bool stores = &command != mnuArchiv[1] && &command != mnuTrend[1];
-    if (stores && !CanWrite()) return texts_.GetText(MResourceTable::kTextHintReadOnly);
-    if (&command == mnuArchiv[0]) return texts_.GetText(MResourceTable::kTextHintNewArchive);
-    if (projectdb::NodeKind(nodeKey_) != projectdb::kArchiveKind) {
-        return texts_.GetText(MResourceTable::kTextHintNoArchive);
-    }
+void frmtabGrid::HintAt(commandset::Id id) {
+    const int obstacle = commandset::Obstacle(commandset::CommandOf(id), Situation());
+    if (obstacle != 0) Hint(obstacle);
+}
+
+commandset::Situation frmtabGrid::Situation() {
+    const QStringView kind = projectdb::NodeKind(nodeKey_);
     const GridSplit& trends = tdbA->SplitAt(1);
-    if (trends.CurrentRow() == kNoGridRow) return texts_.GetText(MResourceTable::kTextHintNoTrend);
-    return texts_.GetText(MResourceTable::kTextHintNoSelection);
+    commandset::Situation situation;
+    situation.canWrite = CanWrite();
+    situation.isRoot = kind == projectdb::kRootKind;
+    situation.isArchive = kind == projectdb::kArchiveKind;
+    // The list of the archives is as good a place for a new one as the node above them.
+    situation.isInArchives = active_ && tdbA->Split() == 0;
+    situation.hasTrend = trends.CurrentRow() != kNoGridRow;
+    situation.hasSelection = !trends.SelectedRows().isEmpty();
+    return situation;
 }
 
 bool frmtabGrid::MayStore() {
@@ -48,53 +53,16 @@ bool frmtabGrid::MayStore() {
     return false;
 }
 
-void frmtabGrid::HintAtArchiveCommand(int index) {
-    const QString obstacle = Obstacle(*mnuArchiv.at(static_cast<std::size_t>(index)));
-    if (!obstacle.isEmpty()) Hint(obstacle);
+/// What the menu of the trends says when it opens holds for the toolbar at any time.
+void frmtabGrid::UpdateCommands() {
+    menus_->Update(Situation());
 }
 
-bool frmtabGrid::RunKey(const QKeyEvent& event) {
-    const bool archives = tdbA->Split() == 0;
-    const auto run = [this](QAction* action) {
-        const QString obstacle = Obstacle(*action);
-        if (obstacle.isEmpty()) {
-            action->trigger();
-        } else {
-            Hint(obstacle);
-        }
-        return true;
-    };
-    const int key = event.key();
-    if (event.modifiers() == Qt::NoModifier) {
-        switch (key) {
-            case Qt::Key_F1:
-                addIn_.ShowHelpTopic(
-                    archives ? platform::kHelpEditorWindow : platform::kHelpTrendGrid, this);
-                return true;
-            case Qt::Key_F8:
-                return run(archives ? mnuArchiv[0] : mnuTrend[0]);
-            case Qt::Key_F9:
-                return run(archives ? mnuArchiv[1] : mnuTrend[1]);
-            case Qt::Key_Insert:
-                return run(mnuTrend[0]);
-            default:
-                return false;
-        }
-    }
-    if (event.modifiers() != Qt::ControlModifier) return false;
-    switch (key) {
-        case Qt::Key_Delete:
-            return run(archives ? mnuArchiv[2] : mnuTrend[2]);
-        case Qt::Key_C:
-            return run(mnuCopy);
-        case Qt::Key_V:
-            return run(mnuPaste);
-        case Qt::Key_D:
-            return run(mnuDuplicate);
-        case Qt::Key_F:
-            Find(tdbA->Split());
-            return true;
-        default:
-            return false;
-    }
+commandset::Place frmtabGrid::Place(int split) const {
+    return split == 0 ? commandset::Place::Archives : commandset::Place::Trends;
+}
+
+void frmtabGrid::ShowHelp() {
+    addIn_.ShowHelpTopic(
+        tdbA->Split() == 0 ? platform::kHelpEditorWindow : platform::kHelpTrendGrid, this);
 }

@@ -9,6 +9,7 @@
 
 #include "controls/TDBGrid.h"
 #include "editor/EditorLayout.h"
+#include "editor/EditorMenus.h"
 #include "editor/frmtabGrid.h"
 #include "texts/MResourceTable.h"
 
@@ -86,5 +87,6 @@ void frmtabGrid::FreezeName(bool freeze) {
 }
 
 void frmtabGrid::ShowFreezing() {
-    mnuFreeze->setChecked(tdbA->SplitAt(1).FrozenColumn() == u"Name");
+    menus_->Action(commandset::Id::FreezeName)
+        ->setChecked(tdbA->SplitAt(1).FrozenColumn() == u"Name");
 }

@@ -2,9 +2,13 @@
 
 #include <QDir>
 #include <QFile>
+#include <utility>
 
+#include "commandset/CommandSet.h"
 #include "help/detail/HtmlText.h"
 #include "platform/HelpTopics.h"
+#include "texts/Language.h"
+#include "texts/MResources.h"
 
 // Outside of any namespace, as Qt wants it: a static library's resources are not found by
 // themselves.
@@ -68,6 +72,29 @@ constexpr Chapter kChapters[] = {
     {1, "keys.html"},
 };
 
+// Where a page lists the keys of the commands.
+constexpr std::pair<QByteArrayView, commandset::Place> kKeyMarks[] = {
+    {"<!-- keys: tree -->", commandset::Place::Tree},
+    {"<!-- keys: archives -->", commandset::Place::Archives},
+    {"<!-- keys: trends -->", commandset::Place::Trends},
+};
+
+/// Rows of a table of keys, in the language of the pages of a folder.
+QByteArray KeyRows(QStringView folder, commandset::Place place) {
+    MResources::TextTable texts;
+    for (const texts::Language* language : texts::Languages()) {
+        if (language->help != folder) continue;
+        texts.SetLanguage(language->lcid);
+        break;
+    }
+    QString rows;
+    for (const commandset::KeyLine& line : commandset::KeyLines(place, texts)) {
+        rows += u"<tr><td><b>%1</b></td><td>%2</td></tr>\n"_s.arg(line.keys.toHtmlEscaped(),
+                                                                  line.description.toHtmlEscaped());
+    }
+    return rows.toUtf8();
+}
+
 }  // namespace
 
 BuiltInHelp::BuiltInHelp(QString folder) : folder_(std::move(folder)) {
@@ -117,7 +144,11 @@ std::optional<QByteArray> BuiltInHelp::Read(const QString& path) const {
     if (clean.startsWith(u".."_s) || clean.startsWith(u'/')) return std::nullopt;
     QFile file(kRoot + clean);
     if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
-    return file.readAll();
+    QByteArray page = file.readAll();
+    for (const auto& [mark, place] : kKeyMarks) {
+        if (page.contains(mark)) page.replace(mark, KeyRows(folder_, place));
+    }
+    return page;
 }
 
 }  // namespace help

@@ -18,8 +18,8 @@
 
 #include "help/detail/HtmlText.h"
 #include "help/HelpPage.h"
+#include "messages/PlainTexts.h"
 #include "platform/HelpTopics.h"
-#include "platform/PlainTexts.h"
 #include "texts/MResourceTable.h"
 
 namespace help {
@@ -45,7 +45,7 @@ QString Stamp(const QString& path) {
 HelpWindow::HelpWindow(const MResources::TextTable& texts)
     : texts_(texts), language_(texts_.Language().help), builtIn_(language_) {
     setObjectName(u"frmHelp"_s);
-    platform::KeepTextsPlain(*this);
+    messages::KeepTextsPlain(*this);
     // The program ends with its own windows; this one goes with them.
     setAttribute(Qt::WA_QuitOnClose, false);
     resize(980, 680);

@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "projectdb/Guard.h"
+#include "projectdb/Failure.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
 #include "projectdb/Transaction.h"

@@ -1,7 +1,6 @@
 #include "projectdb/RowWalk.h"
 
 #include "projectdb/Text.h"
-#include "texts/Fill.h"
 
 namespace projectdb {
 
@@ -17,12 +16,6 @@ constexpr int kMaximumSteps = 256;
 void RowFailures::Note(const ado::AdoError& error, int times) {
     if (!first_) first_ = Failure{error.Number(), ToQString(error.Description()), error.Reason()};
     count_ += times;
-}
-
-platform::Message RowFailures::ToMessage(const QString& rows, const QString& procedure) const {
-    platform::Message message = first_->ToMessage(procedure);
-    message.text += u"\n\n"_s + texts::Fill(rows, {{u"n", QString::number(count_)}});
-    return message;
 }
 
 RowWalk::RowWalk(ado::Recordset& recordset, RowFailures& failures)

@@ -7,7 +7,7 @@
 #include "ado/AdoError.h"
 #include "ado/Connection.h"
 #include "ado/Recordset.h"
-#include "projectdb/Guard.h"
+#include "projectdb/Failure.h"
 
 namespace projectdb {
 
@@ -17,9 +17,8 @@ public:
     void Note(const ado::AdoError& error, int times = 1);
 
     [[nodiscard]] int Count() const noexcept { return count_; }
-    /// The first failure as it is shown, and below it `rows`, in which Count() takes the place of
-    /// "<n>". REQUIRES: Count() > 0.
-    [[nodiscard]] platform::Message ToMessage(const QString& rows, const QString& procedure) const;
+    /// REQUIRES: Count() > 0.
+    [[nodiscard]] const Failure& First() const { return *first_; }
 
 private:
     std::optional<Failure> first_;

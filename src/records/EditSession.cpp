@@ -1,7 +1,8 @@
 #include "records/EditSession.h"
 
 #include "ado/AdoError.h"
-#include "platform/MessageBox.h"
+#include "guard/Guard.h"
+#include "messages/MessageBox.h"
 #include "texts/MResources.h"
 #include "texts/MResourceTable.h"
 #include "texts/ReasonText.h"
@@ -10,9 +11,9 @@ namespace EditSession {
 namespace {
 
 /// The failure with the numbered sentence in front of its cause.
-platform::Message Message(const PropertyDialog& dialog, const projectdb::Failure& failure,
+messages::Message Message(const PropertyDialog& dialog, const projectdb::Failure& failure,
                           const QString& sentence, const QString& cause) {
-    platform::Message message = failure.ToMessage(dialog.objectName());
+    messages::Message message = guard::ToMessage(failure, dialog.objectName());
     message.text = sentence + QStringLiteral("\n\n") + cause;
     message.title = dialog.windowTitle();
     return message;
@@ -31,12 +32,12 @@ void TellNotStored(PropertyDialog& dialog, const MResources::TextTable& texts, i
         cause = texts.GetText(gone ? MResourceTable::kTextRecordGone
                                    : MResourceTable::kTextRecordChanged);
     }
-    platform::ShowMessage(Message(dialog, failure, texts.GetText(text), cause), &dialog);
+    messages::ShowMessage(Message(dialog, failure, texts.GetText(text), cause), &dialog);
 }
 
 void TellNotLoaded(const PropertyDialog& dialog, const MResources::TextTable& texts, int text,
                    const projectdb::Failure& failure, QWidget* owner) {
-    platform::ShowMessage(Message(dialog, failure, texts.GetText(text), failure.Text()), owner);
+    messages::ShowMessage(Message(dialog, failure, texts.GetText(text), failure.Text()), owner);
 }
 
 }  // namespace EditSession

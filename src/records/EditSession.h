@@ -9,7 +9,7 @@
 #include "ado/Recordset.h"
 #include "dialogs/PropertyDialog.h"
 #include "project/FieldText.h"
-#include "projectdb/Guard.h"
+#include "projectdb/Failure.h"
 
 /// What the edit sessions of archives and trends have in common.
 namespace EditSession {

@@ -9,7 +9,7 @@
 
 #include "dialogs/ArchiveSummary.h"
 #include "dialogs/FArchiv.h"
-#include "platform/MessageBox.h"
+#include "messages/MessageBox.h"
 #include "project/Rows.h"
 #include "projectdb/Hierarchy.h"
 #include "projectdb/Text.h"
@@ -143,8 +143,8 @@ private:
             if (!texts.IsBOF() || !texts.IsEOF()) texts.MoveFirst();
             if (!texts.IsEOF()) texts.Find("ID = " + std::to_string(ado::ToLong(textId)));
             if (texts.IsEOF()) {
-                platform::ShowMessage(texts_.GetText(MResourceTable::kTextIndexTextMissing),
-                                      platform::MessageButtons::Ok, dialog_.windowTitle(), owner_);
+                messages::ShowMessage(texts_.GetText(MResourceTable::kTextIndexTextMissing),
+                                      messages::MessageButtons::Ok, dialog_.windowTitle(), owner_);
             } else {
                 texts.Resync();
                 available = project::HasField(texts, column);

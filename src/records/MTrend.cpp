@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "dialogs/FTrend.h"
-#include "platform/MessageBox.h"
+#include "messages/MessageBox.h"
 #include "project/Rows.h"
 #include "projectdb/Hierarchy.h"
 #include "projectdb/Text.h"

@@ -12,9 +12,9 @@
 using namespace Qt::Literals::StringLiterals;
 
 AddInTest::AddInTest()
-    : answer_([this](const platform::Message& message) {
+    : answer_([this](const messages::Message& message) {
           messages_ += message;
-          return platform::MessageResult::Ok;
+          return messages::MessageResult::Ok;
       }) {
     QPluginLoader loader(QStringLiteral(KV_ADDIN_FILE));
     root_ = loader.instance();

@@ -9,7 +9,7 @@
 #include <QTemporaryDir>
 
 #include "addin/FakeHost.h"
-#include "platform/MessageBox.h"
+#include "messages/MessageBox.h"
 
 inline void PrintTo(const QString& text, std::ostream* out) {
     *out << '"' << text.toStdString() << '"';
@@ -49,6 +49,6 @@ protected:
     FakeHost host_;
     KV4AddIn::CKV4Extensibility* addIn_ = nullptr;
     QObject* root_ = nullptr;
-    QList<platform::Message> messages_;
-    platform::MessageAnswer answer_;
+    QList<messages::Message> messages_;
+    messages::MessageAnswer answer_;
 };

@@ -212,7 +212,7 @@ TEST_F(ConnectTest, KeysActOnTheirNodesOnly) {
     EXPECT_THAT(host_.ChildTexts(kRoot), testing::Contains(u"Neues Archiv"_s));
     EXPECT_EQ(host_.Find(u"ARCH1"_s), nullptr);
     ASSERT_EQ(messages_.size(), 1);
-    EXPECT_EQ(messages_[0].buttons, platform::MessageButtons::OkCancelDefaultCancel);
+    EXPECT_EQ(messages_[0].buttons, messages::MessageButtons::OkCancelDefaultCancel);
     EXPECT_TRUE(messages_[0].text.contains(u"24 Trendobjekten"_s))
         << messages_[0].text.toStdString();
 }
@@ -307,7 +307,7 @@ TEST_F(ConnectTest, AFailedConnectionIsTriedAgain) {
         ASSERT_EQ(messages_.size(), turn.told ? 1 : 0);
         if (!turn.told) continue;
         EXPECT_EQ(messages_[0].title, u"ConnectToDataBase"_s);
-        EXPECT_EQ(messages_[0].buttons, platform::MessageButtons::Ok);
+        EXPECT_EQ(messages_[0].buttons, messages::MessageButtons::Ok);
         EXPECT_THAT(messages_[0].text.toStdString(),
                     AllOf(StartsWith("Die Datei '"), HasSubstr("Brauerei.kvs' wurde nicht gef")));
         EXPECT_THAT(messages_[0].details.toStdString(),

@@ -159,9 +159,9 @@ TEST_F(EditorCommandTest, SortingAndSelectingActOnWhatIsShown) {
 TEST_F(EditorCommandTest, DeclinedDeletionsChangeNothing) {
     Open();
     QStringList questions;
-    const platform::MessageAnswer decline([&](const platform::Message& message) {
+    const messages::MessageAnswer decline([&](const messages::Message& message) {
         questions += message.text;
-        return platform::MessageResult::Cancel;
+        return messages::MessageResult::Cancel;
     });
     SelectRow(2);
     Key(Qt::Key_Delete, Qt::ControlModifier);

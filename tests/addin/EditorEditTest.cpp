@@ -440,7 +440,7 @@ TEST_F(EditorEditTest, AMessageBoxIsNoTurningAway) {
     Open();
     bool asked = false;
     int readMeanwhile = 0;
-    const platform::MessageAnswer answer([&](const platform::Message&) {
+    const messages::MessageAnswer answer([&](const messages::Message&) {
         asked = true;
         QObject::connect(Split(1)->model(), &QAbstractItemModel::modelReset, &host_.tree,
                          [&] { ++readMeanwhile; });
@@ -448,7 +448,7 @@ TEST_F(EditorEditTest, AMessageBoxIsNoTurningAway) {
         TurnTo();
         host_.tree.disconnect();
         QObject::disconnect(Split(1)->model(), nullptr, &host_.tree, nullptr);
-        return platform::MessageResult::Ok;
+        return messages::MessageResult::Ok;
     });
     ClickCell(0, u"Name"_s);
     Key(Qt::Key_Delete);

@@ -198,6 +198,6 @@ QString EditorTest::Stored(const QString& trend, const std::string& field) {
 
 QStringList EditorTest::MessageTexts() const {
     QStringList texts;
-    for (const platform::Message& message : messages_) texts += message.text;
+    for (const messages::Message& message : messages_) texts += message.text;
     return texts;
 }

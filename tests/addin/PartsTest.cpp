@@ -17,7 +17,8 @@
 #include "editor/CellText.h"
 #include "editor/GridColumns.h"
 #include "editor/RowProgress.h"
-#include "platform/MessageBox.h"
+#include "guard/Guard.h"
+#include "messages/MessageBox.h"
 #include "platform/Registry.h"
 #include "projectdb/ADOArchiv.h"
 #include "projectdb/NodeKey.h"
@@ -124,9 +125,9 @@ TEST(RowProgressTest, WhatTakesLongCanBeGivenUp) {
         EXPECT_EQ(cancel->text(), u"Abbrechen"_s);
         cancel->click();
         EXPECT_FALSE(step(3, 100000));
-        EXPECT_EQ(platform::ScreenPointer(), platform::Pointer::Hourglass);
+        EXPECT_EQ(messages::ScreenPointer(), messages::Pointer::Hourglass);
     }
-    EXPECT_EQ(platform::ScreenPointer(), platform::Pointer::Default);
+    EXPECT_EQ(messages::ScreenPointer(), messages::Pointer::Default);
     EXPECT_TRUE(owner.children().isEmpty());
 }
 
@@ -236,7 +237,7 @@ TEST(RowWalkTest, GivesUpWhereNoRowCanBeReached) {
     EXPECT_EQ(failures.Count(), 1) << "what cannot be held as one state is not walked";
     EXPECT_FALSE(walk.First());
     EXPECT_FALSE(walk.Next());
-    const platform::Message message = failures.ToMessage(u"+<n>"_s, u"Walk"_s);
+    const messages::Message message = guard::ToMessage(failures, u"+<n>"_s, u"Walk"_s);
     EXPECT_TRUE(message.details.startsWith(u"Walk\n3704   "_s));
     EXPECT_TRUE(message.text.endsWith(u"\n+1"_s));
 }

@@ -14,7 +14,7 @@
 #include <QTemporaryDir>
 
 #include "dialogs/DialogServices.h"
-#include "platform/MessageBox.h"
+#include "messages/MessageBox.h"
 #include "platform/Registry.h"
 #include "texts/MResources.h"
 
@@ -72,9 +72,9 @@ inline QStringList AccessKeyFaults(const QDialog& dialog, const QTabWidget& tabs
 class DialogSurroundings {
 public:
     explicit DialogSurroundings(std::uint32_t language = MResources::kGerman)
-        : answer_([this](const platform::Message& message) {
+        : answer_([this](const messages::Message& message) {
               messages << message.text;
-              return platform::MessageResult::Ok;
+              return messages::MessageResult::Ok;
           }) {
         platform::Registry registry({folder.filePath(QStringLiteral("machine.reg")), {}});
         registry.WriteDword(MResources::kStudioKey, u"LCID", language);
@@ -91,5 +91,5 @@ public:
     QList<int> topics;
 
 private:
-    platform::MessageAnswer answer_;
+    messages::MessageAnswer answer_;
 };

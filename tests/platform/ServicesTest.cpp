@@ -7,15 +7,11 @@
 
 #include "platform/ComponentRegistry.h"
 #include "platform/HelpFile.h"
-#include "platform/MessageBox.h"
 
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
 using platform::ComponentRegistry;
-using platform::MessageAnswer;
-using platform::MessageButtons;
-using platform::MessageResult;
 
 TEST(ComponentRegistryTest, FindsByProgIdAndSaysWhyNot) {
     const QTemporaryDir folder;
@@ -63,33 +59,6 @@ TEST(ComponentRegistryTest, EnvironmentComesBeforeTheProgramsFolder) {
     EXPECT_EQ(folders[0], u"/first"_s);
     EXPECT_EQ(folders[1], u"/second"_s);
     EXPECT_EQ(folders[2], QCoreApplication::applicationDirPath() + u"/addins"_s);
-}
-
-TEST(MessageBoxTest, AnswersNestAndBoxesNeverBlockWithoutAScreen) {
-    EXPECT_EQ(platform::ShowMessage(u"x"_s, MessageButtons::OkCancelDefaultCancel, u"t"_s),
-              MessageResult::Cancel);
-    QStringList shown;
-    const MessageAnswer outer([&](const platform::Message& message) {
-        shown += message.title + u": "_s + message.text;
-        return MessageResult::No;
-    });
-    {
-        const MessageAnswer inner([](const platform::Message&) { return MessageResult::Yes; });
-        EXPECT_EQ(platform::ShowMessage(u"x"_s, MessageButtons::YesNo, u"t"_s), MessageResult::Yes);
-    }
-    EXPECT_EQ(platform::ShowMessage(u"y"_s, MessageButtons::YesNo, {}), MessageResult::No);
-    EXPECT_THAT(shown, testing::ElementsAre(QCoreApplication::applicationName() + u": y"_s));
-}
-
-TEST(PointerTest, IsOneStateAndNotAStack) {
-    using platform::Pointer;
-    platform::SetScreenPointer(Pointer::Hourglass);
-    platform::SetScreenPointer(Pointer::Hourglass);
-    EXPECT_NE(QGuiApplication::overrideCursor(), nullptr);
-    platform::SetScreenPointer(Pointer::Default);
-    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
-    platform::SetScreenPointer(Pointer::Default);
-    EXPECT_EQ(platform::ScreenPointer(), Pointer::Default);
 }
 
 TEST(HelpFileTest, HandsTheTopicToTheViewer) {

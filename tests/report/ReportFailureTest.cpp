@@ -17,7 +17,7 @@
 
 #include "ado/Connection.h"
 #include "ado/Recordset.h"
-#include "platform/MessageBox.h"
+#include "messages/MessageBox.h"
 #include "platform/Registry.h"
 #include "report/ReportWindow.h"
 
@@ -52,9 +52,9 @@ class ReportFailureTest : public testing::Test {
 protected:
     ReportFailureTest()
         : project_(folder_.filePath(u"Projekt.kvs"_s)),
-          answer_([this](const platform::Message& message) {
+          answer_([this](const messages::Message& message) {
               messages_ += message.text;
-              return platform::MessageResult::Ok;
+              return messages::MessageResult::Ok;
           }) {
         registry_.WriteDword(MResources::kStudioKey, u"LCID", MResources::kEnglish);
     }
@@ -108,7 +108,7 @@ protected:
     QString project_;
     platform::Registry registry_;
     QStringList messages_;
-    platform::MessageAnswer answer_;
+    messages::MessageAnswer answer_;
     std::unique_ptr<ReportWindow> window_;
 };
 

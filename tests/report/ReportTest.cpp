@@ -16,8 +16,8 @@
 
 #include "ado/Connection.h"
 #include "ado/Recordset.h"
+#include "messages/MessageBox.h"
 #include "platform/ComponentRegistry.h"
-#include "platform/MessageBox.h"
 #include "platform/Registry.h"
 #include "report/ReportWindow.h"
 
@@ -73,9 +73,9 @@ Exported ReadHtml(const QString& path) {
 class ReportTest : public testing::Test {
 protected:
     ReportTest()
-        : answer_([this](const platform::Message& message) {
+        : answer_([this](const messages::Message& message) {
               messages_ += message.text;
-              return platform::MessageResult::Ok;
+              return messages::MessageResult::Ok;
           }) {}
 
     QString Copy(const QString& source) {
@@ -110,7 +110,7 @@ protected:
     QTemporaryDir folder_;
     platform::Registry registry_;
     QStringList messages_;
-    platform::MessageAnswer answer_;
+    messages::MessageAnswer answer_;
 };
 
 TEST_F(ReportTest, ShowsTheProjectInBothLanguages) {

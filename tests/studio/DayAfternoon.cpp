@@ -146,10 +146,10 @@ void DayTest::Delete() {
     OpenArchive(u"Gärung"_s);
     Trends().ClickRecord(2);
     Trends().ClickRecord(4, Qt::ShiftModifier);
-    answerTo_ = platform::MessageResult::Cancel;
+    answerTo_ = messages::MessageResult::Cancel;
     User::Press(Qt::Key_Delete, Qt::ControlModifier);
     EXPECT_EQ(Trends().RowCount(), 40);
-    answerTo_ = platform::MessageResult::Ok;
+    answerTo_ = messages::MessageResult::Ok;
     User::Press(Qt::Key_Delete, Qt::ControlModifier);
     EXPECT_THAT(TakeMessages(), testing::Each(u"Do you really want to delete 3 trend objects?"_s));
     plan_.Of(u"Gärung"_s).trends.remove(2, 3);

@@ -10,7 +10,7 @@
 #include <sys/resource.h>
 #include <csignal>
 
-#include "platform/MessageBox.h"
+#include "messages/MessageBox.h"
 #include "projectfile/CreateProject.h"
 #include "studio/StudioDesk.h"
 

@@ -15,7 +15,7 @@
 
 #include "ado/Connection.h"
 #include "ado/Recordset.h"
-#include "platform/MessageBox.h"
+#include "messages/MessageBox.h"
 #include "studio/AddInSet.h"
 #include "studio/StudioRegistry.h"
 #include "studio/StudioWindow.h"
@@ -93,9 +93,9 @@ TEST_F(NewProjectTest, WhatCannotBeMadeIsToldAndTheDialogStays) {
                                                 {u"nowhere/New.kvs"_s, u"could not be created"_s},
                                                 {u"a\\b.kvs"_s, u"backslash"_s}};
     QString shown;
-    const platform::MessageAnswer answer([&shown](const platform::Message& message) {
+    const messages::MessageAnswer answer([&shown](const messages::Message& message) {
         shown = message.text;
-        return platform::MessageResult::Ok;
+        return messages::MessageResult::Ok;
     });
     for (const auto& [file, expected] : rows) {
         shown.clear();

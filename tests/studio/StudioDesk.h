@@ -8,7 +8,7 @@
 #include <QTemporaryDir>
 
 #include "ado/Recordset.h"
-#include "platform/MessageBox.h"
+#include "messages/MessageBox.h"
 #include "studio/DayPlan.h"
 #include "studio/StudioSession.h"
 #include "support/User.h"
@@ -59,8 +59,8 @@ protected:
     QString file_ = folder_.filePath(QStringLiteral("Anlage.kvs"));
     User user_;
     QStringList messages_;
-    platform::MessageResult answerTo_ = platform::MessageResult::Ok;
-    platform::MessageAnswer answer_{[this](const platform::Message& message) {
+    messages::MessageResult answerTo_ = messages::MessageResult::Ok;
+    messages::MessageAnswer answer_{[this](const messages::Message& message) {
         messages_ += message.text;
         return answerTo_;
     }};

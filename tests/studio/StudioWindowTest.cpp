@@ -14,7 +14,7 @@
 #include <QTest>
 #include <QTimer>
 
-#include "platform/MessageBox.h"
+#include "messages/MessageBox.h"
 #include "studio/AddInSet.h"
 #include "studio/EditorArea.h"
 #include "studio/ProjectTree.h"
@@ -103,9 +103,9 @@ TEST_F(StudioWindowTest, WhatIsNoProjectIsRefusedAndTheOpenOneStays) {
                         {u"Ordner.kvs"_s, u"keine Datei"_s},
                         {u"Bild.png"_s, u"Endung .kvs"_s}};
     QString shown;
-    const platform::MessageAnswer answer([&shown](const platform::Message& message) {
+    const messages::MessageAnswer answer([&shown](const messages::Message& message) {
         shown = message.text;
-        return platform::MessageResult::Ok;
+        return messages::MessageResult::Ok;
     });
     for (const Row& row : rows) {
         shown.clear();

@@ -1,0 +1,185 @@
+#include "commandset/CommandSet.h"
+
+#include <algorithm>
+#include <array>
+
+#include "texts/MResourceTable.h"
+
+namespace commandset {
+namespace {
+
+using namespace MResourceTable;
+using enum Id;
+
+constexpr int kNone = 0;
+constexpr int kFirstOwnText = kTextNoHelpFile;  // those before are given
+
+constexpr Key kNewArchiveKeys[] = {{Place::Tree, Qt::Key_F8}, {Place::Archives, Qt::Key_F8}};
+constexpr Key kEditArchiveKeys[] = {{Place::Tree, Qt::Key_F9}, {Place::Archives, Qt::Key_F9}};
+constexpr Key kDeleteArchiveKeys[] = {{Place::Tree, Qt::CTRL | Qt::Key_Delete},
+                                      {Place::Archives, Qt::CTRL | Qt::Key_Delete}};
+constexpr Key kShowEditorKeys[] = {{Place::Tree, Qt::ALT | Qt::Key_F6}};
+constexpr Key kNewTrendKeys[] = {{Place::Trends, Qt::Key_F8},
+                                 {Place::Trends, Qt::Key_Insert},
+                                 {Place::Archives, Qt::Key_Insert}};
+constexpr Key kEditTrendKeys[] = {{Place::Trends, Qt::Key_F9}};
+constexpr Key kDeleteTrendKeys[] = {{Place::Trends, Qt::CTRL | Qt::Key_Delete}};
+constexpr Key kCopyKeys[] = {{Place::Archives, Qt::CTRL | Qt::Key_C},
+                             {Place::Trends, Qt::CTRL | Qt::Key_C}};
+constexpr Key kPasteKeys[] = {{Place::Archives, Qt::CTRL | Qt::Key_V},
+                              {Place::Trends, Qt::CTRL | Qt::Key_V}};
+constexpr Key kDuplicateKeys[] = {{Place::Archives, Qt::CTRL | Qt::Key_D},
+                                  {Place::Trends, Qt::CTRL | Qt::Key_D}};
+constexpr Key kFindKeys[] = {{Place::Tree, Qt::CTRL | Qt::Key_F},
+                             {Place::Archives, Qt::CTRL | Qt::Key_F},
+                             {Place::Trends, Qt::CTRL | Qt::Key_F}};
+constexpr Key kHelpKeys[] = {
+    {Place::Tree, Qt::Key_F1}, {Place::Archives, Qt::Key_F1}, {Place::Trends, Qt::Key_F1}};
+
+constexpr Command kCommands[] = {
+    {NewArchive, u"mnuArchiv(0)", kTextNewArchive, kTextMenuArchive, kTextKeyNewArchive,
+     u"archive-new", kPlaceForArchives | kWriting, kNewArchiveKeys},
+    {EditArchive, u"mnuArchiv(1)", kTextEditArchive, kTextMenuArchive, kTextKeyEditArchive,
+     u"archive-edit", kArchive, kEditArchiveKeys},
+    {DeleteArchive, u"mnuArchiv(2)", kTextDeleteArchive, kTextMenuArchive, kTextKeyDeleteArchive,
+     u"archive-delete", kArchive | kWriting, kDeleteArchiveKeys},
+    {ShowEditor, u"mnuArchiv(4)", kTextShowEditor, kNone, kTextKeyShowEditor, u"", 0,
+     kShowEditorKeys},
+    {NewTrend, u"mnuTrend(0)", kTextNewTrend, kTextMenuTrends, kTextKeyNewTrend, u"trend-new",
+     kArchive | kWriting, kNewTrendKeys},
+    {EditTrend, u"mnuTrend(1)", kTextEditTrend, kTextMenuTrends, kTextKeyEditTrend, u"trend-edit",
+     kArchive | kTrend, kEditTrendKeys},
+    {DeleteTrend, u"mnuTrend(2)", kTextDeleteTrend, kTextMenuTrends, kTextKeyDeleteTrend,
+     u"trend-delete", kArchive | kSelection | kWriting, kDeleteTrendKeys},
+    {Statistic, u"mnuExtra(0)", kTextStatistics, kNone, kNone, u"", 0, {}},
+    {Report, u"mnuExtra(1)", kTextReport, kTextMenuExtras, kNone, u"report", 0, {}},
+    {Refresh, u"mnuExtra(2)", kTextActualizeConnection, kTextMenuExtras, kNone, u"refresh", 0, {}},
+    {Options, u"mnuExtra(4)", kTextOptions, kTextMenuExtras, kNone, u"options", 0, {}},
+    {Copy, u"mnuCopy", kTextCopy, kNone, kTextKeyCopy, u"copy", 0, kCopyKeys},
+    {Paste, u"mnuPaste", kTextPaste, kNone, kTextKeyPaste, u"paste", kArchive | kWriting,
+     kPasteKeys},
+    {Duplicate, u"mnuDuplicate", kTextDuplicate, kNone, kTextKeyDuplicate, u"duplicate",
+     kArchive | kWriting, kDuplicateKeys},
+    {FreezeName, u"mnuFreeze", kTextFreezeName, kNone, kNone, u"", 0, {}},
+    {Find, u"mnuFind", kNone, kNone, kTextKeyFind, u"", 0, kFindKeys},
+    {Help, u"mnuHelp", kNone, kNone, kTextKeyHelp, u"", 0, kHelpKeys},
+};
+static_assert(std::size(kCommands) == static_cast<std::size_t>(Separator));
+
+constexpr Id kArchiveMenu[] = {NewArchive, EditArchive, DeleteArchive, Separator, ShowEditor};
+constexpr Id kTrendMenu[] = {NewTrend, EditTrend, DeleteTrend};
+constexpr Id kExtrasMenu[] = {Statistic, Report, Refresh, Separator, Options};
+constexpr Menu kMenus[] = {
+    {u"mnuArchive", kTextMenuArchive, u"mnuArchiv", kArchiveMenu},
+    {u"mnuTrends", kTextMenuTrends, u"mnuTrend", kTrendMenu},
+    {u"mnuExtras", kTextMenuExtras, u"mnuExtra", kExtrasMenu},
+};
+
+constexpr Id kToolBar[] = {NewArchive, EditArchive, DeleteArchive, Separator, NewTrend,
+                           EditTrend,  DeleteTrend, Separator,     Copy,      Paste,
+                           Duplicate,  Separator,   Report,        Refresh,   Options};
+constexpr Id kArchiveContext[] = {NewArchive, EditArchive, DeleteArchive,
+                                  Separator,  Copy,        Duplicate};
+constexpr Id kTrendContext[] = {NewTrend, EditTrend, DeleteTrend, Separator, Copy,
+                                Paste,    Duplicate, Separator,   FreezeName};
+
+/// The key stands in given texts behind many blanks.
+qsizetype GivenKeyAt(const QString& text) {
+    return text.indexOf(u"  ");
+}
+
+QString WithoutAccessKey(QString text) {
+    return text.remove(u'&');
+}
+
+}  // namespace
+
+std::span<const Command> Commands() {
+    return kCommands;
+}
+
+const Command& CommandOf(Id id) {
+    return kCommands[static_cast<std::size_t>(id)];
+}
+
+const Command* CommandOf(Place place, QKeyCombination keys) {
+    for (const Command& command : kCommands) {
+        for (const Key& key : command.keys) {
+            if (key.place == place && key.keys == keys) return &command;
+        }
+    }
+    return nullptr;
+}
+
+std::span<const Menu> Menus() {
+    return kMenus;
+}
+
+std::span<const Id> ToolBar() {
+    return kToolBar;
+}
+
+std::span<const Id> ContextMenu(Place place) {
+    return place == Place::Archives ? std::span<const Id>(kArchiveContext) : kTrendContext;
+}
+
+int Obstacle(const Command& command, const Situation& situation) {
+    const auto lacks = [&](Need need, bool isThere) {
+        return (command.needs & need) != 0 && !isThere;
+    };
+    if (lacks(kWriting, situation.canWrite)) return kTextHintReadOnly;
+    if (lacks(kPlaceForArchives, situation.isRoot || situation.isInArchives)) {
+        return kTextHintNewArchive;
+    }
+    if (lacks(kArchive, situation.isArchive)) return kTextHintNoArchive;
+    if (lacks(kTrend, situation.hasTrend)) return kTextHintNoTrend;
+    if (lacks(kSelection, situation.hasSelection)) {
+        return situation.hasTrend ? kTextHintNoSelection : kTextHintNoTrend;
+    }
+    return 0;
+}
+
+QString KeyText(QKeyCombination keys, const MResources::TextTable& texts) {
+    QString text;
+    if (keys.keyboardModifiers().testFlag(Qt::ControlModifier)) text += texts.GetText(kTextCtrl);
+    if (keys.keyboardModifiers().testFlag(Qt::ShiftModifier)) text += texts.GetText(kTextShift);
+    if (keys.keyboardModifiers().testFlag(Qt::AltModifier)) text += texts.GetText(kTextAlt);
+    const Qt::Key key = keys.key();
+    if (key == Qt::Key_Delete) return text + texts.GetText(kTextKeyDel);
+    if (key == Qt::Key_Insert) return text + texts.GetText(kTextKeyIns);
+    if (key >= Qt::Key_F1 && key <= Qt::Key_F12) {
+        return text + u'F' + QString::number(key - Qt::Key_F1 + 1);
+    }
+    return text + QChar(key);
+}
+
+QString MenuText(const Command& command, const MResources::TextTable& texts) {
+    const QString text = texts.GetText(command.text);
+    if (command.keys.empty() || command.text < kFirstOwnText) return text;
+    return text + u'\t' + KeyText(command.keys.front().keys, texts);
+}
+
+QString ToolTip(const Command& command, const MResources::TextTable& texts) {
+    const QString text = WithoutAccessKey(texts.GetText(command.text));
+    QString tip = text.left(GivenKeyAt(text)).trimmed();
+    if (command.menu != 0) {
+        tip = WithoutAccessKey(texts.GetText(command.menu)) + QStringLiteral(": ") + tip;
+    }
+    if (command.keys.empty()) return tip;
+    return tip + QStringLiteral(" (") + KeyText(command.keys.front().keys, texts) + u')';
+}
+
+QList<KeyLine> KeyLines(Place place, const MResources::TextTable& texts) {
+    QList<KeyLine> lines;
+    for (const Command& command : kCommands) {
+        QStringList keys;
+        for (const Key& key : command.keys) {
+            if (key.place == place) keys += KeyText(key.keys, texts);
+        }
+        if (command.description == 0 || keys.isEmpty()) continue;
+        lines += KeyLine{keys.join(QStringLiteral(", ")), texts.GetText(command.description)};
+    }
+    return lines;
+}
+
+}  // namespace commandset

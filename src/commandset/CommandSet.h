@@ -1,0 +1,113 @@
+#pragma once
+
+#include <cstdint>
+#include <QKeyCombination>
+#include <QList>
+#include <QString>
+#include <QStringView>
+#include <span>
+
+#include "texts/MResources.h"
+
+/// What a user can ask the editor for, each command once: its name, texts, picture and keys, and
+/// what it needs to run. Menus, toolbar, context menus, tool tips, the keys of window and tree and
+/// the help's list of keys are made from it.
+namespace commandset {
+
+enum class Id : std::uint8_t {
+    NewArchive,
+    EditArchive,
+    DeleteArchive,
+    ShowEditor,
+    NewTrend,
+    EditTrend,
+    DeleteTrend,
+    Statistic,
+    Report,
+    Refresh,
+    Options,
+    Copy,
+    Paste,
+    Duplicate,
+    FreezeName,
+    Find,
+    Help,
+    Separator,  // no command: a line between them
+};
+
+/// Where the keyboard is.
+enum class Place : std::uint8_t { Tree, Archives, Trends };
+
+struct Key {
+    Place place;
+    QKeyCombination keys;
+};
+
+/// What has to be there, or possible, before a command runs; they add up.
+enum Need : unsigned {
+    kWriting = 1,           // the project can be written
+    kPlaceForArchives = 2,  // the node of all archives, or the list of archives
+    kArchive = 4,           // an archive
+    kTrend = 8,             // a current trend
+    kSelection = 16,        // selected trends
+};
+
+struct Command {
+    Id id;
+    QStringView name;  // objectName of its action
+    int text;          // number of the menu item's; 0: it stands in no menu
+    int menu;          // number of the menu's whose name the tool tip begins with; or 0
+    int description;   // number of what the help's list of keys says; 0: not in the list
+    QStringView icon;  // empty: none
+    unsigned needs;    // of Need
+    std::span<const Key> keys;
+};
+
+/// All commands, in the order of Id.
+[[nodiscard]] std::span<const Command> Commands();
+[[nodiscard]] const Command& CommandOf(Id id);
+/// The command of a key; null when it has none there. Several may share a key where only the
+/// place tells them apart.
+[[nodiscard]] const Command* CommandOf(Place place, QKeyCombination keys);
+
+/// A menu of the window's bar. Its items have the names "item(0)", "item(1)" and so on, separators
+/// counted.
+struct Menu {
+    QStringView name;
+    int text;
+    QStringView item;
+    std::span<const Id> commands;
+};
+[[nodiscard]] std::span<const Menu> Menus();
+[[nodiscard]] std::span<const Id> ToolBar();
+/// REQUIRES: not the tree, which shows the first menu.
+[[nodiscard]] std::span<const Id> ContextMenu(Place place);
+
+/// How things stand for the commands.
+struct Situation {
+    bool canWrite = true;
+    bool isRoot = false;        // the node is that of all archives
+    bool isArchive = false;     // the node is an archive's
+    bool isInArchives = false;  // the keyboard is in the list of archives
+    bool hasTrend = false;      // a trend is current
+    bool hasSelection = false;  // trends are selected
+};
+/// Number of the text that says why a command cannot run; 0 when it can.
+[[nodiscard]] int Obstacle(const Command& command, const Situation& situation);
+
+// Texts as they are shown.
+
+/// "Ctrl+Del" in the language of the interface.
+[[nodiscard]] QString KeyText(QKeyCombination keys, const MResources::TextTable& texts);
+/// Of the item in menus; behind a tab the first key, unless the text brings it itself.
+[[nodiscard]] QString MenuText(const Command& command, const MResources::TextTable& texts);
+/// "Archives: New (F8)".
+[[nodiscard]] QString ToolTip(const Command& command, const MResources::TextTable& texts);
+/// Keys with what they do at a place, for the help: "F8, Ins" and "new trend".
+struct KeyLine {
+    QString keys;
+    QString description;
+};
+[[nodiscard]] QList<KeyLine> KeyLines(Place place, const MResources::TextTable& texts);
+
+}  // namespace commandset

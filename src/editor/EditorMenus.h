@@ -1,0 +1,51 @@
+#pragma once
+
+#include <array>
+#include <functional>
+#include <QHash>
+#include <QObject>
+
+#include "commandset/CommandSet.h"
+
+class QAction;
+class QMenu;
+class QMenuBar;
+class QToolBar;
+class QWidget;
+
+/// The commands as actions of the window, and the menus and the toolbar that show them.
+class EditorMenus final : public QObject {
+    Q_OBJECT
+public:
+    /// `window` owns what is made; `texts` is borrowed and outlives it.
+    EditorMenus(const MResources::TextTable& texts, QWidget& window);
+
+    [[nodiscard]] QMenuBar* Bar() const noexcept { return bar_; }
+    /// By its given name. REQUIRES: there is such a menu.
+    [[nodiscard]] QMenu* MenuOf(QStringView name) const;
+    /// REQUIRES: the command stands in a menu.
+    [[nodiscard]] QAction* Action(commandset::Id id) const;
+    [[nodiscard]] QToolBar* MakeToolBar();
+    void FillContextMenu(QMenu& menu, commandset::Place place) const;
+
+    /// Enables what can run now.
+    void Update(const commandset::Situation& situation);
+    /// The menu of archives stands in the tree, where it leads to the editor too.
+    void ShowAtTree(bool atTree);
+
+signals:
+    void Triggered(commandset::Id id);
+    /// A menu is about to be shown: what can run may have changed unseen.
+    void AboutToShow();
+
+private:
+    void MakeActions();
+    void MakeBar();
+
+    const MResources::TextTable& texts_;
+    QWidget& window_;
+    QHash<commandset::Id, QAction*> actions_;
+    QHash<QString, QMenu*> menus_;
+    QMenuBar* bar_ = nullptr;
+    QAction* treeSeparator_ = nullptr;  // in front of "Show editor"
+};

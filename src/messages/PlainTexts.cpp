@@ -1,0 +1,42 @@
+#include "messages/PlainTexts.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QLabel>
+
+namespace messages {
+namespace {
+
+/// Labels are made at any time, tool tips by Qt itself; what they have in common is that they are
+/// polished before their text is laid out for the first time.
+class PlainTexts final : public QObject {
+public:
+    explicit PlainTexts(QWidget& window) : QObject(&window), window_(window) {
+        qApp->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::Polish) return false;
+        auto* label = qobject_cast<QLabel*>(watched);
+        if (label != nullptr && label->textFormat() == Qt::AutoText && IsOurs(label)) {
+            label->setTextFormat(Qt::PlainText);
+        }
+        return false;
+    }
+
+private:
+    [[nodiscard]] bool IsOurs(const QWidget* widget) const {
+        while (widget != nullptr && widget != &window_) widget = widget->parentWidget();
+        return widget != nullptr;
+    }
+
+    QWidget& window_;
+};
+
+}  // namespace
+
+void KeepTextsPlain(QWidget& window) {
+    new PlainTexts(window);  // the window's child
+}
+
+}  // namespace messages
