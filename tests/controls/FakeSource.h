@@ -58,6 +58,13 @@ public:
         ++fetched_;
         endInsertRows();
     }
+    void Insert(int row, Row added) {
+        beginInsertRows({}, row, row);
+        stored_.insert(stored_.begin() + row, std::move(added));
+        ++fetched_;
+        for (int i = 0; i < fetched_; ++i) places_[At(i).id] = i;
+        endInsertRows();
+    }
     void Remove(GridRowId id) {
         const int row = RowOf(id);
         beginRemoveRows({}, row, row);
@@ -116,6 +123,10 @@ public:
         return row < 0 ? GridRowState::Stored : At(row).state;
     }
     GridCommit CommitRow(GridRowId id) override {
+        if (answer) {
+            GridCommit result = answer({id, -1, {}});
+            if (result.outcome != GridCommit::Outcome::Stored) return result;
+        }
         stored_[static_cast<std::size_t>(RowOf(id))].state = GridRowState::Stored;
         committedRows.push_back(id);
         return GridCommit::Stored();
@@ -152,7 +163,8 @@ public:
         return editable ? plain | Qt::ItemIsEditable : plain;
     }
     [[nodiscard]] bool canFetchMore(const QModelIndex& parent) const override {
-        return !parent.isValid() && fetched_ < static_cast<int>(stored_.size());
+        if (promises > 0) --promises;
+        return !parent.isValid() && (promises > 0 || fetched_ < static_cast<int>(stored_.size()));
     }
     void fetchMore(const QModelIndex&) override {
         const int last = std::min(fetched_ + portion_, static_cast<int>(stored_.size()));
@@ -165,6 +177,7 @@ public:
     std::vector<Commit> commits;
     std::vector<GridRowId> committedRows;
     std::function<GridCommit(const Commit&)> answer;  // none: everything is stored
+    mutable int promises = 0;  // so often there are said to be more rows than there are
 
 private:
     [[nodiscard]] static double NumberIn(QString text, bool& ok) {

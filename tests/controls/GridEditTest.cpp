@@ -111,6 +111,7 @@ TEST_F(GridKeyTest, KeysDoWhatTheyDoInASpreadsheet) {
         {"no fraction", kDepth, {Typed(u"1.5"_s), kEnter}, 15, 106, kDepth, false},
         {"a colour", kColour, {Typed(u"#0080FF"_s), kEnter}, 0xFF8000, 106, kColour, false},
         {"half a colour", kColour, {Typed(u"#00"_s), kEnter}, 0x0000FF, 105, kColour, true},
+        {"too great", kColour, {Typed(u"16777216"_s), kEnter}, 0x0000FF, 105, kColour, true},
     };
     for (const KeyCase& test : cases) {
         SCOPED_TRACE(test.what);
@@ -176,6 +177,10 @@ TEST_F(GridEditTest, SpaceAndButtonAskForTheChooser) {
     QTest::mouseClick(View()->viewport(), Qt::LeftButton, {}, button);
     ASSERT_EQ(asked.size(), 3);
     EXPECT_EQ(asked[2][1].toInt(), kColour);
+    const QSignalSpy doubled(split_, &GridSplit::DblClick);
+    QTest::mouseDClick(View()->viewport(), Qt::LeftButton, {}, button);
+    EXPECT_EQ(doubled.size(), 0) << "its first press was enough";
+    EXPECT_FALSE(split_->Editing());
 }
 
 TEST_F(GridEditTest, ListsTakeTheirOwnValuesOnly) {
@@ -266,10 +271,56 @@ TEST_F(GridEditTest, ARefusedTextStaysInItsCellUntilItIsGivenUp) {
         split_->SetCurrentCell(112, kName);
         EXPECT_EQ(split_->CurrentRow(), 105) << "nor does the window go elsewhere";
         QCoreApplication::processEvents();
+        ClickSelector(110);
+        EXPECT_EQ(split_->CurrentRow(), 105);
+        QCoreApplication::processEvents();
         Key(Qt::Key_Escape);
         Click(110, kVar);
         EXPECT_EQ(split_->CurrentRow(), 110);
     }
+}
+
+TEST_F(GridEditTest, NothingElseIsStoredWhileTheUserIsToldWhy) {
+    const QSignalSpy errors(split_, &GridSplit::DataError);
+    trends_.answer = [&](const FakeSource::Commit&) {
+        EXPECT_FALSE(grid_.CommitPendingEdit());
+        Key(Qt::Key_Delete);
+        return GridCommit::Failed(7, u"why"_s, u"where"_s);
+    };
+    split_->SetCurrentCell(105, kName);
+    Type(u"New"_s);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(trends_.commits.size(), 1U);
+    ASSERT_EQ(errors.size(), 1);
+    EXPECT_EQ(errors[0][2].toString(), u"where"_s);
+    Key(Qt::Key_Escape);
+}
+
+TEST_F(GridEditTest, WhatIsNoNumberKeepsTheKeyboard) {
+    split_->SetCurrentCell(105, kMaximum);
+    Type(u"-"_s);
+    Click(110, kVar);
+    ASSERT_TRUE(split_->Editing());
+    EXPECT_TRUE(Editor()->hasFocus());
+    QCoreApplication::processEvents();
+    // Another window in front is no leaving of the cell.
+    Key(Qt::Key_5);
+    QFocusEvent away(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+    QApplication::sendEvent(Editor(), &away);
+    EXPECT_TRUE(split_->Editing());
+    EXPECT_TRUE(trends_.commits.empty());
+}
+
+TEST_F(GridEditTest, EitherListCanRefuse) {
+    trends_.answer = [](const FakeSource::Commit&) { return GridCommit::Refused(); };
+    archives_.Load({}, 0);
+    grid_.SplitAt(0).SetSource(&trends_);
+    grid_.SplitAt(1).SetSource(&archives_);
+    View(0)->setFocus();
+    grid_.SplitAt(0).SetCurrentCell(105, kName);
+    Type(u"New"_s);
+    EXPECT_FALSE(grid_.CommitPendingEdit());
+    Key(Qt::Key_Escape);
 }
 
 TEST_F(GridEditTest, TheEditReachesItsRowWhateverHappensMeanwhile) {
@@ -338,6 +389,20 @@ TEST_F(GridEditTest, AnEditWhoseRowIsGoneIsReported) {
     trends_.Load(Trends(3), 1);
     EXPECT_EQ(lost.size(), 2);
     EXPECT_TRUE(trends_.commits.empty());
+    split_->SetCurrentCell(102, kName);
+    Key(Qt::Key_F2);
+    trends_.Remove(102);
+    EXPECT_EQ(lost.size(), 2) << "nothing had been typed";
+    // Gone by the time the message has been read.
+    trends_.answer = [&](const FakeSource::Commit&) {
+        trends_.Remove(103);
+        return GridCommit::Failed(32, u"changed"_s);
+    };
+    split_->SetCurrentCell(103, kName);
+    Type(u"Late"_s);
+    Key(Qt::Key_Return);
+    ASSERT_EQ(lost.size(), 3);
+    EXPECT_EQ(lost[2][2].toString(), u"Late"_s);
 }
 
 TEST_F(GridEditTest, NewRowsAreWrittenWhenTheyAreLeft) {
@@ -359,6 +424,11 @@ TEST_F(GridEditTest, NewRowsAreWrittenWhenTheyAreLeft) {
     Key(Qt::Key_Escape);  // the row
     EXPECT_EQ(trends_.committedRows.size(), 2U);
     EXPECT_EQ(trends_.rowCount(), 22);
+    trends_.answer = [](const FakeSource::Commit&) { return GridCommit::Refused(); };
+    addRow(204);
+    EXPECT_FALSE(grid_.CommitPendingEdit());
+    Key(Qt::Key_Up);
+    EXPECT_EQ(split_->CurrentRow(), 204) << "back to the row that cannot be stored";
 }
 
 TEST_F(GridEditTest, DoubleClickEditsUnlessTheWindowHasAnotherUseForIt) {

@@ -55,6 +55,7 @@ TEST_F(GridLayoutTest, PropertiesAreReachedByName) {
     QObject* font = grid_.property("Font").value<QObject*>();
     ASSERT_NE(font, nullptr);
     EXPECT_TRUE(font->setProperty("Size", 14));
+    for (const double none : {0.0, -3.0, 1e6}) font->setProperty("Size", none);
     EXPECT_TRUE(font->setProperty("Weight", 700));
     EXPECT_EQ(View()->font().pointSizeF(), 14);
     EXPECT_TRUE(View()->font().bold());

@@ -241,6 +241,37 @@ TEST_F(GridRowsTest, RowsAreFetchedAsTheyAreNeeded) {
     split_->SetFilterText(u"Trd30"_s);  // 300 to 309 and 3000 to 3099
     EXPECT_EQ(split_->RowCount(), 110);
     EXPECT_EQ(trends_.rowCount(), 3000);
+    split_->SetFilterText({});
+    for (const auto& all : {std::function([&] { split_->SelectAll(); }),
+                            std::function([&] { EXPECT_FALSE(split_->SetCurrentCell(9999)); })}) {
+        trends_.promises = 1000;
+        all();
+        EXPECT_GT(trends_.promises, 900) << "rows that are promised and never come hang nothing";
+    }
+}
+
+TEST_F(GridRowsTest, ShowsWhatItsSourceTells) {
+    auto rows = Trends(20);
+    rows[0].values = {QVariant(), QVariant(), QVariant(), QVariant(), QVariant(), {}, {}};
+    trends_.Load(rows, 1);
+    for (int column = 0; column < split_->ColumnCount(); ++column) {
+        EXPECT_EQ(split_->CellText(101, column), QString()) << column;
+    }
+    trends_.Insert(1, Trend(500, u"Between"_s, 1.0, 0));
+    EXPECT_EQ(split_->ShownRows().mid(0, 3), (Ids{101, 500, 102}));
+    EXPECT_EQ(split_->CellText(120, kName), u"Trd120"_s);
+    const QSignalSpy painted(View()->model(), &QAbstractItemModel::dataChanged);
+    emit trends_.dataChanged(trends_.index(0, 0), trends_.index(20, kDepth));
+    EXPECT_GE(painted.size(), 1);
+
+    split_->Sort(u"FilterDepth");
+    FakeSource narrow({{u"Name"_s}});
+    narrow.Load({{1, {u"b"_s}}, {2, {u"a"_s}}}, 1);
+    split_->SetSource(&narrow);
+    EXPECT_EQ(split_->ShownRows(), (Ids{1, 2})) << "sorted by a column that is gone";
+    trends_.Load(Trends(3), 2);
+    EXPECT_EQ(split_->RowCount(), 2) << "the source of before is heard no more";
+    split_->SetSource(nullptr);
 }
 
 TEST_F(GridRowsTest, ReadingAnewFindsCurrentCellAndSelectionAgain) {

@@ -133,6 +133,16 @@ TEST_F(KVColorSelectTest, PicksByMouseAndRemembersForTheOtherSelectors) {
     ASSERT_NE(recent, nullptr);
     EXPECT_EQ(recent->accessibleName(), u"Cyan, red 0, green 255, blue 255");
     Popup()->close();
+
+    other.move(0, other.screen()->availableGeometry().bottom() - other.height());
+    for (int field = 0; field <= KVColorSelect::kRecentColors; ++field) {
+        QTest::mouseClick(&other, Qt::LeftButton);
+        ASSERT_NE(Popup(), nullptr);
+        EXPECT_LT(Popup()->y(), other.y()) << "there is no room below";
+        QTest::mouseClick(Popup()->findChild<QToolButton*>(u"cmdColor(%1)"_s.arg(field)),
+                          Qt::LeftButton);
+    }
+    EXPECT_EQ(qApp->property("KVRecentColors").toList().size(), KVColorSelect::kRecentColors);
 }
 
 TEST_F(KVColorSelectTest, OffersAllColorsInTheDialog) {
@@ -152,8 +162,11 @@ TEST_F(KVColorSelectTest, OffersAllColorsInTheDialog) {
         QTest::mouseClick(Popup()->findChild<QWidget*>(u"cmdMoreColors"_s), Qt::LeftButton);
         QCoreApplication::processEvents();
     };
+    const QSignalSpy ended(&selector_, &KVColorSelect::ChoiceEnded);
     answer(false);
     EXPECT_EQ(selector_.Color(), static_cast<int>(0x80000005));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(ended.size(), 1) << "with the dialog, not with the palette that opened it";
     answer(true);
     EXPECT_EQ(selector_.Color(), 0x030201);
 }

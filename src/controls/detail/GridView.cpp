@@ -156,6 +156,8 @@ void GridView::ToggleRow(int row) {
 }
 
 void GridView::PressRecordSelector(int row) {
+    // An edit that is refused by now has the keyboard back already.
+    if (split_->RefusedJustNow()) return;
     setFocus(Qt::MouseFocusReason);
     if (split_->RefusedJustNow()) return;
     const Qt::KeyboardModifiers keys = QApplication::keyboardModifiers();
