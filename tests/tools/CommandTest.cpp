@@ -154,6 +154,8 @@ TEST(CommandTest, TellsSuccessFailureAndWrongUsageApart) {
         {{"dump", "a", "b", "--format=xml"}, kUsage, "'xml'"},
         {{"dump", "a", "b", "--format"}, kUsage, "--format"},
         {{"tables", "--nonsense"}, kUsage, "--nonsense"},
+        {{"delete", "a", "b"}, kUsage, "CRITERIA"},
+        {{"set", "a", "b", "ID=1"}, kUsage, "COLUMN=VALUE"},
         {{"check"}, kUsage, "FILE"},
         {{"check", "a", "--format=csv"}, kUsage, "--format"},
         {{"dump", "a", "b", "--encoding=utf-8"}, kUsage, "--encoding"},
@@ -251,14 +253,14 @@ TEST(CommandTest, RepairsAFileIntoANewOne) {
               project.Path("b.kvs") + outcome.out.substr(repaired.size()));
 }
 
-// What dump writes, load reads: the same rows in another file.
+// What dump writes, load reads: the same rows in another file. A spreadsheet marks it as UTF-8.
 TEST(CommandTest, LoadedRowsDumpTheSame) {
     const ProjectCopy target(std::string(KV_TEST_DATA "/Leer.kvs"));
     for (const char* table :
          {"TchrArchives", "TchrTrends", "TidxTexts", "TidxGroups", "TpdbVars", "TalmClasses"}) {
         SCOPED_TRACE(table);
         const std::string dump = RunTool({"dump", kBrewery, table}).out;
-        std::ofstream(target.Path("rows.csv"), std::ios::binary) << dump;
+        std::ofstream(target.Path("rows.csv"), std::ios::binary) << "\xEF\xBB\xBF" << dump;
         EXPECT_EQ(RunTool({"delete", target.Path(), table, ""}).status, kSuccess);
         const Outcome loaded = RunTool({"load", target.Path(), table, target.Path("rows.csv")});
         EXPECT_EQ(loaded.status, kSuccess) << loaded.err;
@@ -323,7 +325,9 @@ TEST(CommandTest, AChangeThatFailsChangesNothing) {
         {{"load", copy.Path(), "TcfgLanguages", copy.Path("open.csv")}, "closing quote"},
         {{"load", copy.Path(), "TcfgLanguages", copy.Path("column.csv")}, "Colour"},
         {{"load", copy.Path(), "TcfgLanguages", copy.Path("none.csv")}, "none.csv"},
+        {{"load", copy.Path(), "TcfgLanguages", "/dev/null"}, "no heading row"},
         {{"set", copy.Path(), "TcfgLanguages", "", "LCID=many"}, "LCID"},
+        {{"set", copy.Path(), "TcfgLanguages", "", "LCID"}, "\"LCID\" is not COLUMN=VALUE"},
         {{"set", copy.Path(), "TcfgLanguages", "ID >", "LCID=1"}, "ID >"},
         {{"delete", copy.Path(), "TcfgLanguages", "Colour = 1"}, "Colour"},
     };
@@ -334,6 +338,22 @@ TEST(CommandTest, AChangeThatFailsChangesNothing) {
         EXPECT_THAT(outcome.err, HasSubstr(c.message));
         EXPECT_EQ(RunTool({"dump", copy.Path(), "TcfgLanguages"}).out, before);
     }
+}
+
+TEST(CommandTest, LeavesTheTablesOfTheSystemAlone) {
+    const ProjectCopy copy(kBrewery);
+    std::ofstream(copy.Path("rows.csv")) << "Id,Name\n7,New\n";
+    const std::string before = RunTool({"dump", copy.Path(), "MSysObjects"}).out;
+    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+             {"delete", copy.Path(), "MSysObjects", "Name='TchrTrends'"},
+             {"set", copy.Path(), "MSysObjects", "Name='TchrTrends'", "Name=Other"},
+             {"load", copy.Path(), "MSysObjects", copy.Path("rows.csv")}}) {
+        const Outcome outcome = RunTool(words);
+        EXPECT_EQ(outcome.status, kFailure) << words[0];
+        EXPECT_THAT(outcome.err, HasSubstr("MSysObjects"));
+        EXPECT_EQ(RunTool({"dump", copy.Path(), "MSysObjects"}).out, before);
+    }
+    EXPECT_EQ(RunTool({"tables", copy.Path()}).out, RunTool({"tables", kBrewery}).out);
 }
 
 TEST(CommandTest, ReportsAnOutputThatTakesNoMore) {
@@ -374,6 +394,7 @@ TEST(CommandTest, QuotesAndEscapesOnlyWhereNeeded) {
         {std::u16string(u"a,b"), "\"a,b\"", "\"a,b\""},
         {std::u16string(u"say \"hi\""), "\"say \"\"hi\"\"\"", "\"say \\\"hi\\\"\""},
         {std::u16string(u"l1\r\nl2"), "\"l1\r\nl2\"", "\"l1\\u000d\\nl2\""},
+        {std::u16string(u"l1\rl2"), "\"l1\rl2\"", "\"l1\\u000dl2\""},
         {std::u16string(u"ä\u20AC\xD83D\xDE00"), "ä€😀", "\"ä€😀\""},
         {std::u16string(u"ä,\\"), "\"ä,\\\"", "\"ä,\\\\\""},
         {true, "true", "true"},
