@@ -1,6 +1,7 @@
 // The settings on a window with the real grid: what opening and closing the editor pays for them.
 #include <benchmark/benchmark.h>
 
+#include <optional>
 #include <QApplication>
 #include <QFile>
 #include <QLocale>
@@ -43,6 +44,9 @@ public:
     }
     [[nodiscard]] GridRowId IdAt(int row) const override { return row; }
     [[nodiscard]] int RowOf(GridRowId id) const override { return static_cast<int>(id); }
+    [[nodiscard]] std::optional<QVariant> ReadCell(int, const QString& text) const override {
+        return text;
+    }
     GridCommit CommitCell(GridRowId, int, const QVariant&) override {
         return GridCommit::Refused();
     }

@@ -26,7 +26,7 @@ constexpr Key kEditTrendKeys[] = {{Place::Trends, Qt::Key_F9}};
 constexpr Key kDeleteTrendKeys[] = {{Place::Trends, Qt::CTRL | Qt::Key_Delete}};
 constexpr Key kCopyKeys[] = {{Place::Archives, Qt::CTRL | Qt::Key_C},
                              {Place::Trends, Qt::CTRL | Qt::Key_C}};
-constexpr Key kPasteKeys[] = {{Place::Archives, Qt::CTRL | Qt::Key_V},
+constexpr Key kPasteKeys[] = {{Place::Archives, Qt::CTRL | Qt::Key_V, false},
                               {Place::Trends, Qt::CTRL | Qt::Key_V}};
 constexpr Key kDuplicateKeys[] = {{Place::Archives, Qt::CTRL | Qt::Key_D},
                                   {Place::Trends, Qt::CTRL | Qt::Key_D}};
@@ -174,7 +174,7 @@ QList<KeyLine> KeyLines(Place place, const MResources::TextTable& texts) {
     for (const Command& command : kCommands) {
         QStringList keys;
         for (const Key& key : command.keys) {
-            if (key.place == place) keys += KeyText(key.keys, texts);
+            if (key.place == place && key.isListed) keys += KeyText(key.keys, texts);
         }
         if (command.description == 0 || keys.isEmpty()) continue;
         lines += KeyLine{keys.join(QStringLiteral(", ")), texts.GetText(command.description)};

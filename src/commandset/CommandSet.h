@@ -41,6 +41,7 @@ enum class Place : std::uint8_t { Tree, Archives, Trends };
 struct Key {
     Place place;
     QKeyCombination keys;
+    bool isListed = true;  // in the help; false where the command only says what it needs
 };
 
 /// What has to be there, or possible, before a command runs; they add up.
