@@ -39,9 +39,8 @@ constexpr std::int32_t kBlue = 0xFF0000;
 constexpr Column TextOf(std::string_view name, int length, Kind kind = Kind::Text) {
     return {.name = name, .length = length, .kind = kind};
 }
-constexpr Column Preset(Column column, std::u16string_view initial) {
-    column.initial = initial;
-    return column;
+constexpr Column FolderOf(std::string_view name) {
+    return {.name = name, .length = 255, .initial = kProjectFolder};
 }
 constexpr Column NameOf(int length) {
     Column column = TextOf("Name", length);
@@ -89,8 +88,8 @@ constexpr Column kArchiveColumns[] = {
     KeyOf("TextID"),
     NumberOf("Type", Short, 0),
     TextOf("FileName", 255),
-    Preset(TextOf("FilePath", 255), kProjectFolder),
-    Preset(TextOf("RedundancyFilePath", 255), kProjectFolder),
+    FolderOf("FilePath"),
+    FolderOf("RedundancyFilePath"),
     CodeOf("SampleMode", kSampleModes, SampleMode::kMilliseconds),
     TextOf("Trigger", 255, Variable),
     CountOf("ScanTime", Long, 1000),
