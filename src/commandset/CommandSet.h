@@ -66,6 +66,7 @@ struct Command {
 
 /// All commands, in the order of Id.
 [[nodiscard]] std::span<const Command> Commands();
+/// REQUIRES: not the separator.
 [[nodiscard]] const Command& CommandOf(Id id);
 /// The command of a key; null when it has none there. Several may share a key where only the
 /// place tells them apart.
