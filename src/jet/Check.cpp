@@ -3,13 +3,13 @@
 #include <array>
 #include <string_view>
 
-#include "jet/detail/Bytes.h"
-#include "jet/detail/check/CatalogCheck.h"
-#include "jet/detail/check/IndexContentCheck.h"
-#include "jet/detail/check/IndexWalk.h"
-#include "jet/detail/check/MapCheck.h"
-#include "jet/detail/FileHeader.h"
-#include "jet/detail/TableDefReader.h"
+#include "jet/catalog/TableDefReader.h"
+#include "jet/check/CatalogCheck.h"
+#include "jet/check/IndexContentCheck.h"
+#include "jet/check/IndexWalk.h"
+#include "jet/check/MapCheck.h"
+#include "jet/page/Bytes.h"
+#include "jet/page/FileHeader.h"
 
 namespace jet {
 namespace {

@@ -5,10 +5,10 @@
 #include <tuple>
 
 #include "jet/Check.h"
+#include "jet/compact/ContentCompare.h"
+#include "jet/compact/TableCopier.h"
 #include "jet/Database.h"
-#include "jet/detail/compact/ContentCompare.h"
-#include "jet/detail/compact/TableCopier.h"
-#include "jet/detail/GlobalMap.h"
+#include "jet/page/GlobalMap.h"
 
 namespace jet {
 namespace {

@@ -5,14 +5,14 @@
 #include <array>
 #include <tuple>
 
-#include "jet/detail/CatalogWriter.h"
-#include "jet/detail/DataPageEditor.h"
-#include "jet/detail/FileHeader.h"
-#include "jet/detail/IndexNode.h"
-#include "jet/detail/Journal.h"
-#include "jet/detail/NewUsageMap.h"
-#include "jet/detail/SystemTables.h"
-#include "jet/detail/TableDefWriter.h"
+#include "jet/catalog/CatalogWriter.h"
+#include "jet/catalog/SystemTables.h"
+#include "jet/catalog/TableDefWriter.h"
+#include "jet/index/IndexNode.h"
+#include "jet/page/FileHeader.h"
+#include "jet/write/DataPageEditor.h"
+#include "jet/write/Journal.h"
+#include "jet/write/NewUsageMap.h"
 
 namespace jet {
 namespace {

@@ -4,15 +4,15 @@
 #include <optional>
 #include <tuple>
 
-#include "jet/detail/CatalogWriter.h"
-#include "jet/detail/DataPageEditor.h"
-#include "jet/detail/IndexNode.h"
-#include "jet/detail/NewUsageMap.h"
-#include "jet/detail/PageAllocator.h"
-#include "jet/detail/RowEncoder.h"
-#include "jet/detail/TableDefWriter.h"
+#include "jet/catalog/CatalogWriter.h"
+#include "jet/catalog/TableDefWriter.h"
+#include "jet/index/IndexNode.h"
+#include "jet/row/RowEncoder.h"
 #include "jet/TextKey.h"
 #include "jet/Unicode.h"
+#include "jet/write/DataPageEditor.h"
+#include "jet/write/NewUsageMap.h"
+#include "jet/write/PageAllocator.h"
 
 namespace jet {
 namespace {

@@ -5,11 +5,11 @@
 #include <chrono>
 #include <tuple>
 
-#include "jet/detail/FileHeader.h"
-#include "jet/detail/Journal.h"
-#include "jet/detail/UsageMapEditor.h"
+#include "jet/page/FileHeader.h"
 #include "jet/RowObserver.h"
 #include "jet/Unicode.h"
+#include "jet/write/Journal.h"
+#include "jet/write/UsageMapEditor.h"
 
 namespace jet {
 namespace {

@@ -11,10 +11,10 @@
 #include <vector>
 
 #include "jet/Check.h"
-#include "jet/detail/Recovery.h"
 #include "jet/Disk.h"
 #include "jet/File.h"
 #include "jet/Table.h"
+#include "jet/write/Recovery.h"
 
 namespace jet {
 

@@ -13,8 +13,8 @@
 #include <tuple>
 #include <utility>
 
-#include "jet/detail/AccessRights.h"
-#include "jet/detail/Descriptor.h"
+#include "jet/disk/AccessRights.h"
+#include "jet/disk/Descriptor.h"
 
 namespace jet {
 namespace {

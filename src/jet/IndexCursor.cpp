@@ -1,6 +1,6 @@
 #include "jet/IndexCursor.h"
 
-#include "jet/detail/Bytes.h"
+#include "jet/page/Bytes.h"
 
 namespace jet {
 namespace {

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "jet/detail/IndexSearch.h"
-#include "jet/detail/PageCache.h"
+#include "jet/index/IndexSearch.h"
+#include "jet/page/PageCache.h"
 #include "jet/Status.h"
 #include "jet/Types.h"
 

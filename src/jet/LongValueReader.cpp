@@ -4,7 +4,7 @@
 #include <bit>
 #include <utility>
 
-#include "jet/detail/Bytes.h"
+#include "jet/page/Bytes.h"
 
 namespace jet {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "jet/detail/DataPage.h"
-#include "jet/detail/TextDecoder.h"
+#include "jet/page/DataPage.h"
+#include "jet/row/TextDecoder.h"
 #include "jet/Status.h"
 #include "jet/Value.h"
 

@@ -6,10 +6,10 @@
 
 #include "jet/Check.h"
 #include "jet/Database.h"
-#include "jet/detail/FileHeader.h"
-#include "jet/detail/GlobalMap.h"
-#include "jet/detail/repair/PageSurvey.h"
-#include "jet/detail/repair/TableRebuild.h"
+#include "jet/page/FileHeader.h"
+#include "jet/page/GlobalMap.h"
+#include "jet/repair/PageSurvey.h"
+#include "jet/repair/TableRebuild.h"
 
 namespace jet {
 namespace {

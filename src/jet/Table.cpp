@@ -1,10 +1,10 @@
 #include "jet/Table.h"
 
-#include "jet/detail/Bytes.h"
-#include "jet/detail/KeyEncoder.h"
-#include "jet/detail/TableDefReader.h"
-#include "jet/detail/TableRules.h"
-#include "jet/detail/ValueCodec.h"
+#include "jet/catalog/TableDefReader.h"
+#include "jet/catalog/TableRules.h"
+#include "jet/index/KeyEncoder.h"
+#include "jet/page/Bytes.h"
+#include "jet/row/ValueCodec.h"
 
 namespace jet {
 namespace {

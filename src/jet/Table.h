@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "jet/detail/CodePage.h"
-#include "jet/detail/DataPage.h"
-#include "jet/detail/RowView.h"
-#include "jet/detail/UsageMap.h"
 #include "jet/IndexCursor.h"
 #include "jet/LongValueReader.h"
+#include "jet/page/DataPage.h"
+#include "jet/page/UsageMap.h"
+#include "jet/row/CodePage.h"
+#include "jet/row/RowView.h"
 #include "jet/Status.h"
 #include "jet/TableDef.h"
 #include "jet/Value.h"

@@ -4,12 +4,12 @@
 #include <memory>
 #include <random>
 
-#include "jet/detail/DataPageEditor.h"
-#include "jet/detail/IndexWriter.h"
-#include "jet/detail/KeyEncoder.h"
-#include "jet/detail/LongValueWriter.h"
-#include "jet/detail/UsageMapEditor.h"
+#include "jet/index/KeyEncoder.h"
 #include "jet/RowObserver.h"
+#include "jet/write/DataPageEditor.h"
+#include "jet/write/IndexWriter.h"
+#include "jet/write/LongValueWriter.h"
+#include "jet/write/UsageMapEditor.h"
 
 namespace jet {
 namespace {

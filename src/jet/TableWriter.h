@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "jet/detail/RowEncoder.h"
+#include "jet/row/RowEncoder.h"
 #include "jet/Table.h"
 
 namespace jet {

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "jet/detail/TableRules.h"
+#include "jet/catalog/TableRules.h"
 #include "jet/TableWriter.h"
 
 namespace jet {

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "jet/detail/TextKeyTable.h"
+#include "jet/index/TextKeyTable.h"
 
 namespace jet {
 namespace {

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "jet/detail/Descriptor.h"
+#include "jet/disk/Descriptor.h"
 
 namespace jet {
 namespace {

@@ -111,10 +111,17 @@ private:
         if (!reach.contains(owner->second))
             wrong.push_back(where + "belongs to " + owner->second + ", to which " + name +
                             " is not joined");
-        for (fs::path folder = header.parent_path(); folder != folder.root_path();
-             folder = folder.parent_path())
-            if (folder.filename() == "detail" && !LiesBelow(file, folder.parent_path()))
-                wrong.push_back(where + "is for its own folder only");
+        if (const fs::path library = LibraryWithin(header);
+            !library.empty() && !LiesBelow(file, library))
+            wrong.push_back(where + "is for its own folder only");
+    }
+
+    /// The folder of src whose inside the header is; empty when it is not in a folder's folder.
+    [[nodiscard]] fs::path LibraryWithin(const fs::path& header) const {
+        const fs::path within = header.lexically_relative(root_ / "src");
+        const auto parts = std::distance(within.begin(), within.end());
+        const bool isInside = parts > 2 && *within.begin() != "..";
+        return isInside ? root_ / "src" / *within.begin() : fs::path();
     }
 
     const Targets& targets_;

@@ -21,9 +21,9 @@ using Targets = std::map<std::string, Target>;
 [[nodiscard]] Targets Read(const std::filesystem::path& file);
 
 /// The wrong includes and arrows of the targets whose files lie in these folders of the project,
-/// one a line: an include of a target that its own is not joined to, of what lies in another
-/// folder's detail/, of a header that belongs to no target; and a target joined to another of
-/// which it includes nothing.
+/// one a line: an include of a target that its own is not joined to, of what lies in a
+/// folder inside another library, of a header that belongs to no target; and a target joined to
+/// another of which it includes nothing.
 [[nodiscard]] std::vector<std::string> Wrong(const Targets& targets,
                                              const std::filesystem::path& root,
                                              const std::vector<std::string>& folders);

@@ -5,7 +5,7 @@
 #include <random>
 
 #include "Harvest.h"
-#include "jet/detail/Bytes.h"
+#include "jet/page/Bytes.h"
 #include "JetTesting.h"
 
 namespace jet {

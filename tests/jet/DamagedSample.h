@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "jet/detail/Bytes.h"
-#include "jet/detail/IndexPage.h"
+#include "jet/index/IndexPage.h"
+#include "jet/page/Bytes.h"
 #include "JetTesting.h"
 
 namespace jet {

@@ -8,7 +8,7 @@
 
 #include "CrashTesting.h"
 #include "jet/Database.h"
-#include "jet/detail/GlobalMap.h"
+#include "jet/page/GlobalMap.h"
 
 namespace jet {
 namespace {

@@ -4,8 +4,8 @@
 #include <random>
 #include <set>
 
-#include "jet/detail/IndexLeafEditor.h"
-#include "jet/detail/IndexNode.h"
+#include "jet/index/IndexNode.h"
+#include "jet/write/IndexLeafEditor.h"
 #include "JetTesting.h"
 
 namespace jet {

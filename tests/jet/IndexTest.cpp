@@ -1,7 +1,7 @@
 #include <random>
 #include <set>
 
-#include "jet/detail/KeyEncoder.h"
+#include "jet/index/KeyEncoder.h"
 #include "WriterTesting.h"
 
 namespace jet {

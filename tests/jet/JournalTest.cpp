@@ -1,7 +1,7 @@
-#include "jet/detail/Journal.h"
+#include "jet/write/Journal.h"
 
 #include "CrashTesting.h"
-#include "jet/detail/GlobalMap.h"
+#include "jet/page/GlobalMap.h"
 
 namespace jet {
 namespace {

@@ -3,11 +3,11 @@
 #include <filesystem>
 
 #include "jet/Compact.h"
+#include "jet/compact/Draft.h"
 #include "jet/CreateDatabase.h"
 #include "jet/CreateTable.h"
-#include "jet/detail/compact/Draft.h"
-#include "jet/detail/DataPageEditor.h"
-#include "jet/detail/GlobalMap.h"
+#include "jet/page/GlobalMap.h"
+#include "jet/write/DataPageEditor.h"
 #include "WriterTesting.h"
 
 namespace jet {

@@ -1,4 +1,4 @@
-#include "jet/detail/Bytes.h"
+#include "jet/page/Bytes.h"
 
 #include "JetTesting.h"
 

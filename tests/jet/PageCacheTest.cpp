@@ -1,4 +1,4 @@
-#include "jet/detail/PageCache.h"
+#include "jet/page/PageCache.h"
 
 #include <map>
 #include <random>

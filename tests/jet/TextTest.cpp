@@ -1,5 +1,5 @@
-#include "jet/detail/RowEncoder.h"
-#include "jet/detail/TextDecoder.h"
+#include "jet/row/RowEncoder.h"
+#include "jet/row/TextDecoder.h"
 #include "jet/TextKey.h"
 #include "JetTesting.h"
 

@@ -2,8 +2,8 @@
 
 #include "jet/CreateDatabase.h"
 #include "jet/CreateTable.h"
-#include "jet/detail/DataPageEditor.h"
-#include "jet/detail/GlobalMap.h"
+#include "jet/page/GlobalMap.h"
+#include "jet/write/DataPageEditor.h"
 #include "WriterTesting.h"
 
 namespace jet {

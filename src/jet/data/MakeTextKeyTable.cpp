@@ -43,7 +43,7 @@ int main(int argc, char** argv) {
     std::ofstream out(argv[2]);
     std::string line;
     std::getline(in, line);  // column names
-    out << "#include \"jet/detail/TextKeyTable.h\"\n\nnamespace jet {\n"
+    out << "#include \"jet/index/TextKeyTable.h\"\n\nnamespace jet {\n"
            "const std::array<TextWeight, 65536> kTextWeights = {{\n";
     unsigned count = 0;
     while (std::getline(in, line)) {
