@@ -45,23 +45,29 @@ enum class DumpFormat { Csv, Json };
                                 std::FILE* err);
 
 // The commands that change a table, through recordsets: all of it in one transaction or nothing.
-// They write the number of rows to `out`.
+// They write the number of rows to `out`. A dry run does the same in a transaction that is taken
+// back, and writes what would have come of it.
+enum class Mode { Change, DryRun };
 
 /// Appends the rows of a CSV file (- = standard input) with a heading row, in the form of Dump.
 /// Columns that it does not name are Null, an AutoNumber gets the next number. What comes through a
-/// pipe is read to its end before anything is locked.
+/// pipe is read to its end before anything is locked. Rows that the table holds already, as far as
+/// the columns go that are named, are loaded and told of. A dry run names each line that would be
+/// refused; the status is kFailure then.
 [[nodiscard]] ExitStatus Load(const std::string& file, const std::string& table,
-                              const std::string& csv, Encoding encoding, std::FILE* out,
+                              const std::string& csv, Encoding encoding, Mode mode, std::FILE* out,
                               std::FILE* err);
 /// Assigns columns in all rows that meet the criteria; an assignment is COLUMN=VALUE, the value in
-/// the form of Dump.
+/// the form of Dump. A dry run counts the rows whose values differ.
 [[nodiscard]] ExitStatus Set(const std::string& file, const std::string& table,
                              const std::string& criteria,
-                             const std::vector<std::string>& assignments, std::FILE* out,
+                             const std::vector<std::string>& assignments, Mode mode, std::FILE* out,
                              std::FILE* err);
-/// Deletes all rows that meet the criteria.
+/// Deletes all rows that meet the criteria. A dry run counts those of other tables too that would
+/// go with them.
 [[nodiscard]] ExitStatus Delete(const std::string& file, const std::string& table,
-                                const std::string& criteria, std::FILE* out, std::FILE* err);
+                                const std::string& criteria, Mode mode, std::FILE* out,
+                                std::FILE* err);
 
 /// Runs the program: argument 0 is its name.
 [[nodiscard]] ExitStatus Run(int argc, char** argv, std::FILE* out, std::FILE* err);

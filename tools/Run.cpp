@@ -1,5 +1,6 @@
 #include <getopt.h>
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 #include <vector>
@@ -37,6 +38,8 @@ constexpr const char* kHelp =
     "VALUE\n"
     "                             is as in CSV: nothing is Null, \"\" an empty text or binary\n"
     "  delete FILE TABLE CRITERIA delete all rows that meet the criteria; \"\" = all rows\n"
+    "    --dry-run                  load, set, delete: say what would be changed, and change "
+    "nothing\n"
     "\n"
     "Options:\n"
     "  -h, --help                 show this text\n"
@@ -60,25 +63,41 @@ struct Options {
     std::string encoding;
     std::vector<std::string> lcids;
     std::string to;
+    bool isDryRun = false;
 };
+
+/// What is wrong when an option is given to a command that has no use for it; empty when nothing
+/// is.
+std::string Misplaced(const std::string& command, const Options& options) {
+    struct Use {
+        bool isGiven;
+        const char* option;
+        std::vector<std::string> commands;
+    };
+    const Use uses[] = {
+        {!options.format.empty(), "--format is for dump", {"dump"}},
+        {!options.encoding.empty(), "--encoding is for load", {"load"}},
+        {!options.lcids.empty(), "--lcid is for new", {"new"}},
+        {!options.to.empty(), "--to is for repair", {"repair"}},
+        {options.isDryRun, "--dry-run is for load, set and delete", {"load", "set", "delete"}},
+    };
+    for (const Use& use : uses) {
+        const bool isHere =
+            std::find(use.commands.begin(), use.commands.end(), command) != use.commands.end();
+        if (use.isGiven && !isHere) return command + ": " + use.option;
+    }
+    return {};
+}
 
 ExitStatus RunCommand(const std::vector<std::string>& words, const Options& options, std::FILE* out,
                       std::FILE* err) {
     if (words.empty()) return WrongUsage("a command is missing", err);
     const std::string& command = words[0];
     const std::string& format = options.format;
-    if (!format.empty() && command != "dump") {
-        return WrongUsage(command + ": --format is for dump", err);
+    if (const std::string what = Misplaced(command, options); !what.empty()) {
+        return WrongUsage(what, err);
     }
-    if (!options.encoding.empty() && command != "load") {
-        return WrongUsage(command + ": --encoding is for load", err);
-    }
-    if (!options.lcids.empty() && command != "new") {
-        return WrongUsage(command + ": --lcid is for new", err);
-    }
-    if (!options.to.empty() && command != "repair") {
-        return WrongUsage(command + ": --to is for repair", err);
-    }
+    const Mode mode = options.isDryRun ? Mode::DryRun : Mode::Change;
     if (command == "new") {
         if (words.size() != 2) return WrongUsage("new: one FILE is needed", err);
         return New(words[1], options.lcids, err);
@@ -103,19 +122,19 @@ ExitStatus RunCommand(const std::vector<std::string>& words, const Options& opti
                                   "'; there are utf-8 and windows-1252",
                               err);
         }
-        return Load(words[1], words[2], words[3], *encoding, out, err);
+        return Load(words[1], words[2], words[3], *encoding, mode, out, err);
     }
     if (command == "set") {
         if (words.size() < 5) {
             return WrongUsage("set: FILE, TABLE, CRITERIA and COLUMN=VALUE are needed", err);
         }
-        return Set(words[1], words[2], words[3], {words.begin() + 4, words.end()}, out, err);
+        return Set(words[1], words[2], words[3], {words.begin() + 4, words.end()}, mode, out, err);
     }
     if (command == "delete") {
         if (words.size() != 4) {
             return WrongUsage("delete: FILE, TABLE and CRITERIA are needed", err);
         }
-        return Delete(words[1], words[2], words[3], out, err);
+        return Delete(words[1], words[2], words[3], mode, out, err);
     }
     if (command == "check") {
         if (words.size() != 2) return WrongUsage("check: one FILE is needed", err);
@@ -135,13 +154,14 @@ ExitStatus RunCommand(const std::vector<std::string>& words, const Options& opti
 }  // namespace
 
 ExitStatus Run(int argc, char** argv, std::FILE* out, std::FILE* err) {
-    static constexpr std::array<option, 7> kOptions = {
+    static constexpr std::array<option, 8> kOptions = {
         {{"help", no_argument, nullptr, 'h'},
          {"version", no_argument, nullptr, 'V'},
          {"format", required_argument, nullptr, 'f'},
          {"encoding", required_argument, nullptr, 'e'},
          {"lcid", required_argument, nullptr, 'l'},
          {"to", required_argument, nullptr, 't'},
+         {"dry-run", no_argument, nullptr, 'n'},
          {nullptr, 0, nullptr, 0}}};
     Options options;
     optind = 1;
@@ -156,6 +176,7 @@ ExitStatus Run(int argc, char** argv, std::FILE* out, std::FILE* err) {
         if (found == 'f') options.format = optarg;
         if (found == 'e') options.encoding = optarg;
         if (found == 't') options.to = optarg;
+        if (found == 'n') options.isDryRun = true;
         if (found == 'l') options.lcids.emplace_back(optarg);
     }
     return RunCommand({argv + optind, argv + argc}, options, out, err);

@@ -73,7 +73,7 @@ TEST(CommandTest, AKilledLoadLeavesTheOldRowsOrAll) {
         const pid_t child = ::fork();
         if (child == 0) {
             std::FILE* out = std::fopen("/dev/null", "w");
-            ::_exit(Load(project, "TidxTexts", csv, Encoding::Utf8, out, out));
+            ::_exit(Load(project, "TidxTexts", csv, Encoding::Utf8, Mode::Change, out, out));
         }
         // The later it is killed, the further it has come.
         const auto isThere = [&](const char* name) {
@@ -161,6 +161,7 @@ TEST(CommandTest, TellsSuccessFailureAndWrongUsageApart) {
         {{"dump", "a", "b", "--encoding=utf-8"}, kUsage, "--encoding"},
         {{"load", "a", "b", "c", "--encoding=latin-9"}, kUsage, "'latin-9'"},
         {{"check", "a", "--to=b"}, kUsage, "--to"},
+        {{"compact", "a", "--dry-run"}, kUsage, "--dry-run"},
         {{"repair"}, kUsage, "FILE"},
         {{"repair", std::string(KV_TEST_DATA "/test2V1997.mdb"), "--to=/tmp"}, kFailure, "Jet 4"},
         {{"check", std::string(KV_TEST_DATA "/test2V1997.mdb")}, kFailure, "only Jet 4"},

@@ -163,7 +163,8 @@ TEST(PipeTest, ADumpBesideWritersShowsOneState) {
                     "Comment=" + text +
                     std::string(static_cast<std::size_t>(changes % 7) * 20, '.');
                 const ExitStatus status =
-                    Set(copy.Path(), "TchrTrends", "", {comment, "VMax=" + text}, nowhere, nowhere);
+                    Set(copy.Path(), "TchrTrends", "", {comment, "VMax=" + text}, Mode::Change,
+                        nowhere, nowhere);
                 failures += status == kSuccess ? 0 : 1;
             }
             ::_exit(failures == 0 ? 0 : 1);
