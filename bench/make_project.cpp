@@ -14,7 +14,7 @@
 #include "ado/AdoError.h"
 #include "ado/Connection.h"
 #include "ado/Recordset.h"
-#include "projectfile/CreateProject.h"
+#include "project/CreateProject.h"
 
 namespace {
 
@@ -142,12 +142,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     constexpr std::array<std::uint32_t, 2> kLanguages = {1031, 1033};
-    const projectfile::Outcome made = projectfile::CreateProject(argv[1], kLanguages);
-    if (made.kind != projectfile::Outcome::Kind::Made) {
-        std::fprintf(stderr, "make_project: %s: %s\n", argv[1], made.text.c_str());
-        return 1;
-    }
     try {
+        project::CreateProject(argv[1], kLanguages);
         ProjectMaker(argv[1]).Fill(archives, trends);
     } catch (const ado::AdoError& error) {
         std::fprintf(stderr, "make_project: %s\n", error.Description().c_str());

@@ -11,9 +11,10 @@
 #include <QPushButton>
 #include <vector>
 
+#include "ado/AdoError.h"
 #include "messages/MessageBox.h"
 #include "platform/Locale.h"
-#include "projectfile/CreateProject.h"
+#include "project/CreateProject.h"
 #include "texts/ReasonText.h"
 
 namespace studio {
@@ -120,13 +121,12 @@ void NewProjectDialog::cmdOk_Click() {
         const QListWidgetItem& item = *lstLanguages_->item(row);
         if (item.checkState() == Qt::Checked) lcids.push_back(item.data(Qt::UserRole).toUInt());
     }
-    const projectfile::Outcome outcome = projectfile::CreateProject(file.toStdString(), lcids);
-    using Kind = projectfile::Outcome::Kind;
-    if (outcome.kind == Kind::Exists) return Complain(texts_(Text::ErrorExists, {{u"file", file}}));
-    if (outcome.kind != Kind::Made) {
-        return Complain(texts_(Text::ErrorNotMade,
-                               {{u"file", file}, {u"cause", texts::ReasonText(outcome.reason)}}),
-                        QString::fromStdString(outcome.text));
+    try {
+        project::CreateProject(file.toStdString(), lcids);
+    } catch (const ado::AdoError& error) {
+        const QString cause = texts::ReasonText(error.Reason());
+        return Complain(texts_(Text::ErrorNotMade, {{u"file", file}, {u"cause", cause}}),
+                        QString::fromStdString(error.Description()));
     }
     file_ = file;
     accept();

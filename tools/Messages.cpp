@@ -28,6 +28,16 @@ ExitStatus Messages::Finish(TextBuffer& out) {
     return count_ == 0 && !out.HasFailed() ? kSuccess : kFailure;
 }
 
+ExitStatus Fail(const std::string& file, const ado::AdoError& error, std::FILE* err) {
+    std::string text = error.Description();
+    // Named once, in front, as in all other messages.
+    if (const std::string named = '"' + file + "\": "; text.starts_with(named)) {
+        text.erase(0, named.size());
+    }
+    std::fprintf(err, "kvs: %s: %s\n", file.c_str(), text.c_str());
+    return kFailure;
+}
+
 jet::Result<std::unique_ptr<jet::Database>> OpenFile(const std::string& file) {
     return jet::Database::Open(paths::ToNative(file));
 }

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "ado/AdoError.h"
 #include "jet/Database.h"
 #include "tools/Commands.h"
 #include "tools/TextBuffer.h"
@@ -32,6 +33,9 @@ private:
     std::size_t count_ = 0;
     std::vector<std::string> texts_;  // the first kMost
 };
+
+/// Says at once why a command on the file has failed, and gives the status with which it ends.
+ExitStatus Fail(const std::string& file, const ado::AdoError& error, std::FILE* err);
 
 /// Opens the project file that the user named, in either form of path. The messages name the file.
 [[nodiscard]] jet::Result<std::unique_ptr<jet::Database>> OpenFile(const std::string& file);

@@ -1,8 +1,10 @@
 #include <charconv>
 #include <cstdint>
 
-#include "projectfile/CreateProject.h"
+#include "ado/AdoError.h"
+#include "project/CreateProject.h"
 #include "tools/Commands.h"
+#include "tools/Messages.h"
 
 namespace tools {
 
@@ -19,19 +21,16 @@ ExitStatus New(const std::string& file, const std::vector<std::string>& lcids, s
         languages.push_back(number);
     }
     if (languages.empty()) languages = {1031, 1033};
-    const projectfile::Outcome outcome = projectfile::CreateProject(file, languages);
-    switch (outcome.kind) {
-        case projectfile::Outcome::Kind::Made:
-            return kSuccess;
-        case projectfile::Outcome::Kind::BadLanguages:
-            std::fprintf(err, "kvs: new: %s\n", outcome.text.c_str());
-            return kUsage;
-        case projectfile::Outcome::Kind::Exists:
-        case projectfile::Outcome::Kind::Failed:
-            break;
+    if (const std::string wrong = project::WrongLanguages(languages); !wrong.empty()) {
+        std::fprintf(err, "kvs: new: %s\n", wrong.c_str());
+        return kUsage;
     }
-    std::fprintf(err, "kvs: %s: %s\n", file.c_str(), outcome.text.c_str());
-    return kFailure;
+    try {
+        project::CreateProject(file, languages);
+        return kSuccess;
+    } catch (const ado::AdoError& error) {
+        return Fail(file, error, err);
+    }
 }
 
 }  // namespace tools

@@ -162,9 +162,8 @@ void Connection::TakeDatabase(std::unique_ptr<jet::Database> database, const std
                            "it was given.",
                        {reasons::Cause::Password, source});
     }
-    rep_->database = std::move(database);
-    rep_->source = source;
-    rep_->Observe();
+    rep_->Borrow(*database, source);
+    rep_->own = std::move(database);
 }
 
 void Connection::Close() {
@@ -173,7 +172,8 @@ void Connection::Close() {
         rep_->recordsets.back()->CancelUpdate();
         rep_->recordsets.back()->Close();
     }
-    rep_->database.reset();
+    rep_->database = nullptr;
+    rep_->own.reset();
     rep_->source.clear();
 }
 
@@ -199,7 +199,7 @@ void Connection::SetChangeListener(ChangeListener listener) {
 }
 
 ObjectState Connection::State() const noexcept {
-    return rep_->database ? ObjectState::Open : ObjectState::Closed;
+    return rep_->database != nullptr ? ObjectState::Open : ObjectState::Closed;
 }
 
 bool Connection::IsWritable() const {

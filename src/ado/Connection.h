@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -14,6 +15,7 @@ class Database;
 namespace ado {
 
 class Recordset;
+struct NewTable;
 
 /// State of a connection or recordset.
 enum class ObjectState : int { Closed = 0, Open = 1 };
@@ -69,6 +71,8 @@ public:
 private:
     friend class Recordset;
     friend class OneState;
+    friend void CreateFile(const std::string& path, const std::vector<NewTable>& tables,
+                           const std::function<void(Connection&)>& fill);
     struct Rep;
     void TakeDatabase(std::unique_ptr<jet::Database> database, const std::string& source);
 

@@ -52,7 +52,14 @@ Cause CauseOfOpening(StatusCode code) {
 }
 
 Cause CauseOfMaking(StatusCode code) {
-    return code == StatusCode::NotFound ? Cause::PathUnusable : CauseOf(code);
+    switch (code) {
+        case StatusCode::NotFound:
+            return Cause::PathUnusable;
+        case StatusCode::Duplicate:
+            return Cause::FileExists;
+        default:
+            return CauseOf(code);
+    }
 }
 
 }  // namespace jet

@@ -1,6 +1,7 @@
 #include "project/Rows.h"
 
 #include <algorithm>
+#include <cstdio>
 
 #include "project/Names.h"
 
@@ -9,6 +10,9 @@ namespace {
 
 constexpr std::string_view kOfArchives = " AND Type = -2";
 constexpr std::string_view kColour = "VLineColor";
+// Typeface in 32 characters, then size, style and weight in fields of four.
+constexpr std::u16string_view kFont =
+    u"Arial                             8   0   0   0   0   0 400";
 
 bool Seek(ado::Recordset& rows, std::string_view column, std::int32_t id) {
     rows.SetFilter(std::string(column) + std::to_string(id));
@@ -173,6 +177,18 @@ std::int32_t Rows::AddTrendText(std::int32_t group, const NewTrend& trend) {
     Trends().Set("TextID", id);
     Trends().Update();
     return id;
+}
+
+void Rows::AddLanguage(std::uint32_t lcid) {
+    char layout[9];
+    std::snprintf(layout, sizeof layout, "%08X", static_cast<unsigned>(lcid));
+    ado::Recordset languages;
+    languages.Open(kLanguageTable, connection_, ado::CommandType::Table);
+    languages.AddNew();
+    languages.Set("LCID", static_cast<std::int32_t>(lcid));
+    languages.Set("kbLayout", std::u16string(layout, layout + 8));
+    languages.Set("Font", std::u16string(kFont));
+    languages.Update();
 }
 
 void Rows::NameGroupAndText(std::int32_t archiveId) {

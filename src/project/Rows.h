@@ -70,7 +70,7 @@ public:
 
     /// An archive under this name, with a file name after it; without text and group.
     std::int32_t AddArchive(std::u16string_view name);
-    /// The group of an archive below the root.
+    /// The group of an archive below the root; 0: the root itself, where there is none.
     std::int32_t AddGroup(std::int32_t archiveId, std::u16string_view name);
     /// The text of the current archive, which is told of it; in the column of a language ("L1031")
     /// where the table has it.
@@ -80,6 +80,9 @@ public:
     std::int32_t AddTrend(std::int32_t archiveId, const NewTrend& trend);
     /// The text of the current trend, which is told of it.
     std::int32_t AddTrendText(std::int32_t group, const NewTrend& trend);
+
+    /// A language of the project's texts, a Windows locale id. Its column is not made.
+    void AddLanguage(std::uint32_t lcid);
 
     /// Group and text of the current archive get its name.
     void NameGroupAndText(std::int32_t archiveId);

@@ -34,6 +34,10 @@ constexpr std::u16string_view kProjectFolder = u"<ProjectDir>";
 constexpr std::int32_t kRed = 0x0000FF;
 constexpr std::int32_t kBlue = 0xFF0000;
 
+constexpr auto Short = ado::DataType::SmallInt;
+constexpr auto Long = ado::DataType::Integer;
+constexpr auto Double = ado::DataType::Double;
+
 // The forms that columns have.
 
 constexpr Column TextOf(std::string_view name, int length, Kind kind = Kind::Text) {
@@ -47,39 +51,31 @@ constexpr Column NameOf(int length) {
     column.required = true;
     return column;
 }
-constexpr Column NumberOf(std::string_view name, Storage storage, Default initial = {}) {
-    return {.name = name, .storage = storage, .kind = Number, .initial = initial};
+constexpr Column NumberOf(std::string_view name, ado::DataType type, Default initial = {}) {
+    return {.name = name, .type = type, .kind = Number, .initial = initial};
 }
-constexpr Column CountOf(std::string_view name, Storage storage, Default initial = {}) {
-    Column column = NumberOf(name, storage, initial);
+constexpr Column CountOf(std::string_view name, ado::DataType type, Default initial = {}) {
+    Column column = NumberOf(name, type, initial);
     column.isCount = true;
     return column;
 }
 constexpr Column CodeOf(std::string_view name, std::span<const Code> codes, std::int32_t initial) {
-    return {.name = name,
-            .storage = Storage::Short,
-            .kind = Listed,
-            .initial = initial,
-            .codes = codes};
+    return {.name = name, .type = Short, .kind = Listed, .initial = initial, .codes = codes};
 }
 constexpr Column ColourOf(std::string_view name, Default initial = {}) {
-    return {.name = name, .storage = Storage::Long, .kind = Colour, .initial = initial};
+    return {.name = name, .type = Long, .kind = Colour, .initial = initial};
 }
 constexpr Column KeyOf(std::string_view name) {
-    return {.name = name, .storage = Storage::Long, .kind = Key};
+    return {.name = name, .type = Long, .kind = Key};
 }
 constexpr Column FlagOf(std::string_view name) {
-    return {.name = name, .storage = Storage::Flag, .kind = Flag};
+    return {.name = name, .type = ado::DataType::Boolean, .kind = Flag};
 }
 /// Over the grid's column stands the text of that number.
 constexpr Column Shown(int caption, Column column) {
     column.caption = caption;
     return column;
 }
-
-using Storage::Double;
-using Storage::Long;
-using Storage::Short;
 
 // The file name of a new archive is made of its name, see Names. A `NewFile` that is Null is the
 // empty text that every file accepts.

@@ -26,9 +26,6 @@ inline constexpr std::string_view kKeyColumn = "ID";
 /// Type of the text groups that belong to archives, as it is stored; other editors have others.
 inline constexpr std::int32_t kArchiveGroup = -2;
 
-/// How a file that we make stores a column. In those of others it may be stored otherwise.
-enum class Storage { Text, Short, Long, Double, Flag };
-
 enum class Kind {
     Text,
     Number,
@@ -52,8 +49,8 @@ using Default = std::variant<std::monostate, std::int32_t, std::u16string_view>;
 
 struct Column {
     std::string_view name;
-    Storage storage = Storage::Text;
-    int length = 0;  // of a text, in UTF-16 units
+    ado::DataType type = ado::DataType::VarWChar;  // in a file that we make; others may differ
+    int length = 0;                                // of a text, in UTF-16 units
     Kind kind = Kind::Text;
     Default initial{};
     std::span<const Code> codes{};  // of a Listed one, in the order in which the grid lists them

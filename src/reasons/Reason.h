@@ -10,6 +10,7 @@ namespace reasons {
 enum class Cause {
     Unknown,  // nothing can be said but what the description says
     FileMissing,
+    FileExists,      // and is not overwritten
     FileUnreadable,  // the user may not read it
     FileReadOnly,    // the user may not write it, or its folder
     FileInUse,       // another program holds it; later it may work

@@ -421,6 +421,7 @@ Q_ENUM_NS(Number)
 enum class Reason : int {
     Unknown = 10001,
     FileMissing,
+    FileExists,
     FileUnreadable,
     FileReadOnly,
     FileInUse,

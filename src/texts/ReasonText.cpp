@@ -17,6 +17,8 @@ Reason SentenceOf(Cause cause) {
             return Reason::Unknown;
         case Cause::FileMissing:
             return Reason::FileMissing;
+        case Cause::FileExists:
+            return Reason::FileExists;
         case Cause::FileUnreadable:
             return Reason::FileUnreadable;
         case Cause::FileReadOnly:

@@ -96,22 +96,22 @@ TEST_F(ArchiveCommandsTest, AProjectWithoutARootGroupGetsGroupsAtTheTop) {
 TEST_F(ArchiveCommandsTest, AFailingStepOfNewLeavesTheStepsBeforeIt) {
     struct Case {
         const char* what;
-        std::function<void(jet::TableSpec&)> change;
+        std::function<void(ado::NewTable&)> change;
         std::vector<const char*> tables;  // that have their row in the end
         const char* archive;
     };
-    const auto shorten = [](const char* table, std::size_t length) {
-        return [=](jet::TableSpec& form) {
+    const auto shorten = [](const char* table, int length) {
+        return [=](ado::NewTable& form) {
             if (form.name != table) return;
-            for (jet::ColumnSpec& column : form.columns) {
+            for (ado::NewColumn& column : form.columns) {
                 if (column.name == "Name") column.length = length;
             }
         };
     };
     const auto forbid = [](const char* table, const char* field) {
-        return [=](jet::TableSpec& form) {
+        return [=](ado::NewTable& form) {
             if (form.name != table) return;
-            form.indexes.push_back({field, jet::IndexSpec::Kind::Unique, {{field}}});
+            form.indexes.push_back({field, field, ado::NewIndex::Kind::Unique});
         };
     };
     const Case cases[] = {
@@ -119,7 +119,7 @@ TEST_F(ArchiveCommandsTest, AFailingStepOfNewLeavesTheStepsBeforeIt) {
         {"its name", shorten("TchrArchives", 5), {"TchrArchives"}, "ID=1|Name=@New@"},
         {"its group", shorten("TidxGroups", 4), {"TchrArchives"}, "ID=1|Name=Neues Archiv"},
         {"no groups",
-         [](jet::TableSpec& form) {
+         [](ado::NewTable& form) {
              if (form.name == "TidxGroups") form.name = "Groups";
          },
          {"TchrArchives"},
@@ -294,9 +294,9 @@ TEST_F(ArchiveCommandsTest, AnEditIsStoredAsAWholeOrNotAtAll) {
 
 TEST_F(ArchiveCommandsTest, ARenamingThatFailsLeavesTheOldNameEverywhere) {
     for (const bool textFails : {false, true}) {
-        OpenAltered([&](jet::TableSpec& form) {
+        OpenAltered([&](ado::NewTable& form) {
             const bool isShort = form.name == (textFails ? "TidxTexts" : "TidxGroups");
-            for (jet::ColumnSpec& column : form.columns) {
+            for (ado::NewColumn& column : form.columns) {
                 if (isShort && column.name == "Name") column.length = 20;
             }
         });

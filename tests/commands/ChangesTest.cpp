@@ -105,10 +105,10 @@ TEST_F(ChangesTest, EachCommandCanBeTakenBack) {
 }
 
 TEST_F(ChangesTest, LongValuesAndColumnsOfOthersComeBackToo) {
-    OpenAltered([](jet::TableSpec& table) {
-        table.columns.push_back({.name = "Remark", .type = jet::ColumnType::Memo});
-        table.columns.push_back({.name = "Picture", .type = jet::ColumnType::Ole});
-        table.columns.push_back({.name = "Seen", .type = jet::ColumnType::Boolean});
+    OpenAltered([](ado::NewTable& table) {
+        table.columns.push_back({.name = "Remark", .type = ado::DataType::LongVarWChar});
+        table.columns.push_back({.name = "Picture", .type = ado::DataType::LongVarBinary});
+        table.columns.push_back({.name = "Seen", .type = ado::DataType::Boolean});
     });
     const std::int32_t text = Insert("TidxTexts", {{"Name", std::u16string(u"IdxDruck")},
                                                    {"Remark", std::u16string(5000, u'x')},

@@ -135,11 +135,11 @@ TEST_F(DuplicateCommandsTest, TrendsAreCopiedWithinTheirArchive) {
 }
 
 TEST_F(DuplicateCommandsTest, ColumnsOfOtherToolsAndLongValuesAreCopied) {
-    OpenAltered([](jet::TableSpec& form) {
+    OpenAltered([](ado::NewTable& form) {
         if (form.name != "TchrTrends") return;
-        form.columns.push_back({"Notes", jet::ColumnType::Memo});
-        form.columns.push_back({"Picture", jet::ColumnType::Ole});
-        form.columns.push_back({"Locked", jet::ColumnType::Boolean});
+        form.columns.push_back({"Notes", ado::DataType::LongVarWChar});
+        form.columns.push_back({"Picture", ado::DataType::LongVarBinary});
+        form.columns.push_back({"Locked", ado::DataType::Boolean});
     });
     const std::int32_t archive = archives_.New(u"L1031"_s);
     const std::u16string notes(20000, u'ß');

@@ -72,11 +72,11 @@ TEST_F(TrendCommandsTest, ANewTrendGetsANameThatNoOtherHas) {
 }
 
 TEST_F(TrendCommandsTest, ATableWithOtherColumnsGetsTheDefaultsThatItTakes) {
-    OpenAltered([](jet::TableSpec& form) {
+    OpenAltered([](ado::NewTable& form) {
         std::erase_if(form.columns, [](const auto& c) { return c.name == "CacheSize"; });
-        for (jet::ColumnSpec& column : form.columns) {
+        for (ado::NewColumn& column : form.columns) {
             if (column.name == "VLineColor" || column.name == "Factor") {
-                column.type = jet::ColumnType::Text;
+                column.type = ado::DataType::VarWChar;
                 column.length = 10;
             }
             if (column.name == "FilePath") column.length = 5;
@@ -105,7 +105,7 @@ TEST_F(TrendCommandsTest, WithoutARootGroupTheTextHasNoGroup) {
 TEST_F(TrendCommandsTest, AFailingStepOfNewLeavesTheStepsBeforeIt) {
     struct Case {
         const char* table;
-        std::size_t length;
+        int length;
         std::vector<std::string> trends;
         std::vector<std::string> texts;
     };
@@ -115,8 +115,8 @@ TEST_F(TrendCommandsTest, AFailingStepOfNewLeavesTheStepsBeforeIt) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.length);
-        OpenAltered([&](jet::TableSpec& form) {
-            for (jet::ColumnSpec& column : form.columns) {
+        OpenAltered([&](ado::NewTable& form) {
+            for (ado::NewColumn& column : form.columns) {
                 if (form.name == c.table && column.name == "Name") column.length = c.length;
             }
         });

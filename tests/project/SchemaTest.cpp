@@ -42,7 +42,7 @@ TEST(SchemaTest, NewRowsAreSoundAndOthersAreToldFromThem) {
         for (const Column& column : table.columns) {
             const auto* initial = std::get_if<std::int32_t>(&column.initial);
             EXPECT_TRUE(initial == nullptr || IsSound(column, *initial)) << column.name;
-            EXPECT_EQ(column.storage == Storage::Text, column.length > 0) << column.name;
+            EXPECT_EQ(column.type == ado::DataType::VarWChar, column.length > 0) << column.name;
         }
     }
     const struct {

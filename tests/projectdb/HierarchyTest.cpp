@@ -276,9 +276,9 @@ void MakeTrendsReadOnly(const std::string& path) {
 // The archive, its group and texts used to be deleted before the trends were found to stay.
 TEST_F(HierarchyTest, NothingGoesWhereOneTableCanOnlyBeRead) {
     expectedWarning_ = "its sort order is not known";
-    OpenAltered([](jet::TableSpec& form) {
+    OpenAltered([](ado::NewTable& form) {
         if (form.name != "TchrTrends") return;
-        form.indexes.push_back({"Name", jet::IndexSpec::Kind::Plain, {{"Name"}}});
+        form.indexes.push_back({"Name", "Name"});
     });
     Insert("TchrArchives", {{"Name", std::u16string(u"Archiv")}, {"TextID", 1}});
     Insert("TidxGroups", {{"Type", -2}, {"Parameter", 1}, {"ParentID", 0}});

@@ -5,10 +5,8 @@
 #include <filesystem>
 
 #include "jet/Check.h"
-#include "jet/CreateDatabase.h"
+#include "project/CreateProject.h"
 #include "projectdb/Text.h"
-#include "projectfile/CreateProject.h"
-#include "projectfile/ProjectTables.h"
 
 namespace {
 
@@ -128,23 +126,15 @@ void ProjectTest::OpenCopy(const std::string& source) {
 
 void ProjectTest::OpenNew() {
     path_ = projectdb::ToUtf8(folder_.filePath(QStringLiteral("Projekt.kvs")));
-    const projectfile::Outcome outcome = projectfile::CreateProject(path_, kLanguages);
-    ASSERT_EQ(outcome.kind, projectfile::Outcome::Kind::Made) << outcome.text;
+    project::CreateProject(path_, kLanguages);
     Open();
 }
 
-void ProjectTest::OpenAltered(const std::function<void(jet::TableSpec&)>& change) {
+void ProjectTest::OpenAltered(const std::function<void(ado::NewTable&)>& change) {
     path_ = projectdb::ToUtf8(folder_.filePath(QStringLiteral("Projekt.kvs")));
-    const auto fill = [&](jet::Database& database) {
-        jet::Status status;
-        for (jet::TableSpec& table : projectfile::ProjectTables(kLanguages)) {
-            change(table);
-            if (status.IsOk()) status = jet::CreateTable(database, table);
-        }
-        return status;
-    };
-    const jet::Status status = jet::CreateDatabase(jet::SystemDisk(), path_, fill);
-    ASSERT_TRUE(status.IsOk()) << status.Text();
+    std::vector<ado::NewTable> tables = project::ProjectTables(kLanguages);
+    for (ado::NewTable& table : tables) change(table);
+    ado::CreateFile(path_, tables);
     Open();
 }
 

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "ado/AdoError.h"
-#include "jet/CreateTable.h"
+#include "ado/CreateFile.h"
 #include "projectdb/Hierarchy.h"
 
 /// Everything that a project file holds, as another program finds it: by table the rows in the
@@ -69,7 +69,7 @@ protected:
     /// A new project in German and English, as the studio makes it.
     void OpenNew();
     /// A new project whose tables `change` has altered.
-    void OpenAltered(const std::function<void(jet::TableSpec&)>& change);
+    void OpenAltered(const std::function<void(ado::NewTable&)>& change);
     /// Adds a row from the outside; fields that are not named are Null. Returns its ID.
     std::int32_t Insert(const std::string& table, const std::map<std::string, ado::Value>& fields);
 

@@ -12,7 +12,7 @@
 #include "ado/Connection.h"
 #include "ado/Recordset.h"
 #include "platform/Registry.h"
-#include "projectfile/CreateProject.h"
+#include "project/CreateProject.h"
 #include "records/CDBLanguages.h"
 #include "texts/Language.h"
 #include "texts/MResources.h"
@@ -41,8 +41,7 @@ protected:
     }
     void OpenNew(std::span<const std::uint32_t> lcids) {
         path_ = folder_.filePath(u"Neu.kvs"_s);
-        const projectfile::Outcome made = projectfile::CreateProject(path_.toStdString(), lcids);
-        ASSERT_EQ(made.kind, projectfile::Outcome::Kind::Made) << made.text;
+        project::CreateProject(path_.toStdString(), lcids);
         Open();
     }
     void Open() {

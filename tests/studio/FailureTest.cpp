@@ -11,7 +11,7 @@
 #include <csignal>
 
 #include "messages/MessageBox.h"
-#include "projectfile/CreateProject.h"
+#include "project/CreateProject.h"
 #include "studio/StudioDesk.h"
 
 namespace {
@@ -82,8 +82,7 @@ protected:
 
     FailureTest() {
         const std::uint32_t languages[] = {kGerman, kEnglish};
-        EXPECT_EQ(projectfile::CreateProject(file_.toStdString(), languages).kind,
-                  projectfile::Outcome::Kind::Made);
+        project::CreateProject(file_.toStdString(), languages);
         others_ = ReadContent(file_.toStdString());
         StartWithProject(kEnglish);
         for (const QString& name : {u"Alpha"_s, u"Beta"_s}) AddArchive(name);

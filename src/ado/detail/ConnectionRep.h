@@ -11,15 +11,23 @@
 namespace ado {
 
 struct Connection::Rep {
-    std::unique_ptr<jet::Database> database;  // null while closed
-    std::string source;                       // as the connection string gave it
-    std::vector<Recordset*> recordsets;       // open ones, the oldest first
-    ChangeListener listener;                  // may be empty
-    ChangeCollector changes;                  // for the listener
+    jet::Database* database = nullptr;   // null while closed
+    std::unique_ptr<jet::Database> own;  // null while it is somebody else's
+    std::string source;                  // as the connection string gave it
+    std::vector<Recordset*> recordsets;  // open ones, the oldest first
+    ChangeListener listener;             // may be empty
+    ChangeCollector changes;             // for the listener
+
+    /// Opens the connection on a database that outlives it.
+    void Borrow(jet::Database& opened, const std::string& openedSource) {
+        database = &opened;
+        source = openedSource;
+        Observe();
+    }
 
     /// Lets the database tell of changes exactly while somebody listens.
     void Observe() {
-        if (database) database->Observe(listener ? &changes : nullptr);
+        if (database != nullptr) database->Observe(listener ? &changes : nullptr);
     }
     /// Tells the listener what has been committed. REQUIRES: behind a commit.
     void TellChanges() {

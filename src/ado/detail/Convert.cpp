@@ -3,11 +3,29 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "ado/AdoError.h"
 
 namespace ado {
 namespace {
+
+constexpr std::pair<jet::ColumnType, DataType> kTypes[] = {
+    {jet::ColumnType::Boolean, DataType::Boolean},
+    {jet::ColumnType::Byte, DataType::UnsignedTinyInt},
+    {jet::ColumnType::Integer, DataType::SmallInt},
+    {jet::ColumnType::Long, DataType::Integer},
+    {jet::ColumnType::Currency, DataType::Currency},
+    {jet::ColumnType::Single, DataType::Single},
+    {jet::ColumnType::Double, DataType::Double},
+    {jet::ColumnType::DateTime, DataType::Date},
+    {jet::ColumnType::Text, DataType::VarWChar},
+    {jet::ColumnType::Memo, DataType::LongVarWChar},
+    {jet::ColumnType::Guid, DataType::Guid},
+    {jet::ColumnType::Numeric, DataType::Numeric},
+    {jet::ColumnType::Binary, DataType::VarBinary},
+    {jet::ColumnType::Ole, DataType::LongVarBinary},
+};
 
 struct StoredToValue {
     const jet::Table& table;
@@ -63,36 +81,17 @@ std::optional<jet::Value> Exactly(const Value& value) {
 }  // namespace
 
 DataType TypeOf(const jet::Column& column) {
-    switch (column.type) {
-        case jet::ColumnType::Boolean:
-            return DataType::Boolean;
-        case jet::ColumnType::Byte:
-            return DataType::UnsignedTinyInt;
-        case jet::ColumnType::Integer:
-            return DataType::SmallInt;
-        case jet::ColumnType::Long:
-            return DataType::Integer;
-        case jet::ColumnType::Currency:
-            return DataType::Currency;
-        case jet::ColumnType::Single:
-            return DataType::Single;
-        case jet::ColumnType::Double:
-            return DataType::Double;
-        case jet::ColumnType::DateTime:
-            return DataType::Date;
-        case jet::ColumnType::Text:
-            return DataType::VarWChar;
-        case jet::ColumnType::Memo:
-            return DataType::LongVarWChar;
-        case jet::ColumnType::Guid:
-            return DataType::Guid;
-        case jet::ColumnType::Numeric:
-            return DataType::Numeric;
-        case jet::ColumnType::Binary:
-            return DataType::VarBinary;
-        default:
-            return DataType::LongVarBinary;
+    for (const auto& [stored, type] : kTypes) {
+        if (stored == column.type) return type;
     }
+    return DataType::LongVarBinary;
+}
+
+jet::ColumnType ColumnTypeOf(DataType type) {
+    for (const auto& [stored, each] : kTypes) {
+        if (each == type) return stored;
+    }
+    return jet::ColumnType::Ole;
 }
 
 jet::Result<Value> FromStored(const jet::Table& table, const jet::Value& stored) {

@@ -9,6 +9,7 @@
 namespace ado {
 
 [[nodiscard]] DataType TypeOf(const jet::Column& column);
+[[nodiscard]] jet::ColumnType ColumnTypeOf(DataType type);
 
 /// A stored value as recordsets show it; memo and OLE values are read whole.
 [[nodiscard]] jet::Result<Value> FromStored(const jet::Table& table, const jet::Value& stored);

@@ -37,6 +37,11 @@ void ThrowNotOpened(const jet::Status& status, const std::string& file,
                    {jet::CauseOfOpening(status.Code()), file});
 }
 
+void ThrowNotMade(const jet::Status& status, const std::string& file) {
+    throw AdoError(ErrorNumber::kUnspecified, "\"" + file + "\": " + status.Text() + ".",
+                   {jet::CauseOfMaking(status.Code()), file});
+}
+
 void ThrowNoCurrentRecord() {
     throw AdoError(ErrorNumber::kNoCurrentRecord,
                    "Either BOF or EOF is true, or the current row has been deleted. The operation "

@@ -15,6 +15,9 @@ namespace ado {
 [[noreturn]] void ThrowNotOpened(const jet::Status& status, const std::string& file,
                                  const std::string& description);
 
+/// The same for a file that could not be made.
+[[noreturn]] void ThrowNotMade(const jet::Status& status, const std::string& file);
+
 inline void Check(const jet::Status& status, const std::string& file) {
     if (!status.IsOk()) ThrowStatus(status, file);
 }

@@ -1,25 +1,26 @@
-#include "projectfile/CreateProject.h"
+#include "project/CreateProject.h"
 
 #include <unistd.h>
 
 #include <filesystem>
 #include <numeric>
+#include <optional>
 #include <random>
 #include <tuple>
 
+#include "ado/AdoError.h"
 #include "jet/Check.h"
 #include "jet/TableWriter.h"
 #include "JetTesting.h"
+#include "project/Rows.h"
 #include "project/Schema.h"
-#include "projectfile/ProjectTables.h"
 
-namespace projectfile {
+namespace project {
 namespace {
 
 using jet::Must;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using Kind = Outcome::Kind;
 
 class CreateProjectTest : public testing::Test {
 protected:
@@ -73,7 +74,7 @@ std::vector<std::tuple<std::string, int, std::vector<jet::IndexColumn>>> Indexes
 
 TEST_F(CreateProjectTest, IsLaidOutAsProjectsOfTheStudio) {
     const std::uint32_t lcids[] = {1031, 1033};
-    ASSERT_EQ(CreateProject(project_, lcids).kind, Kind::Made);
+    CreateProject(project_, lcids);
     EXPECT_THAT(Findings(), IsEmpty());
     EXPECT_THAT(Files(), ElementsAre("plant.kvs"));
 
@@ -110,7 +111,7 @@ TEST_F(CreateProjectTest, IsLaidOutAsProjectsOfTheStudio) {
 TEST_F(CreateProjectTest, TakesRowsInAsManyLanguagesAsThereMayBe) {
     std::vector<std::uint32_t> lcids(251);
     std::iota(lcids.begin(), lcids.end(), 0xFFFFFU - 250);
-    ASSERT_EQ(CreateProject(project_, lcids).kind, Kind::Made);
+    CreateProject(project_, lcids);
     EXPECT_THAT(Findings(), IsEmpty());
     auto database =
         Must(jet::Database::Open(jet::SystemDisk(), project_, jet::OpenMode::ReadWrite));
@@ -132,26 +133,44 @@ TEST_F(CreateProjectTest, TakesRowsInAsManyLanguagesAsThereMayBe) {
     EXPECT_THAT(Findings(), IsEmpty());
 }
 
+/// Why no project is made; nothing when one is.
+std::optional<reasons::Cause> Refusal(const std::string& path) {
+    const std::uint32_t german[] = {1031};
+    try {
+        CreateProject(path, german);
+        return std::nullopt;
+    } catch (const ado::AdoError& error) {
+        EXPECT_EQ(error.Reason().file, path);
+        return error.Reason().cause;
+    }
+}
+
 TEST_F(CreateProjectTest, RefusesWhatCannotBeAndLeavesNothing) {
     std::vector<std::uint32_t> tooMany(252);
     std::iota(tooMany.begin(), tooMany.end(), 1);
     for (const auto& lcids : std::vector<std::vector<std::uint32_t>>{
              {}, {0}, {1031, 0x100000}, {1031, 1033, 1031}, tooMany}) {
-        const Outcome outcome = CreateProject(project_, lcids);
-        EXPECT_EQ(outcome.kind, Kind::BadLanguages);
-        EXPECT_NE(outcome.text, "");
+        EXPECT_NE(WrongLanguages(lcids), "");
     }
-    const std::uint32_t german[] = {1031};
-    EXPECT_EQ(CreateProject(folder_ + "/missing/plant.kvs", german).kind, Kind::Failed);
-    EXPECT_EQ(CreateProject(folder_, german).kind, Kind::Exists);
+    using reasons::Cause;
+    EXPECT_EQ(Refusal(folder_ + "/missing/plant.kvs"), Cause::PathUnusable);
+    EXPECT_EQ(Refusal(folder_), Cause::FileExists);
     EXPECT_THAT(Files(), IsEmpty());
 
     // A name is taken also by what leads nowhere.
     std::filesystem::create_symlink("nowhere", project_);
-    EXPECT_EQ(CreateProject(project_, german).kind, Kind::Exists);
+    EXPECT_EQ(Refusal(project_), Cause::FileExists);
     EXPECT_TRUE(std::filesystem::is_symlink(project_));
     EXPECT_THAT(Files(), ElementsAre("plant.kvs"));
 }
 
+TEST_F(CreateProjectTest, WhenItsRowsCannotBeStoredThereIsNoFile) {
+    std::vector<ado::NewTable> tables = ProjectTables(std::vector<std::uint32_t>{1031});
+    const auto fill = [](ado::Connection& connection) { Rows(connection).AddLanguage(1031); };
+    std::erase_if(tables, [](const auto& table) { return table.name == kLanguageTable; });
+    EXPECT_THROW(ado::CreateFile(project_, tables, fill), ado::AdoError);
+    EXPECT_THAT(Files(), IsEmpty());
+}
+
 }  // namespace
-}  // namespace projectfile
+}  // namespace project
