@@ -88,6 +88,7 @@ void Connect::CKV4Extensibility_Initialize(const QString& projectName,
         if (project_.projectPath != std::exchange(reopening_, {})) {
             place_.reset();
             toldNotices_.clear();
+            project_.history.Clear();
         }
         host_ = host;
         hostWindow_ = host_->EditorParent();
@@ -183,11 +184,24 @@ void Connect::FirstUse(QString node, bool clicked) {
     opened_ = true;
     toldFailure_.clear();
     messages::SetScreenPointer(Pointer::Default);
+    const bool stepsDropped = DropForeignSteps();
     host_->ExpandNode(kRootKey);
     // The user who clicks on somebody else's node stays there.
     if (projectdb::IsOwnNode(node)) host_->SelectNode(kRootKey);
     // Last of all: what can be read is there already, and the box has its own event loop.
     TellOfFile(unreadable);
+    if (stepsDropped) {
+        messages::ShowMessage(texts_.GetText(MResourceTable::kTextStepsDropped),
+                              messages::MessageButtons::Ok, editor_->windowTitle(), editor_);
+    }
+}
+
+/// Whether another project lies under the name now, so that what the user could take back has gone.
+bool Connect::DropForeignSteps() {
+    bool dropped = false;
+    Guard(u"Connect: FirstUse"_s,
+          [&] { dropped = project_.history.DropForeign(project_.Environment().Connection()); });
+    return dropped;
 }
 
 /// Tells once what the user should know about a file that has been opened.
@@ -384,7 +398,12 @@ bool Connect::RunKey(const Node& node, int keyCode, int shift) {
         editor_->FindArchives();
         return true;
     }
-    if (Suits(*command, node)) {
+    // What concerns no node runs at any of them.
+    const bool suits =
+        (command->needs & (commandset::kArchive | commandset::kPlaceForArchives)) == 0
+            ? commandset::Obstacle(*command, editor_->Situation()) == 0
+            : Suits(*command, node);
+    if (suits) {
         editor_->Run(command->id);
         return true;
     }

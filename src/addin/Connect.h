@@ -74,6 +74,7 @@ private:
     void InitTreeView();
     void FindHelpFile();
     /// `node`: key of what the user has turned to.
+    [[nodiscard]] bool DropForeignSteps();
     void FirstUse(QString node, bool clicked = true);
     [[nodiscard]] bool ConnectToDataBase(const QString& databasePath, bool always);
     void TellFailure(const QString& procedure, bool always);

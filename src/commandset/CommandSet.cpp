@@ -24,12 +24,22 @@ constexpr Key kNewTrendKeys[] = {{Place::Trends, Qt::Key_F8},
                                  {Place::Archives, Qt::Key_Insert}};
 constexpr Key kEditTrendKeys[] = {{Place::Trends, Qt::Key_F9}};
 constexpr Key kDeleteTrendKeys[] = {{Place::Trends, Qt::CTRL | Qt::Key_Delete}};
+constexpr Key kUndoKeys[] = {{Place::Trends, Qt::CTRL | Qt::Key_Z},
+                             {Place::Archives, Qt::CTRL | Qt::Key_Z},
+                             {Place::Tree, Qt::CTRL | Qt::Key_Z}};
+constexpr Key kRedoKeys[] = {
+    {Place::Trends, Qt::CTRL | Qt::Key_Y},   {Place::Trends, Qt::CTRL | Qt::SHIFT | Qt::Key_Z},
+    {Place::Archives, Qt::CTRL | Qt::Key_Y}, {Place::Archives, Qt::CTRL | Qt::SHIFT | Qt::Key_Z},
+    {Place::Tree, Qt::CTRL | Qt::Key_Y},     {Place::Tree, Qt::CTRL | Qt::SHIFT | Qt::Key_Z}};
 constexpr Key kCopyKeys[] = {{Place::Archives, Qt::CTRL | Qt::Key_C},
                              {Place::Trends, Qt::CTRL | Qt::Key_C}};
 constexpr Key kPasteKeys[] = {{Place::Archives, Qt::CTRL | Qt::Key_V, false},
                               {Place::Trends, Qt::CTRL | Qt::Key_V}};
 constexpr Key kDuplicateKeys[] = {{Place::Archives, Qt::CTRL | Qt::Key_D},
                                   {Place::Trends, Qt::CTRL | Qt::Key_D}};
+// The grid knows these itself.
+constexpr Key kClearKeys[] = {{Place::Trends, Qt::Key_Delete}};
+constexpr Key kSelectAllKeys[] = {{Place::Trends, Qt::CTRL | Qt::Key_A}};
 constexpr Key kFindKeys[] = {{Place::Tree, Qt::CTRL | Qt::Key_F},
                              {Place::Archives, Qt::CTRL | Qt::Key_F},
                              {Place::Trends, Qt::CTRL | Qt::Key_F}};
@@ -55,33 +65,41 @@ constexpr Command kCommands[] = {
     {Report, u"mnuExtra(1)", kTextReport, kTextMenuExtras, kNone, u"report", 0, {}},
     {Refresh, u"mnuExtra(2)", kTextActualizeConnection, kTextMenuExtras, kNone, u"refresh", 0, {}},
     {Options, u"mnuExtra(4)", kTextOptions, kTextMenuExtras, kNone, u"options", 0, {}},
+    {Undo, u"mnuUndo", kTextUndo, kNone, kTextKeyUndo, u"undo", kDone | kWriting, kUndoKeys},
+    {Redo, u"mnuRedo", kTextRedo, kNone, kTextKeyRedo, u"redo", kUndone | kWriting, kRedoKeys},
     {Copy, u"mnuCopy", kTextCopy, kNone, kTextKeyCopy, u"copy", 0, kCopyKeys},
     {Paste, u"mnuPaste", kTextPaste, kNone, kTextKeyPaste, u"paste", kArchive | kWriting,
      kPasteKeys},
     {Duplicate, u"mnuDuplicate", kTextDuplicate, kNone, kTextKeyDuplicate, u"duplicate",
      kArchive | kWriting, kDuplicateKeys},
+    {Clear, u"mnuClear", kTextClear, kNone, kNone, u"", kArchive | kTrend | kWriting, kClearKeys},
+    {SelectAll, u"mnuSelectAll", kTextSelectAll, kNone, kNone, u"", kArchive, kSelectAllKeys},
     {FreezeName, u"mnuFreeze", kTextFreezeName, kNone, kNone, u"", 0, {}},
-    {Find, u"mnuFind", kNone, kNone, kTextKeyFind, u"", 0, kFindKeys},
+    {Find, u"mnuFind", kTextFind, kNone, kTextKeyFind, u"", 0, kFindKeys},
     {Help, u"mnuHelp", kNone, kNone, kTextKeyHelp, u"", 0, kHelpKeys},
 };
 static_assert(std::size(kCommands) == static_cast<std::size_t>(Separator));
 
 constexpr Id kArchiveMenu[] = {NewArchive, EditArchive, DeleteArchive, Separator, ShowEditor};
 constexpr Id kTrendMenu[] = {NewTrend, EditTrend, DeleteTrend};
+constexpr Id kEditMenu[] = {Undo,      Redo,  Separator, Copy,      Paste,
+                            Duplicate, Clear, Separator, SelectAll, Find};
 constexpr Id kExtrasMenu[] = {Statistic, Report, Refresh, Separator, Options};
 constexpr Menu kMenus[] = {
     {u"mnuArchive", kTextMenuArchive, u"mnuArchiv", kArchiveMenu},
     {u"mnuTrends", kTextMenuTrends, u"mnuTrend", kTrendMenu},
+    {u"mnuEdit", kTextMenuEdit, u"", kEditMenu},
     {u"mnuExtras", kTextMenuExtras, u"mnuExtra", kExtrasMenu},
 };
 
-constexpr Id kToolBar[] = {NewArchive, EditArchive, DeleteArchive, Separator, NewTrend,
-                           EditTrend,  DeleteTrend, Separator,     Copy,      Paste,
-                           Duplicate,  Separator,   Report,        Refresh,   Options};
-constexpr Id kArchiveContext[] = {NewArchive, EditArchive, DeleteArchive,
-                                  Separator,  Copy,        Duplicate};
-constexpr Id kTrendContext[] = {NewTrend, EditTrend, DeleteTrend, Separator, Copy,
-                                Paste,    Duplicate, Separator,   FreezeName};
+constexpr Id kToolBar[] = {NewArchive,  EditArchive, DeleteArchive, Separator, NewTrend,  EditTrend,
+                           DeleteTrend, Separator,   Undo,          Redo,      Separator, Copy,
+                           Paste,       Duplicate,   Separator,     Report,    Refresh,   Options};
+constexpr Id kArchiveContext[] = {NewArchive, EditArchive, DeleteArchive, Separator, Undo,
+                                  Redo,       Separator,   Copy,          Duplicate, Find};
+constexpr Id kTrendContext[] = {NewTrend,  EditTrend, DeleteTrend, Separator, Undo,  Redo,
+                                Separator, Copy,      Paste,       Duplicate, Clear, Separator,
+                                SelectAll, Find,      Separator,   FreezeName};
 
 /// The key stands in given texts behind many blanks.
 qsizetype GivenKeyAt(const QString& text) {
@@ -131,6 +149,8 @@ int Obstacle(const Command& command, const Situation& situation) {
     if (lacks(kPlaceForArchives, situation.isRoot || situation.isInArchives)) {
         return kTextHintNewArchive;
     }
+    if (lacks(kDone, situation.hasDone)) return kTextHintNothingToUndo;
+    if (lacks(kUndone, situation.hasUndone)) return kTextHintNothingToRedo;
     if (lacks(kArchive, situation.isArchive)) return kTextHintNoArchive;
     if (lacks(kTrend, situation.hasTrend)) return kTextHintNoTrend;
     if (lacks(kSelection, situation.hasSelection)) {
@@ -153,14 +173,17 @@ QString KeyText(QKeyCombination keys, const MResources::TextTable& texts) {
     return text + QChar(key);
 }
 
-QString MenuText(const Command& command, const MResources::TextTable& texts) {
-    const QString text = texts.GetText(command.text);
+QString MenuText(const Command& command, const MResources::TextTable& texts, const QString& step) {
+    QString name = step;
+    name.replace(u'&', QStringLiteral("&&"));  // no access key
+    const QString text = texts.GetText(command.text, {{u"step", name}});
     if (command.keys.empty() || command.text < kFirstOwnText) return text;
     return text + u'\t' + KeyText(command.keys.front().keys, texts);
 }
 
-QString ToolTip(const Command& command, const MResources::TextTable& texts) {
-    const QString text = WithoutAccessKey(texts.GetText(command.text));
+QString ToolTip(const Command& command, const MResources::TextTable& texts, const QString& step) {
+    const QString text =
+        texts::Fill(WithoutAccessKey(texts.GetText(command.text)), {{u"step", step}});
     QString tip = text.left(GivenKeyAt(text)).trimmed();
     if (command.menu != 0) {
         tip = WithoutAccessKey(texts.GetText(command.menu)) + QStringLiteral(": ") + tip;

@@ -26,9 +26,13 @@ enum class Id : std::uint8_t {
     Report,
     Refresh,
     Options,
+    Undo,
+    Redo,
     Copy,
     Paste,
     Duplicate,
+    Clear,
+    SelectAll,
     FreezeName,
     Find,
     Help,
@@ -51,6 +55,8 @@ enum Need : unsigned {
     kArchive = 4,           // an archive
     kTrend = 8,             // a current trend
     kSelection = 16,        // selected trends
+    kDone = 32,             // a step to take back
+    kUndone = 64,           // a step that has been taken back
 };
 
 struct Command {
@@ -72,8 +78,8 @@ struct Command {
 /// place tells them apart.
 [[nodiscard]] const Command* CommandOf(Place place, QKeyCombination keys);
 
-/// A menu of the window's bar. Its items have the names "item(0)", "item(1)" and so on, separators
-/// counted.
+/// A menu of the window's bar. Where `item` is not empty its items have the names "item(0)",
+/// "item(1)" and so on, separators counted.
 struct Menu {
     QStringView name;
     int text;
@@ -93,6 +99,8 @@ struct Situation {
     bool isInArchives = false;  // the keyboard is in the list of archives
     bool hasTrend = false;      // a trend is current
     bool hasSelection = false;  // trends are selected
+    bool hasDone = false;       // the user has changed something
+    bool hasUndone = false;     // and taken it back
 };
 /// Number of the text that says why a command cannot run; 0 when it can.
 [[nodiscard]] int Obstacle(const Command& command, const Situation& situation);
@@ -101,10 +109,14 @@ struct Situation {
 
 /// "Ctrl+Del" in the language of the interface.
 [[nodiscard]] QString KeyText(QKeyCombination keys, const MResources::TextTable& texts);
+// `step`: what the command concerns, where its text names that.
+
 /// Of the item in menus; behind a tab the first key, unless the text brings it itself.
-[[nodiscard]] QString MenuText(const Command& command, const MResources::TextTable& texts);
+[[nodiscard]] QString MenuText(const Command& command, const MResources::TextTable& texts,
+                               const QString& step = {});
 /// "Archives: New (F8)".
-[[nodiscard]] QString ToolTip(const Command& command, const MResources::TextTable& texts);
+[[nodiscard]] QString ToolTip(const Command& command, const MResources::TextTable& texts,
+                              const QString& step = {});
 /// Keys with what they do at a place, for the help: "F8, Ins" and "new trend".
 struct KeyLine {
     QString keys;

@@ -100,6 +100,8 @@ public:
     void SelectRows(const QList<GridRowId>& rows);
     void SelectAll();
     void ClearSelection();
+    /// Stores nothing in the current cell, where it can be edited and is no list's.
+    void ClearCell();
     /// All rows shown, from top to bottom, as far as they have been fetched.
     [[nodiscard]] QList<GridRowId> ShownRows() const;
     /// A cell's text as the grid shows it.
@@ -181,7 +183,6 @@ private:
     // What the keys of the view come to.
     void BeginTyping(const QString& typed);
     void OpenList();
-    void ClearCell();
     void PressButton();
     void CancelNewRow();
     bool Begin(bool replace, const QString& typed);

@@ -16,7 +16,7 @@ bool EditorKeys::Press(const QKeyEvent& event, commandset::Place place) const {
 
 bool EditorKeys::Run(commandset::Id id) const {
     const commandset::Command& command = commandset::CommandOf(id);
-    // What stands in no menu, as help and search, runs beside a command.
+    // What stands in no menu, as help does, runs beside a command.
     const bool waits = command.text != 0 && window_.isBusy();
     const int obstacle = waits ? static_cast<int>(MResourceTable::kTextHintBusy)
                                : commandset::Obstacle(command, window_.situation());

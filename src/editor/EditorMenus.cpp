@@ -4,6 +4,8 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QToolBar>
+#include <QToolButton>
+#include <utility>
 
 #include "icons/Icons.h"
 #include "texts/MResourceTable.h"
@@ -15,6 +17,7 @@ using commandset::Id;
 namespace {
 
 constexpr int kToolIconSize = 20;  // pixels
+constexpr int kStepsListed = 25;   // as many as a screen holds
 
 }  // namespace
 
@@ -52,6 +55,7 @@ void EditorMenus::MakeBar() {
                 continue;
             }
             QAction* separator = menu->addSeparator();
+            if (shown.item.isEmpty()) continue;
             separator->setObjectName(u"%1(%2)"_s.arg(shown.item).arg(i));
             if (shown.commands[i + 1] == Id::ShowEditor) treeSeparator_ = separator;
         }
@@ -79,7 +83,38 @@ QToolBar* EditorMenus::MakeToolBar() {
             bar->addAction(Action(id));
         }
     }
+    AddStepList(*bar, Id::Undo);
+    AddStepList(*bar, Id::Redo);
     return bar;
+}
+
+/// The list at a button, in which several steps are chosen at once.
+void EditorMenus::AddStepList(QToolBar& bar, Id direction) {
+    auto* button = qobject_cast<QToolButton*>(bar.widgetForAction(Action(direction)));
+    auto* list = new QMenu(button);
+    list->setObjectName(direction == Id::Undo ? u"mnuUndoSteps"_s : u"mnuRedoSteps"_s);
+    button->setMenu(list);
+    button->setPopupMode(QToolButton::MenuButtonPopup);
+    connect(list, &QMenu::aboutToShow, this, [this, list, direction] {
+        list->clear();
+        const QStringList steps = steps_.value(direction).mid(0, kStepsListed);
+        for (int i = 0; i < steps.size(); ++i) {
+            QString name = steps[i];
+            connect(list->addAction(name.replace(u'&', u"&&"_s)), &QAction::triggered, this,
+                    [this, direction, i] { emit StepsWanted(direction, i + 1); });
+        }
+    });
+}
+
+void EditorMenus::ShowSteps(const QStringList& undo, const QStringList& redo) {
+    for (const auto& [id, steps] : {std::pair(Id::Undo, undo), std::pair(Id::Redo, redo)}) {
+        if (steps_.contains(id) && steps_.value(id) == steps) continue;
+        steps_.insert(id, steps);
+        const Command& command = commandset::CommandOf(id);
+        const QString next = steps.isEmpty() ? QString() : steps.front();
+        Action(id)->setText(commandset::MenuText(command, texts_, next));
+        Action(id)->setToolTip(commandset::ToolTip(command, texts_, next).toHtmlEscaped());
+    }
 }
 
 void EditorMenus::FillContextMenu(QMenu& menu, commandset::Place place) const {

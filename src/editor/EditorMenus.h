@@ -4,6 +4,7 @@
 #include <functional>
 #include <QHash>
 #include <QObject>
+#include <QStringList>
 
 #include "commandset/CommandSet.h"
 
@@ -28,6 +29,8 @@ public:
     [[nodiscard]] QToolBar* MakeToolBar();
     void FillContextMenu(QMenu& menu, commandset::Place place) const;
 
+    /// Names of the steps that can be taken back and done again, the next first.
+    void ShowSteps(const QStringList& undo, const QStringList& redo);
     /// Enables what can run now.
     void Update(const commandset::Situation& situation);
     /// The menu of archives stands in the tree, where it leads to the editor too.
@@ -35,17 +38,21 @@ public:
 
 signals:
     void Triggered(commandset::Id id);
+    /// The user wants so many steps back, or forward.
+    void StepsWanted(commandset::Id direction, int steps);
     /// A menu is about to be shown: what can run may have changed unseen.
     void AboutToShow();
 
 private:
     void MakeActions();
     void MakeBar();
+    void AddStepList(QToolBar& bar, commandset::Id direction);
 
     const MResources::TextTable& texts_;
     QWidget& window_;
     QHash<commandset::Id, QAction*> actions_;
     QHash<QString, QMenu*> menus_;
+    QHash<commandset::Id, QStringList> steps_;
     QMenuBar* bar_ = nullptr;
     QAction* treeSeparator_ = nullptr;  // in front of "Show editor"
 };

@@ -16,6 +16,7 @@
 #include "commands/TrendCommands.h"
 #include "controls/FontProperties.h"
 #include "controls/TDBGrid.h"
+#include "editor/EditorHistory.h"
 #include "editor/EditorKeys.h"
 #include "editor/EditorLayout.h"
 #include "editor/EditorMenus.h"
@@ -48,7 +49,8 @@ frmtabGrid::frmtabGrid(projectdb::ProjectContext& project, const MResources::Tex
       archiveCommands_(
           std::make_unique<ArchiveCommands>(project, hierarchy_, names_, texts, addIn)),
       trendCommands_(std::make_unique<TrendCommands>(project, hierarchy_, *this, names_, texts)),
-      layout_(std::make_unique<EditorLayout>(*this)) {
+      layout_(std::make_unique<EditorLayout>(*this)),
+      history_(std::make_unique<EditorHistory>(project, texts, *this)) {
     setObjectName(u"frmtabGrid"_s);
     messages::KeepTextsPlain(*this);
     setWindowTitle(texts_.GetText(MResourceTable::kTextEditorTitle));

@@ -18,6 +18,7 @@
 
 class CDBLanguages;
 class CInit;
+class EditorHistory;
 class EditorKeys;
 class EditorLayout;
 class EditorMenus;
@@ -95,8 +96,12 @@ public:
     void FindArchives();
     /// Says in the status bar why a command cannot run; nothing when it can.
     void HintAt(commandset::Id id);
+    /// How things stand for the commands.
+    [[nodiscard]] commandset::Situation Situation();
     /// Runs a command, wherever it was asked for.
     void Run(commandset::Id id);
+    /// So many steps of what the user has done, back or forward (commandset::Id::Undo, Redo).
+    void GoSteps(commandset::Id direction, int steps);
     /// Runs an archive command: 0 New, 1 Edit, 2 Delete, 4 Show editor.
     void mnuArchiv_Click(int index);
     /// Runs a trend command: 0 New, 1 Edit, 2 Delete.
@@ -163,14 +168,17 @@ private:
     void BuildStatusBar();
 
     void ArchiveRowChanged();
+    /// What has been changed since the last call becomes one step to be taken back.
+    void EndStep();
+    /// Brings tree, lists and rows to what a step has changed, and the user there. `beside`: the
+    /// archive to open when the one that is open has gone.
+    void ShowChanges(const project::ChangeSet& changes, const QString& beside);
     void UpdateCommands();
     /// False for a project that can only be looked at.
     [[nodiscard]] bool CanWrite();
     /// As CanWrite, and says so in the status bar: for commands that come from elsewhere than from
     /// an action that is grey then.
     [[nodiscard]] bool MayStore();
-    /// How things stand for the commands.
-    [[nodiscard]] commandset::Situation Situation();
     [[nodiscard]] commandset::Place Place(int split) const;
     void ShowHelp();
     /// Says something in the status bar for a while; nobody has to answer.
@@ -198,7 +206,9 @@ private:
     void RefreshArchives(const QString& instead = {});
     /// Brings list and tree to the archives that the file has now; the open one may be among those
     /// that have gone, which is told.
-    void FollowArchives();
+    /// `instead`: opened without a word when the open one has gone; empty: the root is, and it is
+    /// told.
+    void FollowArchives(const QString& instead = {});
     void TellOfDeletedArchive(const QString& name);
     void ShowNewArchive(std::int32_t id);
     [[nodiscard]] QString ArchiveName(std::int32_t id);
@@ -227,6 +237,7 @@ private:
     std::unique_ptr<ArchiveCommands> archiveCommands_;
     std::unique_ptr<TrendCommands> trendCommands_;
     std::unique_ptr<EditorLayout> layout_;
+    std::unique_ptr<EditorHistory> history_;
     EditorMenus* menus_ = nullptr;
     std::unique_ptr<EditorKeys> keys_;
     std::array<QLabel*, 3> panels_{};

@@ -80,7 +80,7 @@ void frmtabGrid::ShowNewArchive(std::int32_t id) {
     tdbA->SetSplit(0);
 }
 
-void frmtabGrid::FollowArchives() {
+void frmtabGrid::FollowArchives(const QString& instead) {
     const QScopedValueRollback marking(marking_, true);
     ReadArchives();
     if (!archives_->ReadAll()) return;  // what is not known has not gone
@@ -106,8 +106,8 @@ void frmtabGrid::FollowArchives() {
     }
     MarkArchive(open);
     if (!gone.contains(open)) return MakeMyCaption(open, name);
-    addIn_.SelectArchive(projectdb::kRootKind.toString());
-    TellOfDeletedArchive(name);
+    addIn_.SelectArchive(instead.isEmpty() ? projectdb::kRootKind.toString() : instead);
+    if (instead.isEmpty()) TellOfDeletedArchive(name);
 }
 
 bool frmtabGrid::IsThere(const QString& nodeKey) {

@@ -4,6 +4,7 @@
 #include <QClipboard>
 #include <QMimeData>
 #include <QScopedValueRollback>
+#include <QScopeGuard>
 
 #include "commands/PasteCommands.h"
 #include "controls/TDBGrid.h"
@@ -48,6 +49,7 @@ void frmtabGrid::Paste() {
     const auto pasted = TrendClipboard::Parse(*held, reader);
     if (!pasted) return PasteCell(TrendClipboard::SingleCell(held->text()));
     if (!pasted->refusal.isEmpty()) return Tell(pasted->refusal);
+    const auto step = qScopeGuard([this] { EndStep(); });
     RowProgress progress(texts_, MResourceTable::kTextPastingTrends, this);
     PasteCommands commands(project_, *this, texts_);
     try {

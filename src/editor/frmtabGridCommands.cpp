@@ -126,6 +126,13 @@ void frmtabGrid::Run(commandset::Id id) {
             return mnuExtra_Click(kRefresh);
         case Id::Options:
             return mnuExtra_Click(kOptions);
+        case Id::Undo:
+        case Id::Redo:
+            return GoSteps(id, 1);
+        case Id::Clear:
+            return tdbA->SplitAt(1).ClearCell();
+        case Id::SelectAll:
+            return tdbA->SplitAt(tdbA->Split()).SelectAll();
         case Id::Copy:
             return Copy();
         case Id::Paste:
@@ -155,6 +162,7 @@ void frmtabGrid::mnuArchiv_Click(int index) {
     if (index != kNew && !IsThere(key)) return;
     const QString beside = index == kDelete ? ArchiveBeside(key) : QString();
     std::int32_t made = 0;
+    const auto step = qScopeGuard([this] { EndStep(); });
     // What is done is shown, even when a later step of the command fails.
     const auto show = qScopeGuard([&] {
         Guard(u"frmtabGrid"_s, [&] {
@@ -193,6 +201,7 @@ void frmtabGrid::mnuTrend_Click(int index) {
     const QScopedValueRollback busy(busy_, true);
     if (!CommitPendingEdit()) return;
     if (!IsThere(project_.currentNodeKey)) return;
+    const auto step = qScopeGuard([this] { EndStep(); });
     GridSplit& trends = tdbA->SplitAt(1);
     switch (index) {
         case kNew: {
@@ -273,6 +282,7 @@ void frmtabGrid::DuplicateSelection() {
     const QScopedValueRollback busy(busy_, true);
     if (!CommitPendingEdit()) return;
     if (!IsThere(project_.currentNodeKey)) return;
+    const auto step = qScopeGuard([this] { EndStep(); });
     DuplicateCommands commands(project_, *this, names_, texts_, addIn_);
     RowProgress progress(texts_, MResourceTable::kTextCopyingTrends, this);
     if (tdbA->Split() == 0) {
@@ -307,6 +317,7 @@ void frmtabGrid::ShowTrends(const std::vector<std::int32_t>& ids) {
 /// Writes a cell that has not been typed into, telling of a failure as the grid does.
 void frmtabGrid::WriteCell(GridRowId row, int column, const QVariant& value) {
     const GridCommit commit = trends_->CommitCell(row, column, value);
+    EndStep();
     if (commit.outcome != GridCommit::Outcome::Failed) return;
     ShowDataError(commit.number, commit.text, commit.details);
 }

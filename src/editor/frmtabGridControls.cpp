@@ -62,6 +62,9 @@ void frmtabGrid::BuildMenus() {
         procedure.replace(procedure.indexOf(u'('), procedure.size(), u"_Click"_s);
         Guard(u"frmtabGrid: "_s + procedure, [&] { Run(id); });
     });
+    connect(menus_, &EditorMenus::StepsWanted, this, [this](commandset::Id direction, int steps) {
+        Guard(u"frmtabGrid: mnuUndo_Click"_s, [&] { GoSteps(direction, steps); });
+    });
     tbrfunc = menus_->MakeToolBar();
     keys_ = std::make_unique<EditorKeys>(EditorKeys::Window{
         [this] { return Situation(); }, [this] { return busy_; },
@@ -144,6 +147,8 @@ void frmtabGrid::BuildGrid() {
             [this, guarded](int number, const QString& text, const QString& details) {
                 guarded([&] { ShowDataError(number, text, details); });
             });
+    connect(&trends, &GridSplit::AfterColUpdate, this,
+            [this, guarded] { guarded([this] { EndStep(); }); });
     connect(&trends, &GridSplit::TextRefused, this, [this](int column, const QString& text) {
         Hint(texts_.GetText(
             MResourceTable::kTextHintNoValue,

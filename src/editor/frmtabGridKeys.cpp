@@ -4,6 +4,7 @@
 #include <QToolTip>
 
 #include "controls/TDBGrid.h"
+#include "editor/EditorHistory.h"
 #include "editor/EditorMenus.h"
 #include "editor/frmtabGrid.h"
 #include "platform/HelpTopics.h"
@@ -44,6 +45,8 @@ commandset::Situation frmtabGrid::Situation() {
     situation.isInArchives = active_ && tdbA->Split() == 0;
     situation.hasTrend = trends.CurrentRow() != kNoGridRow;
     situation.hasSelection = !trends.SelectedRows().isEmpty();
+    situation.hasDone = history_->CanUndo();
+    situation.hasUndone = history_->CanRedo();
     return situation;
 }
 
@@ -55,6 +58,7 @@ bool frmtabGrid::MayStore() {
 
 /// What the menu of the trends says when it opens holds for the toolbar at any time.
 void frmtabGrid::UpdateCommands() {
+    menus_->ShowSteps(history_->UndoNames(), history_->RedoNames());
     menus_->Update(Situation());
 }
 

@@ -18,6 +18,33 @@ std::optional<std::int32_t> NumberOf(const ado::RowChange& row) {
     return number != nullptr ? std::optional(*number) : std::nullopt;
 }
 
+/// Whether the row has this `Type`.
+bool IsOfType(const ado::RowChange& row, std::int32_t type) {
+    const auto column = std::find(row.columns->begin(), row.columns->end(), "Type");
+    if (column == row.columns->end()) return false;
+    const std::vector<ado::Value>& values = row.before.empty() ? row.after : row.before;
+    return values.at(static_cast<std::size_t>(column - row.columns->begin())) == ado::Value(type);
+}
+
+/// What a value holds beside itself.
+std::size_t OutsideOf(const ado::Value& value) {
+    if (const auto* text = std::get_if<std::u16string>(&value)) {
+        return text->capacity() * sizeof(char16_t);
+    }
+    if (const auto* binary = std::get_if<ado::Binary>(&value)) return binary->capacity();
+    return 0;
+}
+
+/// Whether a column holds IDs of a table's rows.
+bool Names(const ado::RowChange& row, std::string_view column, std::string_view table) {
+    if (row.table == table && column == kKeyColumn) return true;
+    return std::ranges::any_of(References(), [&](const Reference& reference) {
+        return reference.table == row.table && reference.column == column &&
+               reference.target == table &&
+               (!reference.onlyType || IsOfType(row, *reference.onlyType));
+    });
+}
+
 }  // namespace
 
 void ChangeSet::Add(std::vector<ado::RowChange> changes) {
@@ -42,7 +69,10 @@ void ChangeSet::Add(std::vector<ado::RowChange> changes) {
 void ChangeSet::RemoveUnchanged() {
     const auto removed = std::erase_if(
         rows_, [](const ado::RowChange& row) { return row.isWhole && row.before == row.after; });
-    if (removed == 0) return;
+    if (removed > 0) FindPlaces();
+}
+
+void ChangeSet::FindPlaces() {
     places_.clear();
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         if (const auto number = NumberOf(rows_[i])) places_[{rows_[i].table, *number}] = i;
@@ -50,8 +80,34 @@ void ChangeSet::RemoveUnchanged() {
 }
 
 bool ChangeSet::IsWhole() const {
-    return std::all_of(rows_.begin(), rows_.end(),
-                       [](const ado::RowChange& row) { return row.isWhole; });
+    return std::all_of(rows_.begin(), rows_.end(), [](const ado::RowChange& row) {
+        return row.isWhole && NumberOf(row).has_value();
+    });
+}
+
+std::size_t ChangeSet::Bytes() const {
+    std::size_t bytes = 0;
+    for (const ado::RowChange& row : rows_) {
+        bytes += sizeof(row);
+        for (const std::vector<ado::Value>* values : {&row.before, &row.after}) {
+            bytes += values->capacity() * sizeof(ado::Value);
+            for (const ado::Value& value : *values) bytes += OutsideOf(value);
+        }
+    }
+    return bytes;
+}
+
+void ChangeSet::Renumber(std::string_view table, std::int32_t was, std::int32_t is) {
+    for (ado::RowChange& row : rows_) {
+        for (std::size_t i = 0; i < row.columns->size(); ++i) {
+            const std::string& column = (*row.columns)[i];
+            if (!Names(row, column, table)) continue;
+            for (std::vector<ado::Value>* values : {&row.before, &row.after}) {
+                if (!values->empty() && (*values)[i] == ado::Value(was)) (*values)[i] = is;
+            }
+        }
+    }
+    FindPlaces();
 }
 
 ChangeRecorder::ChangeRecorder(ado::Connection& connection) : connection_(connection) {

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -23,14 +25,19 @@ public:
     /// In the order in which they were first changed.
     [[nodiscard]] std::span<const ado::RowChange> Rows() const noexcept { return rows_; }
     [[nodiscard]] bool IsEmpty() const noexcept { return rows_.empty(); }
-    /// False when something in a row could not be read, so that the step cannot be taken back as a
-    /// whole.
+    /// False when something in a row could not be read, or a row has no ID, so that the step cannot
+    /// be taken back as a whole.
     [[nodiscard]] bool IsWhole() const;
+    /// What it takes of memory, roughly.
+    [[nodiscard]] std::size_t Bytes() const;
+    /// A row has another ID from now on: in what is known of it, and of rows that name it.
+    void Renumber(std::string_view table, std::int32_t was, std::int32_t is);
 
 private:
     using Key = std::pair<std::string, std::int32_t>;  // table, ID
 
     void RemoveUnchanged();
+    void FindPlaces();
 
     std::vector<ado::RowChange> rows_;
     std::map<Key, std::size_t> places_;  // in rows_, of rows that have an ID

@@ -192,6 +192,18 @@ bool Takes(const ado::Field& field, const Default& initial) {
 
 }  // namespace
 
+std::span<const Reference> References() {
+    static constexpr Reference kReferences[] = {
+        {kArchiveTable, "TextID", kTextTable},
+        {kTrendTable, "TextID", kTextTable},
+        {kTrendTable, "ArchiveID", kArchiveTable},
+        {kTextTable, "ParentID", kGroupTable},
+        {kGroupTable, "ParentID", kGroupTable},
+        {kGroupTable, "Parameter", kArchiveTable, kArchiveGroup},
+    };
+    return kReferences;
+}
+
 std::span<const Table> Tables() {
     return kTables;
 }

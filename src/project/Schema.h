@@ -67,6 +67,15 @@ struct Table {
     bool hasLanguages = false;        // a LanguageColumn for each language behind the others
 };
 
+/// A column that holds the ID of a row of another table.
+struct Reference {
+    std::string_view table;
+    std::string_view column;
+    std::string_view target;
+    std::optional<std::int32_t> onlyType{};  // only in rows with this `Type`
+};
+[[nodiscard]] std::span<const Reference> References();
+
 /// In the order in which projects have them.
 [[nodiscard]] std::span<const Table> Tables();
 /// Columns of an archive's row but for its key.

@@ -9,6 +9,7 @@
 
 #include "ado/Connection.h"
 #include "ado/Recordset.h"
+#include "project/Changes.h"
 
 /// The data environment: the one connection of the add-in and a command, with its recordset, for
 /// every source that the editor uses. Made at first use and thrown away when the connection is
@@ -45,6 +46,8 @@ public:
     /// Closes every open recordset, one after another, then the connection.
     void CloseConnection();
     [[nodiscard]] ado::Connection& Connection() noexcept { return connection_; }
+    /// Records what is changed through the connection.
+    [[nodiscard]] project::ChangeRecorder& Recorder() noexcept { return recorder_; }
 
     /// The recordset of a command, open or not.
     [[nodiscard]] ado::Recordset& Recordset(Command command);
@@ -59,6 +62,7 @@ public:
 
 private:
     ado::Connection connection_;
+    project::ChangeRecorder recorder_{connection_};
     // Behind the connection, which must outlive them.
     std::array<ado::Recordset, kCommandCount> recordsets_;
 };

@@ -3,6 +3,7 @@
 #include <memory>
 #include <QString>
 
+#include "project/History.h"
 #include "projectdb/ADOArchiv.h"
 
 namespace projectdb {
@@ -13,6 +14,8 @@ struct ProjectContext {
     QString projectPath;
     /// Key of the tree node last opened in the editor; empty before the first one.
     QString currentNodeKey;
+    /// What the user can take back; it outlives the connection.
+    project::History history;
     /// Null while the project is not opened.
     std::unique_ptr<ADOArchiv> environment;
 

@@ -1,0 +1,128 @@
+// What the user has changed in the editor window, taken back and done again.
+
+#include <algorithm>
+#include <QScopedValueRollback>
+#include <set>
+#include <tuple>
+
+#include "controls/TDBGrid.h"
+#include "editor/EditorHistory.h"
+#include "editor/frmtabGrid.h"
+#include "editor/TrendRows.h"
+#include "project/Schema.h"
+#include "projectdb/NodeKey.h"
+#include "projectdb/ProjectRows.h"
+#include "projectdb/Text.h"
+#include "texts/MResourceTable.h"
+
+namespace {
+
+using Direction = EditorHistory::Direction;
+
+std::int32_t NumberIn(const ado::RowChange& row, std::string_view column) {
+    const auto found = std::find(row.columns->begin(), row.columns->end(), column);
+    if (found == row.columns->end()) return 0;
+    const auto at = static_cast<std::size_t>(found - row.columns->begin());
+    return ado::ToLong((row.after.empty() ? row.before : row.after)[at]);
+}
+
+/// The field of the trend query that a change of one field shows in; empty for several.
+std::string FieldOf(const ado::RowChange& row) {
+    std::string field;
+    if (row.before.empty() || row.after.empty()) return field;
+    for (std::size_t i = 0; i < row.columns->size(); ++i) {
+        if (row.before[i] == row.after[i]) continue;
+        if (!field.empty()) return {};
+        field = (*row.columns)[i];
+    }
+    return field;
+}
+
+/// Where a change shows: in an archive, at trends of it, in a field.
+struct Shown {
+    std::int32_t archive = 0;
+    std::vector<std::int32_t> trends;
+    std::string field;
+};
+
+Shown PlaceOf(const project::ChangeSet& changes, projectdb::ProjectRows& rows) {
+    Shown shown;
+    std::set<std::int32_t> texts;
+    for (const ado::RowChange& row : changes.Rows()) {
+        const std::int32_t id = NumberIn(row, project::kKeyColumn);
+        if (row.table == project::kArchiveTable && !row.after.empty()) shown.archive = id;
+        if (row.table == project::kTextTable && !row.after.empty()) texts.insert(id);
+        if (row.table != project::kTrendTable) continue;
+        if (shown.archive == 0) shown.archive = NumberIn(row, "ArchiveID");
+        if (row.after.empty()) continue;
+        shown.trends.push_back(id);
+        shown.field = FieldOf(row);
+    }
+    if (shown.archive != 0 || texts.size() != 1) return shown;
+    // A text alone: that of a trend.
+    ado::Recordset& trends = rows.Trends();
+    trends.SetFilter("TextID = " + std::to_string(*texts.begin()));
+    if (trends.IsEOF()) return shown;
+    shown.archive = ado::ToLong(trends.Get("ArchiveID"));
+    shown.trends = {ado::ToLong(trends.Get(project::kKeyColumn))};
+    shown.field = FieldOf(changes.Rows().front());
+    return shown;
+}
+
+}  // namespace
+
+void frmtabGrid::EndStep() {
+    history_->EndStep();
+    UpdateCommands();
+}
+
+void frmtabGrid::GoSteps(commandset::Id direction, int steps) {
+    if (busy_) return Hint(MResourceTable::kTextHintBusy);
+    if (!MayStore()) return;
+    const QScopedValueRollback busy(busy_, true);
+    if (!CommitPendingEdit()) return;
+    EndStep();
+    const bool back = direction == commandset::Id::Undo;
+    const QString beside = ArchiveBeside(project_.currentNodeKey);
+    QString hint;
+    for (int i = 0; i < steps; ++i) {
+        if (!(back ? history_->CanUndo() : history_->CanRedo())) {
+            if (i == 0) {
+                Hint(back ? MResourceTable::kTextHintNothingToUndo
+                          : MResourceTable::kTextHintNothingToRedo);
+            }
+            break;
+        }
+        const auto moved = history_->Move(back ? Direction::Back : Direction::Forward);
+        if (!moved) break;
+        ShowChanges(moved->changes, beside);
+        hint =
+            texts_.GetText(back ? MResourceTable::kTextHintUndone : MResourceTable::kTextHintRedone,
+                           {{u"step", moved->step}});
+    }
+    UpdateCommands();
+    if (!hint.isEmpty()) Hint(hint);
+}
+
+void frmtabGrid::ShowChanges(const project::ChangeSet& changes, const QString& beside) {
+    FollowArchives(beside);
+    NamesInGroup(projectdb::kArchiveNames);
+    Shown shown;
+    {
+        projectdb::ProjectRows rows(project_.Environment());
+        shown = PlaceOf(changes, rows);
+        if (shown.archive != 0 && !rows.SeekArchive(shown.archive)) shown.archive = 0;
+    }
+    const QString key = projectdb::ArchiveNodeKey(shown.archive);
+    if (shown.archive != 0 && key != project_.currentNodeKey) {
+        addIn_.SelectArchive(key);
+    } else {
+        projectdb::ReloadTrends(project_, *this);
+    }
+    if (shown.trends.size() != 1 || shown.field.empty()) return ShowTrends(shown.trends);
+    GridSplit& trends = tdbA->SplitAt(1);
+    const int column = trends.ColumnIndex(projectdb::ToQString(shown.field));
+    if (column < 0) return ShowTrends(shown.trends);
+    if (!trends.SetCurrentCell(shown.trends.front(), column)) return ShowTrends(shown.trends);
+    tdbA->SetSplit(1);
+}
