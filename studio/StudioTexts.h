@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QLocale>
 #include <QString>
 
 #include "texts/MResources.h"
@@ -24,6 +25,8 @@ public:
     }
 
     [[nodiscard]] int Lcid() const noexcept { return static_cast<int>(table_.Language().lcid); }
+    /// How the language writes numbers and dates.
+    [[nodiscard]] QLocale Locale() const { return QLocale(table_.Language().locale); }
     /// The text with its "&" access key, if it has one, and values for its placeholders.
     [[nodiscard]] QString operator()(Text text, texts::Values values = {}) const {
         return table_.GetText(text, values);

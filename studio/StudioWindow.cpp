@@ -50,6 +50,7 @@ StudioWindow::StudioWindow(StudioRegistry& registry, AddInSet& addIns,
       addInReports_(std::move(addInReports)),
       state_(state),
       recent_(state),
+      backups_(state, this),
       treeEvents_(addIns) {
     setObjectName(u"frmStudio"_s);
     setWindowIcon(icons::FixedIcon(u"kvstudio"));
@@ -73,6 +74,7 @@ StudioWindow::StudioWindow(StudioRegistry& registry, AddInSet& addIns,
         qWarning("%s", qUtf8Printable(text));
         statusBar()->showMessage(text);
     });
+    connect(&backups_, &BackupService::Taken, this, &StudioWindow::BackupTaken);
     ApplyLanguage(registry_.InterfaceLanguage());
     RestoreState();
     statusBar()->showMessage(texts_(Text::StatusReady), kStatusMs);
@@ -92,6 +94,10 @@ StudioWindow::~StudioWindow() {
 }
 
 bool StudioWindow::OpenProject(const QString& project) {
+    return Open(project, Opening::Anew);
+}
+
+bool StudioWindow::Open(const QString& project, Opening opening) {
     if (addIns_.InCall()) {
         statusBar()->showMessage(texts_(Text::StatusBusy), kStatusMs);
         return false;
@@ -103,6 +109,8 @@ bool StudioWindow::OpenProject(const QString& project) {
     }
     CloseProject();
     project_ = std::get<ProjectLocation>(std::move(located));
+    // Before anybody else hears of the project, and so before the first change.
+    if (opening == Opening::Anew && !project_->isReadOnly) backups_.Take(project_->nativePath);
     variables_.SetProject(project_->nativePath);
     model_.RegisterIcon(kProjectIcon, icons::Icon(u"project"));
     model_.AddOwn(project_->shown, kProjectKey.toString(), kProjectIcon);
@@ -267,16 +275,21 @@ void StudioWindow::mnuSettingsLanguage_Click(QAction* action) {
         return;
     }
     // The add-ins read the language when they are initialised.
+    WhileClosed([this, lcid] { ApplyLanguage(lcid); });
+    statusBar()->showMessage(texts_(Text::StatusLanguage), kStatusMs);
+}
+
+bool StudioWindow::WhileClosed(const std::function<void()>& action) {
     const std::optional<ProjectLocation> open = project_;
     const QStringList place = tree_->SelectedPath();
     addIns_.ForEach("GetMessage", [](KV4AddIn::CKV4Extensibility& addIn) {
         std::ignore = addIn.CKV4Extensibility_GetMessage(KV4AddIn::kHostSender.toString(),
                                                          KV4AddIn::kReopening.toString(), {});
     });
-    CloseProject();
-    ApplyLanguage(lcid);
-    if (open && OpenProject(open->remembered)) tree_->OpenAsUser(place);
-    statusBar()->showMessage(texts_(Text::StatusLanguage), kStatusMs);
+    if (!CloseProject()) return false;
+    action();
+    if (open && Open(open->remembered, Opening::Again)) tree_->OpenAsUser(place);
+    return true;
 }
 
 void StudioWindow::mnuHelpAddIns_Click() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <QMainWindow>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "studio/AddInLoader.h"
+#include "studio/BackupService.h"
 #include "studio/MenuKeys.h"
 #include "studio/ProjectLocation.h"
 #include "studio/ProjectTreeModel.h"
@@ -68,6 +70,7 @@ protected:
 private slots:
     void mnuFileNew_Click();
     void mnuFileOpen_Click();
+    void mnuFileBackups_Click();
     void mnuFileRecent_Popup();
     void mnuFileRecentClear_Click();
     void mnuSettingsLanguage_Click(QAction* action);
@@ -91,6 +94,14 @@ private:
     void ApplyLanguage(int lcid);
     void ApplyProjectState();
     void ShowRecentInEmptyArea();
+    /// A project that is opened anew is backed up, one that comes back at once is not.
+    enum class Opening { Anew, Again };
+    bool Open(const QString& project, Opening opening);
+    /// Closes the project, lets `action` run, and opens it again where the user was. False, and
+    /// nothing has been done, while an add-in is at work.
+    bool WhileClosed(const std::function<void()>& action);
+    void BackupTaken(const QString& project, const backups::Outcome& outcome);
+    void RestoreBackup(const backups::Backup& backup);
     void RaiseStartupComplete();
     void QuitStep();
     void Complain(const QString& message, const QString& details = {});
@@ -105,6 +116,7 @@ private:
     QList<AddInReport> addInReports_;
     QSettings* state_;
     RecentProjects recent_;
+    BackupService backups_;
     StudioTexts texts_;
     QTranslator qtTexts_;  // for the buttons and dialogs that Qt brings
     std::optional<ProjectLocation> project_;
@@ -124,6 +136,7 @@ private:
     QMenu* mnuFileRecent_ = nullptr;
     QAction* mnuFileOpen_ = nullptr;
     QAction* mnuFileClose_ = nullptr;
+    QAction* mnuFileBackups_ = nullptr;
     QAction* mnuViewEditor_ = nullptr;
     QActionGroup* languages_ = nullptr;
 };

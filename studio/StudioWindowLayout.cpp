@@ -79,6 +79,8 @@ void StudioWindow::BuildFileMenu() {
     mnuFileClose_ = AddAction(file, u"mnuFileClose"_s, Text::FileClose, Text::FileCloseTip,
                               Qt::CTRL | Qt::Key_W);
     connect(mnuFileClose_, &QAction::triggered, this, &StudioWindow::CloseProject);
+    mnuFileBackups_ = AddAction(file, u"mnuFileBackups"_s, Text::FileBackups, Text::FileBackupsTip);
+    connect(mnuFileBackups_, &QAction::triggered, this, &StudioWindow::mnuFileBackups_Click);
     file.addSeparator();
     QAction* quit =
         AddAction(file, u"mnuFileQuit"_s, Text::FileQuit, std::nullopt, Qt::CTRL | Qt::Key_Q);
@@ -162,6 +164,7 @@ void StudioWindow::ApplyProjectState() {
     lblProject_->setText(project_ ? QFileInfo(project_->nativePath).fileName() : QString());
     lblProject_->setToolTip(project_ ? project_->nativePath : QString());
     mnuFileClose_->setEnabled(project_.has_value());
+    mnuFileBackups_->setEnabled(project_.has_value());
     tree_->setEnabled(project_.has_value());
     editors_->SetState(!project_           ? State::NoProject
                        : addIns_.IsEmpty() ? State::NoAddIns

@@ -67,9 +67,9 @@ constexpr Chapter kChapters[] = {
     {1, "archive-dialog.html"}, {1, "archive-types.html"}, {1, "sample-modes.html"},
     {1, "file-change.html"},    {0, "trend.html"},         {1, "grid.html"},
     {1, "trend-dialog.html"},   {1, "hysteresis.html"},    {1, "filter.html"},
-    {1, "tolerance.html"},      {1, "draw-modes.html"},    {0, "window.html"},
-    {1, "languages.html"},      {1, "report.html"},        {1, "options.html"},
-    {1, "keys.html"},
+    {1, "tolerance.html"},      {1, "draw-modes.html"},    {0, "backups.html"},
+    {0, "window.html"},         {1, "languages.html"},     {1, "report.html"},
+    {1, "options.html"},        {1, "keys.html"},
 };
 
 // Where a page lists the keys of the commands.

@@ -367,6 +367,10 @@ TEST_F(TextsTest, AccessKeysAreUniqueWhereTheyStandTogether) {
          {range(Studio::FileNew, Studio::FileQuit)},
          {static_cast<int>(Studio::FileRecentClear)}},
         {"studio's new project", {range(Studio::NewFile, Studio::NewOk)}, {}},
+        {"studio's backups",
+         {range(Studio::BackupRestore, Studio::BackupsFolder),
+          range(Studio::NewBrowse, Studio::NewBrowse), range(Studio::Close, Studio::Close)},
+         {}},
     };
     for (const Page& page : pages) {
         for (const Language* language : texts::Languages()) {

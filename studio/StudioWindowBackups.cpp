@@ -1,0 +1,74 @@
+// Backups of the project that is open: what tells of them, and the way back to one.
+
+#include <QFileInfo>
+#include <QStatusBar>
+#include <QStringList>
+
+#include "messages/MessageBox.h"
+#include "studio/AddInSet.h"
+#include "studio/BackupsDialog.h"
+#include "studio/ProjectTree.h"
+#include "studio/StudioWindow.h"
+#include "texts/ReasonText.h"
+
+namespace studio {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using Kind = backups::Outcome::Kind;
+
+constexpr int kStatusMs = 8000;
+
+Text FailureText(Kind kind) {
+    switch (kind) {
+        case Kind::InUse:
+            return Text::ErrorRestoreInUse;
+        case Kind::NotKept:
+            return Text::ErrorRestoreNotKept;
+        default:
+            return Text::ErrorRestore;
+    }
+}
+
+}  // namespace
+
+void StudioWindow::BackupTaken(const QString& project, const backups::Outcome& outcome) {
+    if (outcome.kind != Kind::Failed) return;
+    qWarning("No backup: %s", outcome.text.c_str());
+    // Nobody has asked for it: a line, and no message to be answered.
+    statusBar()->showMessage(
+        texts_(Text::StatusNoBackup, {{u"project", QFileInfo(project).completeBaseName()},
+                                      {u"cause", texts::ReasonText(outcome.reason)}}));
+}
+
+void StudioWindow::mnuFileBackups_Click() {
+    if (!project_) return;
+    BackupsDialog dialog(backups_, *project_, texts_, this);
+    if (dialog.exec() == QDialog::Accepted) RestoreBackup(dialog.Chosen());
+}
+
+void StudioWindow::RestoreBackup(const backups::Backup& backup) {
+    const ProjectLocation project = *project_;
+    backups::Outcome outcome;
+    const bool isDone = WhileClosed([&] {
+        messages::SetScreenPointer(messages::Pointer::Hourglass);
+        outcome = backups_.Restore(project.nativePath, backup);
+        messages::SetScreenPointer(messages::Pointer::Default);
+    });
+    if (!isDone) return;
+    if (outcome.kind == Kind::Done) {
+        statusBar()->showMessage(
+            texts_(Text::StatusRestored,
+                   {{u"project", project.shown}, {u"date", DateText(backup, texts_)}}),
+            kStatusMs);
+        return;
+    }
+    QStringList users;
+    for (const std::string& user : outcome.users) users += QString::fromStdString(user);
+    Complain(texts_(FailureText(outcome.kind), {{u"project", project.shown},
+                                                {u"users", users.join(u", "_s)},
+                                                {u"cause", texts::ReasonText(outcome.reason)}}),
+             QString::fromStdString(outcome.text));
+}
+
+}  // namespace studio
