@@ -3,6 +3,8 @@
 #include <QEvent>
 #include <QLineEdit>
 
+#include "messages/PlainTexts.h"
+
 namespace {
 
 constexpr int kGap = 4;  // pixels around the remark
@@ -30,7 +32,7 @@ FieldMark::FieldMark(QLineEdit& field) : QLabel(&field), field_(field) {
 
 void FieldMark::Show(const QString& remark, const QString& why) {
     setText(remark);
-    setToolTip(QStringLiteral("<p>%1</p>").arg(why.toHtmlEscaped()));
+    setToolTip(messages::TipLines(why));
     field_.setAccessibleDescription(why);
     Place();
     show();

@@ -16,6 +16,7 @@
 #include <QStringView>
 #include <QToolTip>
 
+#include "messages/PlainTexts.h"
 #include "platform/Locale.h"
 #include "texts/MResources.h"
 #include "texts/MResourceTable.h"
@@ -165,8 +166,8 @@ private:
             if (begin.size() < refused.size()) begin += QChar(0x2026);
             text = Text(MResourceTable::kTextNotPasted, {{u"text", begin}}) + u' ' + why;
         }
-        QToolTip::showText(field_.mapToGlobal(field_.rect().bottomLeft()),
-                           QStringLiteral("<p>%1</p>").arg(text.toHtmlEscaped()), &field_);
+        QToolTip::showText(field_.mapToGlobal(field_.rect().bottomLeft()), messages::TipLines(text),
+                           &field_);
     }
 
     /// What the user brings in as a whole. True when it has been dealt with; else Qt carries the

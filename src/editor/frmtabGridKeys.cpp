@@ -7,6 +7,7 @@
 #include "editor/EditorHistory.h"
 #include "editor/EditorMenus.h"
 #include "editor/frmtabGrid.h"
+#include "messages/PlainTexts.h"
 #include "platform/HelpTopics.h"
 #include "projectdb/NodeKey.h"
 #include "texts/MResourceTable.h"
@@ -22,7 +23,8 @@ void frmtabGrid::Hint(const QString& text) {
     if (!sb->isHidden()) return;
     // Without a status bar it is shown where the user looks.
     QWidget* place = focusWidget() != nullptr ? focusWidget() : this;
-    QToolTip::showText(place->mapToGlobal(place->rect().bottomLeft()), text.toHtmlEscaped(), place);
+    QToolTip::showText(place->mapToGlobal(place->rect().bottomLeft()), messages::TipLines(text),
+                       place);
 }
 
 void frmtabGrid::Hint(int text) {

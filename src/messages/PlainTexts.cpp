@@ -39,4 +39,21 @@ void KeepTextsPlain(QWidget& window) {
     new PlainTexts(window);  // the window's child
 }
 
+QString TipLines(const QString& text) {
+    constexpr qsizetype kLine = 60;  // characters
+    QString lines;
+    qsizetype begin = 0;  // of the last line
+    for (const QString& word : text.split(u' ')) {
+        const qsizetype length = lines.size() - begin;
+        if (length > 0 && length + 1 + word.size() > kLine) {
+            lines += u'\n';
+            begin = lines.size();
+        } else if (!lines.isEmpty()) {
+            lines += u' ';
+        }
+        lines += word;
+    }
+    return lines;
+}
+
 }  // namespace messages

@@ -52,4 +52,16 @@ TEST(PlainTextsTest, WhatAProjectCallsAThingIsNoMarkup) {
     }
 }
 
+TEST(PlainTextsTest, ASentenceIsATipOfSeveralLines) {
+    const QString sentence =
+        u"This field takes these keys only: 0-9 and <Ctrl>, and what else there may be on it."_s;
+    const QString tip = messages::TipLines(sentence);
+    EXPECT_EQ(QString(tip).replace(u'\n', u' '), sentence) << "as it stands";
+    EXPECT_EQ(tip.count(u'\n'), 1);
+    for (const QString& line : tip.split(u'\n')) EXPECT_LE(line.size(), 60);
+    EXPECT_EQ(messages::TipLines(u"short"_s), u"short"_s);
+    const QString path(80, u'x');
+    EXPECT_EQ(messages::TipLines(path), path) << "one word has no place to break it";
+}
+
 }  // namespace
