@@ -126,12 +126,7 @@ GridCommit TrendRows::Write(int row, int column, const ado::Value& value) {
         TakeOver(row);
         return GridCommit::Stored();
     } catch (const ado::AdoError& error) {
-        projectdb::Failure failure = projectdb::Failure::Current();
-        // The user knows the heading, not the column.
-        const project::Column* known = project::FindTrendColumn(failure.reason.name);
-        if (known != nullptr && known->caption != 0) {
-            failure.reason.name = projectdb::ToUtf8(Texts().GetText(known->caption));
-        }
+        const projectdb::Failure failure = projectdb::Failure::Current();
         Rows().CancelUpdate();
         const bool changed = error.Number() == ado::ErrorNumber::kRowNotLocated;
         return GridCommit::Failed(changed ? kRowChanged : error.Number(), failure.Text(),

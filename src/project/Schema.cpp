@@ -71,7 +71,7 @@ constexpr Column KeyOf(std::string_view name) {
 constexpr Column FlagOf(std::string_view name) {
     return {.name = name, .type = ado::DataType::Boolean, .kind = Flag};
 }
-/// Over the grid's column stands the text of that number.
+/// The user knows it by the text of that number.
 constexpr Column Shown(int caption, Column column) {
     column.caption = caption;
     return column;
@@ -80,25 +80,25 @@ constexpr Column Shown(int caption, Column column) {
 // The file name of a new archive is made of its name, see Names. A `NewFile` that is Null is the
 // empty text that every file accepts.
 constexpr Column kArchiveColumns[] = {
-    NameOf(80),
+    Shown(202, NameOf(80)),
     KeyOf("TextID"),
-    NumberOf("Type", Short, 0),
-    TextOf("FileName", 255),
-    FolderOf("FilePath"),
-    FolderOf("RedundancyFilePath"),
-    CodeOf("SampleMode", kSampleModes, SampleMode::kMilliseconds),
-    TextOf("Trigger", 255, Variable),
-    CountOf("ScanTime", Long, 1000),
-    CountOf("MaxSamples", Long, 10000),
-    TextOf("NewFile", 255),
-    TextOf("XVar", 255, Variable),
-    TextOf("StartStop", 255, Variable),
-    TextOf("Reset", 255, Variable),
-    CountOf("CacheSize", Long, 100),
-    CountOf("AuthorizationLevel", Short, 0),
-    TextOf("Comment", 255),
-    CountOf("MaxFiles", Long, 0),
-    CountOf("MaxSizeKb", Long, 0),
+    Shown(209, NumberOf("Type", Short, 0)),
+    Shown(211, TextOf("FileName", 255)),
+    Shown(212, FolderOf("FilePath")),
+    Shown(213, FolderOf("RedundancyFilePath")),
+    Shown(214, CodeOf("SampleMode", kSampleModes, SampleMode::kMilliseconds)),
+    Shown(215, TextOf("Trigger", 255, Variable)),
+    Shown(216, CountOf("ScanTime", Long, 1000)),
+    Shown(217, CountOf("MaxSamples", Long, 10000)),
+    Shown(218, TextOf("NewFile", 255)),
+    Shown(219, TextOf("XVar", 255, Variable)),
+    Shown(220, TextOf("StartStop", 255, Variable)),
+    Shown(221, TextOf("Reset", 255, Variable)),
+    Shown(222, CountOf("CacheSize", Long, 100)),
+    Shown(227, CountOf("AuthorizationLevel", Short, 0)),
+    Shown(228, TextOf("Comment", 255)),
+    Shown(229, CountOf("MaxFiles", Long, 0)),
+    Shown(230, CountOf("MaxSizeKb", Long, 0)),
     TextOf(kParamNames, 255),
 };
 

@@ -5,7 +5,10 @@
 
 #include "ado/AdoError.h"
 #include "platform/Error.h"
+#include "project/Schema.h"
 #include "projectdb/Text.h"
+#include "texts/Language.h"
+#include "texts/MResourceTable.h"
 #include "texts/ReasonText.h"
 
 namespace projectdb {
@@ -15,6 +18,22 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr std::int32_t kOutOfMemory = -2147024882;  // 0x8007000E
+
+/// Whether the reason is about what a field was to hold, and names its column.
+bool NamesField(reasons::Cause cause) {
+    using reasons::Cause;
+    return cause == Cause::TextTooLong || cause == Cause::NumberTooLarge ||
+           cause == Cause::WrongType;
+}
+
+/// What the table or the dialog calls the column; empty for one that the user does not know.
+QString FieldOf(const std::string& column) {
+    const project::Column* known = project::FindTrendColumn(column);
+    if (known == nullptr || known->caption == 0) known = project::FindArchiveColumn(column);
+    int caption = known != nullptr ? known->caption : 0;
+    if (project::IsLanguageColumn(column)) caption = MResourceTable::kTextArchiveDisplayText;
+    return caption == 0 ? QString() : texts::InterfaceText(caption).remove(u'&');
+}
 
 }  // namespace
 
@@ -37,7 +56,12 @@ Failure Failure::Current() {
 }
 
 QString Failure::Text() const {
-    return told.isEmpty() ? texts::ReasonText(reason) : told;
+    if (!told.isEmpty()) return told;
+    const QString field = NamesField(reason.cause) ? FieldOf(reason.name) : QString();
+    if (field.isEmpty()) return texts::ReasonText(reason);
+    reasons::Reason named = reason;
+    named.name = ToUtf8(field);
+    return texts::ReasonText(named);
 }
 
 QString Failure::Details() const {
