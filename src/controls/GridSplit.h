@@ -112,6 +112,8 @@ public:
     [[nodiscard]] bool CanEdit(GridRowId row, int column) const;
     /// Opens the current cell's editor.
     bool BeginEdit();
+    /// The same in a row that the user has just made: with Enter it stays the current one.
+    bool BeginRow();
     [[nodiscard]] bool Editing() const;
     /// The pending edit differs from what is stored.
     [[nodiscard]] bool DataChanged() const;

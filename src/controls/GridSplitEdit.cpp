@@ -30,6 +30,12 @@ bool GridSplit::BeginEdit() {
     return Begin(false, {});
 }
 
+bool GridSplit::BeginRow() {
+    if (!BeginEdit()) return false;
+    edit_->StayInRow();
+    return true;
+}
+
 void GridSplit::BeginTyping(const QString& typed) {
     Begin(true, typed);
 }

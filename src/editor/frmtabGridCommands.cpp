@@ -211,7 +211,7 @@ void frmtabGrid::mnuTrend_Click(int index) {
             }();
             if (id == 0) return;
             ShowTrends({id});
-            trends.BeginEdit();
+            trends.BeginRow();
             return;
         }
         case kEdit: {

@@ -107,6 +107,20 @@ TEST_F(EditorSelectionTest, WhatIsNewIsInSightAndHasTheKeyboard) {
     EXPECT_EQ(DialogOf([&] { Key(Qt::Key_F9); }), u"FTrend"_s) << "the trend, not the archive";
     EXPECT_EQ(CurrentName(), u"Neu"_s);
 
+    // In the middle of the rows when they are sorted: the next key is meant for it all the same.
+    ClickCell(0, u"Name"_s);
+    Key(Qt::Key_O, Qt::ControlModifier);
+    Key(Qt::Key_F8);
+    EXPECT_GT(CurrentRow(), 0);
+    Type(u"Abc"_s);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(CurrentName(), u"Abc"_s);
+    EXPECT_EQ(DialogOf([&] { Key(Qt::Key_F9); },
+                       [](QDialog& dialog) {
+                           EXPECT_EQ(dialog.findChild<QLineEdit*>(u"txtName"_s)->text(), u"Abc"_s);
+                       }),
+              u"FTrend"_s);
+
     // From the tree, too; and again with the same key.
     TurnAway();
     EXPECT_FALSE(KeyIsLeft(u"ARC0"_s, 119, 0));

@@ -209,6 +209,39 @@ TEST_F(GridEditTest, ListsTakeTheirOwnValuesOnly) {
     EXPECT_TRUE(trends_.commits[0].value.toInt() == 0 || trends_.commits[0].value.toInt() == 1);
 }
 
+// What is asked for next is meant for the new row, wherever the order of the rows has put it.
+TEST_F(GridEditTest, EnterDoesNotLeaveARowThatHasJustBeenMade) {
+    split_->SetCurrentCell(105, kName);
+    ASSERT_TRUE(split_->BeginRow());
+    trends_.answer = [](const auto&) { return GridCommit::Refused(); };
+    Type(u"Twice"_s);
+    Key(Qt::Key_Return);
+    EXPECT_TRUE(split_->Editing());
+    QApplication::processEvents();
+    trends_.answer = {};
+    Type(u"Once"_s);
+    Key(Qt::Key_Return);
+    EXPECT_FALSE(split_->Editing());
+    EXPECT_EQ(split_->CurrentRow(), 105);
+    for (const bool givenUp : {false, true}) {
+        ASSERT_TRUE(split_->BeginRow());
+        if (givenUp) {
+            Key(Qt::Key_Escape);
+        } else {
+            Key(Qt::Key_Tab);
+            EXPECT_TRUE(split_->Editing());
+            Key(Qt::Key_Return);
+            EXPECT_EQ(split_->CurrentRow(), 105) << "in its other cells too";
+        }
+        // From then on it is a row as any other.
+        split_->SetCurrentCell(105, kName);
+        Type(u"Neu"_s);
+        Key(Qt::Key_Return);
+        EXPECT_EQ(split_->CurrentRow(), 106);
+        split_->SetCurrentCell(105, kName);
+    }
+}
+
 TEST_F(GridEditTest, LeavingTheCellCommits) {
     QLineEdit elsewhere(&grid_);
     elsewhere.show();

@@ -45,6 +45,7 @@ CellEdit::~CellEdit() = default;
 
 void CellEdit::Begin(const QModelIndex& cell, Mode mode, const QString& typed) {
     row_ = rows_.IdAt(cell.row());
+    if (row_ != stays_) stays_ = kNoGridRow;
     column_ = cell.column();
     mode_ = mode;
     hidden_ = false;
@@ -178,6 +179,7 @@ void CellEdit::SetText(const QString& text) {
 }
 
 void CellEdit::Cancel() {
+    stays_ = kNoGridRow;
     if (Active()) Close();
 }
 
@@ -262,7 +264,11 @@ bool CellEdit::LeaveKey(QKeyEvent* event) {
     switch (event->key()) {
         case Qt::Key_Return:
         case Qt::Key_Enter:
-            CommitAndStepRows(held & Qt::ShiftModifier ? -1 : +1);
+            if (row_ != stays_) {
+                CommitAndStepRows(held & Qt::ShiftModifier ? -1 : +1);
+            } else if (Commit()) {
+                stays_ = kNoGridRow;
+            }
             return true;
         case Qt::Key_Tab:
             if (control) return false;

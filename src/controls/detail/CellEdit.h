@@ -45,6 +45,8 @@ public:
     bool Commit();
     /// Gives the line another text, as if it had been typed.
     void SetText(const QString& text);
+    /// Enter does not go on to the next row while this one is being edited.
+    void StayInRow() { stays_ = row_; }
     void Cancel();
     /// Brings the editor to where its cell is now.
     void Place();
@@ -71,6 +73,7 @@ private:
     QComboBox* list_ = nullptr;
     Mode mode_ = Mode::Change;
     GridRowId row_ = kNoGridRow;
+    GridRowId stays_ = kNoGridRow;  // the row that Enter does not leave
     int column_ = -1;
     QString before_;        // the line's text as stored
     int beforeEntry_ = -1;  // the list's entry as stored
