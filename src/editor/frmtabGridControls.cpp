@@ -191,6 +191,7 @@ void frmtabGrid::BuildStatusBar() {
     lblTextsMissing = new QLabel(sb);
     lblTextsMissing->setObjectName(u"lblTextsMissing"_s);
     lblTextsMissing->setTextFormat(Qt::PlainText);
+    lblTextsMissing->setContentsMargins(0, 0, kSpaceBesideRow, 0);
     lblTextsMissing->hide();
     sb->addPermanentWidget(lblTextsMissing);
 }

@@ -533,9 +533,14 @@ TEST_P(FConfigEditorTest, FailuresAreTold) {
     trends_.SetSource(nullptr);
     EXPECT_FALSE(Edit([](FConfigEditor&) {}));
     EXPECT_FALSE(opened_);
+    const bool german = GetParam() == MResources::kGerman;
     EXPECT_EQ(around_.messages,
-              QStringList({around_.texts.GetText(318) + u"\n\n"_s + texts::ReasonText({}),
-                           around_.texts.GetText(317) + u"\n\n"_s + texts::ReasonText({})}));
+              QStringList({(german ? u"Zurückschreiben von Konfigurationsdialog fehlgegangen"_s
+                                   : u"Error: Write Back Configuration Dialog"_s) +
+                               u"\n\n"_s + texts::ReasonText({}),
+                           (german ? u"Initialisierung Konfigurationsdialog fehlgegangen"_s
+                                   : u"Error: Initializing Configuration Dialog"_s) +
+                               u"\n\n"_s + texts::ReasonText({})}));
 }
 
 void Keep(FConfigEditor& dialog, const QString& page) {
