@@ -5,6 +5,9 @@
 #include <QFont>
 #include <QString>
 #include <QStringView>
+#include <vector>
+
+#include "project/TakeBack.h"
 
 class QWidget;
 
@@ -47,4 +50,10 @@ struct DialogServices {
     QString projectFolder;
     /// For texts in the current language of the project.
     QFont textFont;
+
+    /// Where another program has changed the same fields as the user: whether the user's values
+    /// hold, for each conflict; nothing when he decides nothing. Empty: nobody is asked.
+    std::function<std::optional<std::vector<bool>>(const std::vector<project::Conflict>& conflicts,
+                                                   QWidget* owner)>
+        settle{};
 };

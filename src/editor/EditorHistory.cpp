@@ -69,18 +69,27 @@ bool EditorHistory::Settle(const std::vector<project::Conflict>& conflicts,
                             {{u"step", step}, {u"name", projectdb::ToQString(conflict.name)}}));
         return false;
     }
-    FConflict dialog(texts_, ConflictTexts::RowsOf(conflicts, texts_), &window_);
-    dialog.setWindowTitle(texts_.GetText(MResourceTable::kTextEditorTitle) + QStringLiteral(": ") +
-                          step);
-    const auto choices = dialog.Ask();
-    if (!choices) return false;
+    const auto mine = Ask(conflicts, step, &window_);
+    if (!mine) return false;
     for (std::size_t i = 0; i < conflicts.size(); ++i) {
-        const bool mine = (*choices)[i] == FConflict::Side::Mine;
         // Without a number of its own a row cannot come back.
-        if (conflicts[i].kind == Kind::NumberTaken && !mine) return false;
-        settled.push_back({conflicts[i], mine});
+        if (conflicts[i].kind == Kind::NumberTaken && !(*mine)[i]) return false;
+        settled.push_back({conflicts[i], (*mine)[i]});
     }
     return true;
+}
+
+std::optional<std::vector<bool>> EditorHistory::Ask(const std::vector<project::Conflict>& conflicts,
+                                                    const QString& about, QWidget* owner) const {
+    FConflict dialog(texts_, ConflictTexts::RowsOf(conflicts, texts_), owner);
+    QString title = texts_.GetText(MResourceTable::kTextEditorTitle);
+    if (!about.isEmpty()) title += QStringLiteral(": ") + about;
+    dialog.setWindowTitle(title);
+    const auto sides = dialog.Ask();
+    if (!sides) return std::nullopt;
+    std::vector<bool> mine;
+    for (const FConflict::Side side : *sides) mine.push_back(side == FConflict::Side::Mine);
+    return mine;
 }
 
 void EditorHistory::Tell(const QString& text) {

@@ -3,6 +3,7 @@
 #include <optional>
 #include <QString>
 #include <QStringList>
+#include <vector>
 
 #include "projectdb/ProjectContext.h"
 #include "texts/MResources.h"
@@ -36,6 +37,12 @@ public:
     /// nothing when he has given up, and then nothing has been changed. REQUIRES: there is a step
     /// in this direction.
     [[nodiscard]] std::optional<Moved> Move(Direction direction);
+
+    /// Shows what differs, over `owner`: whether the user's values hold, for each; nothing when he
+    /// gives up. `about`: what the title names; may be empty.
+    [[nodiscard]] std::optional<std::vector<bool>> Ask(
+        const std::vector<project::Conflict>& conflicts, const QString& about,
+        QWidget* owner) const;
 
 private:
     [[nodiscard]] bool Settle(const std::vector<project::Conflict>& conflicts,

@@ -57,8 +57,11 @@ ado::Value ToValue(const QVariant& value) {
 }  // namespace
 
 TrendRows::TrendRows(const MResources::TextTable& texts, INameRegistry& names, Refusal refuse,
-                     QObject* parent)
-    : RecordsetModel(texts, parent), names_(names), refuse_(std::move(refuse)) {}
+                     Settle settle, QObject* parent)
+    : RecordsetModel(texts, parent),
+      names_(names),
+      refuse_(std::move(refuse)),
+      settle_(std::move(settle)) {}
 
 void TrendRows::AttachTrends(ado::Recordset& trends, const QVariant& archive) {
     std::vector<Column> columns;
@@ -110,12 +113,29 @@ bool TrendRows::AcceptName(const QString& stored, const QString& name) {
     return true;
 }
 
+std::optional<GridCommit> TrendRows::Join(int row, int column, const ado::Value& value) {
+    project::Conflict conflict;
+    conflict.was = ValueAt(row, column);
+    TakeOver(row);
+    conflict.theirs = ValueAt(row, column);
+    conflict.mine = value;
+    if (conflict.theirs == value) return GridCommit::Stored();
+    if (conflict.theirs == conflict.was) return std::nullopt;
+    conflict.table = FieldAt(column).baseTable;
+    conflict.column = FieldAt(column).baseColumn;
+    conflict.name = project::NameOf(Rows());
+    const std::optional<bool> mine = settle_(conflict);
+    if (!mine) return GridCommit::Refused();
+    return *mine ? std::nullopt : std::optional(GridCommit::Stored());
+}
+
 GridCommit TrendRows::Write(int row, int column, const ado::Value& value) {
     try {
         MoveTo(row);
-        if (HasChanged(row)) {
-            TakeOver(row);
-            return GridCommit::Failed(kRowChanged, {});
+        Rows().Resync();  // it may have been the current one already, as it was then
+        while (HasChanged(row)) {
+            if (const auto end = Join(row, column, value)) return *end;
+            Rows().Resync();  // while the user was asked it may have become another
         }
         const std::string& field = Columns()[static_cast<std::size_t>(column)].field;
         if (field == "Name") {

@@ -14,6 +14,7 @@
 #include "controls/TDBGrid.h"
 #include "dialogs/ColourTexts.h"
 #include "dialogs/MConfigeditor.h"
+#include "editor/EditorHistory.h"
 #include "editor/EditorLayout.h"
 #include "editor/EditorMenus.h"
 #include "editor/frmtabGrid.h"
@@ -78,6 +79,9 @@ DialogServices frmtabGrid::Services() {
     services.showHelp = [this](int topic, QWidget* owner) { addIn_.ShowHelpTopic(topic, owner); };
     services.projectFolder = project_.projectPath.left(project_.projectPath.lastIndexOf(u'\\') + 1);
     if (const CDBLanguage* language = dblangs->Current()) services.textFont = language->font;
+    services.settle = [this](const std::vector<project::Conflict>& conflicts, QWidget* owner) {
+        return history_->Ask(conflicts, {}, owner);
+    };
     return services;
 }
 

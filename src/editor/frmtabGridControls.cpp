@@ -9,6 +9,7 @@
 #include <QToolBar>
 
 #include "controls/TDBGrid.h"
+#include "editor/EditorHistory.h"
 #include "editor/EditorKeys.h"
 #include "editor/EditorMenus.h"
 #include "editor/frmtabGrid.h"
@@ -119,7 +120,12 @@ void frmtabGrid::BuildGrid() {
     tdbA->Splitter()->handle(1)->setObjectName(u"pctTrdTabSplit"_s);
     archives_ = new RecordsetModel(texts_, this);
     trends_ = new TrendRows(
-        texts_, dialogNames_, [this](int text) { Tell(texts_.GetText(text)); }, this);
+        texts_, dialogNames_, [this](int text) { Tell(texts_.GetText(text)); },
+        [this](const project::Conflict& conflict) -> std::optional<bool> {
+            const auto mine = history_->Ask({conflict}, {}, this);
+            return mine ? std::optional(mine->front()) : std::nullopt;
+        },
+        this);
     // Queued: a view may be reading in the middle of its layout.
     connect(trends_, &RecordsetModel::RowsMissing, this, &frmtabGrid::ShowMissingTrends,
             Qt::QueuedConnection);

@@ -299,17 +299,15 @@ bool EditArchive(const Rows& rows, const DialogServices& services, QWidget* owne
                       owner);
         return false;
     }
-    dialog.SetStore([&] {
-        const auto failure = Try("DialogToArchive", [&] {
-            Store(rows, dialog);
-            save();
-        });
-        if (!failure) return true;
-        const bool gone = !TakeBack(rows);
-        TellNotStored(dialog, services.texts, MResourceTable::kTextArchiveWriteBackFailed, *failure,
-                      gone);
-        return false;
-    });
+    EditSession::Storing storing(
+        EditSession::ShownRows({&rows.archive, &rows.indexTexts}),
+        {[&] { Store(rows, dialog); }, save, [&] { return TakeBack(rows); },
+         [&](const projectdb::Failure& failure, bool gone) {
+             TellNotStored(dialog, services.texts, MResourceTable::kTextArchiveWriteBackFailed,
+                           failure, gone);
+         }},
+        services);
+    dialog.SetStore([&] { return storing.Run("DialogToArchive", &dialog); });
     dialog.exec();
     return !dialog.Cancelled();
 }

@@ -142,7 +142,7 @@ void StoreHysteresis(ado::Recordset& trend, const FTrend& dialog) {
 
 /// What the user has left alone is not written, so that it stays as it is to the last digit, and
 /// what another program has changed meanwhile stays that program's.
-void Store(ado::Recordset& trend, const FTrend& dialog, platform::Lcid language) {
+void Assign(ado::Recordset& trend, const FTrend& dialog, platform::Lcid language) {
     const std::string languageColumn = LanguageColumn(language);
     for (std::size_t i = 0; i < trend.Fields().size(); ++i) {
         const std::string_view name = trend.Fields()[i].name;
@@ -168,6 +168,10 @@ void Store(ado::Recordset& trend, const FTrend& dialog, platform::Lcid language)
         project::RenameTrendText(trend, projectdb::ToUtf16(dialog.OpenedName()),
                                  projectdb::ToUtf16(dialog.txtName->text()));
     }
+}
+
+void Store(ado::Recordset& trend, const FTrend& dialog, platform::Lcid language) {
+    Assign(trend, dialog, language);
     trend.Update();
 }
 
@@ -189,18 +193,21 @@ bool EditTrend(ado::Recordset& trend, platform::Lcid language, const DialogServi
         TellNotLoaded(dialog, services.texts, MResourceTable::kTextTrendInitFailed, *unread, owner);
         return false;
     }
-    dialog.SetStore([&] {
-        const auto failure = Try("DialogToTrend", [&] { Store(trend, dialog, language); });
-        if (!failure) return true;
-        // The row as it is now: another OK stores into it what has been typed.
-        const bool gone = Try("Resync", [&] {
-                              trend.CancelUpdate();
-                              trend.Resync();
-                          }).has_value();
-        TellNotStored(dialog, services.texts, MResourceTable::kTextTrendWriteBackFailed, *failure,
-                      gone);
-        return false;
-    });
+    EditSession::Storing storing(EditSession::ShownRows({&trend}),
+                                 {[&] { Assign(trend, dialog, language); }, [&] { trend.Update(); },
+                                  [&] {
+                                      return !Try("Resync", [&] {
+                                          trend.CancelUpdate();
+                                          trend.Resync();
+                                      });
+                                  },
+                                  [&](const projectdb::Failure& failure, bool gone) {
+                                      TellNotStored(dialog, services.texts,
+                                                    MResourceTable::kTextTrendWriteBackFailed,
+                                                    failure, gone);
+                                  }},
+                                 services);
+    dialog.SetStore([&] { return storing.Run("DialogToTrend", &dialog); });
     dialog.exec();
     return !dialog.Cancelled();
 }

@@ -3,7 +3,9 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QStatusBar>
+#include <QTableWidget>
 
 #include "addin/EditorTest.h"
 #include "projectdb/Text.h"
@@ -155,41 +157,71 @@ TEST_F(EditorEditTest, NamesAreUniqueAndNotEmpty) {
     EXPECT_EQ(Text(0, u"Name"_s), kFirst);
 }
 
-TEST_F(EditorEditTest, WhatAnotherProgramHasChangedIsShownAndNotOverwritten) {
-    for (const bool english : {true, false}) {
-        project_ = folder_.filePath(english ? u"en.kvs"_s : u"de.kvs"_s);
-        ASSERT_EQ(CopyProject(QStringLiteral(KV_EXAMPLES "/Brauerei.kvs"),
-                              english ? u"en.kvs"_s : u"de.kvs"_s),
-                  project_);
-        Open(u"ARCH1"_s, english);
-        const QString third = Text(2, u"Name"_s);
+TEST_F(EditorEditTest, WhereAnotherHasWrittenTheSameCellTheUserSettlesIt) {
+    Open();
+    const QString third = Text(2, u"Name"_s);
+    ClickCell(2, u"Unit"_s);
+    Type(u"mine"_s);
+    // What it has changed beside the cell joins without a question.
+    ChangeElsewhere(third, "Comment", std::u16string(u"also theirs"));
+    ChangeElsewhere(third, "Unit", std::u16string(u"theirs"));
+    EXPECT_EQ(DialogOf([&] { Key(Qt::Key_Return); }), u"FConflict"_s);
+    EXPECT_EQ(Stored(third, "Unit"), u"theirs"_s);
+    EXPECT_EQ(TypedText(), u"mine"_s) << "until the user gives it up";
+    EXPECT_EQ(Text(2, u"Comment"_s), u"also theirs"_s);
+    EXPECT_EQ(CurrentRow(), 2);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(Stored(third, "Unit"), u"mine"_s) << "who knows what the other has written";
+
+    const auto settle = [&](const QString& button) {
         ClickCell(2, u"Unit"_s);
-        Type(u"mine"_s);
-        ChangeElsewhere(third, "Unit", std::u16string(u"theirs"));
-        messages_.clear();
-        Key(Qt::Key_Return);
+        Type(u"own"_s);
+        ChangeElsewhere(third, "Unit", std::u16string(u"another"));
+        AnswerDialog([&] { Key(Qt::Key_Return); },
+                     [&](QDialog& dialog) {
+                         dialog.findChild<QPushButton*>(button)->click();
+                         dialog.findChild<QPushButton*>(u"cmdOk"_s)->click();
+                     });
+        return Stored(third, "Unit");
+    };
+    EXPECT_EQ(settle(u"cmdAllTheirs"_s), u"another"_s);
+    EXPECT_EQ(Text(2, u"Unit"_s), u"another"_s);
+    ChangeElsewhere(third, "Unit", std::u16string(u"before"));
+    TurnAway();
+    TurnTo();
+    EXPECT_EQ(settle(u"cmdAllMine"_s), u"own"_s);
+    EXPECT_EQ(Stored(third, "Comment"), u"also theirs"_s);
+    EXPECT_THAT(messages_, IsEmpty());
+}
 
-        ASSERT_EQ(messages_.size(), 2);
-        EXPECT_TRUE(
-            messages_[0].text.startsWith(english ? u"TDB-Error: 32"_s : u"TDB-Fehler: 32"_s))
-            << messages_[0].text.toStdString();
-        EXPECT_EQ(messages_[1].text,
-                  english ? u"Error: 32, the Database is in an unconsistent state and must be "
-                            u"synchronized"_s
-                          : u"Fehler: 32, die Datenbank muß neu synchronisiert werden"_s);
-        EXPECT_EQ(messages_[1].title, u"No way out"_s);
-        EXPECT_EQ(Stored(third, "Unit"), u"theirs"_s);
-        EXPECT_EQ(Text(2, u"Unit"_s), u"theirs"_s);
-        EXPECT_EQ(TypedText(), u"mine"_s) << "until the user gives it up";
-        EXPECT_EQ(CurrentRow(), 2);
-
-        // Who wants it so, knowing what the other has written, stores it now.
-        messages_.clear();
-        Key(Qt::Key_Return);
-        EXPECT_EQ(Stored(third, "Unit"), u"mine"_s);
-        EXPECT_THAT(messages_, IsEmpty());
-        CloseProject();
-    }
+TEST_F(EditorEditTest, ADialogAsksForTheFieldsThatBothHaveChanged) {
+    Open();
+    const QString third = Text(2, u"Name"_s);
+    const auto edit = [&](const QString& button) {
+        ClickCell(2, u"Name"_s);
+        AnswerDialog([&] { Key(Qt::Key_F9); },
+                     [&](QDialog& dialog) {
+                         dialog.findChild<QLineEdit*>(u"txtUnit"_s)->setText(u"mine"_s);
+                         dialog.findChild<QLineEdit*>(u"txtComment"_s)->setText(u"typed"_s);
+                         ChangeElsewhere(third, "Unit", std::u16string(u"theirs"));
+                         ChangeElsewhere(third, "Factor", 7.0);
+                         const auto ok = [&] {
+                             dialog.findChild<QPushButton*>(u"cmdOk"_s)->click();
+                         };
+                         EXPECT_EQ(DialogOf(ok), u"FConflict"_s);
+                         EXPECT_TRUE(dialog.isVisible()) << "what was typed stays";
+                         EXPECT_EQ(Stored(third, "Comment"), u"(Null)"_s);
+                         AnswerDialog(ok, [&](QDialog& conflict) {
+                             EXPECT_EQ(conflict.findChild<QTableWidget*>()->rowCount(), 1);
+                             conflict.findChild<QPushButton*>(button)->click();
+                             conflict.findChild<QPushButton*>(u"cmdOk"_s)->click();
+                         });
+                     });
+        return Stored(third, "Unit");
+    };
+    EXPECT_EQ(edit(u"cmdAllTheirs"_s), u"theirs"_s);
+    EXPECT_EQ(Stored(third, "Comment"), u"typed"_s);
+    EXPECT_EQ(Stored(third, "Factor"), u"7"_s) << "changed by the other alone";
 }
 
 TEST_F(EditorEditTest, ARowDeletedElsewhereTakesItsEditAlong) {

@@ -154,6 +154,21 @@ QString EditorTest::DialogOf(const std::function<void()>& body,
     return name;
 }
 
+void EditorTest::AnswerDialog(const std::function<void()>& act,
+                              const std::function<void(QDialog&)>& look) {
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (dialog == nullptr) return;
+        timer.stop();
+        look(*dialog);
+    });
+    timer.start(1);
+    act();
+    QApplication::setActiveWindow(&host_.container);
+    QApplication::processEvents();
+}
+
 void EditorTest::Type(const QString& text) {
     // The first letter may open an editor, which takes the others.
     for (const QChar letter : text) QTest::keyClicks(Keyboard(), letter);

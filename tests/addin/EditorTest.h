@@ -56,6 +56,9 @@ protected:
     QString DialogOf(const std::function<void()>& body,
                      const std::function<void(QDialog&)>& look = {});
 
+    /// The dialog that `act` opens is answered by `look`, which closes it.
+    void AnswerDialog(const std::function<void()>& act, const std::function<void(QDialog&)>& look);
+
     /// Another program's view of the project file.
     void Elsewhere(const std::function<void(projectdb::ProjectRows&)>& change);
     /// A field of the trend with this name in the first archive, as text; "(Null)", "(no row)".

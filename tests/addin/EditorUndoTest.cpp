@@ -5,7 +5,6 @@
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTableWidget>
-#include <QTimer>
 
 #include "addin/EditorTest.h"
 #include "projectdb/Text.h"
@@ -24,18 +23,6 @@ protected:
     }
     void Undo() { Key(Qt::Key_Z, Qt::ControlModifier); }
     void Redo() { Key(Qt::Key_Y, Qt::ControlModifier); }
-    /// What `act` brings up is answered by `look`, which closes it.
-    void Answer(const std::function<void()>& act, const std::function<void(QDialog&)>& look) {
-        QTimer timer;
-        QObject::connect(&timer, &QTimer::timeout, [&] {
-            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            if (dialog == nullptr) return;
-            timer.stop();
-            look(*dialog);
-        });
-        timer.start(1);
-        act();
-    }
     void TypeInto(int row, const QString& field, const QString& text) {
         ClickCell(row, field);
         Type(text);
@@ -144,14 +131,14 @@ TEST_F(EditorUndoTest, AConflictIsSettledFieldByField) {
     EXPECT_EQ(DialogOf([&] { Undo(); }, look), u"FConflict"_s);
     EXPECT_EQ(Stored(trend, "Unit"), u"Pa"_s) << "given up: nothing is written";
     EXPECT_TRUE(Action(u"mnuUndo"_s)->isEnabled());
-    Answer([&] { Undo(); },
-           [&](QDialog& dialog) {
-               auto* table = dialog.findChild<QTableWidget*>(u"tblConflicts"_s);
-               table->item(0, 2)->setCheckState(Qt::Checked);
-               table->item(0, 3)->setCheckState(Qt::Checked);
-               EXPECT_EQ(table->item(0, 2)->checkState(), Qt::Unchecked);
-               dialog.findChild<QPushButton*>(u"cmdOk"_s)->click();
-           });
+    AnswerDialog([&] { Undo(); },
+                 [&](QDialog& dialog) {
+                     auto* table = dialog.findChild<QTableWidget*>(u"tblConflicts"_s);
+                     table->item(0, 2)->setCheckState(Qt::Checked);
+                     table->item(0, 3)->setCheckState(Qt::Checked);
+                     EXPECT_EQ(table->item(0, 2)->checkState(), Qt::Unchecked);
+                     dialog.findChild<QPushButton*>(u"cmdOk"_s)->click();
+                 });
     EXPECT_EQ(Stored(trend, "Unit"), unit);
 }
 
