@@ -44,21 +44,4 @@ Status Check(File& file, const FindingSink& sink, const CheckOptions& options = 
 /// Corrupt, with the reason, for a file to which every change will be refused.
 Status CheckWritable(File& file);
 
-class PageCache;
-
-/// What else matters for whoever writes a sound file.
-struct PageState {
-    /// Row pointers of maps with bits that are left over behind the end of the file: they are to be
-    /// removed before the file grows.
-    std::vector<std::uint32_t> leftOvers;
-    /// What cannot be stored in it although most changes are possible, a sentence each.
-    std::vector<std::string> limits;
-};
-
-/// The part of it that must hold before anything is written (Jet 4): every page belongs to one
-/// thing, or is free, the trees of indexes consist of their own pages, and no two columns share a
-/// place. Reads definitions, usage maps and the nodes of indexes only. Corrupt with the first
-/// fault.
-[[nodiscard]] Result<PageState> CheckPages(PageCache& cache);
-
 }  // namespace jet

@@ -7,8 +7,9 @@
 #include "jet/Check.h"
 #include "jet/compact/ContentCompare.h"
 #include "jet/compact/TableCopier.h"
-#include "jet/Database.h"
+#include "jet/open/DatabaseRep.h"
 #include "jet/page/GlobalMap.h"
+#include "jet/page/UsageMap.h"
 
 namespace jet {
 namespace {
@@ -35,19 +36,17 @@ private:
     const File& file_;
 };
 
-}  // namespace
-
 /// One compaction, in a transaction of the old file that changes nothing: it keeps other writers
 /// away.
 class Compaction {
 public:
     Compaction(Disk& disk, std::string path, Database& database)
-        : disk_(disk), path_(std::move(path)), database_(database) {}
+        : disk_(disk), path_(std::move(path)), database_(database), rep_(Inside::Of(database)) {}
 
     Result<CompactSizes> Run() {
         FileStamp before;
-        JET_ASSIGN(before, database_.file_->Stamp());
-        JET_TRY(RequireSound(*database_.file_).In("it is damaged and must be repaired first"));
+        JET_ASSIGN(before, rep_.file->Stamp());
+        JET_TRY(RequireSound(*rep_.file).In("it is damaged and must be repaired first"));
         JET_TRY(RequireNoMore());
         JET_TRY(WriteDraft());
         JET_TRY(Verify().In("the new file is not as it should be"));
@@ -59,8 +58,8 @@ private:
     /// Nobody knows what the second map is for: only an empty one can be made anew.
     Status RequireNoMore() {
         UsageMap second;
-        JET_ASSIGN(second, UsageMap::Open(database_.cache_, Format::Jet4,
-                                          RowId{GlobalMap::kPage, 1}.Pointer()));
+        JET_ASSIGN(second,
+                   UsageMap::Open(rep_.cache, Format::Jet4, RowId{GlobalMap::kPage, 1}.Pointer()));
         const Bytes row = second.Stored();
         const bool isEmpty = std::all_of(row.begin() + GlobalMap::kHead, row.end(),
                                          [](std::byte b) { return b == std::byte{0}; });
@@ -101,14 +100,14 @@ private:
             std::unique_ptr<Table> table;
             JET_ASSIGN(table, database_.OpenTable(entry));
             if (Raw(entry.page) >= compact::Draft::kFirst) JET_TRY(maps.BeginPage());
-            copiers.emplace_back(database_.cache_, draft, maps, std::move(table));
+            copiers.emplace_back(rep_.cache, draft, maps, std::move(table));
             JET_TRY(copiers.back().Place(moves_));
         }
         for (compact::TableCopier& copier : copiers) JET_TRY(copier.Copy(moves_));
         JET_TRY(maps.Write());
         JET_TRY(draft.WriteGlobalMaps());
         PageRef header;
-        JET_ASSIGN(header, database_.cache_.Read(PageNo{0}));
+        JET_ASSIGN(header, rep_.cache.Read(PageNo{0}));
         return draft.Write(PageNo{0}, header.Bytes());
     }
 
@@ -120,9 +119,9 @@ private:
     }
 
     Status Swap(const FileStamp& before) {
-        JET_TRY(database_.locks_->LockAlone());
+        JET_TRY(rep_.locks->LockAlone());
         FileStamp now;
-        JET_ASSIGN(now, database_.file_->Stamp());
+        JET_ASSIGN(now, rep_.file->Stamp());
         if (!(now == before)) {
             return {StatusCode::Busy, "another program has changed the file meanwhile"};
         }
@@ -136,9 +135,9 @@ private:
         }
         JET_TRY(named);
         if (name != path_ + "-compact") {
-            database_.Notify("\"" + path_ +
-                             "-compact\" is in the way; if a compaction that was cut short has "
-                             "left it, it can be deleted");
+            rep_.Notify("\"" + path_ +
+                        "-compact\" is in the way; if a compaction that was cut short has "
+                        "left it, it can be deleted");
         }
         Status status = disk_.Replace(name, path_);
         // The failure to be told is the first one.
@@ -150,10 +149,13 @@ private:
     std::string path_;
     static constexpr int kMostNames = 100;
     Database& database_;
+    Database::Rep& rep_;  // its own
     std::unique_ptr<File> draft_;
     compact::TableMoves moves_;
     std::uint64_t newSize_ = 0;  // bytes
 };
+
+}  // namespace
 
 Result<CompactSizes> Compact(Disk& disk, const std::string& path) {
     std::unique_ptr<Database> database;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "jet/Disk.h"
+#include "jet/Status.h"
 
 namespace jet {
 

@@ -7,6 +7,7 @@
 #include "jet/catalog/CatalogWriter.h"
 #include "jet/catalog/TableDefWriter.h"
 #include "jet/index/IndexNode.h"
+#include "jet/open/DatabaseRep.h"
 #include "jet/row/RowEncoder.h"
 #include "jet/TextKey.h"
 #include "jet/Unicode.h"
@@ -238,13 +239,13 @@ Status CreateTable(Database& database, const TableSpec& wanted) {
     auto def = MakeDefinition(wanted);
     if (!def.IsOk()) return named(def.GetStatus());
     CatalogWriter catalog;
-    JET_ASSIGN(catalog, CatalogWriter::Open(database.context_));
+    JET_ASSIGN(catalog, CatalogWriter::Open(Inside::Of(database).context));
     bool exists = false;
     JET_ASSIGN(exists, catalog.HasTable(wanted.name));
     if (exists) return named({StatusCode::Duplicate, "there is one of this name already"});
 
     JET_TRY(database.Begin());
-    Status status = TablePages(database.context_.cache, *def).Make();
+    Status status = TablePages(Inside::Of(database).context.cache, *def).Make();
     if (status.IsOk()) status = catalog.AddTable(def->page, wanted.name);
     if (status.IsOk()) return database.Commit();
     // Half a table cannot stay in a transaction that goes on.

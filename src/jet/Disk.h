@@ -3,8 +3,8 @@
 #include <memory>
 #include <string>
 
-#include "jet/disk/Locks.h"
 #include "jet/File.h"
+#include "jet/Locks.h"
 
 namespace jet {
 

@@ -1,11 +1,8 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
 
-#include "jet/index/IndexSearch.h"
-#include "jet/page/PageCache.h"
 #include "jet/Status.h"
 #include "jet/Types.h"
 
@@ -15,47 +12,25 @@ namespace jet {
 /// must outlive it. After a failure it is at its end.
 class IndexCursor {
 public:
-    /// Stands in front of the first entry that is not below `from`.
-    [[nodiscard]] static Result<IndexCursor> Seek(PageCache& cache, PageNo table, PageNo root,
-                                                  const std::string& from);
-    /// Stands in front of the first entry that is not below `from`; faster than a new cursor when
-    /// that is near to where this one stands.
-    Status MoveTo(const std::string& from);
-    /// What stands in front of its messages.
-    void SetName(std::string name) { name_ = std::move(name); }
+    struct Rep;  // the library's own
+    explicit IndexCursor(std::unique_ptr<Rep> rep);
+    IndexCursor(IndexCursor&&) noexcept;
+    IndexCursor& operator=(IndexCursor&&) noexcept;
+    ~IndexCursor();
 
     /// Steps to the next entry; false at the end.
     [[nodiscard]] Result<bool> Next();
 
     // REQUIRES: Next() has returned true.
-    [[nodiscard]] const std::string& Key() const { return key_; }
-    [[nodiscard]] RowId Row() const { return row_; }
+    [[nodiscard]] const std::string& Key() const;
+    [[nodiscard]] RowId Row() const;
     [[nodiscard]] bool KeyStartsWith(const std::string& prefix) const {
-        return key_.compare(0, prefix.size(), prefix) == 0;
+        return Key().compare(0, prefix.size(), prefix) == 0;
     }
 
 private:
-    IndexCursor(PageCache& cache, PageNo table, PageNo root)
-        : cache_(&cache), table_(table), root_(root) {}
-    Status Open(PageNo page);
-    [[nodiscard]] Result<bool> Step();
-    Status Descend(const std::string& from);
-    [[nodiscard]] Result<bool> IsInLeaf(const std::string& from);
-    Status GoToNextLeaf();
-
-    PageCache* cache_;
-    PageNo table_;
-    PageNo root_;
-    std::string name_;
-    std::string from_;
-    std::uint64_t generation_ = 0;  // of the page cache when leaf_ was read
-    PageRef leaf_;                  // empty at the end
-    IndexSearch search_;            // of leaf_
-    IndexSearch::Place at_;         // the next entry of leaf_
-    std::string entry_;             // the current one whole: key, page and row
-    std::string next_;              // memory for the one behind it
-    std::string key_;
-    RowId row_;
+    friend struct Inside;
+    std::unique_ptr<Rep> rep_;
 };
 
 }  // namespace jet

@@ -1,9 +1,10 @@
 #pragma once
 
-#include "jet/page/DataPage.h"
-#include "jet/row/TextDecoder.h"
+#include <memory>
+#include <string_view>
+
 #include "jet/Status.h"
-#include "jet/Value.h"
+#include "jet/Types.h"
 
 namespace jet {
 
@@ -11,45 +12,32 @@ namespace jet {
 /// memory. Made by Table::OpenLongValue; the table must outlive it.
 class LongValueReader {
 public:
-    /// `name`, when it is not empty, stands in front of its messages.
-    LongValueReader(PageCache& cache, Format format, const LongValue& value, std::string name = {});
+    struct Rep;  // the library's own
+    explicit LongValueReader(std::unique_ptr<Rep> rep);
+    LongValueReader(LongValueReader&&) noexcept;
+    ~LongValueReader();
 
     /// The next piece; empty at the end. Valid until the next call.
     [[nodiscard]] Result<Bytes> Next();
 
 private:
-    [[nodiscard]] Result<Bytes> NextPiece();
-    [[nodiscard]] Result<Bytes> NextRow(RowId id, std::size_t atLeast);
-    [[nodiscard]] Status Damage(const std::string& what) const;
-
-    PageCache& cache_;
-    Format format_;
-    LongValue value_;
-    std::size_t left_;  // bytes
-    RowId next_;
-    std::string name_;
-    std::uint64_t changes_ = 0;  // of the page cache at the first piece
-    std::uint32_t pieces_ = 0;
-    RowId mark_;     // a piece to be met again when the chain runs in a circle
-    DataPage page_;  // keeps the piece alive
+    std::unique_ptr<Rep> rep_;
 };
 
 /// Reads a memo's text piece by piece. Made by Table::OpenMemo; the table must outlive it.
 class MemoReader {
 public:
-    /// `codePage` is null for Jet 4.
-    MemoReader(LongValueReader bytes, const CodePage* codePage)
-        : bytes_(std::move(bytes)), decoder_(codePage) {}
+    struct Rep;  // the library's own
+    explicit MemoReader(std::unique_ptr<Rep> rep);
+    MemoReader(MemoReader&&) noexcept;
+    ~MemoReader();
 
     /// The next piece; empty at the end. A surrogate pair is never cut in two. Valid until the
     /// next call.
     [[nodiscard]] Result<std::u16string_view> Next();
 
 private:
-    LongValueReader bytes_;
-    TextDecoder decoder_;
-    std::u16string text_;
-    std::u16string held_;  // a first half that waits for its second
+    std::unique_ptr<Rep> rep_;
 };
 
 }  // namespace jet

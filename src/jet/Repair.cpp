@@ -5,7 +5,7 @@
 #include <tuple>
 
 #include "jet/Check.h"
-#include "jet/Database.h"
+#include "jet/open/DatabaseRep.h"
 #include "jet/page/FileHeader.h"
 #include "jet/page/GlobalMap.h"
 #include "jet/repair/PageSurvey.h"
@@ -41,8 +41,6 @@ Result<std::vector<std::byte>> ReadHeader(const File& file, std::uint32_t& pageC
         static_cast<std::uint32_t>(std::min<std::uint64_t>(stamp.size / kPageSizeJet4, kMostPages));
     return page;
 }
-
-}  // namespace
 
 /// One repair of a file that nobody writes meanwhile.
 class Repairing {
@@ -144,7 +142,7 @@ private:
                 continue;
             }
             if (page >= compact::Draft::kFirst) draft.Keep(entry.page);
-            rebuilds_.emplace_back(database_->context_.cache, draft, maps, std::move(*table),
+            rebuilds_.emplace_back(Inside::Of(*database_).cache, draft, maps, std::move(*table),
                                    lost_);
             if (entry.page == kCatalogPage) FilterCatalog(rebuilds_.back());
         }
@@ -222,8 +220,6 @@ private:
     std::set<std::int32_t> lostTables_;  // pages of their definitions
     std::set<std::uint32_t> withoutMap_;
 };
-
-namespace {
 
 /// A new file beside `to`, whose name `draft` becomes. What is there already may be anybody's and
 /// is left alone.

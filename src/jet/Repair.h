@@ -5,6 +5,7 @@
 #include <string>
 
 #include "jet/Disk.h"
+#include "jet/Status.h"
 
 namespace jet {
 

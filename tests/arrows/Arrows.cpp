@@ -111,9 +111,11 @@ private:
         if (!reach.contains(owner->second))
             wrong.push_back(where + "belongs to " + owner->second + ", to which " + name +
                             " is not joined");
-        if (const fs::path library = LibraryWithin(header);
-            !library.empty() && !LiesBelow(file, library))
-            wrong.push_back(where + "is for its own folder only");
+        const fs::path library = LibraryWithin(header);
+        if (library.empty()) return;
+        if (!LiesBelow(file, library)) wrong.push_back(where + "is for its own folder only");
+        if (file.parent_path() == library && file.extension() == ".h")
+            wrong.push_back(where + "is no part of what others may include");
     }
 
     /// The folder of src whose inside the header is; empty when it is not in a folder's folder.

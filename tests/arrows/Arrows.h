@@ -22,7 +22,8 @@ using Targets = std::map<std::string, Target>;
 
 /// The wrong includes and arrows of the targets whose files lie in these folders of the project,
 /// one a line: an include of a target that its own is not joined to, of what lies in a
-/// folder inside another library, of a header that belongs to no target; and a target joined to
+/// folder inside another library, of a header that belongs to no target; an include of what lies in
+/// a folder inside its own library by a header that others may include; and a target joined to
 /// another of which it includes nothing.
 [[nodiscard]] std::vector<std::string> Wrong(const Targets& targets,
                                              const std::filesystem::path& root,

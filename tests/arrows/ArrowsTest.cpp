@@ -38,7 +38,8 @@ TEST_F(ArrowsTest, EachIncludeOfTheProductFollowsAnArrow) {
 }
 
 TEST_F(ArrowsTest, WhatIsWrongIsSaid) {
-    const fs::path low = Write("src/low/Low.h", "");
+    const fs::path low = Write("src/low/Low.h", "#include \"low/detail/Inside.h\"\n");
+    const fs::path own = Write("src/low/Low.cpp", "#include \"low/detail/Inside.h\"\n");
     const fs::path inside = Write("src/low/detail/Inside.h", "#include \"low/Low.h\"\n");
     const fs::path middle = Write("src/middle/Middle.h", "#include \"low/Low.h\"\n");
     const fs::path high = Write("src/high/High.cpp",
@@ -47,14 +48,16 @@ TEST_F(ArrowsTest, WhatIsWrongIsSaid) {
                                 "#include \"low/detail/Inside.h\"\n"
                                 "#include \"other/Nobody.h\"\n"
                                 "#include \"ui_Form.h\"\n");
-    arrows::Targets targets{{"low", {{low, inside}, {}, {}}},
+    arrows::Targets targets{{"low", {{low, own, inside}, {}, {}}},
                             {"middle", {{middle}, {"low"}, {"low"}}},
                             {"other", {{Write("src/other/Other.h", "")}, {}, {}}},
                             {"high", {{high}, {"middle", "other"}, {}}}};
     EXPECT_THAT(arrows::Wrong(targets, root_, {"src"}),
                 ElementsAre("src/high/High.cpp: \"low/detail/Inside.h\" is for its own folder only",
                             "src/high/High.cpp: \"other/Nobody.h\" belongs to no target",
-                            "high is joined to other and includes nothing of it"));
+                            "high is joined to other and includes nothing of it",
+                            "src/low/Low.h: \"low/detail/Inside.h\" is no part of what others may "
+                            "include"));
 
     // What a target joins for itself alone is not handed on.
     targets["middle"].handedOn.clear();

@@ -4,9 +4,8 @@
 #include <functional>
 #include <random>
 
+#include "DamagedSample.h"
 #include "Harvest.h"
-#include "jet/page/Bytes.h"
-#include "JetTesting.h"
 
 namespace jet {
 namespace {
@@ -54,6 +53,35 @@ TEST(DamageTest, OneBrokenOffsetCostsTwoRows) {
     const Harvest harvest = ReadEverything(*damaged);
     EXPECT_EQ(harvest.rows, allRows - 2);
     EXPECT_THAT(harvest.damage.at(0).Text(), testing::HasSubstr("row 3"));
+}
+
+TEST(DamageTest, ABrokenLeafEndsACursorAndIsNamed) {
+    std::size_t broken = 0;
+    for (const std::string& file : SampleFiles()) {
+        DamagedSample sample(file);
+        auto whole = Must(Database::Open(file));
+        if (whole->FileFormat() == Format::Jet3) continue;
+        for (const CatalogEntry& entry : Must(whole->Tables())) {
+            const char* name = entry.name.c_str();
+            if (sample.Def(name).realIndexes.empty()) continue;
+            const PageNo last = sample.Node(sample.Root(name), name).Tail();
+            if (Raw(last) == 0) continue;
+            ++broken;
+            *sample.At(last, 0) = std::byte{0x77};
+            auto database = OpenBytes(sample.bytes);
+            auto table = Must(database->OpenTable(name));
+            IndexCursor cursor = Must(table->Seek(0, ""));
+            Result<bool> found = cursor.Next();
+            while (found.IsOk() && *found) found = cursor.Next();
+            EXPECT_EQ(StatusOf(found).Code(), StatusCode::Corrupt);
+            EXPECT_THAT(StatusOf(found).Text(),
+                        testing::AllOf(testing::StartsWith(TableText(entry.name) + ": "),
+                                       testing::HasSubstr(PageText(last))));
+            EXPECT_FALSE(Must(cursor.Next()));
+            break;
+        }
+    }
+    EXPECT_GT(broken, 0U);
 }
 
 TEST(DamageTest, AFileThatEndsTooEarlyStaysReadableUpToThere) {

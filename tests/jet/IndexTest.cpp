@@ -2,6 +2,7 @@
 #include <set>
 
 #include "jet/index/KeyEncoder.h"
+#include "jet/page/DataPage.h"
 #include "WriterTesting.h"
 
 namespace jet {

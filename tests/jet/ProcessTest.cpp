@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "jet/Check.h"
+#include "jet/disk/FileLocks.h"
 #include "jet/TableWriter.h"
 #include "JetTesting.h"
 

@@ -1,3 +1,4 @@
+#include "jet/page/DataPage.h"
 #include "JetTesting.h"
 
 namespace jet {

@@ -1,6 +1,7 @@
 #include <map>
 #include <random>
 
+#include "jet/page/UsageMap.h"
 #include "WriterTesting.h"
 
 namespace jet {

@@ -5,8 +5,9 @@
 #include <ctime>
 
 #include "jet/catalog/SystemTables.h"
-#include "jet/TableWriter.h"
+#include "jet/open/TableRep.h"
 #include "jet/Unicode.h"
+#include "jet/write/RowChanger.h"
 
 namespace jet {
 namespace {
@@ -65,8 +66,8 @@ Binary CreatorOf(Binary engine) {
 Result<CatalogWriter> CatalogWriter::Open(const FileContext& file) {
     CatalogWriter writer;
     writer.now_ = Now();
-    JET_ASSIGN(writer.objects_, Table::Open(file, kCatalogPage, "MSysObjects"));
-    JET_ASSIGN(writer.aces_, Table::Open(file, kAcesPage, "MSysACEs"));
+    JET_ASSIGN(writer.objects_, OpenTableAt(file, kCatalogPage, "MSysObjects"));
+    JET_ASSIGN(writer.aces_, OpenTableAt(file, kAcesPage, "MSysACEs"));
     return writer;
 }
 
@@ -79,7 +80,7 @@ Status CatalogWriter::Insert(Table& table, std::initializer_list<Named> values) 
         }
         assignments.push_back({*column, value});
     }
-    return TableWriter::ForCatalog(table).Insert(assignments).GetStatusOrOk();
+    return RowChanger(table, RowChanger::For::TheSystem).Insert(assignments).GetStatusOrOk();
 }
 
 Status CatalogWriter::Add(const Object& object) {

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "jet/open/FileContext.h"
 #include "jet/Table.h"
 
 namespace jet {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "jet/open/TableRep.h"
 #include "jet/page/Bytes.h"
 #include "jet/Unicode.h"
 
@@ -138,7 +139,7 @@ Result<TableRules> ReadTableRules(const FileContext& file, const TableDef& def) 
     rules.isRequired.resize(def.columns.size());
     rules.refusesEmptyTexts.resize(def.columns.size());
     std::unique_ptr<Table> catalog;
-    JET_ASSIGN(catalog, Table::Open(file, kCatalogPage, "MSysObjects"));
+    JET_ASSIGN(catalog, OpenTableAt(file, kCatalogPage, "MSysObjects"));
     const auto id = catalog->Definition().FindColumn("Id");
     const auto name = catalog->Definition().FindColumn("Name");
     const auto properties = catalog->Definition().FindColumn("LvProp");

@@ -3,7 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "jet/Table.h"
+#include "jet/open/FileContext.h"
+#include "jet/TableDef.h"
 
 namespace jet {
 

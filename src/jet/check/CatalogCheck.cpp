@@ -4,8 +4,8 @@
 #include <optional>
 #include <unordered_set>
 
+#include "jet/open/TableRep.h"
 #include "jet/page/Bytes.h"
-#include "jet/Table.h"
 #include "jet/TextKey.h"
 #include "jet/Unicode.h"
 
@@ -48,7 +48,7 @@ public:
     std::vector<TableEntry> Run() {
         Add(kCatalogName, kCatalogPage);
         // What hinders reading is reported when the catalog is checked as a table.
-        Result<std::unique_ptr<Table>> table = Table::Open(file_, kCatalogPage, kCatalogName);
+        Result<std::unique_ptr<Table>> table = OpenTableAt(file_, kCatalogPage, kCatalogName);
         if (table.IsOk()) ReadRows(**table);
         return std::move(tables_);
     }

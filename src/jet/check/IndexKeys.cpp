@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "jet/index/KeyEncoder.h"
-#include "jet/LongValueReader.h"
+#include "jet/row/LongValuePieces.h"
 #include "jet/row/ValueCodec.h"
 
 namespace jet::check {
@@ -14,9 +14,9 @@ constexpr std::size_t kMostKeyUnits = 255;  // of a text
 
 /// As much of a memo's text as its key depends on.
 Status ReadKeyText(PageCache& cache, const LongValue& value, std::u16string& text) {
-    MemoReader reader(LongValueReader(cache, Format::Jet4, value, "a memo"), nullptr);
+    MemoPieces pieces(LongValuePieces(cache, Format::Jet4, value, "a memo"), nullptr);
     while (text.size() < kMostKeyUnits) {
-        Result<std::u16string_view> piece = reader.Next();
+        Result<std::u16string_view> piece = pieces.Next();
         if (!piece.IsOk()) return piece.GetStatus();
         if (piece->empty()) break;
         text += *piece;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "jet/compact/TableCopier.h"
+#include "jet/page/DataPage.h"
 
 namespace jet::compact {
 namespace {

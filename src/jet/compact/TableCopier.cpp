@@ -4,6 +4,7 @@
 
 #include "jet/compact/IndexBuilder.h"
 #include "jet/compact/MapPages.h"
+#include "jet/open/RowRep.h"
 
 namespace jet::compact {
 
@@ -89,7 +90,7 @@ Status TableCopier::CopyRow(const Row& row, const TableMoves& moves) {
     std::vector<std::byte> bytes(stored.begin(), stored.end());
     const auto valueOf = [&](std::size_t column) -> Result<MutableBytes> {
         Bytes value;
-        JET_ASSIGN(value, row.StoredValue(column));
+        JET_ASSIGN(value, StoredValue(row, column));
         if (value.empty()) return MutableBytes();
         const auto offset = static_cast<std::size_t>(value.data() - stored.data());
         return MutableBytes(bytes).subspan(offset, value.size());
@@ -122,7 +123,7 @@ Result<RowId> TableCopier::NewPlace(RowId old) const {
     return RowId::FromPointer(found->to);
 }
 
-Result<std::string> TableCopier::NewKey(std::size_t index, const IndexCursor& entry,
+Result<std::string> TableCopier::NewKey(std::size_t index, const EntryCursor& entry,
                                         const TableMoves& moves) {
     Row row;
     JET_ASSIGN(row, table_->Fetch(entry.Row()));
@@ -146,8 +147,8 @@ Result<std::string> TableCopier::NewKey(std::size_t index, const IndexCursor& en
 Status TableCopier::CopyIndex(std::size_t index, const TableMoves& moves) {
     IndexBuilder builder(draft_, NewPage());
     const RealIndex& def = table_->Definition().realIndexes[index];
-    Result<IndexCursor> cursor =
-        IndexCursor::Seek(cache_, table_->Definition().page, def.root, std::string());
+    Result<EntryCursor> cursor =
+        EntryCursor::Seek(cache_, table_->Definition().page, def.root, std::string());
     if (!cursor.IsOk()) return cursor.GetStatus();
     // Where tables are named by other numbers now, the order changes too.
     std::vector<std::pair<std::string, RowId>> sorted;

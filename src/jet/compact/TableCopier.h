@@ -9,6 +9,7 @@
 #include "jet/compact/MapPages.h"
 #include "jet/compact/RowPacker.h"
 #include "jet/Database.h"
+#include "jet/index/EntryCursor.h"
 
 namespace jet::compact {
 
@@ -41,7 +42,7 @@ private:
     Status CopyRow(const Row& row, const TableMoves& moves);
     Status CopyIndex(std::size_t index, const TableMoves& moves);
     /// The key of an entry whose row names moved tables; the old one where it does not.
-    [[nodiscard]] Result<std::string> NewKey(std::size_t index, const IndexCursor& entry,
+    [[nodiscard]] Result<std::string> NewKey(std::size_t index, const EntryCursor& entry,
                                              const TableMoves& moves);
     [[nodiscard]] Result<RowId> NewPlace(RowId old) const;
     [[nodiscard]] PageNo NewPage() const { return pages_.front(); }

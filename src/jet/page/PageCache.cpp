@@ -71,12 +71,13 @@ Status PageCache::WaitForPages() {
     }
 }
 
-Status PageCache::BeginRead() {
+Status PageCache::BeginRead(ReadScope::Length length) {
     if (readers_ > 0 || inTransaction_ || guard_.locks == nullptr) {
         JET_TRY(readers_ > 0 ? Status() : Revalidate());
         ++readers_;
         return {};
     }
+    if (length == ReadScope::Length::Long) JET_TRY(guard_.locks->LetWriterFirst(kTurnWait));
     constexpr int kRounds = 5;
     bool doesNotMatter = false;
     for (int round = 0; round < kRounds; ++round) {
@@ -97,12 +98,6 @@ Status PageCache::BeginRead() {
         doesNotMatter = !again;
     }
     return {StatusCode::Busy, "programs that die while they write leave no time to read"};
-}
-
-Status PageCache::BeginLongRead() {
-    const bool isOuter = readers_ == 0 && !inTransaction_;
-    if (isOuter && guard_.locks != nullptr) JET_TRY(guard_.locks->LetWriterFirst(kTurnWait));
-    return BeginRead();
 }
 
 void PageCache::EndRead() {

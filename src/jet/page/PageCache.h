@@ -8,8 +8,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "jet/disk/Locks.h"
 #include "jet/File.h"
+#include "jet/Locks.h"
+#include "jet/page/ReadScopeRep.h"
 #include "jet/Status.h"
 #include "jet/Types.h"
 
@@ -42,7 +43,7 @@ private:
 /// before, and holds the old ones. Those that memory is too small for go to a file without a name.
 /// Inside it a step can be taken back: from BeginStep() on, so that a change that fails
 /// half way leaves nothing behind in a transaction that goes on.
-class PageCache {
+class PageCache final : public ReadScope::Rep {
 public:
     static constexpr std::size_t kDefaultChanges = std::size_t{64} << 20;  // bytes
 
@@ -77,12 +78,8 @@ public:
         makeSpill_ = std::move(make);
         changesInMemory_ = bytes;
     }
-    // Between the two nobody changes the file, and what the cache gives is as of BeginRead. Scopes
-    // nest; see ReadScope.
-    Status BeginRead();
-    void EndRead();
-    /// As BeginRead, for what takes longer than a few pages: lets a writer that waits go first.
-    Status BeginLongRead();
+    Status BeginRead(ReadScope::Length length) override;
+    void EndRead() override;
     [[nodiscard]] bool IsBeingRead() const { return readers_ > 0; }
 
     /// Asks the file whether another program has changed it since the last call, and forgets all
@@ -184,29 +181,6 @@ private:
     std::size_t spillAt_ = 0;  // changed pages in memory; 0: as many as may be there
     std::unique_ptr<File> spill_;
     std::uint32_t stepPageCount_ = 0;
-};
-
-/// One reading operation: while it is there, everything that is read is of one committed state,
-/// and nobody writes. To be held for no longer than the file takes to be read: never while
-/// something else is waited for, such as a user or the reader of a pipe.
-class ReadScope {
-public:
-    enum class Length { Short, Long };
-    explicit ReadScope(PageCache& cache, Length length = Length::Short)
-        : cache_(cache),
-          status_(length == Length::Short ? cache.BeginRead() : cache.BeginLongRead()) {}
-    ~ReadScope() {
-        if (status_.IsOk()) cache_.EndRead();
-    }
-    ReadScope(const ReadScope&) = delete;
-    ReadScope& operator=(const ReadScope&) = delete;
-
-    /// To be asked before anything is read.
-    [[nodiscard]] const Status& GetStatus() const { return status_; }
-
-private:
-    PageCache& cache_;
-    Status status_;
 };
 
 }  // namespace jet

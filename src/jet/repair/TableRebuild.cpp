@@ -5,6 +5,8 @@
 #include "jet/check/IndexKeys.h"
 #include "jet/check/RowCheck.h"
 #include "jet/compact/IndexBuilder.h"
+#include "jet/index/EntryCursor.h"
+#include "jet/open/RowRep.h"
 #include "jet/row/AutoNumber.h"
 #include "jet/row/TextDecoder.h"
 
@@ -138,7 +140,7 @@ Status TableRebuild::CopyRow(const Row& row) {
 Status TableRebuild::SaveValue(std::size_t position, const Row& row, MutableBytes bytes) {
     const Column& column = table_->Definition().columns[position];
     Bytes stored;
-    JET_ASSIGN(stored, row.StoredValue(position));
+    JET_ASSIGN(stored, StoredValue(row, position));
     Value value;
     JET_TRY(row.Read(position, value));
     if (std::holds_alternative<Null>(value) || column.type == ColumnType::Boolean) return {};
@@ -263,8 +265,8 @@ Result<bool> TableRebuild::MakeKeys(const Row& row, Bytes bytes) {
 void TableRebuild::HarvestEntries(std::size_t index) {
     const TableDef& def = table_->Definition();
     std::size_t found = 0;
-    Result<IndexCursor> cursor =
-        IndexCursor::Seek(cache_, def.page, def.realIndexes[index].root, std::string());
+    Result<EntryCursor> cursor =
+        EntryCursor::Seek(cache_, def.page, def.realIndexes[index].root, std::string());
     Status status = cursor.GetStatusOrOk();
     while (status.IsOk() && found <= places_.size()) {
         const Result<bool> next = cursor->Next();

@@ -1,6 +1,6 @@
 #include "jet/write/IndexWriter.h"
 
-#include "jet/IndexCursor.h"
+#include "jet/index/EntryCursor.h"
 #include "jet/write/IndexLeafEditor.h"
 #include "jet/write/UsageMapEditor.h"
 
@@ -95,7 +95,7 @@ Result<bool> IndexWriter::HasKey(const Spot& spot, const std::string& key) const
     const bool isAlone =
         (!isFirst || Raw(leaf.Previous()) == 0) && (!spot.place.IsEnd() || Raw(leaf.Next()) == 0);
     if (isAlone) return false;
-    Result<IndexCursor> cursor = IndexCursor::Seek(cache_, table_, root_, key);
+    Result<EntryCursor> cursor = EntryCursor::Seek(cache_, table_, root_, key);
     if (!cursor.IsOk()) return cursor.GetStatus();
     bool found = false;
     JET_ASSIGN(found, cursor->Next());

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "jet/catalog/TableRules.h"
-#include "jet/TableWriter.h"
+#include "jet/write/RowChanger.h"
 
 namespace jet {
 namespace {
@@ -18,13 +18,13 @@ std::string Quoted(const std::string& name) {
 
 }  // namespace
 
-Result<TableWriter::Relation> TableWriter::OpenRelation(const LogicalIndex& end) {
+Result<RowChanger::Relation> RowChanger::OpenRelation(const LogicalIndex& end) {
     const auto damaged = [&] {
         return Status::Corrupt("the other end of its relationship " + Quoted(end.name) +
                                " is not where it should be");
     };
     Relation relation;
-    JET_ASSIGN(relation.other, table_.Related(end.otherTable));
+    JET_ASSIGN(relation.other, RelatedTable(table_, end.otherTable));
     const TableDef& def = relation.other->Definition();
     const auto partner = std::find_if(
         def.logicalIndexes.begin(), def.logicalIndexes.end(), [&](const LogicalIndex& index) {
@@ -44,8 +44,8 @@ Result<TableWriter::Relation> TableWriter::OpenRelation(const LogicalIndex& end)
 
 /// The key of the values that a row has in a relationship, as the other table has it; empty when
 /// one of them is Null, which relates to nothing.
-Result<std::string> TableWriter::RelatedKey(const Relation& relation,
-                                            std::span<const Value> values) {
+Result<std::string> RowChanger::RelatedKey(const Relation& relation,
+                                           std::span<const Value> values) {
     std::vector<Value> parts;
     for (const IndexColumn& column : relation.columns) {
         parts.push_back(values[column.column]);
@@ -54,8 +54,8 @@ Result<std::string> TableWriter::RelatedKey(const Relation& relation,
     return relation.other->MakeKey(relation.index, parts);
 }
 
-Status TableWriter::CheckParents(std::span<const Value> values, const std::vector<Key>* before,
-                                 const std::vector<Key>& after) {
+Status RowChanger::CheckParents(std::span<const Value> values, const std::vector<Key>* before,
+                                const std::vector<Key>& after) {
     for (const LogicalIndex& end : table_.Definition().logicalIndexes) {
         if (end.role != LogicalIndex::Role::ForeignKey || end.side != kReferencing) continue;
         if (before != nullptr && (*before)[end.real].bytes == after[end.real].bytes) continue;
@@ -75,8 +75,8 @@ Status TableWriter::CheckParents(std::span<const Value> values, const std::vecto
     return {};
 }
 
-Result<std::vector<RowId>> TableWriter::RowsWith(const Relation& relation, const std::string& key,
-                                                 std::size_t most) {
+Result<std::vector<RowId>> RowChanger::RowsWith(const Relation& relation, const std::string& key,
+                                                std::size_t most) {
     std::vector<RowId> rows;
     Result<IndexCursor> cursor = relation.other->Seek(relation.index, key);
     if (!cursor.IsOk()) return cursor.GetStatus();
@@ -90,8 +90,8 @@ Result<std::vector<RowId>> TableWriter::RowsWith(const Relation& relation, const
 }
 
 /// `after` is null when the row has been deleted.
-Status TableWriter::FollowChildren(std::span<const Value> before, const std::vector<Key>& keys,
-                                   std::span<const Value> after, const std::vector<Key>* newKeys) {
+Status RowChanger::FollowChildren(std::span<const Value> before, const std::vector<Key>& keys,
+                                  std::span<const Value> after, const std::vector<Key>* newKeys) {
     for (const LogicalIndex& end : table_.Definition().logicalIndexes) {
         if (end.role != LogicalIndex::Role::ForeignKey || end.side != kReferenced) continue;
         if (newKeys != nullptr && (*newKeys)[end.real].bytes == keys[end.real].bytes) continue;
@@ -111,7 +111,7 @@ Status TableWriter::FollowChildren(std::span<const Value> before, const std::vec
         if (!rows.empty() && depth_ >= kMostDepth) {
             return Status::Unsupported("too many rows belong to each other in turn");
         }
-        TableWriter writer(*relation.other);
+        RowChanger writer(*relation.other);
         writer.depth_ = depth_ + 1;
         JET_TRY(writer.CheckWritable());
         const auto& columns = relation.other->Definition().realIndexes[relation.index].columns;
@@ -126,17 +126,17 @@ Status TableWriter::FollowChildren(std::span<const Value> before, const std::vec
             const Status status = deletes ? writer.DeleteNow(row) : writer.UpdateNow(row, values);
             // Through another relationship it may have gone already.
             if (deletes && status.Code() == StatusCode::NotFound) continue;
-            JET_TRY(relation.other->Named(status));
+            JET_TRY(Inside::Of(*relation.other).Named(status));
         }
     }
     return {};
 }
 
 /// Refuses what the properties of the assigned columns do not allow.
-Status TableWriter::CheckRules(std::span<const Value> values, std::span<const bool> assigned) {
-    if (mayWriteSystem_) return {};
+Status RowChanger::CheckRules(std::span<const Value> values, std::span<const bool> assigned) {
+    if (for_ == For::TheSystem) return {};
     const TableRules* rules = nullptr;
-    JET_ASSIGN(rules, table_.Rules());
+    JET_ASSIGN(rules, rep_.Rules());
     for (std::size_t i = 0; i < values.size(); ++i) {
         if (!assigned[i]) continue;
         const std::string& name = table_.Definition().columns[i].name;

@@ -1,4 +1,4 @@
-#include "jet/disk/Locks.h"
+#include "jet/disk/FileLocks.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -52,11 +52,4 @@ public:
 /// Busy, naming the computers.
 [[nodiscard]] Status OthersAreThere(const std::vector<std::string>& computers);
 
-/// The engine's own locks lie on the file at `database` itself, behind every byte that it can have,
-/// so that they are the same through each of its names, and who may only read it has them too. What
-/// other programs look at is the lock file beside it. Where that one cannot be made, as on
-/// read-only media, reading goes on without it.
-[[nodiscard]] Result<std::unique_ptr<Locks>> OpenFileLocks(const std::string& database,
-                                                           bool forWriting);
-
 }  // namespace jet

@@ -15,6 +15,7 @@
 
 #include "jet/disk/AccessRights.h"
 #include "jet/disk/Descriptor.h"
+#include "jet/disk/FileLocks.h"
 
 namespace jet {
 namespace {
