@@ -1,7 +1,6 @@
 #include "tools/InputFile.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -42,9 +41,6 @@ jet::Result<std::size_t> InputFile::ReadOn(std::string& into) const {
 }
 
 jet::Status InputFile::Collect() {
-    struct stat info {};
-    if (::fstat(descriptor_, &info) == 0 && S_ISREG(info.st_mode)) return {};
-    isCollected_ = true;
     std::uint64_t spilled = 0;
     block_.resize(kBlock);
     for (;;) {
@@ -75,8 +71,6 @@ jet::Result<std::string_view> InputFile::Next() {
     if (spill_) {
         JET_ASSIGN(count,
                    spill_->Read(at_ - memory_.size(), std::as_writable_bytes(std::span(block_))));
-    } else if (!isCollected_) {
-        JET_ASSIGN(count, ReadOn(block_));
     }
     at_ += count;
     return std::string_view(block_.data(), count);

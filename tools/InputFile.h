@@ -10,7 +10,8 @@
 
 namespace tools {
 
-/// A file, a pipe or standard input, read from its beginning to its end, more than once if need be.
+/// A file, a pipe or standard input, which may be slow, or wait for somebody. It is read to its end
+/// first; nobody has to wait for it afterwards.
 class InputFile {
 public:
     InputFile() = default;
@@ -20,16 +21,12 @@ public:
 
     /// "-" is standard input. The messages name the file.
     jet::Status Open(const std::string& name);
-    /// Reads what comes from elsewhere than a file to its end, into memory or, beyond
-    /// kMostInMemory, a temporary file; nobody has to wait for it afterwards.
+    /// Reads all of it, into memory or, beyond kMostInMemory, a temporary file. To be called once.
     jet::Status Collect();
-    /// True when Collect had something to collect.
-    [[nodiscard]] bool IsCollected() const { return isCollected_; }
 
-    /// The next bytes; none at the end. They stay valid until the next call.
+    /// The next bytes of what has been collected; none at the end. They stay valid until the next
+    /// call.
     [[nodiscard]] jet::Result<std::string_view> Next();
-    /// To the beginning again.
-    void Rewind() { at_ = 0; }
     [[nodiscard]] const std::string& Name() const { return name_; }
 
     static constexpr std::size_t kMostInMemory = std::size_t{16} << 20;  // bytes
@@ -39,9 +36,8 @@ private:
 
     int descriptor_ = -1;
     std::string name_ = "standard input";
-    bool isCollected_ = false;
     std::uint64_t at_ = 0;              // offset of the next byte
-    std::string memory_;                // the first of what was collected
+    std::string memory_;                // the first of it
     std::unique_ptr<jet::File> spill_;  // the rest; null: none
     std::string block_;
 };

@@ -54,18 +54,6 @@ void RequireNoError(const CsvReader& reader) {
     if (!reader.Error().empty()) FailInput(reader.Error() + ".");
 }
 
-/// Collects what comes through a pipe and looks through it.
-void CollectInput(InputFile& in, Encoding encoding) {
-    Require(in.Collect());
-    if (!in.IsCollected()) return;
-    CsvReader reader(in, encoding);
-    std::vector<CsvField> record;
-    while (reader.Next(record)) {
-    }
-    RequireNoError(reader);
-    in.Rewind();
-}
-
 /// The fields that the heading row names.
 std::vector<std::size_t> ReadHeading(CsvReader& reader, const ado::Recordset& rows) {
     std::vector<CsvField> names;
@@ -240,7 +228,7 @@ ExitStatus Load(const std::string& file, const std::string& table, const std::st
     CsvReader reader(in, encoding);
     std::vector<std::size_t> fields;
     const auto prepare = [&](ado::Recordset& rows) {
-        CollectInput(in, encoding);
+        Require(in.Collect());
         fields = ReadHeading(reader, rows);
     };
     const auto run = [&](ado::Connection&, ado::Recordset& rows) {

@@ -10,9 +10,11 @@
 
 #include <array>
 #include <chrono>
+#include <fstream>
 #include <set>
 #include <thread>
 
+#include "tools/InputFile.h"
 #include "tools/Spool.h"
 #include "ToolTesting.h"
 
@@ -142,6 +144,29 @@ TEST(PipeTest, ALoadFromASlowPipeHoldsNobodyOff) {
     EXPECT_EQ(loaded.out, "1001 rows\n") << loaded.err;
     EXPECT_THAT(RunTool({"dump", copy.Path(), "TidxTexts"}).out,
                 testing::HasSubstr(",\xEF\xBB\xBFMark,"));
+}
+
+// A file may lie where reading takes long, or somebody may write it meanwhile.
+TEST(PipeTest, WhatIsLoadedIsReadWholeBeforeAnythingElse) {
+    const ProjectCopy folder(kBrewery);
+    const std::string path = folder.Path("rows.csv");
+    for (const std::size_t size : {std::size_t{1000}, InputFile::kMostInMemory + 1'000'000}) {
+        std::string all;
+        for (int i = 0; all.size() < size; ++i) all += std::to_string(i) + "\r\n";
+        std::ofstream(path) << all;
+        InputFile in;
+        ASSERT_TRUE(in.Open(path).IsOk());
+        ASSERT_TRUE(in.Collect().IsOk());
+        std::ofstream(path) << "other";
+        std::string read;
+        for (;;) {
+            const auto bytes = in.Next();
+            ASSERT_TRUE(bytes.IsOk()) << bytes.GetStatus().Text();
+            if (bytes->empty()) break;
+            read += *bytes;
+        }
+        EXPECT_TRUE(read == all) << size;
+    }
 }
 
 // Each change sets all rows to one number: a dump that shows two has mixed two states.
