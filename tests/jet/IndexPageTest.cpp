@@ -104,6 +104,51 @@ TEST(IndexPageTest, SearchFindsWhatThePageHolds) {
     }
 }
 
+// However a page has come about, it is written as one that is made of its entries. One of them is
+// no more than what all have in common: no byte of it can be left out.
+TEST(IndexPageTest, APageThatHasBeenChangedIsWrittenLikeANewOne) {
+    const std::string begin = "abcdefgh";
+    for (const bool isLeaf : {true, false}) {
+        Entries random(4);
+        std::set<std::string> all = FullPage(random, begin, isLeaf);
+        IndexNode node = NodeOf(all, isLeaf);
+        for (int round = 0; round < 400; ++round) {
+            SCOPED_TRACE(round);
+            const std::string entry = random.Below(8) == 0 ? begin : random.Next(begin);
+            const auto place = std::next(
+                all.begin(), static_cast<std::ptrdiff_t>(round % 20 == 0 ? 0 : all.size() / 2));
+            const auto at = static_cast<std::size_t>(std::distance(all.begin(), place));
+            if (all.size() > 100 || all.contains(entry)) {
+                all.erase(place);
+                node.Remove(at);
+            } else if (random.Below(3) == 0 && at > 0 && entry > *std::prev(place) &&
+                       (std::next(place) == all.end() || entry < *std::next(place))) {
+                all.erase(place);
+                all.insert(entry);
+                node.Rename(at, entry);
+            } else {
+                all.insert(entry);
+                node.Insert(node.LowerBound(entry), entry, PageNo{99});
+            }
+            ASSERT_EQ(node.Fits(), NodeOf(all, isLeaf).Fits());
+            if (!node.Fits()) continue;
+            ASSERT_EQ(Page(node).Entries(), Page(NodeOf(all, isLeaf)).Entries());
+        }
+        IndexNode left(isLeaf);
+        if (!all.contains(begin)) node.Insert(node.LowerBound(begin), begin, PageNo{99});
+        node.MoveFront(node.Count() / 2, left);
+        const auto copyOf = [&](const IndexNode& half) {
+            std::set<std::string> entries;
+            for (std::size_t i = 0; i < half.Count(); ++i) entries.emplace(half.Entry(i));
+            return NodeOf(entries, isLeaf);
+        };
+        for (const IndexNode& half : {left, node}) {
+            EXPECT_EQ(half.Fits(), copyOf(half).Fits());
+            EXPECT_EQ(Page(half).Entries(), Page(copyOf(half)).Entries());
+        }
+    }
+}
+
 // Whatever is changed in place, the page is what it would be when it was written anew.
 TEST(IndexPageTest, ChangesInPlaceLeaveASoundPage) {
     for (const char* begin : {"", "abcdefgh"}) {

@@ -30,6 +30,7 @@ Result<IndexNode> IndexNode::Load(PageRef ref, PageNo table) {
         }
         node.ends_.push_back(node.bytes_.size());
     }
+    node.FindShortest();
     return node;
 }
 
@@ -65,14 +66,22 @@ void IndexNode::Insert(std::size_t at, std::string_view entry, PageNo child) {
     bytes_.insert(begin, whole);
     ends_.insert(ends_.begin() + static_cast<std::ptrdiff_t>(at), begin);
     for (std::size_t i = at; i < ends_.size(); ++i) ends_[i] += whole.size();
+    shortest_ = std::min(shortest_, entry.size());
 }
 
 void IndexNode::Remove(std::size_t at) {
+    const bool isShortest = Entry(at).size() == shortest_;
     const std::size_t begin = Begin(at);
     const std::size_t size = ends_[at] - begin;
     bytes_.erase(begin, size);
     ends_.erase(ends_.begin() + static_cast<std::ptrdiff_t>(at));
     for (std::size_t i = at; i < ends_.size(); ++i) ends_[i] -= size;
+    if (isShortest) FindShortest();
+}
+
+void IndexNode::FindShortest() {
+    shortest_ = SIZE_MAX;
+    for (std::size_t i = 0; i < Count(); ++i) shortest_ = std::min(shortest_, Entry(i).size());
 }
 
 void IndexNode::Rename(std::size_t at, std::string_view entry) {
@@ -89,6 +98,7 @@ void IndexNode::MoveFront(std::size_t count, IndexNode& to) {
     bytes_.erase(0, size);
     ends_.erase(ends_.begin(), ends_.begin() + static_cast<std::ptrdiff_t>(count));
     for (std::size_t& end : ends_) end -= size;
+    FindShortest();
 }
 
 std::size_t IndexNode::Prefix() const {
@@ -98,9 +108,7 @@ std::size_t IndexNode::Prefix() const {
     const std::string_view first = Entry(0);
     const std::string_view last = Entry(Count() - 1);
     const auto differ = std::mismatch(first.begin(), first.end(), last.begin(), last.end());
-    auto common = static_cast<std::size_t>(differ.first - first.begin());
-    for (std::size_t i = 0; i < Count(); ++i) common = std::min(common, Entry(i).size() - 1);
-    return common;
+    return std::min(static_cast<std::size_t>(differ.first - first.begin()), shortest_ - 1);
 }
 
 std::size_t IndexNode::SizeWith(std::size_t prefix) const {

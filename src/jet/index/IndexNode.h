@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -50,9 +51,11 @@ private:
     [[nodiscard]] std::size_t ChildSize() const { return isLeaf ? 0 : kChild; }
     [[nodiscard]] std::size_t Prefix() const;
     [[nodiscard]] std::size_t SizeWith(std::size_t prefix) const;
+    void FindShortest();
 
     std::string bytes_;
     std::vector<std::size_t> ends_;
+    std::size_t shortest_ = SIZE_MAX;  // bytes of the shortest entry
 };
 
 }  // namespace jet
