@@ -1,9 +1,11 @@
 #include <functional>
 
+#include "jet/check/PageState.h"
 #include "jet/CreateDatabase.h"
 #include "jet/CreateTable.h"
 #include "jet/page/GlobalMap.h"
 #include "jet/write/DataPageEditor.h"
+#include "jet/write/PageAllocator.h"
 #include "WriterTesting.h"
 
 namespace jet {
@@ -161,6 +163,37 @@ TEST(UsageMapTest, EveryFormOfTheMapOfFreePagesGrowsAndTakesPagesBack) {
         InsertPages(*disk, 598);
         EXPECT_EQ(PageCount(*disk), largest) << "the pages given back are taken again";
         EXPECT_THAT(FindingsIn(*disk), IsEmpty());
+    }
+}
+
+// Files whose map offers the head are refused before a change; should one get so far, there is no
+// second chance for page 0.
+TEST(UsageMapTest, TheHeadOfTheFileIsNeitherGivenAwayNorTakenBack) {
+    constexpr std::uint32_t kHead = 6;  // pages
+    for (const bool isList : {false, true}) {
+        auto disk = SmallDisk();
+        const auto bitmap = static_cast<std::uint32_t>(PageCount(*disk));
+        ChangeRow(*disk, {GlobalMap::kPage, 0}, [&](auto& row) {
+            row = InlineRow(0, 64, 0);  // all pages are free
+            if (!isList) return;
+            row.assign(GlobalMap::kListSize, std::byte{0});
+            row[0] = std::byte{1};
+            StoreU32(row, 1, bitmap);
+        });
+        std::vector<std::byte> content = disk->Content(kProject);
+        content.resize(content.size() + kPageSizeJet4, std::byte{0xFF});
+        GlobalMap::FormatBitmap(MutableBytes(content).last(kPageSizeJet4));
+        MemoryFile file(content);
+        PageCache cache(file, 1 << 20);
+        ASSERT_OK(cache.Revalidate());
+        EXPECT_EQ(StatusOf(CheckPages(cache)).Code(), StatusCode::Corrupt);
+        cache.Begin();
+        cache.BeginStep();
+        EXPECT_EQ(Raw(Must(PageAllocator(cache).Allocate())), kHead);
+        for (std::uint32_t page = 0; page < kHead; ++page) {
+            EXPECT_EQ(PageAllocator(cache).Free(PageNo{page}).Code(), StatusCode::Corrupt) << page;
+            EXPECT_EQ(Must(cache.Read(PageNo{page})).Bytes()[0], content[page * kPageSizeJet4]);
+        }
     }
 }
 

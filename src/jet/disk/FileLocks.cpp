@@ -88,8 +88,10 @@ public:
 
     Status LockAlone() override {
         JET_TRY(OpenForWriting());
-        const bool hasSlots = users_ == nullptr || users_->LockAllSlots();
-        if (hasSlots && locks_->Exclusive(kPresenceLock, 1)) return {};
+        if (users_ == nullptr || users_->LockAllSlots()) {
+            if (locks_->Exclusive(kPresenceLock, 1)) return {};
+            if (users_ != nullptr) users_->UnlockOtherSlots();
+        }
         return OthersAreThere(OtherUsers());
     }
 

@@ -170,6 +170,11 @@ bool UserFile::LockAllSlots() const {
     return locks_.Exclusive(kUserLock + 1, kMostUsers);
 }
 
+void UserFile::UnlockOtherSlots() const {
+    if (user_ > 1) locks_.Unlock(kUserLock + 1, user_ - 1);
+    if (user_ < kMostUsers) locks_.Unlock(kUserLock + user_ + 1, kMostUsers - user_);
+}
+
 off_t UserFile::Length(const Run& run) const {
     return kPageSpan * off_t{run.last - run.first} + 0x100 + user_;
 }

@@ -42,6 +42,8 @@ public:
     [[nodiscard]] std::vector<std::string> OtherUsers() const;
     /// Takes the slots of all users; false when others have theirs.
     [[nodiscard]] bool LockAllSlots() const;
+    /// Gives up all of them but this program's own.
+    void UnlockOtherSlots() const;
 
     /// Locks pages (ascending) as other programs do. Neighbours share one lock; when they lie far
     /// and wide, those between are locked too.
