@@ -4,6 +4,7 @@
 #include <benchmark/benchmark.h>
 
 #include <filesystem>
+#include <tuple>
 
 #include "commands/ArchiveCommands.h"
 #include "commands/DuplicateCommands.h"
@@ -139,6 +140,28 @@ void DeleteArchiveOfThousandTrends(benchmark::State& state) {
     }
 }
 BENCHMARK(DeleteArchiveOfThousandTrends)->Unit(benchmark::kMillisecond);
+
+/// Taking the deletion back; beside it what the step holds in memory.
+void UndoDeletionOfThousandTrends(benchmark::State& state) {
+    Project& project = Project::Instance();
+    project::ChangeRecorder& recorder = project.context_.Environment().Recorder();
+    std::size_t bytes = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        const QString key = project.AddLargeArchive();
+        std::ignore = recorder.Take();
+        project.archives_.Delete(key, {}, {});
+        project::ChangeSet step = recorder.Take();
+        bytes = step.Bytes();
+        project.context_.history.Add(u"", std::move(step));
+        state.ResumeTiming();
+        std::ignore =
+            project.context_.history.Undo(project.context_.Environment().Connection(), recorder);
+    }
+    project.context_.history.Clear();
+    state.counters["bytes"] = static_cast<double>(bytes);
+}
+BENCHMARK(UndoDeletionOfThousandTrends)->Unit(benchmark::kMillisecond);
 
 void DuplicateArchiveOfThousandTrends(benchmark::State& state) {
     Project& project = Project::Instance();

@@ -41,6 +41,7 @@ std::string FieldOf(const ado::RowChange& row) {
 /// Where a change shows: in an archive, at trends of it, in a field.
 struct Shown {
     std::int32_t archive = 0;
+    bool isArchiveItself = false;  // not only its trends
     std::vector<std::int32_t> trends;
     std::string field;
 };
@@ -50,7 +51,10 @@ Shown PlaceOf(const project::ChangeSet& changes, projectdb::ProjectRows& rows) {
     std::set<std::int32_t> texts;
     for (const ado::RowChange& row : changes.Rows()) {
         const std::int32_t id = NumberIn(row, project::kKeyColumn);
-        if (row.table == project::kArchiveTable && !row.after.empty()) shown.archive = id;
+        if (row.table == project::kArchiveTable && !row.after.empty()) {
+            shown.archive = id;
+            shown.isArchiveItself = true;
+        }
         if (row.table == project::kTextTable && !row.after.empty()) texts.insert(id);
         if (row.table != project::kTrendTable) continue;
         if (shown.archive == 0) shown.archive = NumberIn(row, "ArchiveID");
@@ -119,6 +123,7 @@ void frmtabGrid::ShowChanges(const project::ChangeSet& changes, const QString& b
     } else {
         projectdb::ReloadTrends(project_, *this);
     }
+    if (shown.isArchiveItself) return;
     if (shown.trends.size() != 1 || shown.field.empty()) return ShowTrends(shown.trends);
     GridSplit& trends = tdbA->SplitAt(1);
     const int column = trends.ColumnIndex(projectdb::ToQString(shown.field));

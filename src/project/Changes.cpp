@@ -18,6 +18,10 @@ std::optional<std::int32_t> NumberOf(const ado::RowChange& row) {
     return number != nullptr ? std::optional(*number) : std::nullopt;
 }
 
+bool IsUnchanged(const ado::RowChange& row) {
+    return row.isWhole && row.before == row.after;
+}
+
 /// Whether the row has this `Type`.
 bool IsOfType(const ado::RowChange& row, std::int32_t type) {
     const auto column = std::find(row.columns->begin(), row.columns->end(), "Type");
@@ -48,28 +52,27 @@ bool Names(const ado::RowChange& row, std::string_view column, std::string_view 
 }  // namespace
 
 void ChangeSet::Add(std::vector<ado::RowChange> changes) {
+    bool anyUnchanged = false;
     for (ado::RowChange& change : changes) {
-        const auto number = NumberOf(change);
-        if (!number) {
-            rows_.push_back(std::move(change));
-            continue;
+        std::size_t at = rows_.size();
+        if (const auto number = NumberOf(change)) {
+            at = places_.try_emplace({change.table, *number}, at).first->second;
         }
-        const auto [place, isNew] = places_.try_emplace({change.table, *number}, rows_.size());
-        if (isNew) {
+        if (at == rows_.size()) {
             rows_.push_back(std::move(change));
         } else {
-            ado::RowChange& row = rows_[place->second];
-            row.after = std::move(change.after);
-            row.isWhole = row.isWhole && change.isWhole;
+            rows_[at].after = std::move(change.after);
+            rows_[at].isWhole = rows_[at].isWhole && change.isWhole;
         }
+        anyUnchanged = anyUnchanged || IsUnchanged(rows_[at]);
     }
-    RemoveUnchanged();
+    // Not at each change: a step of many would look through all of it again and again.
+    if (anyUnchanged) RemoveUnchanged();
 }
 
 void ChangeSet::RemoveUnchanged() {
-    const auto removed = std::erase_if(
-        rows_, [](const ado::RowChange& row) { return row.isWhole && row.before == row.after; });
-    if (removed > 0) FindPlaces();
+    std::erase_if(rows_, IsUnchanged);
+    FindPlaces();
 }
 
 void ChangeSet::FindPlaces() {
