@@ -275,17 +275,19 @@ void StudioWindow::mnuSettingsLanguage_Click(QAction* action) {
         return;
     }
     // The add-ins read the language when they are initialised.
-    WhileClosed([this, lcid] { ApplyLanguage(lcid); });
+    WhileClosed(Content::Same, [this, lcid] { ApplyLanguage(lcid); });
     statusBar()->showMessage(texts_(Text::StatusLanguage), kStatusMs);
 }
 
-bool StudioWindow::WhileClosed(const std::function<void()>& action) {
+bool StudioWindow::WhileClosed(Content content, const std::function<void()>& action) {
     const std::optional<ProjectLocation> open = project_;
     const QStringList place = tree_->SelectedPath();
-    addIns_.ForEach("GetMessage", [](KV4AddIn::CKV4Extensibility& addIn) {
-        std::ignore = addIn.CKV4Extensibility_GetMessage(KV4AddIn::kHostSender.toString(),
-                                                         KV4AddIn::kReopening.toString(), {});
-    });
+    if (content == Content::Same) {
+        addIns_.ForEach("GetMessage", [](KV4AddIn::CKV4Extensibility& addIn) {
+            std::ignore = addIn.CKV4Extensibility_GetMessage(KV4AddIn::kHostSender.toString(),
+                                                             KV4AddIn::kReopening.toString(), {});
+        });
+    }
     if (!CloseProject()) return false;
     action();
     if (open && Open(open->remembered, Opening::Again)) tree_->OpenAsUser(place);

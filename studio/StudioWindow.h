@@ -98,8 +98,10 @@ private:
     enum class Opening { Anew, Again };
     bool Open(const QString& project, Opening opening);
     /// Closes the project, lets `action` run, and opens it again where the user was. False, and
-    /// nothing has been done, while an add-in is at work.
-    bool WhileClosed(const std::function<void()>& action);
+    /// nothing has been done, while an add-in is at work. The add-ins go on from there unless the
+    /// project has changed as a whole: steps of the one before mean nothing to it.
+    enum class Content { Same, Changed };
+    bool WhileClosed(Content content, const std::function<void()>& action);
     void BackupTaken(const QString& project, const backups::Outcome& outcome);
     void RestoreBackup(const backups::Backup& backup);
     void RaiseStartupComplete();

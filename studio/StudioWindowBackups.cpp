@@ -50,7 +50,7 @@ void StudioWindow::mnuFileBackups_Click() {
 void StudioWindow::RestoreBackup(const backups::Backup& backup) {
     const ProjectLocation project = *project_;
     backups::Outcome outcome;
-    const bool isDone = WhileClosed([&] {
+    const bool isDone = WhileClosed(Content::Changed, [&] {
         messages::SetScreenPointer(messages::Pointer::Hourglass);
         outcome = backups_.Restore(project.nativePath, backup);
         messages::SetScreenPointer(messages::Pointer::Default);

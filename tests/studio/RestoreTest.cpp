@@ -40,6 +40,11 @@ TEST_F(RestoreTest, TheEditorShowsWhatHasComeBackAndGoesOn) {
     studio_->ClickNode(u"Sudhaus"_s);
     EXPECT_EQ(Trends().Names(), trends);
 
+    // The deletion is a step of another state of the project.
+    User::Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(TakeMessages(), QStringList());
+    EXPECT_EQ(studio_->ArchiveNodes(), before);
+
     // What comes back can be worked on, and is the file that is there under the name.
     Trends().Overwrite(0, u"Unit"_s, u"kPa"_s);
     EXPECT_EQ(Trends().Cell(0, u"Unit"_s), u"kPa"_s);
