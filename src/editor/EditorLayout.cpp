@@ -111,11 +111,16 @@ void EditorLayout::ApplyColumnOrders() {
     const bool fits =
         orders.count(u',') == trends.ColumnCount() && columns.size() == trends.ColumnCount();
     if (!fits) columns = OrderByName();
-    const int name = trends.ColumnIndex(u"Name");
-    // Nobody has moved a column yet: the name comes first.
+    // Nobody has moved a column yet: the name comes first. What the built-in list has behind it,
+    // it has at the places of a project with two languages.
     if (orders == defaultOrders_) {
-        columns.removeAll(name);
-        columns.prepend(name);
+        const QStringList first =
+            fits ? QStringList{u"Name"_s} : QStringList{u"Comment"_s, u"TrendVar"_s, u"Name"_s};
+        for (const QString& field : first) {
+            const int column = trends.ColumnIndex(field);
+            columns.removeAll(column);
+            columns.prepend(column);
+        }
     }
     trends.SetColumnOrders(columns);
     if (GridColumn* column = trends.Column(u"Name")) column->SetVisible(true);

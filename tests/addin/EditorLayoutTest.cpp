@@ -63,6 +63,14 @@ TEST_F(EditorLayoutTest, WithoutAFileTheBuiltInLayoutIsShown) {
     EXPECT_EQ(Ini(), "");
 }
 
+TEST_F(EditorLayoutTest, TheBuiltInLayoutDoesNotDependOnTheNumberOfLanguages) {
+    project_ = folder_.filePath(u"Drei.kvs"_s);
+    ASSERT_TRUE(QFile::copy(QStringLiteral(KV_TEST_DATA "/Stadtwerke.kvs"), project_));
+    Open();
+    EXPECT_THAT(ShownFields(1), ElementsAre(u"Name"_s, u"TrendVar"_s, u"Comment"_s, u"Factor"_s,
+                                            u"Offset"_s, u"Unit"_s, u"VLineStyle"_s));
+}
+
 TEST_F(EditorLayoutTest, TheLayoutIsSavedAndRestored) {
     for (const bool english : {true, false}) {
         SCOPED_TRACE(english ? "English" : "German");
