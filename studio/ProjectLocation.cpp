@@ -7,6 +7,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include "ado/AdoError.h"
+#include "ado/Connection.h"
 #include "paths/NativePath.h"
 #include "studio/StudioRegistry.h"
 #include "studio/StudioTexts.h"
@@ -41,18 +43,27 @@ QString FileOfName(const QString& name, StudioRegistry& registry) {
     return folder.isEmpty() ? QString() : folder + u'\\' + name + kExtension;
 }
 
-/// Whether whoever runs this program can look at the project only. Asked of the system and not of
-/// Qt, which asks for the user who has started the program, as the file is opened.
+/// Whether whoever runs this program can look at the project only. Rights are asked of the system
+/// and not of Qt, which asks for the user who has started the program, as the file is opened;
+/// version and damage of the file itself.
 bool IsReadOnly(const QString& nativePath) {
     const auto mayWrite = [](const QString& path) {
         return ::faccessat(AT_FDCWD, QFile::encodeName(path).constData(), W_OK, AT_EACCESS) == 0;
     };
     // What a change needs beside the file is made in its folder.
     if (!mayWrite(nativePath) || !mayWrite(QFileInfo(nativePath).path())) return true;
-    QFile file(nativePath);
-    if (!file.open(QIODevice::ReadOnly)) return false;
-    const QByteArray head = file.read(kHeadBytes);
-    return head.size() == kHeadBytes && head.back() == '\0';  // the version before Jet 4
+    try {
+        ado::Connection file;
+        file.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + nativePath.toStdString() + ";");
+        return !file.IsWritable();
+    } catch (const ado::AdoError&) {
+        return false;  // told by whoever opens it for its content
+    }
+}
+
+/// A name may end with a blank; where it is none of a file, it has come along with the name.
+QString WithoutStrayBlanks(const QString& project) {
+    return QFileInfo(ToNative(project)).isFile() ? project : project.trimmed();
 }
 
 /// Empty, or why the file cannot be a project.
@@ -85,7 +96,7 @@ std::variant<ProjectLocation, QString> Locate(const QString& project, StudioRegi
                                               const StudioTexts& texts) {
     ProjectLocation location;
     if (IsPath(project)) {
-        const QString given = project.trimmed();
+        const QString given = WithoutStrayBlanks(project);
         // A native name may hold a backslash, which the form with backslashes cannot express.
         if (!HasDrive(given) && given.contains(u'/') && given.contains(u'\\')) {
             return texts(Text::ErrorBackslash, {{u"file", given}});

@@ -14,12 +14,12 @@ struct ProjectLocation {
     QString nativePath;       // the project file
     QString remembered;       // for the list of recent projects: a name, or the native path
     QString shown;            // the project's name without folder and extension
-    bool isReadOnly = false;  // by the rights to the file and its folder, or by its version
+    bool isReadOnly = false;  // by the rights to file and folder, its version, or its damage
 };
 
 /// Finds out what `project` is - a project file or the name of a registered project - and whether
 /// its file is there, can be read and looks like a project database. Otherwise the result is a
-/// message for the user. Files are opened for reading only.
+/// message for the user. An interrupted change of the file is taken back, nothing else is changed.
 [[nodiscard]] std::variant<ProjectLocation, QString> Locate(const QString& project,
                                                             StudioRegistry& registry,
                                                             const StudioTexts& texts);

@@ -204,7 +204,7 @@ ObjectState Connection::State() const noexcept {
 
 bool Connection::IsWritable() const {
     RequireOpen(*this);
-    return rep_->database->IsWritable() && rep_->database->FileFormat() == jet::Format::Jet4;
+    return rep_->database->IsWritable();
 }
 
 const std::string& Connection::DataSource() const noexcept {

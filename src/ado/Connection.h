@@ -55,8 +55,8 @@ public:
     void SetChangeListener(ChangeListener listener);
 
     [[nodiscard]] ObjectState State() const noexcept;
-    /// False for a file that can only be looked at: its rights or its version allow no more. Every
-    /// change fails then.
+    /// False for a file that can only be looked at: its rights, its version or its damage allow no
+    /// more. Every change fails then.
     [[nodiscard]] bool IsWritable() const;
     /// The data source as the connection string gave it; empty while closed.
     [[nodiscard]] const std::string& DataSource() const noexcept;

@@ -83,7 +83,8 @@ std::vector<std::string> Database::OtherUsers() const {
 }
 
 bool Database::IsWritable() const {
-    return rep_->mode == OpenMode::ReadWrite;
+    return rep_->mode == OpenMode::ReadWrite && rep_->context.format == Format::Jet4 &&
+           !rep_->canOnlyBeRead;
 }
 
 std::vector<std::string> Database::TakeNotices() {

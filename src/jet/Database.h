@@ -77,6 +77,8 @@ public:
     Status WhileQuiet(const std::function<Status(File&)>& action);
     /// Computer names of the other programs that have the file open.
     [[nodiscard]] std::vector<std::string> OtherUsers() const;
+    /// False when it is known that every change would be refused: by how the file was opened, by
+    /// its version, or by the reason that a notice tells, until a change has been possible.
     [[nodiscard]] bool IsWritable() const;
     /// What the user should know about the file since the last call, a sentence each: left-over
     /// journals, things of other people where files of the engine belong, and why a file that has

@@ -10,6 +10,7 @@
 
 #include "addin/AddInTest.h"
 #include "addin/DamagedRow.h"
+#include "support/DamagedMap.h"
 
 namespace {
 
@@ -405,6 +406,25 @@ TEST_F(ConnectTest, WhatIsWrongWithTheFileIsToldWhenItIsOpened) {
     Editor()->findChild<QAction*>(u"mnuExtra(2)"_s)->trigger();
     QCoreApplication::processEvents();
     EXPECT_EQ(messages_.size(), 1) << "told once";
+}
+
+TEST_F(ConnectTest, AFileThatNoChangeIsSafeForCanBeLookedAt) {
+    const QString path = Brewery();
+    ASSERT_NO_FATAL_FAILURE(FreeUsedPages(path));
+    Initialize(path);
+    Click(kRoot);
+    ASSERT_EQ(messages_.size(), 1);
+    EXPECT_THAT(messages_[0].details.toStdString(),
+                AllOf(HasSubstr("can only be read"), HasSubstr("kvs repair")));
+    EXPECT_EQ(messages_[0].actionCaption, u"Datei &prüfen"_s);
+    Click(u"ARCH1"_s);
+    EXPECT_EQ(RowCount(1), 24);
+    for (const auto& [name, enabled] :
+         {std::pair(u"mnuArchiv(1)"_s, true), std::pair(u"mnuArchiv(2)"_s, false),
+          std::pair(u"mnuTrend(0)"_s, false), std::pair(u"mnuTrend(1)"_s, true)}) {
+        EXPECT_EQ(Editor()->findChild<QAction*>(name)->isEnabled(), enabled) << name.toStdString();
+    }
+    EXPECT_EQ(messages_.size(), 1);
 }
 
 TEST_F(ConnectTest, TrendsThatCannotBeReadAreLeftOut) {

@@ -21,6 +21,7 @@
 #include "studio/RecordingAddIn.h"
 #include "studio/StudioHost.h"
 #include "studio/StudioRegistry.h"
+#include "support/DamagedMap.h"
 
 namespace studio {
 namespace {
@@ -118,15 +119,30 @@ TEST_F(StudioWindowTest, WhatIsNoProjectIsRefusedAndTheOpenOneStays) {
     EXPECT_TRUE(addIn_.Take().isEmpty());
 }
 
+TEST_F(StudioWindowTest, ABlankBehindTheNameMayBelongToIt) {
+    ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs "_s)));
+    EXPECT_EQ(window_->windowTitle(), u"Anlage - Korvala Studio"_s);
+    ASSERT_TRUE(QFile::copy(Path(u"Anlage.kvs"_s), Path(u"Blank.kvs "_s)));
+    ASSERT_TRUE(window_->OpenProject(Path(u"Blank.kvs "_s)));
+    EXPECT_EQ(window_->windowTitle(), u"Blank - Korvala Studio"_s);
+    EXPECT_TRUE(addIn_.events.contains(u"Initialize %1  0"_s.arg(InProjectForm(u"Blank.kvs "_s))));
+}
+
 TEST_F(StudioWindowTest, AProjectThatCanOnlyBeLookedAtSaysSoInTheTitle) {
     ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
     EXPECT_EQ(window_->windowTitle(), u"Anlage - Korvala Studio"_s);
     // Of a version that nobody writes any more.
     QFile::copy(QStringLiteral(KV_TEST_DATA "/test2V1997.mdb"), Path(u"Alt.kvs"_s));
     ASSERT_TRUE(window_->OpenProject(Path(u"Alt.kvs"_s)));
-    EXPECT_EQ(window_->windowTitle(), u"Alt [schreibgeschützt] - Korvala Studio"_s);
+    EXPECT_EQ(window_->windowTitle(), u"Alt [nur lesbar] - Korvala Studio"_s);
     Action(u"mnuSettingsLanguage(1033)"_s)->trigger();
     EXPECT_EQ(window_->windowTitle(), u"Alt [read only] - Korvala Studio"_s);
+    // One that every change would damage more.
+    QFile::copy(QStringLiteral(KV_EXAMPLES "/Brauerei.kvs"), Path(u"Kaputt.kvs"_s));
+    ASSERT_TRUE(QFile::setPermissions(Path(u"Kaputt.kvs"_s), QFile::ReadOwner | QFile::WriteOwner));
+    ASSERT_NO_FATAL_FAILURE(FreeUsedPages(Path(u"Kaputt.kvs"_s)));
+    ASSERT_TRUE(window_->OpenProject(Path(u"Kaputt.kvs"_s)));
+    EXPECT_EQ(window_->windowTitle(), u"Kaputt [read only] - Korvala Studio"_s);
 }
 
 TEST_F(StudioWindowTest, LanguageIsStoredAndTheProjectLoadedAgain) {

@@ -69,10 +69,12 @@ Status Database::Rep::TellWhetherWritable() {
     JET_TRY(scope.GetStatus());
     const Result<PageState> pages = CheckPages(cache);
     if (!pages.IsOk()) {
+        canOnlyBeRead = true;
         Notify("it can only be read: " + pages.GetStatus().Text() + kRepairHint);
         return {};
     }
     if (const Status place = recovery->CheckPlace(); !place.IsOk()) {
+        canOnlyBeRead = true;
         Notify("it can only be read: " + place.Text());
     }
     for (const std::string& limit : pages->limits) {
@@ -180,6 +182,7 @@ Status Database::Rep::Begin() {
         locks->UnlockWriter();
         return pages.GetStatus();
     }
+    canOnlyBeRead = false;
     cache.Begin();
     known = KnownTables();
     isRolledBack = false;

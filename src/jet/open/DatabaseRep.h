@@ -51,6 +51,7 @@ struct Database::Rep {
     Waits waits;
     int depth = 0;               // of joined transactions
     bool isRolledBack = false;   // inside an outer transaction that is still to end
+    bool canOnlyBeRead = false;  // as the last look has found
     bool pagesAreSound = false;  // has been checked, before the first transaction
     Status broken;               // why nothing more can be written until the file is opened again
 
