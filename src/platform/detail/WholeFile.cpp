@@ -6,10 +6,10 @@
 
 #include <cerrno>
 #include <chrono>
-#include <cstdio>
 #include <cstring>
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 #include <thread>
 #include <tuple>
 
@@ -71,32 +71,17 @@ class Descriptor {
 public:
     explicit Descriptor(int number) : number_(number) {}
     ~Descriptor() {
-        // Nothing was promised about it yet: what matters is closed with Close().
+        // Nothing is written through it.
         if (number_ >= 0) std::ignore = close(number_);
     }
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
 
     [[nodiscard]] int Number() const noexcept { return number_; }
-    [[nodiscard]] bool Close() { return close(std::exchange(number_, -1)) == 0; }
 
 private:
     int number_;
 };
-
-/// Writes all bytes to the disk; false with errno when that fails.
-bool WriteDown(int descriptor, const QByteArray& bytes) {
-    const char* from = bytes.constData();
-    qsizetype left = bytes.size();
-    while (left > 0) {
-        const ssize_t written = write(descriptor, from, static_cast<std::size_t>(left));
-        if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) return false;
-        from += written;
-        left -= written;
-    }
-    return fsync(descriptor) == 0;
-}
 
 QByteArray FolderOf(const QString& file) {
     return QFile::encodeName(QFileInfo(file).absolutePath());
@@ -143,31 +128,16 @@ std::optional<QByteArray> Read(const QString& file) {
 }
 
 void Replace(const QString& file, const QByteArray& bytes) {
-    const QString real = QFileInfo(file).canonicalFilePath();
-    const QByteArray target = QFile::encodeName(real.isEmpty() ? file : real);
-    struct stat old {};
-    const bool exists = stat(target.constData(), &old) == 0;
-    if (exists && access(target.constData(), W_OK) != 0) Fail(file, Action::Write, errno);
-
-    QByteArray beside;
-    int number = -1;
-    for (int attempt = 0; number < 0 && attempt < 100; ++attempt) {
-        beside = target + ".new" + QByteArray::number(getpid()) + '-' + QByteArray::number(attempt);
-        number = open(beside.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (number < 0 && errno != EEXIST) break;
+    // QSaveFile would not tell this from a fault of the disk.
+    const QByteArray target = QFile::encodeName(file);
+    if (access(target.constData(), F_OK) == 0 && access(target.constData(), W_OK) != 0) {
+        Fail(file, Action::Write, errno);
     }
-    if (number < 0) Fail(file, Action::Write, errno);
-    Descriptor written(number);
-    bool good = WriteDown(number, bytes);
-    if (good && exists) good = fchmod(number, old.st_mode & 07777U) == 0;
-    if (good) good = written.Close();
-    if (good) good = rename(beside.constData(), target.constData()) == 0;
-    if (!good) {
-        const int cause = errno;
-        // The first error is the one to tell.
-        std::ignore = unlink(beside.constData());
-        Fail(file, Action::Write, cause);
-    }
+    QSaveFile written(file);
+    // commit() waits for the disk too, but keeps to itself what the disk says.
+    const bool good = written.open(QIODevice::WriteOnly) && written.write(bytes) == bytes.size() &&
+                      written.flush() && fsync(written.handle()) == 0 && written.commit();
+    if (!good) Fail(file, Action::Write, errno);
 }
 
 Lock::Lock(const QString& file)
