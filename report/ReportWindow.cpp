@@ -20,6 +20,7 @@
 
 #include "guard/Guard.h"
 #include "help/HelpViewer.h"
+#include "icons/Icons.h"
 #include "messages/MessageBox.h"
 #include "messages/PlainTexts.h"
 #include "paths/NativePath.h"
@@ -112,8 +113,8 @@ void ReportWindow::BuildActions() {
                               &ReportWindow::FindNext);
     QAction* previous = AddAction("actFindPrevious", Text::FindPrevious, Text::FindPrevious,
                                   Qt::SHIFT | Qt::Key_F3, &ReportWindow::FindPrevious);
-    next->setIconText(u"▼"_s);
-    previous->setIconText(u"▲"_s);
+    next->setIcon(icons::Icon(u"arrow-down"));
+    previous->setIcon(icons::Icon(u"arrow-up"));
     bar->addAction(previous);
     bar->addAction(next);
     connect(txtFind_, &QLineEdit::returnPressed, next, &QAction::trigger);

@@ -105,12 +105,11 @@ QColor KVColorSelect::ShownColor() const {
 QColor KVColorSelect::Shown(int color, const QPalette& palette) {
     const auto bits = static_cast<quint32>(color);
     if ((bits & kSystemColor) != 0) return palette.color(QPalette::Active, SystemRole(bits & 0xff));
-    return QColor(static_cast<int>(bits & 0xff), static_cast<int>(bits >> 8 & 0xff),
-                  static_cast<int>(bits >> 16 & 0xff));
+    return QColor(qBlue(bits), qGreen(bits), qRed(bits));  // stored the other way round
 }
 
 int KVColorSelect::ToNumber(const QColor& color) {
-    return color.red() | color.green() << 8 | color.blue() << 16;
+    return static_cast<int>(qRgba(color.blue(), color.green(), color.red(), 0));
 }
 
 QString KVColorSelect::NameOf(const QColor& color) const {

@@ -18,6 +18,7 @@
 
 #include "help/detail/HtmlText.h"
 #include "help/HelpPage.h"
+#include "icons/Icons.h"
 #include "messages/PlainTexts.h"
 #include "platform/HelpTopics.h"
 #include "texts/MResourceTable.h"
@@ -77,9 +78,11 @@ void HelpWindow::BuildToolBar() {
     bar->setObjectName(u"tbrHelp"_s);
     bar->setMovable(false);
     bar->setContextMenuPolicy(Qt::PreventContextMenu);
-    QAction* back = AddAction("actBack", texts_.GetText(Text::Back), u"◀"_s, QKeySequence::Back);
+    QAction* back = AddAction("actBack", texts_.GetText(Text::Back), {}, QKeySequence::Back);
     QAction* forward =
-        AddAction("actForward", texts_.GetText(Text::Forward), u"▶"_s, QKeySequence::Forward);
+        AddAction("actForward", texts_.GetText(Text::Forward), {}, QKeySequence::Forward);
+    back->setIcon(icons::Icon(u"arrow-left"));
+    forward->setIcon(icons::Icon(u"arrow-right"));
     const QString homeText = texts_.GetText(Text::Home);
     QAction* home = AddAction("actHome", homeText, homeText, Qt::ALT | Qt::Key_Home);
     QAction* smaller =

@@ -156,13 +156,12 @@ QColor ColourOf(const InitValue& value) {
     if (value.IsText()) return QColor(value.AsText().trimmed());
     const double number = value.AsNumber();
     if (!(number >= 0) || number > 0xFFFFFF) return {};
-    const auto bits = static_cast<unsigned>(number);
-    return QColor::fromRgb(static_cast<int>(bits & 0xFFU), static_cast<int>(bits >> 8U & 0xFFU),
-                           static_cast<int>(bits >> 16U));
+    const auto bits = static_cast<QRgb>(number);
+    return QColor(qBlue(bits), qGreen(bits), qRed(bits));
 }
 
 int NumberOfColour(const QColor& colour) {
-    return colour.red() + colour.green() * 0x100 + colour.blue() * 0x10000;
+    return static_cast<int>(qRgba(colour.blue(), colour.green(), colour.red(), 0));
 }
 
 /// The value as the property wants it; invalid when it has no such meaning.
