@@ -190,7 +190,7 @@ TEST_F(HistoryTest, RowsThatAnotherHasChangedDeletedOrFilled) {
              rows.Archives().MoveLast();
              const std::int32_t archive = ado::ToLong(rows.Archives().Get("ID"));
              project::NewTrend trend;
-             trend.name = u"Fremd";
+             trend.name = std::u16string(u"Fremd");
              std::ignore = rows.AddTrend(archive, trend);
          },
          Kind::RowInUse},
