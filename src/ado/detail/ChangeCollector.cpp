@@ -58,7 +58,11 @@ void ChangeCollector::Changed(std::size_t number, jet::Table& table, const jet::
 
 void ChangeCollector::StepEnded(bool done) {
     if (done) {
-        std::erase_if(entries_, [](const Entry& entry) { return !entry.isDone; });
+        // Of this step alone: a transaction may have as many steps as rows.
+        const auto step = entries_.begin() + static_cast<std::ptrdiff_t>(stepBegin_);
+        entries_.erase(
+            std::remove_if(step, entries_.end(), [](const Entry& entry) { return !entry.isDone; }),
+            entries_.end());
     } else {
         entries_.resize(stepBegin_);
     }
