@@ -1,10 +1,7 @@
 #include "dialogs/FTrend.h"
 
 #include <algorithm>
-#include <initializer_list>
 #include <optional>
-#include <string_view>
-#include <utility>
 
 #include "dialogs/ColourTexts.h"
 #include "dialogs/KeyFilter.h"
@@ -23,6 +20,11 @@ constexpr int kNoFilter = 0;
 std::optional<double> NumberIn(const QLineEdit& field) {
     const project::NumberText read = project::ReadNumber(field.text().toStdU16String());
     return read.any ? std::optional(read.number) : std::nullopt;
+}
+
+QString ControlName(QStringView kind, std::string_view column) {
+    return kind.toString() +
+           QLatin1StringView(column.data(), static_cast<qsizetype>(column.size()));
 }
 
 /// The code that a list shows, as far as a picture needs one.
@@ -60,6 +62,16 @@ void FTrend::SetOpenedName(const QString& name) {
     PropertyDialog::SetOpenedName(name);
 }
 
+QWidget* FTrend::FieldOf(std::string_view column) const {
+    const project::Column* known = project::FindTrendColumn(column);
+    if (known == nullptr || known->dialogCaption == 0) return nullptr;
+    for (const QStringView kind : {u"txt", u"cmb", u"clr"}) {
+        auto* field = findChild<QWidget*>(ControlName(kind, column));
+        if (field != nullptr) return field;
+    }
+    return nullptr;
+}
+
 int FTrend::HelpTopic(int page) const {
     return platform::kHelpTrendStandard + page;
 }
@@ -77,37 +89,12 @@ void FTrend::SetCaptions() {
         tabTrend->setTabText(page, Text(kTextTrendPageStandard + page));
     }
     Frame1->setTitle(Text(kTextTrendDialogDisplayRange));
-    const std::initializer_list<std::pair<QLabel*, int>> labels = {
-        {lblName, kTextTrendDialogName},
-        {lblTextID, kTextTrendDialogDisplayText},
-        {lblTrendVar, kTextTrendDialogTrendVar},
-        {lblUnit, kTextTrendDialogUnit},
-        {lblComment, kTextTrendDialogComment},
-        {lblMaximum, kTextTrendDialogMaximum},
-        {lblMinimum, kTextTrendDialogMinimum},
-        {lblSurrogateMax, kTextTrendDialogSurrogateMax},
-        {lblSurrogateMin, kTextTrendDialogSurrogateMin},
-        {lblErrorValue, kTextTrendDialogErrorValue},
-        {lblHysteresisMode, kTextTrendDialogHysteresisMode},
-        {lblHysteresis, kTextTrendDialogHysteresis},
-        {lblFactor, kTextTrendDialogFactor},
-        {lblOffset, kTextTrendDialogOffset},
-        {lblFilter, kTextTrendDialogFilter},
-        {lblFilterDepth, kTextTrendDialogFilterDepth},
-        {lblVLineColor, kTextTrendDialogVLineColor},
-        {lblVLineWidth, kTextTrendDialogVLineWidth},
-        {lblVLineStyle, kTextTrendDialogVLineStyle},
-        {lblVDrawMode, kTextTrendDialogVDrawMode},
-        {lblVMax, kTextTrendDialogVMax},
-        {lblVMin, kTextTrendDialogVMin},
-        {lblVMaxSamples, kTextTrendDialogVMaxSamples},
-        {lblVUpper, kTextTrendDialogVUpper},
-        {lblVUpperColor, kTextTrendDialogVUpperColor},
-        {lblVLower, kTextTrendDialogVLower},
-        {lblVLowerColor, kTextTrendDialogVLowerColor},
-        {lblVConfig, kTextTrendDialogVConfig},
-    };
-    for (const auto& [label, text] : labels) label->setText(Text(text));
+    lblTextID->setText(Text(kTextTrendDialogDisplayText));
+    for (const project::Column& column : project::TrendColumns()) {
+        if (column.dialogCaption == 0) continue;
+        auto* label = findChild<QLabel*>(ControlName(u"lbl", column.name));
+        if (label != nullptr) label->setText(Text(column.dialogCaption));
+    }
     for (CurvePreview* picture : {picCurve, picTolerance}) {
         picture->setAccessibleName(Text(kTextSampleCurve));
         picture->setToolTip(Text(kTextSampleCurve));
@@ -116,22 +103,15 @@ void FTrend::SetCaptions() {
 
 void FTrend::SetColorTexts() {
     const ColorTexts texts = ColourTexts(Services().texts);
-    for (KVColorSelect* selector : {clrVLineColor, clrVUpperColor, clrVLowerColor}) {
-        selector->SetTexts(texts);
-    }
+    for (KVColorSelect* selector : findChildren<KVColorSelect*>()) selector->SetTexts(texts);
 }
 
 void FTrend::FillLists() {
     // The position in a list is the code that is stored, and the item data. No hysteresis comes
     // last.
-    const std::initializer_list<std::pair<QComboBox*, std::string_view>> lists = {
-        {cmbHysteresisMode, "HysteresisMode"},
-        {cmbFilter, "Filter"},
-        {cmbVLineStyle, "VLineStyle"},
-        {cmbVConfig, "VConfig"},
-        {cmbVDrawMode, "VDrawMode"}};
-    for (const auto& [list, column] : lists) {
-        FillWithCodes(*list, project::FindTrendColumn(column)->codes);
+    for (const project::Column& column : project::TrendColumns()) {
+        auto* list = qobject_cast<QComboBox*>(FieldOf(column.name));
+        if (list != nullptr) FillWithCodes(*list, column.codes);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <QString>
+#include <string_view>
 
 #include "dialogs/PropertyDialog.h"
 #include "ui_FTrend.h"
@@ -20,6 +21,11 @@ public:
     void SetDisplayTextAvailable(bool available);
     /// As PropertyDialog's; call it when the controls have been filled.
     void SetOpenedName(const QString& name);
+
+    /// The control that shows a column, found by its name: a QLineEdit txtFactor, a QComboBox
+    /// cmbFilter or a KVColorSelect clrVLineColor, with the label lblFactor beside it. Null when
+    /// the dialog shows no such column.
+    [[nodiscard]] QWidget* FieldOf(std::string_view column) const;
 
     // TrendVar, Maximum, Minimum, SurrogateMax, SurrogateMin, ErrorValue, Hysteresis
     std::array<QPushButton*, 7> cmdChoose{};

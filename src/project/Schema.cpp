@@ -1,6 +1,7 @@
 #include "project/Schema.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 
 #include "project/Colour.h"
@@ -76,6 +77,11 @@ constexpr Column Shown(int caption, Column column) {
     column.caption = caption;
     return column;
 }
+/// In the dialog it has a text of its own.
+constexpr Column Shown(int caption, int dialogCaption, Column column) {
+    column.dialogCaption = dialogCaption;
+    return Shown(caption, column);
+}
 
 // The file name of a new archive is made of its name, see Names. A `NewFile` that is Null is the
 // empty text that every file accepts.
@@ -104,36 +110,36 @@ constexpr Column kArchiveColumns[] = {
 
 // The colour of a new curve depends on the other trends, see CurveColours.
 constexpr Column kTrendColumns[] = {
-    Shown(101, NameOf(80)),
+    Shown(101, 402, NameOf(80)),
     KeyOf("ArchiveID"),
     KeyOf("TextID"),
-    Shown(102, TextOf("TrendVar", 255, Variable)),
-    Shown(103, TextOf("Maximum", 64, Limit)),
-    Shown(104, TextOf("Minimum", 64, Limit)),
-    Shown(105, TextOf("SurrogateMax", 64, Limit)),
-    Shown(106, TextOf("SurrogateMin", 64, Limit)),
-    Shown(107, TextOf("ErrorValue", 64, Limit)),
-    Shown(108, TextOf("Hysteresis", 64, Limit)),
-    Shown(109, CodeOf("HysteresisMode", kHysteresisModes, kNoHysteresis)),
-    Shown(110, NumberOf("Factor", Double, 1)),
-    Shown(111, NumberOf("Offset", Double, 0)),
-    Shown(112, CodeOf("Filter", kFilters, 0)),
-    Shown(113, CountOf("FilterDepth", Long, 0)),
-    Shown(114, TextOf("Unit", 32)),
-    Shown(115, NumberOf("VMax", Double, 100)),
-    Shown(116, NumberOf("VMin", Double, 0)),
-    Shown(117, NumberOf("VUpper", Double, 90)),
-    Shown(118, NumberOf("VLower", Double, 10)),
-    Shown(119, ColourOf("VLineColor")),
-    Shown(120, CountOf("VLineWidth", Short, 1)),
-    Shown(121, CodeOf("VLineStyle", kLineStyles, 0)),
-    Shown(122, ColourOf("VUpperColor", kRed)),
-    Shown(123, ColourOf("VLowerColor", kBlue)),
-    Shown(124, CodeOf("VConfig", kConfigs, 0)),
-    Shown(125, CodeOf("VDrawMode", kDrawModes, 0)),
-    Shown(126, CountOf("VMaxSamples", Long, 1000)),
-    Shown(127, KeyOf("VUnitID")),
-    Shown(128, TextOf("Comment", 255)),
+    Shown(102, 404, TextOf("TrendVar", 255, Variable)),
+    Shown(103, 405, TextOf("Maximum", 64, Limit)),
+    Shown(104, 406, TextOf("Minimum", 64, Limit)),
+    Shown(105, 407, TextOf("SurrogateMax", 64, Limit)),
+    Shown(106, 408, TextOf("SurrogateMin", 64, Limit)),
+    Shown(107, 409, TextOf("ErrorValue", 64, Limit)),
+    Shown(108, 410, TextOf("Hysteresis", 64, Limit)),
+    Shown(109, 411, CodeOf("HysteresisMode", kHysteresisModes, kNoHysteresis)),
+    Shown(110, 412, NumberOf("Factor", Double, 1)),
+    Shown(111, 413, NumberOf("Offset", Double, 0)),
+    Shown(112, 414, CodeOf("Filter", kFilters, 0)),
+    Shown(113, 415, CountOf("FilterDepth", Long, 0)),
+    Shown(114, 416, TextOf("Unit", 32)),
+    Shown(115, 417, NumberOf("VMax", Double, 100)),
+    Shown(116, 418, NumberOf("VMin", Double, 0)),
+    Shown(117, 419, NumberOf("VUpper", Double, 90)),
+    Shown(118, 420, NumberOf("VLower", Double, 10)),
+    Shown(119, 421, ColourOf("VLineColor")),
+    Shown(120, 422, CountOf("VLineWidth", Short, 1)),
+    Shown(121, 423, CodeOf("VLineStyle", kLineStyles, 0)),
+    Shown(122, 424, ColourOf("VUpperColor", kRed)),
+    Shown(123, 425, ColourOf("VLowerColor", kBlue)),
+    Shown(124, 426, CodeOf("VConfig", kConfigs, 0)),
+    Shown(125, 427, CodeOf("VDrawMode", kDrawModes, 0)),
+    Shown(126, 428, CountOf("VMaxSamples", Long, 1000)),
+    Shown(127, 429, KeyOf("VUnitID")),
+    Shown(128, 430, TextOf("Comment", 255)),
 };
 
 constexpr Column kTextColumns[] = {KeyOf("ParentID"), NameOf(100), TextOf(kParamNames, 255)};
@@ -159,14 +165,15 @@ constexpr Table kTables[] = {
     {kLanguageTable, kLanguageColumns},
 };
 
-std::string MakeTrendQuery() {
+/// `has` tells whether the table of trends has a column.
+std::string MakeTrendQuery(const std::function<bool(std::string_view)>& has) {
     const std::string trends(kTrendTable);
     const std::string texts(kTextTable);
     std::string query = "SELECT " + trends + ".ID AS ID, " + trends + ".Name AS Name, " + trends +
                         ".ArchiveID, " + trends + ".TextID, " + texts + ".*";
     for (const Column& column : kTrendColumns) {
         const bool stands = column.name == "Name" || column.caption == 0;
-        if (stands) continue;
+        if (stands || !has(column.name)) continue;
         // The columns of the display stand in back quotes.
         const std::string quote = column.name.starts_with('V') ? "`" : "";
         query += ", " + trends + "." + quote + std::string(column.name) + quote;
@@ -234,8 +241,15 @@ bool IsLanguageColumn(std::string_view name) {
 }
 
 const std::string& TrendQuery() {
-    static const std::string query = MakeTrendQuery();
+    static const std::string query = MakeTrendQuery([](std::string_view) { return true; });
     return query;
+}
+
+std::string TrendQuery(std::span<const ado::Field> trends) {
+    return MakeTrendQuery([&](std::string_view column) {
+        return std::any_of(trends.begin(), trends.end(),
+                           [&](const ado::Field& field) { return field.name == column; });
+    });
 }
 
 bool IsSound(const Column& column, const ado::Value& value) {

@@ -55,6 +55,7 @@ struct Column {
     Default initial{};
     std::span<const Code> codes{};  // of a Listed one, in the order in which the grid lists them
     int caption = 0;        // number of the interface's text over the grid's column; 0: none
+    int dialogCaption = 0;  // the same beside the dialog's field
     bool required = false;  // without it, or with blanks alone, the row is of no use
     bool isCount = false;   // a number that is never negative
 };
@@ -99,6 +100,9 @@ inline constexpr std::string_view kParamNames = "ParamNames";
 /// The statement that joins the trends of an archive with their texts; the archive's ID is its one
 /// parameter.
 [[nodiscard]] const std::string& TrendQuery();
+/// The same for a project whose table of trends has these columns: settings that it lacks are left
+/// out, so that a project of before a new setting can be opened.
+[[nodiscard]] std::string TrendQuery(std::span<const ado::Field> trends);
 
 /// Whether a value is one that the column is meant to hold. A stored one may be otherwise.
 [[nodiscard]] bool IsSound(const Column& column, const ado::Value& value);

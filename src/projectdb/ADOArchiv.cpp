@@ -41,6 +41,7 @@ void ADOArchiv::CloseConnection() {
     if (connection_.State() != ado::ObjectState::Open) return;
     for (ado::Recordset* recordset : connection_.OpenRecordsets()) recordset->Close();
     connection_.Close();
+    trendQuery_.clear();
 }
 
 ado::Recordset& ADOArchiv::Recordset(Command command) {
@@ -50,8 +51,18 @@ ado::Recordset& ADOArchiv::Recordset(Command command) {
 ado::Recordset& ADOArchiv::Open(Command command, const std::vector<std::u16string>& parameters) {
     const Definition& definition = DefinitionOf(command);
     ado::Recordset& recordset = Recordset(command);
-    recordset.Open(definition.source, connection_, definition.type, parameters);
+    recordset.Open(command == Command::tabTrends ? TrendQuery() : definition.source, connection_,
+                   definition.type, parameters);
     return recordset;
+}
+
+const std::string& ADOArchiv::TrendQuery() {
+    if (trendQuery_.empty()) {
+        ado::Recordset trends;
+        trends.Open(project::kTrendTable, connection_, ado::CommandType::Table);
+        trendQuery_ = project::TrendQuery(trends.Fields());
+    }
+    return trendQuery_;
 }
 
 ado::Recordset& ADOArchiv::PrepareRecordset(Command command) {

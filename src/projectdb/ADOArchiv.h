@@ -4,6 +4,7 @@
 #include <memory>
 #include <QString>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -61,8 +62,12 @@ public:
     void CloseRecordset(Command command) noexcept;
 
 private:
+    /// The query of the trends as the project can answer it.
+    [[nodiscard]] const std::string& TrendQuery();
+
     ado::Connection connection_;
     project::ChangeRecorder recorder_{connection_};
+    std::string trendQuery_;  // empty until it is asked for
     // Behind the connection, which must outlive them.
     std::array<ado::Recordset, kCommandCount> recordsets_;
 };

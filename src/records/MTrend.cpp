@@ -1,7 +1,5 @@
 #include "records/MTrend.h"
 
-#include <algorithm>
-#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -31,54 +29,6 @@ using project::LanguageColumn;
 constexpr std::string_view kHysteresis = "Hysteresis";
 constexpr std::string_view kHysteresisMode = "HysteresisMode";
 
-template <typename Control>
-struct Column {
-    std::string_view name;
-    Control* Ui_FTrend::*control;
-};
-
-constexpr std::array<Column<QLineEdit>, 18> kTextColumns = {{
-    {"Name", &Ui_FTrend::txtName},
-    {"TrendVar", &Ui_FTrend::txtTrendVar},
-    {"Maximum", &Ui_FTrend::txtMaximum},
-    {"Minimum", &Ui_FTrend::txtMinimum},
-    {"SurrogateMax", &Ui_FTrend::txtSurrogateMax},
-    {"SurrogateMin", &Ui_FTrend::txtSurrogateMin},
-    {"ErrorValue", &Ui_FTrend::txtErrorValue},
-    {"Factor", &Ui_FTrend::txtFactor},
-    {"Offset", &Ui_FTrend::txtOffset},
-    {"FilterDepth", &Ui_FTrend::txtFilterDepth},
-    {"Unit", &Ui_FTrend::txtUnit},
-    {"VMax", &Ui_FTrend::txtVMax},
-    {"VMin", &Ui_FTrend::txtVMin},
-    {"VUpper", &Ui_FTrend::txtVUpper},
-    {"VLower", &Ui_FTrend::txtVLower},
-    {"VLineWidth", &Ui_FTrend::txtVLineWidth},
-    {"VMaxSamples", &Ui_FTrend::txtVMaxSamples},
-    {"Comment", &Ui_FTrend::txtComment},
-}};
-constexpr std::array<Column<QComboBox>, 4> kCodeColumns = {{
-    {"Filter", &Ui_FTrend::cmbFilter},
-    {"VLineStyle", &Ui_FTrend::cmbVLineStyle},
-    {"VConfig", &Ui_FTrend::cmbVConfig},
-    {"VDrawMode", &Ui_FTrend::cmbVDrawMode},
-}};
-constexpr std::array<Column<KVColorSelect>, 3> kColorColumns = {{
-    {"VLineColor", &Ui_FTrend::clrVLineColor},
-    {"VUpperColor", &Ui_FTrend::clrVUpperColor},
-    {"VLowerColor", &Ui_FTrend::clrVLowerColor},
-}};
-
-/// The control of a column, null when it belongs to another table.
-template <typename Control, std::size_t N>
-Control* Find(const std::array<Column<Control>, N>& columns, std::string_view name,
-              const FTrend& dialog) {
-    const auto found =
-        std::find_if(columns.begin(), columns.end(),
-                     [&](const Column<Control>& column) { return column.name == name; });
-    return found == columns.end() ? nullptr : dialog.*found->control;
-}
-
 /// A value as the user writes it.
 QString TextOf(const ado::Value& value) {
     return projectdb::ToQString(project::ValueText(value, platform::DecimalSeparator().unicode()));
@@ -95,6 +45,7 @@ void Load(const ado::Recordset& trend, FTrend& dialog, platform::Lcid language) 
     };
     for (std::size_t i = 0; i < trend.Fields().size(); ++i) {
         const std::string_view name = trend.Fields()[i].name;
+        QWidget* field = dialog.FieldOf(name);
         if (name == languageColumn) {
             dialog.SetDisplayTextAvailable(true);
             show(*dialog.txtTextID, i);
@@ -108,12 +59,12 @@ void Load(const ado::Recordset& trend, FTrend& dialog, platform::Lcid language) 
             hysteresis = TextOf(trend.Get(i));
         } else if (name == kHysteresisMode) {
             mode = ado::ToLong(trend.Get(i));
-        } else if (QLineEdit* text = Find(kTextColumns, name, dialog)) {
+        } else if (auto* text = qobject_cast<QLineEdit*>(field)) {
             show(*text, i);
-        } else if (QComboBox* list = Find(kCodeColumns, name, dialog)) {
+        } else if (auto* list = qobject_cast<QComboBox*>(field)) {
             dialog.ShowCode(*list, projectdb::NumberOf(trend, name),
                             project::FindTrendColumn(name)->codes);
-        } else if (KVColorSelect* color = Find(kColorColumns, name, dialog)) {
+        } else if (auto* color = qobject_cast<KVColorSelect*>(field)) {
             const ado::Value value = trend.Get(i);
             ado::IsNull(value) ? color->ClearColor() : color->SetColor(ado::ToLong(value));
         }
@@ -146,18 +97,18 @@ void Assign(ado::Recordset& trend, const FTrend& dialog, platform::Lcid language
     const std::string languageColumn = LanguageColumn(language);
     for (std::size_t i = 0; i < trend.Fields().size(); ++i) {
         const std::string_view name = trend.Fields()[i].name;
-        const QLineEdit* text =
-            name == languageColumn ? dialog.txtTextID : Find(kTextColumns, name, dialog);
-        if (text != nullptr) {
+        if (name == kHysteresis || name == kHysteresisMode) continue;  // see StoreHysteresis
+        const QWidget* field = name == languageColumn ? dialog.txtTextID : dialog.FieldOf(name);
+        if (const auto* text = qobject_cast<const QLineEdit*>(field)) {
             if (dialog.Touched(*text)) MDialogs::TextToField(trend, i, *text);
         } else if (name == kParamNames) {
             const std::optional<QString>& names = dialog.IndexTextParamNames();
             const ado::Value kept =
                 names ? ado::Value(projectdb::ToUtf16(*names)) : ado::Value(ado::Null());
             if (trend.Get(i) != kept) trend.Set(i, kept);
-        } else if (const QComboBox* list = Find(kCodeColumns, name, dialog)) {
+        } else if (const auto* list = qobject_cast<const QComboBox*>(field)) {
             if (dialog.Touched(*list)) MDialogs::ComboToField(trend, i, *list);
-        } else if (const KVColorSelect* color = Find(kColorColumns, name, dialog)) {
+        } else if (const auto* color = qobject_cast<const KVColorSelect*>(field)) {
             if (color->HasColor() && dialog.Touched(*color)) {
                 trend.Set(i, static_cast<std::int32_t>(color->Color()));
             }

@@ -73,7 +73,9 @@ TEST_F(TrendCommandsTest, ANewTrendGetsANameThatNoOtherHas) {
 
 TEST_F(TrendCommandsTest, ATableWithOtherColumnsGetsTheDefaultsThatItTakes) {
     OpenAltered([](ado::NewTable& form) {
-        std::erase_if(form.columns, [](const auto& c) { return c.name == "CacheSize"; });
+        std::erase_if(form.columns, [](const auto& c) {
+            return c.name == "CacheSize" || c.name == "VMaxSamples";
+        });
         for (ado::NewColumn& column : form.columns) {
             if (column.name == "VLineColor" || column.name == "Factor") {
                 column.type = ado::DataType::VarWChar;
@@ -90,8 +92,9 @@ TEST_F(TrendCommandsTest, ATableWithOtherColumnsGetsTheDefaultsThatItTakes) {
     OpenArchive(archive);
     EXPECT_EQ(trends_.New(), 1);
     std::string fields = Replaced(NewTrendFields(0), "|VLineColor=0", "");
-    fields = Replaced(fields, "|Factor=1", "");
+    fields = Replaced(Replaced(fields, "|Factor=1", ""), "|VMaxSamples=1000", "");
     EXPECT_EQ(Read().at("TchrTrends")[0], "ID=1|Name=Trd1|ArchiveID=1|TextID=2" + fields);
+    EXPECT_EQ(window_.trends, QStringList(u"Trd1"_s)) << "the query does without the column";
 }
 
 TEST_F(TrendCommandsTest, WithoutARootGroupTheTextHasNoGroup) {
