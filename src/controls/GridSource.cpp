@@ -4,16 +4,6 @@ GridSource::GridSource(QObject* parent) : QAbstractTableModel(parent) {}
 
 GridSource::~GridSource() = default;
 
-GridRowState GridSource::RowState(GridRowId /*row*/) const {
-    return GridRowState::Stored;
-}
-
-GridCommit GridSource::CommitRow(GridRowId /*row*/) {
-    return GridCommit::Stored();
-}
-
-void GridSource::CancelRow(GridRowId /*row*/) {}
-
 bool GridSource::setData(const QModelIndex& index, const QVariant& value, int role) {
     if (!index.isValid() || (role != Qt::EditRole && role != GridRole::kStored)) return false;
     return CommitCell(IdAt(index.row()), index.column(), value).outcome ==

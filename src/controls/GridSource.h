@@ -34,11 +34,6 @@ inline constexpr int kKind = Qt::UserRole + 3;
 inline constexpr int kNumber = Qt::UserRole + 4;
 }  // namespace GridRole
 
-enum class GridRowState {
-    Stored,
-    New,  // shown, but not written yet: CommitRow writes it, CancelRow takes it back
-};
-
 /// What became of a change.
 struct GridCommit {
     enum class Outcome {
@@ -107,12 +102,6 @@ public:
     /// A row that has gone meanwhile is a failure like others.
     /// The call may show a message box, and the model may even be reset within it.
     virtual GridCommit CommitCell(GridRowId row, int column, const QVariant& value) = 0;
-
-    [[nodiscard]] virtual GridRowState RowState(GridRowId row) const;
-    /// Writes a row in state New. On failure the row's pending values are gone.
-    virtual GridCommit CommitRow(GridRowId row);
-    /// Takes a row in state New back: it disappears.
-    virtual void CancelRow(GridRowId row);
 
     /// Goes through CommitCell. Returns whether the value is stored.
     bool setData(const QModelIndex& index, const QVariant& value, int role) override;

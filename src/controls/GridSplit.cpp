@@ -101,7 +101,6 @@ void GridSplit::RowsRebuilt(bool sourceReset) {
         CurrentCellChanged();
     }
     emit FilterChanged();
-    emit SortChanged();
 }
 
 void GridSplit::DiscardLostEdit() {
@@ -265,10 +264,6 @@ void GridSplit::SelectAll() {
     if (rows_->rowCount() > 0) view_.SelectRange(0, rows_->rowCount() - 1);
 }
 
-void GridSplit::ClearSelection() {
-    view_.selectionModel()->clearSelection();
-}
-
 QList<GridRowId> GridSplit::ShownRows() const {
     QList<GridRowId> ids;
     for (int row = 0; row < rows_->rowCount(); ++row) ids.push_back(rows_->IdAt(row));
@@ -287,10 +282,9 @@ void GridSplit::CurrentCellChanged() {
     const GridRowId row = CurrentRow();
     const int column = CurrentColumn();
     if (row == currentRow_ && column == currentColumn_) return;
-    const GridRowId left = std::exchange(currentRow_, row);
+    currentRow_ = row;
     currentColumn_ = column;
     emit RowColChange(row, column);
-    if (left != row) CommitNewRow(left);
 }
 
 // --- order and narrowing

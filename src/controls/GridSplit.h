@@ -32,7 +32,6 @@ class GridSplit final : public QObject {
     Q_PROPERTY(bool AlwaysCurrent READ AlwaysCurrent WRITE SetAlwaysCurrent)
     Q_PROPERTY(QString FrozenColumn READ FrozenColumn WRITE SetFrozenColumn)
     Q_PROPERTY(bool DataChanged READ DataChanged)
-    Q_PROPERTY(bool AddingNew READ AddingNew)
 
 public:
     /// `view` shows the split and outlives it.
@@ -99,7 +98,6 @@ public:
     [[nodiscard]] QList<GridRowId> SelectedRows() const;
     void SelectRows(const QList<GridRowId>& rows);
     void SelectAll();
-    void ClearSelection();
     /// Stores nothing in the current cell, where it can be edited and is no list's.
     void ClearCell();
     /// All rows shown, from top to bottom, as far as they have been fetched.
@@ -117,14 +115,10 @@ public:
     [[nodiscard]] bool Editing() const;
     /// The pending edit differs from what is stored.
     [[nodiscard]] bool DataChanged() const;
-    /// The current row is not written yet.
-    [[nodiscard]] bool AddingNew() const;
-    /// Writes the pending edit, and the current row when it is a new one. To be called before
-    /// commands and on deactivation. False when something was refused or failed: the typed text is
-    /// the pending edit again, and what would have followed is better left undone. True when there
-    /// was nothing to write.
+    /// Writes the pending edit. To be called before commands and on deactivation. False when
+    /// something was refused or failed: the typed text is the pending edit again, and what would
+    /// have followed is better left undone. True when there was nothing to write.
     bool CommitPendingEdit();
-    void CancelEdit();
 
     // --- order and narrowing
     /// Sorts once, stably; edits and new rows do not move until it is called again, a reset
@@ -165,9 +159,7 @@ signals:
     void TextRefused(int column, const QString& text);
     /// A row disappeared while `text` was being typed into it.
     void EditDiscarded(GridRowId row, int column, const QString& text);
-    void EditStateChanged();
     /// Also after a reset, which may bring other rows.
-    void SortChanged();
     void FilterChanged();
     /// Columns were moved, resized, shown or hidden, by the user or by property.
     void LayoutChanged();
@@ -186,12 +178,10 @@ private:
     void BeginTyping(const QString& typed);
     void OpenList();
     void PressButton();
-    void CancelNewRow();
     bool Begin(bool replace, const QString& typed);
     bool Store(GridRowId row, int column, const QVariant& value);
     /// Puts a text that has been refused back into its cell, as a pending edit.
     void ReturnEdit(GridRowId row, int column, const QString& text);
-    bool CommitNewRow(GridRowId row);
     bool Report(const GridCommit& commit, GridRowId row, int column);
     /// An edit has been refused within the event that is being handled: whatever else the event
     /// wanted is off, the grid stays with the cell.

@@ -74,20 +74,9 @@ bool GridSplit::DataChanged() const {
     return edit_->Changed();
 }
 
-bool GridSplit::AddingNew() const {
-    const GridSource* source = rows_->Source();
-    const GridRowId row = CurrentRow();
-    return source != nullptr && row != kNoGridRow && source->RowState(row) == GridRowState::New;
-}
-
 bool GridSplit::CommitPendingEdit() {
     if (storing_) return false;  // called while the user is being told why it does not work
-    if (!edit_->Commit()) return false;
-    return !AddingNew() || CommitNewRow(CurrentRow());
-}
-
-void GridSplit::CancelEdit() {
-    edit_->Cancel();
+    return edit_->Commit();
 }
 
 bool GridSplit::Store(GridRowId row, int column, const QVariant& value) {
@@ -111,23 +100,6 @@ void GridSplit::ReturnEdit(GridRowId row, int column, const QString& text) {
     }
     view_.SetCurrent(rows_->index(place, column));
     if (BeginEdit()) edit_->SetText(text);
-}
-
-bool GridSplit::CommitNewRow(GridRowId row) {
-    GridSource* source = rows_->Source();
-    if (storing_ || source == nullptr || row == kNoGridRow || source->RowOf(row) < 0) return true;
-    if (source->RowState(row) != GridRowState::New) return true;
-    GridCommit commit;
-    {
-        const QScopedValueRollback storing(storing_, true);
-        commit = source->CommitRow(row);
-    }
-    return Report(commit, row, CurrentColumn());
-}
-
-void GridSplit::CancelNewRow() {
-    const QScopedValueRollback storing(storing_, true);
-    if (AddingNew()) rows_->Source()->CancelRow(CurrentRow());
 }
 
 bool GridSplit::Report(const GridCommit& commit, GridRowId row, int column) {

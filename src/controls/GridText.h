@@ -7,5 +7,4 @@ enum class GridText {
     Choose,
     CurrentRow,
     EditedRow,
-    NewRow,
 };

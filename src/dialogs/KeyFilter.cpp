@@ -2,7 +2,6 @@
 
 #include <array>
 #include <QClipboard>
-#include <QComboBox>
 #include <QContextMenuEvent>
 #include <QCoreApplication>
 #include <QDropEvent>
@@ -82,36 +81,33 @@ QAction* PasteAction(const QMenu& menu) {
     return nullptr;
 }
 
-/// Watches one line edit, and the combo box around it, which hands keys to its line edit directly.
+/// Watches one line edit.
 /// Whatever needs no change goes on to Qt's own code, so that undo steps stay as users know them.
 class InputFilter final : public QObject {
 public:
     static constexpr char16_t kObjectName[] = u"KeyFilter";
 
-    InputFilter(QLineEdit& field, QWidget* around, int mode, const TextTable* texts)
+    InputFilter(QLineEdit& field, int mode, const TextTable* texts)
         : QObject(&field), field_(field), mode_(mode), texts_(texts) {
         setObjectName(QStringView(kObjectName).toString());
         field.installEventFilter(this);
-        if (around != nullptr) around->installEventFilter(this);
     }
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override {
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
         // Asked for in each case only: a field that is going down still gets other events.
         const auto filters = [this] { return !forwarding_ && !field_.isReadOnly(); };
         switch (event->type()) {
             case QEvent::KeyPress:
                 return filters() && FilterKey(static_cast<QKeyEvent&>(*event));
             case QEvent::InputMethod:
-                return filters() &&
-                       FilterInputMethod(*watched, static_cast<QInputMethodEvent&>(*event));
+                return filters() && FilterInputMethod(static_cast<QInputMethodEvent&>(*event));
             case QEvent::Drop:
-                return filters() && FilterDrop(*watched, static_cast<QDropEvent&>(*event));
+                return filters() && FilterDrop(static_cast<QDropEvent&>(*event));
             case QEvent::MouseButtonRelease:
-                return filters() && watched == &field_ &&
-                       FilterClick(static_cast<QMouseEvent&>(*event));
+                return filters() && FilterClick(static_cast<QMouseEvent&>(*event));
             case QEvent::ContextMenu:
-                return filters() && FilterMenu(*watched, static_cast<QContextMenuEvent&>(*event));
+                return filters() && FilterMenu(static_cast<QContextMenuEvent&>(*event));
             default:
                 return false;
         }
@@ -197,18 +193,18 @@ private:
         return done;
     }
 
-    bool FilterInputMethod(QObject& watched, QInputMethodEvent& event) {
+    bool FilterInputMethod(QInputMethodEvent& event) {
         const QString passing = Passing(event.commitString());
         if (passing == event.commitString()) return false;
         Tell({}, KeysTold());
         QInputMethodEvent filtered(event.preeditString(), event.attributes());
         filtered.setCommitString(passing, event.replacementStart(), event.replacementLength());
-        Forward(watched, filtered);
+        Forward(filtered);
         event.accept();
         return true;
     }
 
-    bool FilterDrop(QObject& watched, QDropEvent& event) {
+    bool FilterDrop(QDropEvent& event) {
         if (event.source() == &field_) return false;  // text moved inside brings nothing new
         const QString text = event.mimeData()->text();
         const QString whole = WithoutLineEnd(text);
@@ -222,7 +218,7 @@ private:
         mimeData.setText(whole);
         QDropEvent cell(event.position(), event.possibleActions(), &mimeData, event.buttons(),
                         event.modifiers());
-        Forward(watched, cell);
+        Forward(cell);
         event.setAccepted(cell.isAccepted());
         return true;
     }
@@ -235,9 +231,8 @@ private:
         return Bring(text);
     }
 
-    bool FilterMenu(QObject& watched, const QContextMenuEvent& event) {
-        const auto& widget = static_cast<const QWidget&>(watched);
-        if (widget.contextMenuPolicy() != Qt::DefaultContextMenu) return false;
+    bool FilterMenu(const QContextMenuEvent& event) {
+        if (field_.contextMenuPolicy() != Qt::DefaultContextMenu) return false;
         QMenu* menu = field_.createStandardContextMenu();
         menu->setAttribute(Qt::WA_DeleteOnClose);
         if (QAction* paste = PasteAction(*menu)) {
@@ -250,9 +245,9 @@ private:
         return true;
     }
 
-    void Forward(QObject& watched, QEvent& event) {
+    void Forward(QEvent& event) {
         forwarding_ = true;
-        QCoreApplication::sendEvent(&watched, &event);
+        QCoreApplication::sendEvent(&field_, &event);
         forwarding_ = false;
     }
 
@@ -265,11 +260,6 @@ private:
 QObject* FilterOf(const QLineEdit& field) {
     return field.findChild<QObject*>(QStringView(InputFilter::kObjectName).toString(),
                                      Qt::FindDirectChildrenOnly);
-}
-
-void Install(QLineEdit& field, QWidget* around, int mode, const TextTable* texts) {
-    delete FilterOf(field);
-    new InputFilter(field, around, mode, texts);  // the field's child
 }
 
 }  // namespace
@@ -287,12 +277,8 @@ int KeyFilter(int mode, int keyCode) {
 }
 
 void RestrictInput(QLineEdit& field, int mode, const TextTable* texts) {
-    Install(field, nullptr, mode, texts);
-}
-
-void RestrictInput(QComboBox& field, int mode, const TextTable* texts) {
-    Q_ASSERT(field.lineEdit() != nullptr);
-    if (field.lineEdit() != nullptr) Install(*field.lineEdit(), &field, mode, texts);
+    delete FilterOf(field);
+    new InputFilter(field, mode, texts);  // the field's child
 }
 
 bool IsRestricted(const QLineEdit& field) {

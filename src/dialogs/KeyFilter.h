@@ -1,6 +1,5 @@
 #pragma once
 
-class QComboBox;
 class QLineEdit;
 
 namespace MResources {
@@ -33,8 +32,6 @@ inline constexpr int kEveryKey = -1;
 /// be called again with another mode. The restriction ends with the field. `texts` is borrowed and
 /// outlives the field.
 void RestrictInput(QLineEdit& field, int mode, const TextTable* texts = nullptr);
-/// The same for the text field of a combo box. REQUIRES: `field` is editable, and stays so.
-void RestrictInput(QComboBox& field, int mode, const TextTable* texts = nullptr);
 /// Whether RestrictInput has been called for the field.
 [[nodiscard]] bool IsRestricted(const QLineEdit& field);
 

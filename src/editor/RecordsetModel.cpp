@@ -116,14 +116,6 @@ void RecordsetModel::TakeOver(int row) {
     emit dataChanged(index(row, 0), index(row, columnCount() - 1));
 }
 
-void RecordsetModel::Forget(int row) {
-    beginRemoveRows({}, row, row);
-    places_.remove(IdAt(row));
-    rows_.erase(rows_.begin() + row);
-    for (int i = row; i < rowCount(); ++i) places_[IdAt(i)] = i;
-    endRemoveRows();
-}
-
 bool RecordsetModel::HasChanged(int row) const {
     return ReadRow().values != rows_.at(static_cast<std::size_t>(row)).values;
 }

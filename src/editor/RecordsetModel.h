@@ -57,8 +57,6 @@ public:
     void MoveTo(int row);
     /// Takes the values of the recordset's current row over into `row`.
     void TakeOver(int row);
-    /// The row is no more.
-    void Forget(int row);
 
     // GridSource
     [[nodiscard]] GridRowId IdAt(int row) const override;

@@ -39,8 +39,6 @@ MResourceTable::Number TextOf(GridText text) {
             return MResourceTable::kTextCurrentRow;
         case GridText::EditedRow:
             return MResourceTable::kTextEditedRow;
-        case GridText::NewRow:
-            return MResourceTable::kTextNewRow;
     }
     return MResourceTable::kTextTrendBlank;
 }

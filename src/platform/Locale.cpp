@@ -56,27 +56,6 @@ QString LocaleName(Lcid lcid) {
     return locale;
 }
 
-Lcid LcidOfLocale(const QString& localeName) {
-    // ICU gives a language without a country the number of the language group (7 for German),
-    // which no project uses.
-    const QByteArray plain = localeName.toLatin1();
-    std::array<char, ULOC_FULLNAME_CAPACITY> full{};
-    UErrorCode status = U_ZERO_ERROR;
-    uloc_addLikelySubtags(plain.constData(), full.data(), static_cast<int32_t>(full.size()),
-                          &status);
-    std::array<char, ULOC_FULLNAME_CAPACITY> country{};
-    if (U_SUCCESS(status)) {
-        uloc_getCountry(full.data(), country.data(), static_cast<int32_t>(country.size()), &status);
-    }
-    std::array<char, ULOC_FULLNAME_CAPACITY> language{};
-    uloc_getLanguage(plain.constData(), language.data(), static_cast<int32_t>(language.size()),
-                     &status);
-    if (U_FAILURE(status)) return 0;
-    if (const Lcid exact = uloc_getLCID(plain.constData()); exact > 0xFF) return exact;
-    return uloc_getLCID(
-        (QByteArray(language.data()) + '_' + QByteArray(country.data())).constData());
-}
-
 QString LanguageName(Lcid lcid, Lcid displayLanguage) {
     const QString display = LocaleName(displayLanguage);
     return display.isEmpty() ? LanguageName(lcid) : DisplayName(lcid, display);

@@ -17,9 +17,6 @@ inline constexpr Lcid kLcidEnglish = 1033;
 /// language. The two numbers that stand for "whatever the user has set" give the user's locale.
 [[nodiscard]] QString LocaleName(Lcid lcid);
 
-/// 1031 for "de_DE", "de-DE" and "de"; 0 for a name without a number.
-[[nodiscard]] Lcid LcidOfLocale(const QString& localeName);
-
 /// The full name of a language as a user of another one knows it: 1031 is "German (Germany)" in
 /// 1033 and "Deutsch (Deutschland)" in 1031. Empty for a number that names no language; in an
 /// unknown display language the user's locale stands in.

@@ -141,12 +141,6 @@ void Registry::WriteDword(QStringView key, QStringView valueName, std::uint32_t 
     rep_->Write(key, valueName, value);
 }
 
-QString Registry::FileInUse() const {
-    const RegistryFiles files = rep_->Files();
-    if (!QFileInfo::exists(files.user) && QFileInfo::exists(files.system)) return files.system;
-    return files.user;
-}
-
 QStringList Registry::Problems() {
     rep_->Load();
     QStringList problems;

@@ -49,8 +49,6 @@ public:
     void WriteString(QStringView key, QStringView valueName, const QString& value);
     void WriteDword(QStringView key, QStringView valueName, std::uint32_t value);
 
-    /// The file that is read at present; the user's when there is none.
-    [[nodiscard]] QString FileInUse() const;
     /// The lines of that file that were passed over, as "file:line: text".
     [[nodiscard]] QStringList Problems();
 

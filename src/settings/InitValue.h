@@ -25,7 +25,6 @@ public:
     /// The form for the file: "True", "False", the number in the user's locale, the text.
     [[nodiscard]] QString Format(const QLocale& locale = QLocale()) const;
 
-    [[nodiscard]] bool IsBoolean() const { return std::holds_alternative<bool>(value_); }
     [[nodiscard]] bool IsNumber() const { return std::holds_alternative<double>(value_); }
     [[nodiscard]] bool IsText() const { return std::holds_alternative<QString>(value_); }
 

@@ -350,7 +350,6 @@ enum Number : int {
     kTextChoose,
     kTextCurrentRow,
     kTextEditedRow,
-    kTextNewRow,
 
     // Editor window
     kTextCopy,

@@ -18,7 +18,6 @@ public:
     struct Row {
         GridRowId id = 0;
         std::vector<QVariant> values;
-        GridRowState state = GridRowState::Stored;
     };
     struct Commit {
         GridRowId row;
@@ -118,21 +117,6 @@ public:
         emit dataChanged(index(row, column), index(row, column));
         return GridCommit::Stored();
     }
-    [[nodiscard]] GridRowState RowState(GridRowId id) const override {
-        const int row = RowOf(id);
-        return row < 0 ? GridRowState::Stored : At(row).state;
-    }
-    GridCommit CommitRow(GridRowId id) override {
-        if (answer) {
-            GridCommit result = answer({id, -1, {}});
-            if (result.outcome != GridCommit::Outcome::Stored) return result;
-        }
-        stored_[static_cast<std::size_t>(RowOf(id))].state = GridRowState::Stored;
-        committedRows.push_back(id);
-        return GridCommit::Stored();
-    }
-    void CancelRow(GridRowId id) override { Remove(id); }
-
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override {
         return parent.isValid() ? 0 : fetched_;
     }
@@ -175,7 +159,6 @@ public:
     }
 
     std::vector<Commit> commits;
-    std::vector<GridRowId> committedRows;
     std::function<GridCommit(const Commit&)> answer;  // none: everything is stored
     mutable int promises = 0;  // so often there are said to be more rows than there are
 

@@ -124,7 +124,7 @@ TEST_F(GridKeyTest, KeysDoWhatTheyDoInASpreadsheet) {
         EXPECT_EQ(split_->CurrentColumn(), test.currentColumn);
         EXPECT_EQ(split_->Editing(), test.editing);
         EXPECT_EQ(trends_.rowCount(), 20) << "no key deletes a row";
-        split_->CancelEdit();
+        Press({Qt::Key_Escape});
         QCoreApplication::processEvents();
     }
 }
@@ -436,32 +436,6 @@ TEST_F(GridEditTest, AnEditWhoseRowIsGoneIsReported) {
     Key(Qt::Key_Return);
     ASSERT_EQ(lost.size(), 3);
     EXPECT_EQ(lost[2][2].toString(), u"Late"_s);
-}
-
-TEST_F(GridEditTest, NewRowsAreWrittenWhenTheyAreLeft) {
-    const auto addRow = [&](GridRowId id) {
-        trends_.Append({id, Trends(1)[0].values, GridRowState::New});
-        split_->SetCurrentCell(id, kName);
-        EXPECT_TRUE(split_->AddingNew());
-    };
-    addRow(201);
-    Key(Qt::Key_Up);
-    EXPECT_EQ(trends_.committedRows, (std::vector<GridRowId>{201}));
-    addRow(202);
-    EXPECT_TRUE(grid_.CommitPendingEdit());
-    EXPECT_EQ(trends_.committedRows, (std::vector<GridRowId>{201, 202}));
-    addRow(203);
-    Type(u"x"_s);
-    Key(Qt::Key_Escape);  // the cell
-    EXPECT_TRUE(split_->AddingNew());
-    Key(Qt::Key_Escape);  // the row
-    EXPECT_EQ(trends_.committedRows.size(), 2U);
-    EXPECT_EQ(trends_.rowCount(), 22);
-    trends_.answer = [](const FakeSource::Commit&) { return GridCommit::Refused(); };
-    addRow(204);
-    EXPECT_FALSE(grid_.CommitPendingEdit());
-    Key(Qt::Key_Up);
-    EXPECT_EQ(split_->CurrentRow(), 204) << "back to the row that cannot be stored";
 }
 
 TEST_F(GridEditTest, DoubleClickEditsUnlessTheWindowHasAnotherUseForIt) {

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <QApplication>
 #include <QClipboard>
-#include <QComboBox>
 #include <QDropEvent>
 #include <QInputMethodEvent>
 #include <QLineEdit>
@@ -302,44 +301,6 @@ TEST_F(RestrictInputTest, ADropOfWhichNotAllPassesIsRefused) {
     EXPECT_FALSE(Drop(field_, u"a1"_s));
     EXPECT_TRUE(Drop(field_, u"1"_s));
     EXPECT_EQ(field_.text(), u"1"_s);
-}
-
-TEST_F(RestrictInputTest, EditableComboBoxFiltersToo) {
-    QComboBox combo;
-    combo.setEditable(true);
-    combo.addItem(u"<ProjectDir>"_s);
-    MResources::RestrictInput(combo, kPath);
-    combo.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&combo));
-    combo.setFocus();
-    EXPECT_EQ(combo.currentText(), u"<ProjectDir>"_s);
-
-    combo.clearEditText();
-    QTest::keyClicks(&combo, u"D:\\A b<1>"_s);
-    EXPECT_EQ(combo.currentText(), u"D:\\Ab1"_s);
-    combo.clearEditText();
-    QTest::keyClicks(combo.lineEdit(), u"D:\\A b<1>"_s);
-    EXPECT_EQ(combo.currentText(), u"D:\\Ab1"_s);
-
-    combo.clearEditText();
-    for (const bool whole : {false, true}) {
-        QGuiApplication::clipboard()->setText(whole ? u"E:\\c"_s : u"E:\\? c"_s);
-        QTest::keySequence(&combo, QKeySequence::Paste);
-        EXPECT_EQ(combo.currentText(), whole ? u"E:\\c"_s : QString());
-        combo.clearEditText();
-        PasteByMenu(*combo.lineEdit());
-        EXPECT_EQ(combo.currentText(), whole ? u"E:\\c"_s : QString());
-    }
-    combo.clearEditText();
-    Commit(combo, u"F:\\|d"_s);
-    EXPECT_EQ(combo.currentText(), u"F:\\d"_s);
-    combo.clearEditText();
-    Drop(*combo.lineEdit(), u"G:\\ e"_s);
-    EXPECT_EQ(combo.currentText(), QString());
-
-    combo.setCurrentIndex(-1);
-    QTest::keyClick(&combo, Qt::Key_Down);
-    EXPECT_EQ(combo.currentText(), u"<ProjectDir>"_s) << "choosing an entry is not typing";
 }
 
 }  // namespace

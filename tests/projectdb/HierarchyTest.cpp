@@ -324,7 +324,7 @@ TEST_F(HierarchyTest, RowsThatAnotherProgramTakesAwayMeanwhileAreNoFailure) {
 TEST_F(HierarchyTest, TheDataEnvironmentsOwnRecordsetsKeepTheirFilters) {
     OpenBrewery();
     ado::Recordset& archives = Environment().Open(ADOArchiv::Command::Archives);
-    archives.MoveLast();
+    archives.Find("ID=14");
     EXPECT_TRUE(hierarchy_.DeleteArchive(u"ARCH3"_s, {}, {}));
     EXPECT_EQ(archives.Filter(), "");
     EXPECT_EQ(ado::ToLong(archives.Get("ID")), 14);

@@ -68,7 +68,6 @@ void CellEdit::Begin(const QModelIndex& cell, Mode mode, const QString& typed) {
     editor_->show();
     editor_->setFocus(Qt::OtherFocusReason);
     view_.UpdateMarks();
-    emit split_.EditStateChanged();
 }
 
 void CellEdit::MakeLine(const QString& typed) {
@@ -147,7 +146,6 @@ void CellEdit::Close() {
     editor->deleteLater();
     rows_.Pin(kNoGridRow);
     view_.UpdateMarks();
-    emit split_.EditStateChanged();
 }
 
 bool CellEdit::Commit() {

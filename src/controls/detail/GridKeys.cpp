@@ -86,10 +86,6 @@ bool GridView::EditKey(QKeyEvent* event) {
             if (held) return false;
             split_->BeginTyping({});
             return true;
-        case Qt::Key_Escape:
-            if (held || !split_->AddingNew()) return false;
-            split_->CancelNewRow();
-            return true;
         case Qt::Key_Down:
             if (held != Qt::AltModifier) return false;
             split_->OpenList();

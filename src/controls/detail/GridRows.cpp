@@ -222,11 +222,7 @@ void GridRows::SourceInserted(int first, int last) {
     std::vector<int> added;
     const QStringMatcher matcher(filter_, Qt::CaseInsensitive);
     for (int row = first; row <= last; ++row) {
-        // A row that is just being made must be seen, whatever the filter says.
-        if (filter_.isEmpty() || Matches(row, matcher) ||
-            source_->RowState(source_->IdAt(row)) == GridRowState::New) {
-            added.push_back(row);
-        }
+        if (filter_.isEmpty() || Matches(row, matcher)) added.push_back(row);
     }
     if (added.empty()) return;
     const auto place =

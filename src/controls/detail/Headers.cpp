@@ -25,17 +25,6 @@ QPolygonF Pencil() {
     return {{0.05, 0.95}, {0.15, 0.6}, {0.7, 0.05}, {0.95, 0.3}, {0.4, 0.85}};
 }
 
-QPolygonF Star() {
-    QPolygonF star;
-    for (int i = 0; i < 12; ++i) {
-        QTransform turn;
-        turn.translate(0.5, 0.5);
-        turn.rotate(i * 30.0);
-        star << turn.map(QPointF(0, i % 2 == 0 ? -0.48 : -0.16));
-    }
-    return star;
-}
-
 }  // namespace
 
 CaptionHeader::CaptionHeader(GridView& grid, QWidget* parent)
@@ -76,8 +65,7 @@ QSize RecordHeader::sizeHint() const {
 RecordHeader::Mark RecordHeader::MarkOf(int row) const {
     const GridRows& rows = grid_.Rows();
     if (row != grid_.Marks().currentRow || rows.Source() == nullptr) return Mark::None;
-    if (grid_.Split().Editing()) return Mark::Edited;
-    return rows.Source()->RowState(rows.IdAt(row)) == GridRowState::New ? Mark::New : Mark::Current;
+    return grid_.Split().Editing() ? Mark::Edited : Mark::Current;
 }
 
 void RecordHeader::paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const {
@@ -93,9 +81,6 @@ void RecordHeader::paintSection(QPainter* painter, const QRect& rect, int logica
             break;
         case Mark::Edited:
             shape = Pencil();
-            break;
-        case Mark::New:
-            shape = Star();
             break;
     }
     const qreal side = qMin(rect.width() - kSpaceAroundMark, rect.height() - kSpaceAroundMark);
@@ -122,9 +107,6 @@ bool RecordHeader::viewportEvent(QEvent* event) {
             break;
         case Mark::Edited:
             text = grid_.Rows().Text(GridText::EditedRow);
-            break;
-        case Mark::New:
-            text = grid_.Rows().Text(GridText::NewRow);
             break;
     }
     QToolTip::showText(help->globalPos(), text, this);

@@ -19,8 +19,8 @@ private:
     GridView& grid_;
 };
 
-/// The record selectors: a button for each row that shows whether the row is current, being edited
-/// or new.
+/// The record selectors: a button for each row that shows whether the row is current or being
+/// edited.
 class RecordHeader final : public QHeaderView {
     Q_OBJECT
 public:
@@ -33,7 +33,7 @@ protected:
     bool viewportEvent(QEvent* event) override;
 
 private:
-    enum class Mark { None, Current, Edited, New };
+    enum class Mark { None, Current, Edited };
     [[nodiscard]] Mark MarkOf(int row) const;
 
     GridView& grid_;

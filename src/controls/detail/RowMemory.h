@@ -20,8 +20,6 @@ public:
     /// `sourceReset`: only rows of the same content are looked for. Returns false while there are
     /// no rows yet.
     bool Restore(bool sourceReset, bool alwaysCurrent);
-    /// The row that was current when it was last remembered, while it has not been found again.
-    [[nodiscard]] GridRowId Awaited() const { return waiting_ ? current_ : kNoGridRow; }
     /// Whether the source's rows belong to what was remembered.
     [[nodiscard]] bool SameContent() const;
 
