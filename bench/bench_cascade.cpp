@@ -10,8 +10,8 @@
 #include "commands/DuplicateCommands.h"
 #include "commands/Statistic.h"
 #include "commands/TrendCommands.h"
+#include "project/Transaction.h"
 #include "projectdb/NodeKey.h"
-#include "projectdb/Transaction.h"
 
 namespace {
 
@@ -60,7 +60,7 @@ public:
         texts_.AddTexts(704, {u"Neues Archiv"});
         texts_.AddTexts(701, {u"Kopie von "});
         context_.Environment().OpenConnection(QString::fromLatin1(kPath));
-        projectdb::Transaction transaction(context_.Environment().Connection());
+        project::Transaction transaction(context_.Environment().Connection());
         for (int i = 0; i < kArchives; ++i) AddArchive(kTrendsOfEach);
         transaction.Commit();
         ForgetSteps();
@@ -102,7 +102,7 @@ public:
     void ForgetSteps() { std::ignore = context_.Environment().Recorder().Take(); }
     /// The same in a transaction of its own.
     QString AddLargeArchive() {
-        projectdb::Transaction transaction(context_.Environment().Connection());
+        project::Transaction transaction(context_.Environment().Connection());
         const std::int32_t id = AddArchive(kManyTrends);
         transaction.Commit();
         ForgetSteps();

@@ -73,7 +73,7 @@ std::vector<std::size_t> ReadHeading(CsvReader& reader, const ado::Recordset& ro
 }
 
 /// Mixes a value into a number for a row.
-std::size_t Mix(std::size_t seed, const ado::Value& value) {
+std::size_t Mix(std::size_t hash, const ado::Value& value) {
     const auto text = [&]() -> std::u16string {
         if (const auto* bytes = std::get_if<ado::Binary>(&value)) {
             std::u16string wide;
@@ -84,7 +84,7 @@ std::size_t Mix(std::size_t seed, const ado::Value& value) {
     }();
     constexpr std::size_t kSpread = 0x9E3779B97F4A7C15;
     const std::size_t one = std::hash<std::u16string>()(text) + value.index();
-    return (seed ^ one) * kSpread + (seed >> 29);
+    return (hash ^ one) * kSpread + (hash >> 29);
 }
 
 /// The rows that a table holds before others are loaded, as far as the columns of those go. Where

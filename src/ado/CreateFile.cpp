@@ -24,19 +24,19 @@ jet::IndexSpec::Kind KindOf(NewIndex::Kind kind) {
     return jet::IndexSpec::Kind::Plain;
 }
 
-jet::TableSpec SpecOf(const NewTable& table) {
-    jet::TableSpec spec;
-    spec.name = table.name;
+jet::TableSpec Described(const NewTable& table) {
+    jet::TableSpec described;
+    described.name = table.name;
     for (const NewColumn& column : table.columns) {
-        spec.columns.push_back({.name = column.name,
-                                .type = ColumnTypeOf(column.type),
-                                .length = static_cast<std::size_t>(column.length),
-                                .isAutoNumber = column.isAutoNumber});
+        described.columns.push_back({.name = column.name,
+                                     .type = ColumnTypeOf(column.type),
+                                     .length = static_cast<std::size_t>(column.length),
+                                     .isAutoNumber = column.isAutoNumber});
     }
     for (const NewIndex& index : table.indexes) {
-        spec.indexes.push_back({index.name, KindOf(index.kind), {{index.column}}});
+        described.indexes.push_back({index.name, KindOf(index.kind), {{index.column}}});
     }
-    return spec;
+    return described;
 }
 
 }  // namespace
@@ -46,7 +46,7 @@ void CreateFile(const std::string& path, const std::vector<NewTable>& tables,
     std::exception_ptr thrown;  // nothing is thrown through the engine
     const auto fillNew = [&](jet::Database& database) -> jet::Status {
         for (const NewTable& table : tables) {
-            JET_TRY(jet::CreateTable(database, SpecOf(table)));
+            JET_TRY(jet::CreateTable(database, Described(table)));
         }
         try {
             Connection connection;

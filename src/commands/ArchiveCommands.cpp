@@ -4,10 +4,10 @@
 #include <tuple>
 
 #include "project/Names.h"
+#include "project/Transaction.h"
 #include "projectdb/Failure.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
-#include "projectdb/Transaction.h"
 #include "texts/MResourceTable.h"
 
 namespace {
@@ -28,7 +28,7 @@ std::int32_t ArchiveCommands::New(const QString& languageColumn) {
     ado::Recordset& archives = rows.Archives();
     std::int32_t id = 0;
     std::u16string name;
-    projectdb::CommitWhatIsDone(environment.Connection(), [&] {
+    project::CommitWhatIsDone(environment.Connection(), [&] {
         names_.NamesInGroup(projectdb::kArchiveNames, archives);
         name = project::FreeName(ToUtf16(texts_.GetText(MResourceTable::kTextNewArchiveName)),
                                  names_.UseIn(projectdb::kArchiveNames));
@@ -53,7 +53,7 @@ bool ArchiveCommands::Edit(std::int32_t archiveId, const EditArchive& edit) {
     const EditScope archiveScope(archives);
     const EditScope textScope(texts);
     const auto save = [&] {
-        projectdb::Transaction transaction(project_.Environment().Connection());
+        project::Transaction transaction(project_.Environment().Connection());
         if (texts.EditMode() != ado::EditMode::None) texts.Update();
         archives.Update();
         if (NameOf(archives) != oldName) rows.NameGroupAndText(archiveId);

@@ -4,8 +4,8 @@
 
 #include "commands/DuplicateName.h"
 #include "project/CopyRows.h"
+#include "project/Transaction.h"
 #include "projectdb/Text.h"
-#include "projectdb/Transaction.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ std::optional<std::int32_t> DuplicateCommands::DuplicateArchive(
     ADOArchiv& environment = project_.Environment();
     project::CopyRows rows(environment.Connection());
     // Begun before anything is read: nobody can take the name that is found to be free.
-    projectdb::Transaction transaction(environment.Connection());
+    project::Transaction transaction(environment.Connection());
     names_.NamesInGroup(projectdb::kArchiveNames, rows.From().Archives());
     if (!rows.From().SeekArchive(archiveId)) return std::nullopt;
     const ado::Recordset& archives = rows.From().Archives();
@@ -54,7 +54,7 @@ std::vector<std::int32_t> DuplicateCommands::DuplicateTrends(std::span<const std
     std::vector<std::int32_t> copies;
     {
         project::CopyRows rows(environment.Connection());
-        projectdb::Transaction transaction(environment.Connection());
+        project::Transaction transaction(environment.Connection());
         NameLists names;  // of the archive that is being copied into
         std::optional<std::int32_t> archive;
         for (std::size_t i = 0; i < trendIds.size(); ++i) {

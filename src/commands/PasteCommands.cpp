@@ -5,9 +5,9 @@
 #include "commands/DuplicateName.h"
 #include "commands/NameLists.h"
 #include "project/CurveColours.h"
+#include "project/Transaction.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
-#include "projectdb/Transaction.h"
 
 namespace {
 
@@ -26,7 +26,7 @@ std::vector<std::int32_t> PasteCommands::PasteTrends(std::span<const project::Ne
         ADOArchiv& environment = project_.Environment();
         projectdb::ProjectRows rows(environment);
         // Begun before anything is read: nobody can take a name that is found to be free.
-        projectdb::Transaction transaction(environment.Connection());
+        project::Transaction transaction(environment.Connection());
         // One that another program has deleted must not get trends; the look fails then.
         std::ignore = rows.SeekArchive(archive);
         std::ignore = rows.Archives().Get("ID");

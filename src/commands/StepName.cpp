@@ -1,6 +1,5 @@
 #include "commands/StepName.h"
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 #include <vector>
@@ -33,11 +32,9 @@ TableRows RowsOf(const project::ChangeSet& step, std::string_view table) {
 }
 
 QString NameOf(const ado::RowChange& row) {
-    const auto name = std::find(row.columns->begin(), row.columns->end(), "Name");
-    if (name == row.columns->end()) return {};
-    const auto at = static_cast<std::size_t>(name - row.columns->begin());
     // What the user knew it by when he began.
-    return projectdb::ToQString(ado::ToText((row.before.empty() ? row.after : row.before)[at]));
+    const ado::Value* name = row.KnownIn("Name");
+    return name != nullptr ? projectdb::ToQString(ado::ToText(*name)) : QString();
 }
 
 /// The heading of the one column that has changed; empty where there are several.

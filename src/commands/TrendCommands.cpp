@@ -5,9 +5,9 @@
 #include <tuple>
 
 #include "project/CurveColours.h"
+#include "project/Transaction.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
-#include "projectdb/Transaction.h"
 #include "texts/MResourceTable.h"
 
 namespace {
@@ -27,7 +27,7 @@ std::int32_t TrendCommands::New() {
     std::int32_t id = 0;
     {
         ProjectRows rows(environment);
-        projectdb::CommitWhatIsDone(environment.Connection(), [&] {
+        project::CommitWhatIsDone(environment.Connection(), [&] {
             // One that another program has deleted must not get a trend; the look fails then.
             std::ignore = rows.SeekArchive(archiveId);
             std::ignore = rows.Archives().Get("ID");

@@ -14,14 +14,6 @@ namespace {
 
 using Kind = project::Conflict::Kind;
 
-QStringList NamesOf(const std::deque<project::History::Step>& steps) {
-    QStringList names;
-    for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
-        names += projectdb::ToQString(step->name);
-    }
-    return names;
-}
-
 }  // namespace
 
 void EditorHistory::EndStep() {
@@ -32,12 +24,14 @@ void EditorHistory::EndStep() {
     project_.history.Add(projectdb::ToUtf16(name), std::move(changes));
 }
 
-QStringList EditorHistory::UndoNames() const {
-    return NamesOf(project_.history.Done());
-}
-
-QStringList EditorHistory::RedoNames() const {
-    return NamesOf(project_.history.Undone());
+QStringList EditorHistory::Names(Direction direction, int most) const {
+    const project::History& history = project_.history;
+    const auto& steps = direction == Direction::Back ? history.Done() : history.Undone();
+    QStringList names;
+    for (auto step = steps.rbegin(); step != steps.rend() && names.size() < most; ++step) {
+        names += projectdb::ToQString(step->name);
+    }
+    return names;
 }
 
 std::optional<EditorHistory::Moved> EditorHistory::Move(Direction direction) {

@@ -22,13 +22,12 @@ public:
     /// What has been changed since the last call is a step. Does nothing when nothing has been.
     void EndStep();
 
-    // Names of the steps, the next to be taken back, or to be done again, first.
-    [[nodiscard]] QStringList UndoNames() const;
-    [[nodiscard]] QStringList RedoNames() const;
     [[nodiscard]] bool CanUndo() const { return !project_.history.Done().empty(); }
     [[nodiscard]] bool CanRedo() const { return !project_.history.Undone().empty(); }
 
     enum class Direction { Back, Forward };
+    /// Names of the steps in this direction, the next first; `most` of them.
+    [[nodiscard]] QStringList Names(Direction direction, int most) const;
     struct Moved {
         QString step;
         project::ChangeSet changes;  // in the file

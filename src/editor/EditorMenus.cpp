@@ -97,7 +97,7 @@ void EditorMenus::AddStepList(QToolBar& bar, Id direction) {
     button->setPopupMode(QToolButton::MenuButtonPopup);
     connect(list, &QMenu::aboutToShow, this, [this, list, direction] {
         list->clear();
-        const QStringList steps = steps_.value(direction).mid(0, kStepsListed);
+        const QStringList steps = steps_(direction, kStepsListed);
         for (int i = 0; i < steps.size(); ++i) {
             QString name = steps[i];
             connect(list->addAction(name.replace(u'&', u"&&"_s)), &QAction::triggered, this,
@@ -106,12 +106,12 @@ void EditorMenus::AddStepList(QToolBar& bar, Id direction) {
     });
 }
 
-void EditorMenus::ShowSteps(const QStringList& undo, const QStringList& redo) {
-    for (const auto& [id, steps] : {std::pair(Id::Undo, undo), std::pair(Id::Redo, redo)}) {
-        if (steps_.contains(id) && steps_.value(id) == steps) continue;
-        steps_.insert(id, steps);
+void EditorMenus::ShowSteps() {
+    for (const Id id : {Id::Undo, Id::Redo}) {
+        const QString next = steps_(id, 1).value(0);
+        if (shownSteps_.contains(id) && shownSteps_.value(id) == next) continue;
+        shownSteps_.insert(id, next);
         const Command& command = commandset::CommandOf(id);
-        const QString next = steps.isEmpty() ? QString() : steps.front();
         Action(id)->setText(commandset::MenuText(command, texts_, next));
         Action(id)->setToolTip(commandset::ToolTip(command, texts_, next).toHtmlEscaped());
     }

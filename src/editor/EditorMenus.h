@@ -5,6 +5,7 @@
 #include <QHash>
 #include <QObject>
 #include <QStringList>
+#include <utility>
 
 #include "commandset/CommandSet.h"
 
@@ -29,8 +30,11 @@ public:
     [[nodiscard]] QToolBar* MakeToolBar();
     void FillContextMenu(QMenu& menu, commandset::Place place) const;
 
-    /// Names of the steps that can be taken back and done again, the next first.
-    void ShowSteps(const QStringList& undo, const QStringList& redo);
+    /// Names of the steps that can be taken back, or done again, the next first; `most` of them.
+    using Steps = std::function<QStringList(commandset::Id direction, int most)>;
+    void SetSteps(Steps steps) { steps_ = std::move(steps); }
+    /// Names the next steps in menu and tool tip.
+    void ShowSteps();
     /// Enables what can run now.
     void Update(const commandset::Situation& situation);
     /// The menu of archives stands in the tree, where it leads to the editor too.
@@ -52,7 +56,8 @@ private:
     QWidget& window_;
     QHash<commandset::Id, QAction*> actions_;
     QHash<QString, QMenu*> menus_;
-    QHash<commandset::Id, QStringList> steps_;
+    Steps steps_;
+    QHash<commandset::Id, QString> shownSteps_;
     QMenuBar* bar_ = nullptr;
     QAction* treeSeparator_ = nullptr;  // in front of "Show editor"
 };

@@ -64,6 +64,11 @@ void frmtabGrid::BuildMenus() {
     connect(menus_, &EditorMenus::StepsWanted, this, [this](commandset::Id direction, int steps) {
         Guard(u"frmtabGrid: mnuUndo_Click"_s, [&] { GoSteps(direction, steps); });
     });
+    menus_->SetSteps([this](commandset::Id direction, int most) {
+        using Direction = EditorHistory::Direction;
+        return history_->Names(
+            direction == commandset::Id::Undo ? Direction::Back : Direction::Forward, most);
+    });
     tbrfunc = menus_->MakeToolBar();
     keys_ = std::make_unique<EditorKeys>(EditorKeys::Window{
         [this] { return Situation(); }, [this] { return busy_; },

@@ -60,7 +60,7 @@ bool frmtabGrid::MayStore() {
 
 /// What the menu of the trends says when it opens holds for the toolbar at any time.
 void frmtabGrid::UpdateCommands() {
-    menus_->ShowSteps(history_->UndoNames(), history_->RedoNames());
+    menus_->ShowSteps();
     menus_->Update(Situation());
 }
 

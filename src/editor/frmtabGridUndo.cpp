@@ -1,7 +1,9 @@
 // What the user has changed in the editor window, taken back and done again.
 
 #include <algorithm>
+#include <optional>
 #include <QScopedValueRollback>
+#include <QScopeGuard>
 #include <set>
 #include <tuple>
 
@@ -9,6 +11,7 @@
 #include "editor/EditorHistory.h"
 #include "editor/frmtabGrid.h"
 #include "editor/TrendRows.h"
+#include "guard/Guard.h"
 #include "project/Schema.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/ProjectRows.h"
@@ -19,11 +22,10 @@ namespace {
 
 using Direction = EditorHistory::Direction;
 
+/// As it is now, or as it was before it went.
 std::int32_t NumberIn(const ado::RowChange& row, std::string_view column) {
-    const auto found = std::find(row.columns->begin(), row.columns->end(), column);
-    if (found == row.columns->end()) return 0;
-    const auto at = static_cast<std::size_t>(found - row.columns->begin());
-    return ado::ToLong((row.after.empty() ? row.before : row.after)[at]);
+    const ado::Value* value = row.ValueIn(row.after.empty() ? row.before : row.after, column);
+    return value != nullptr ? ado::ToLong(*value) : 0;
 }
 
 /// The field of the trend query that a change of one field shows in; empty for several.
@@ -87,25 +89,27 @@ void frmtabGrid::GoSteps(commandset::Id direction, int steps) {
     if (!CommitPendingEdit()) return;
     EndStep();
     const bool back = direction == commandset::Id::Undo;
-    const QString beside = ArchiveBeside(project_.currentNodeKey);
-    QString hint;
-    for (int i = 0; i < steps; ++i) {
-        if (!(back ? history_->CanUndo() : history_->CanRedo())) {
-            if (i == 0) {
-                Hint(back ? MResourceTable::kTextHintNothingToUndo
-                          : MResourceTable::kTextHintNothingToRedo);
-            }
-            break;
-        }
-        const auto moved = history_->Move(back ? Direction::Back : Direction::Forward);
-        if (!moved) break;
-        ShowChanges(moved->changes, beside);
-        hint =
-            texts_.GetText(back ? MResourceTable::kTextHintUndone : MResourceTable::kTextHintRedone,
-                           {{u"step", moved->step}});
+    const auto isThere = [&] { return back ? history_->CanUndo() : history_->CanRedo(); };
+    if (!isThere()) {
+        return Hint(back ? MResourceTable::kTextHintNothingToUndo
+                         : MResourceTable::kTextHintNothingToRedo);
     }
-    UpdateCommands();
-    if (!hint.isEmpty()) Hint(hint);
+    const QString beside = ArchiveBeside(project_.currentNodeKey);
+    std::optional<EditorHistory::Moved> last;
+    // What has been done is shown, even when a later step fails.
+    const auto show = qScopeGuard([&] {
+        if (!last) return;
+        guard::Guard(QStringLiteral("frmtabGrid"), [&] { ShowChanges(last->changes, beside); });
+        UpdateCommands();
+        Hint(
+            texts_.GetText(back ? MResourceTable::kTextHintUndone : MResourceTable::kTextHintRedone,
+                           {{u"step", last->step}}));
+    });
+    for (int i = 0; i < steps && isThere(); ++i) {
+        auto moved = history_->Move(back ? Direction::Back : Direction::Forward);
+        if (!moved) return;
+        last = std::move(moved);
+    }
 }
 
 void frmtabGrid::ShowChanges(const project::ChangeSet& changes, const QString& beside) {

@@ -30,6 +30,7 @@ Row::Rep& RowCursor::Rep::OwnRow() {
         row_->def = def_;
         row_->codePage = file_.codePage;
         current = Row(row_);
+        rowHasPage_ = false;
     }
     return *row_;
 }
@@ -67,10 +68,12 @@ Result<bool> RowCursor::Rep::NextPage() {
         if (atEnd_) return false;
         // Rows that the caller keeps hold their pages; the cursor itself lets go of the last ones.
         OwnRow().page = DataPage();
+        rowHasPage_ = false;
         JET_TRY(ReadAhead());
         if (ahead_.empty()) return false;
     }
     nextSlot_ = 0;
+    rowHasPage_ = false;
     JET_ASSIGN(page_, std::move(ahead_[nextAhead_++]));
     return true;
 }
@@ -101,7 +104,8 @@ Result<bool> RowCursor::Rep::Next() {
         if (slot->isDeleted || slot->isTarget) continue;
         Row::Rep& row = OwnRow();
         row.id = id;
-        row.page = page_;
+        if (!rowHasPage_) row.page = page_;
+        rowHasPage_ = !slot->isMoved;  // one that has moved lies on another page
         Result<Bytes> bytes = slot->bytes;
         if (slot->isMoved) {
             bytes = MovedBytes(number, row.page);

@@ -10,24 +10,13 @@ namespace {
 
 /// The number of a row; nothing in a table without one.
 std::optional<std::int32_t> NumberOf(const ado::RowChange& row) {
-    const auto key = std::find(row.columns->begin(), row.columns->end(), kKeyColumn);
-    if (key == row.columns->end()) return std::nullopt;
-    const std::vector<ado::Value>& values = row.before.empty() ? row.after : row.before;
-    const auto* number =
-        std::get_if<std::int32_t>(&values.at(static_cast<std::size_t>(key - row.columns->begin())));
+    const ado::Value* id = row.KnownIn(kKeyColumn);
+    const auto* number = id != nullptr ? std::get_if<std::int32_t>(id) : nullptr;
     return number != nullptr ? std::optional(*number) : std::nullopt;
 }
 
 bool IsUnchanged(const ado::RowChange& row) {
     return row.isWhole && row.before == row.after;
-}
-
-/// Whether the row has this `Type`.
-bool IsOfType(const ado::RowChange& row, std::int32_t type) {
-    const auto column = std::find(row.columns->begin(), row.columns->end(), "Type");
-    if (column == row.columns->end()) return false;
-    const std::vector<ado::Value>& values = row.before.empty() ? row.after : row.before;
-    return values.at(static_cast<std::size_t>(column - row.columns->begin())) == ado::Value(type);
 }
 
 /// What a value holds beside itself.
@@ -39,17 +28,19 @@ std::size_t OutsideOf(const ado::Value& value) {
     return 0;
 }
 
-/// Whether a column holds IDs of a table's rows.
-bool Names(const ado::RowChange& row, std::string_view column, std::string_view table) {
-    if (row.table == table && column == kKeyColumn) return true;
-    return std::ranges::any_of(References(), [&](const Reference& reference) {
-        return reference.table == row.table && reference.column == column &&
-               reference.target == table &&
-               (!reference.onlyType || IsOfType(row, *reference.onlyType));
-    });
-}
-
 }  // namespace
+
+std::string_view TargetOf(const ado::RowChange& row, std::string_view column) {
+    if (column == kKeyColumn) return row.table;
+    for (const Reference& reference : References()) {
+        if (reference.table != row.table || reference.column != column) continue;
+        const ado::Value* type = reference.onlyType ? row.KnownIn("Type") : nullptr;
+        const bool applies =
+            !reference.onlyType || (type != nullptr && *type == ado::Value(*reference.onlyType));
+        if (applies) return reference.target;
+    }
+    return {};
+}
 
 void ChangeSet::Add(std::vector<ado::RowChange> changes) {
     bool anyUnchanged = false;
@@ -104,7 +95,7 @@ void ChangeSet::Renumber(std::string_view table, std::int32_t was, std::int32_t 
     for (ado::RowChange& row : rows_) {
         for (std::size_t i = 0; i < row.columns->size(); ++i) {
             const std::string& column = (*row.columns)[i];
-            if (!Names(row, column, table)) continue;
+            if (TargetOf(row, column) != table) continue;
             for (std::vector<ado::Value>* values : {&row.before, &row.after}) {
                 if (!values->empty() && (*values)[i] == ado::Value(was)) (*values)[i] = is;
             }

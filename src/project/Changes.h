@@ -43,6 +43,10 @@ private:
     std::map<Key, std::size_t> places_;  // in rows_, of rows that have an ID
 };
 
+/// The table whose rows a column's values name, its own for the key; empty when it is no such
+/// column, or not in this row.
+[[nodiscard]] std::string_view TargetOf(const ado::RowChange& row, std::string_view column);
+
 /// Records what is changed through a connection while it is there. The connection has one recorder
 /// at a time.
 class ChangeRecorder {

@@ -10,38 +10,13 @@
 #include "ado/AdoError.h"
 #include "ado/Recordset.h"
 #include "project/Schema.h"
+#include "project/Transaction.h"
 
 namespace project {
 namespace {
 
 using Key = std::pair<std::string, std::int32_t>;  // table, ID
 using Values = std::vector<ado::Value>;
-
-/// Undoes the transaction of a scope that is left before it is committed.
-class Scope {
-public:
-    explicit Scope(ado::Connection& connection) : connection_(connection) {
-        connection_.BeginTrans();
-    }
-    ~Scope() {
-        if (!isOpen_) return;
-        try {
-            connection_.RollbackTrans();
-        } catch (const ado::AdoError&) {
-            // The connection is lost, and with it what was not committed.
-        }
-    }
-    Scope(const Scope&) = delete;
-    Scope& operator=(const Scope&) = delete;
-    void Commit() {
-        isOpen_ = false;
-        connection_.CommitTrans();
-    }
-
-private:
-    ado::Connection& connection_;
-    bool isOpen_ = true;
-};
 
 class Restorer {
 public:
@@ -75,15 +50,8 @@ public:
     TakenBack result;
 
 private:
-    [[nodiscard]] static const Values& SideOf(const ado::RowChange& row) {
-        return row.before.empty() ? row.after : row.before;
-    }
-    [[nodiscard]] static std::size_t Position(const ado::RowChange& row, std::string_view column) {
-        const auto found = std::find(row.columns->begin(), row.columns->end(), column);
-        return static_cast<std::size_t>(found - row.columns->begin());
-    }
     [[nodiscard]] static Key KeyOf(const ado::RowChange& row) {
-        return {row.table, ado::ToLong(SideOf(row).at(Position(row, kKeyColumn)))};
+        return {row.table, ado::ToLong(*row.KnownIn(kKeyColumn))};
     }
     [[nodiscard]] ado::Recordset& Table(const std::string& name) {
         std::unique_ptr<ado::Recordset>& rows = tables_[name];
@@ -99,28 +67,19 @@ private:
         rows.SetFilter("ID = " + std::to_string(key.second));
         return !rows.IsEOF();
     }
-    [[nodiscard]] std::optional<std::int32_t> NewNumber(std::string_view table,
-                                                        const ado::Value& id) const {
+    [[nodiscard]] std::optional<ado::Value> NewNumber(std::string_view table,
+                                                      const ado::Value& id) const {
         const auto* number = std::get_if<std::int32_t>(&id);
         if (number == nullptr) return std::nullopt;
         const auto found = newNumbers_.find({std::string(table), *number});
-        return found != newNumbers_.end() ? std::optional(found->second) : std::nullopt;
+        return found != newNumbers_.end() ? std::optional<ado::Value>(found->second) : std::nullopt;
     }
     /// A value that is to be written: what names a row that has another ID now follows it.
     [[nodiscard]] ado::Value Wanted(const ado::RowChange& row, std::size_t column) const {
         const ado::Value& value = row.before[column];
-        for (const Reference& reference : References()) {
-            if (reference.table != row.table || reference.column != (*row.columns)[column])
-                continue;
-            if (reference.onlyType && !Holds(row, "Type", *reference.onlyType)) continue;
-            if (const auto number = NewNumber(reference.target, value)) return *number;
-        }
-        return value;
-    }
-    [[nodiscard]] static bool Holds(const ado::RowChange& row, std::string_view column,
-                                    std::int32_t number) {
-        const std::size_t at = Position(row, column);
-        return at < row.before.size() && row.before[at] == ado::Value(number);
+        const std::string& name = (*row.columns)[column];
+        if (name == kKeyColumn) return value;
+        return NewNumber(TargetOf(row, name), value).value_or(value);
     }
 
     /// How the user has settled it; nothing: it is still open, and is told.
@@ -139,8 +98,7 @@ private:
         Conflict conflict;
         conflict.kind = kind;
         std::tie(conflict.table, conflict.id) = KeyOf(row);
-        const std::size_t name = Position(row, "Name");
-        if (name < SideOf(row).size()) conflict.name = ado::ToText(SideOf(row)[name]);
+        if (const ado::Value* name = row.KnownIn("Name")) conflict.name = ado::ToText(*name);
         return conflict;
     }
 
@@ -255,7 +213,7 @@ private:
 
 TakenBack TakeBack(ado::Connection& connection, const ChangeSet& step,
                    std::span<const Settlement> settled) {
-    Scope transaction(connection);
+    Transaction transaction(connection);
     Restorer restorer(connection, settled);
     restorer.Restore(step.Rows());
     if (restorer.result.open.empty() && restorer.HasWritten()) transaction.Commit();

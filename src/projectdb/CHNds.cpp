@@ -21,4 +21,9 @@ void CHNds::Clear() noexcept {
     byKey_.clear();
 }
 
+const CHNd* CHNds::Find(Kind kind, std::int32_t id) const {
+    const auto entry = byKey_.find({kind, id});
+    return entry == byKey_.end() ? nullptr : entry->second;
+}
+
 }  // namespace projectdb

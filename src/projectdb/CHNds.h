@@ -29,6 +29,8 @@ public:
     [[nodiscard]] std::size_t Count() const noexcept { return nodes_.size(); }
     /// By position, counted from 0. REQUIRES: position < Count().
     [[nodiscard]] const CHNd& Item(std::size_t position) const { return *nodes_[position]; }
+    /// By key; null when there is none.
+    [[nodiscard]] const CHNd* Find(Kind kind, std::int32_t id) const;
 
 private:
     std::vector<std::unique_ptr<CHNd>> nodes_;

@@ -2,10 +2,10 @@
 
 #include <exception>
 
+#include "project/Transaction.h"
 #include "projectdb/Failure.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
-#include "projectdb/Transaction.h"
 
 namespace projectdb {
 
@@ -92,7 +92,7 @@ bool Hierarchy::Cascade(const Progress& progress) {
     ProjectRows rows(environment);
     done_ = 0;
     bool goesOn = true;
-    CommitWhatIsDone(
+    project::CommitWhatIsDone(
         environment.Connection(),
         [&] {
             rows.BeginRemoving();

@@ -5,8 +5,8 @@
 #include <QLocale>
 #include <QTimer>
 
+#include "project/Transaction.h"
 #include "projectdb/Text.h"
-#include "projectdb/Transaction.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -193,7 +193,7 @@ void EditorTest::Elsewhere(const std::function<void(projectdb::ProjectRows&)>& c
     ADOArchiv other;
     other.OpenConnection(project_);
     projectdb::ProjectRows rows(other);
-    projectdb::Transaction transaction(other.Connection());
+    project::Transaction transaction(other.Connection());
     change(rows);
     transaction.Commit();
 }

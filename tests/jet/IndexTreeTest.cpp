@@ -35,10 +35,10 @@ std::size_t CheckLinks(const TestDisk& disk, const TableDef& def) {
 // other way, or by the next change beside it.
 TEST(IndexTreeTest, PagesOfALevelStayLinkedBothWays) {
     TestDisk disk;
-    const TableSpec spec{
+    const TableSpec wanted{
         "T", {{"K", ColumnType::Text, 255}}, {{"K", IndexSpec::Kind::Plain, {{"K"}}}}};
     ASSERT_OK(CreateDatabase(disk, kProject,
-                             [&](Database& database) { return CreateTable(database, spec); }));
+                             [&](Database& database) { return CreateTable(database, wanted); }));
     auto database = Must(Database::Open(disk, kProject, OpenMode::ReadWrite));
     auto table = Must(database->OpenTable("T"));
     TableWriter writer(*table);

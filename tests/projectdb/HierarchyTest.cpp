@@ -2,9 +2,9 @@
 #include <QDir>
 #include <QFile>
 
+#include "project/Transaction.h"
 #include "projectdb/ProjectTesting.h"
 #include "projectdb/Text.h"
-#include "projectdb/Transaction.h"
 
 namespace {
 
@@ -324,7 +324,7 @@ TEST_F(HierarchyTest, RowsThatAnotherProgramTakesAwayMeanwhileAreNoFailure) {
 TEST_F(HierarchyTest, TheDataEnvironmentsOwnRecordsetsKeepTheirFilters) {
     OpenBrewery();
     ado::Recordset& archives = Environment().Open(ADOArchiv::Command::Archives);
-    archives.Find("ID=14");
+    archives.MoveLast();
     EXPECT_TRUE(hierarchy_.DeleteArchive(u"ARCH3"_s, {}, {}));
     EXPECT_EQ(archives.Filter(), "");
     EXPECT_EQ(ado::ToLong(archives.Get("ID")), 14);
@@ -335,7 +335,7 @@ TEST_F(HierarchyTest, AScopeThatIsLeftTakesItsTransactionBack) {
     const Content before = Read();
     {
         projectdb::ProjectRows rows(Environment());
-        const projectdb::Transaction transaction(Environment().Connection());
+        const project::Transaction transaction(Environment().Connection());
         ASSERT_TRUE(rows.SeekArchive(1));
         const projectdb::EditScope scope(rows.Archives());
         rows.Archives().Delete();

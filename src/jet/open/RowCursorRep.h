@@ -30,6 +30,7 @@ private:
     std::string tableName_;
     std::shared_ptr<const TableDef> def_;
     std::shared_ptr<Row::Rep> row_;  // that of `current`
+    bool rowHasPage_ = false;        // it holds page_: a handle is not copied for each row
     UsageMap pages_;
     std::uint64_t generation_ = 0;  // of the page cache when pages_ was read; 0: not yet
     PageNo nextPage_{};

@@ -4,7 +4,7 @@
 
 #include "ado/Connection.h"
 
-namespace projectdb {
+namespace project {
 
 /// Joins the changes of a scope to one. What has not been committed when the scope is left is
 /// taken back.
@@ -32,4 +32,4 @@ private:
 void CommitWhatIsDone(ado::Connection& connection, const std::function<bool()>& steps,
                       const std::function<void()>& undone = {});
 
-}  // namespace projectdb
+}  // namespace project

@@ -1,11 +1,11 @@
-#include "projectdb/Transaction.h"
+#include "project/Transaction.h"
 
 #include <cstdio>
 #include <exception>
 
 #include "ado/AdoError.h"
 
-namespace projectdb {
+namespace project {
 
 Transaction::Transaction(ado::Connection& connection) : connection_(connection) {
     connection_.BeginTrans();
@@ -46,4 +46,4 @@ void CommitWhatIsDone(ado::Connection& connection, const std::function<bool()>& 
     if (failure) std::rethrow_exception(failure);
 }
 
-}  // namespace projectdb
+}  // namespace project
