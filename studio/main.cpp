@@ -3,11 +3,11 @@
 #include <memory>
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QDir>
 #include <QFileInfo>
 #include <QSettings>
 
 #include "platform/ComponentRegistry.h"
+#include "platform/StateFolder.h"
 #include "studio/AddInLoader.h"
 #include "studio/AddInSet.h"
 #include "studio/QuitSignals.h"
@@ -56,9 +56,7 @@ bool AnswersWithText(int argc, char** argv) {
 }
 
 QString StateFile() {
-    QString folder = qEnvironmentVariable("XDG_STATE_HOME");
-    if (!folder.startsWith(u'/')) folder = QDir::homePath() + u"/.local/state"_s;
-    return folder + u"/korvala/kvstudio.ini"_s;
+    return platform::StateFolder() + u"/kvstudio.ini"_s;
 }
 
 }  // namespace

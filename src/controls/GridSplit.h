@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -113,6 +114,16 @@ public:
     /// The same in a row that the user has just made: with Enter it stays the current one.
     bool BeginRow();
     [[nodiscard]] bool Editing() const;
+    /// What is being edited; its text is what stands in the editor.
+    struct Edit {
+        GridRowId row;
+        int column;
+        QString text;
+    };
+    [[nodiscard]] std::optional<Edit> PendingEdit() const;
+    /// Brings the cell into view and puts a text into it as if it had been typed there. False when
+    /// the cell is not there or cannot be edited.
+    bool ResumeEdit(const Edit& edit);
     /// The pending edit differs from what is stored.
     [[nodiscard]] bool DataChanged() const;
     /// Writes the pending edit. To be called before commands and on deactivation. False when
@@ -140,6 +151,9 @@ public:
     [[nodiscard]] int RowCount() const;
 
 signals:
+    /// An edit has begun, has ended. One that was refused has not ended.
+    void EditBegun();
+    void EditEnded();
     /// The current cell is another one (kNoGridRow: none). Not raised when a reset or a sort
     /// finds the same cell again.
     void RowColChange(GridRowId row, int column);

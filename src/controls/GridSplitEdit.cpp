@@ -70,6 +70,17 @@ bool GridSplit::Editing() const {
     return edit_->Active();
 }
 
+std::optional<GridSplit::Edit> GridSplit::PendingEdit() const {
+    if (!edit_->Changed()) return std::nullopt;
+    return Edit{edit_->Row(), edit_->Column(), edit_->Text()};
+}
+
+bool GridSplit::ResumeEdit(const Edit& edit) {
+    if (!SetCurrentCell(edit.row, edit.column) || !BeginEdit()) return false;
+    edit_->SetText(edit.text);
+    return true;
+}
+
 bool GridSplit::DataChanged() const {
     return edit_->Changed();
 }

@@ -11,6 +11,10 @@
 
 class QWidget;
 
+namespace drafts {
+class DraftKeeper;
+}
+
 namespace MResources {
 class TextTable;
 }
@@ -56,4 +60,6 @@ struct DialogServices {
     std::function<std::optional<std::vector<bool>>(const std::vector<project::Conflict>& conflicts,
                                                    QWidget* owner)>
         settle{};
+    /// Keeps what stands in a dialog until it is closed. Null: nothing is kept.
+    drafts::DraftKeeper* drafts = nullptr;
 };

@@ -17,13 +17,14 @@
 #include <utility>
 #include <vector>
 
-#include "controls/KVColorSelect.h"
 #include "dialogs/AccessKeys.h"
+#include "dialogs/ControlContent.h"
 #include "dialogs/FieldColours.h"
 #include "dialogs/FieldMark.h"
 #include "dialogs/FolderChoice.h"
 #include "dialogs/KeyFilter.h"
 #include "dialogs/TextDialog.h"
+#include "drafts/DraftKeeper.h"
 #include "messages/MessageBox.h"
 #include "platform/Locale.h"
 #include "texts/MResources.h"
@@ -43,23 +44,6 @@ bool IsField(const QWidget* control) {
            qobject_cast<const QPlainTextEdit*>(control) != nullptr;
 }
 
-/// What the user sees or has chosen in a control; invalid for controls that hold nothing.
-QVariant ContentOf(const QWidget& control) {
-    // Before the buttons, of which it is one.
-    if (const auto* color = qobject_cast<const KVColorSelect*>(&control)) {
-        return color->HasColor() ? QVariant(color->Color()) : QVariant();
-    }
-    if (const auto* text = qobject_cast<const QLineEdit*>(&control)) return text->text();
-    if (const auto* list = qobject_cast<const QComboBox*>(&control)) {
-        return list->isEditable() ? QVariant(list->currentText()) : list->currentIndex();
-    }
-    if (const auto* button = qobject_cast<const QAbstractButton*>(&control)) {
-        return button->isCheckable() ? QVariant(button->isChecked()) : QVariant();
-    }
-    if (const auto* holder = qobject_cast<const QLabel*>(&control)) return holder->text();
-    return {};
-}
-
 std::u16string ToUtf16(const QString& text) {
     return text.toStdU16String();
 }
@@ -68,6 +52,16 @@ std::u16string ToUtf16(const QString& text) {
 QString StoredNumber(const ado::Value& value, const project::NumberRange& range) {
     const double number = std::get<double>(value);
     return NumberToText(range.integral ? std::nearbyint(number) : number);
+}
+
+/// What the user knows a control as.
+QString NameOf(const QWidget& control) {
+    QString name = control.accessibleName();
+    if (const auto* button = qobject_cast<const QAbstractButton*>(&control); name.isEmpty()) {
+        if (button != nullptr) name = WithoutAccessKey(button->text());
+    }
+    if (name.endsWith(u':')) name.chop(1);
+    return name;
 }
 
 /// The first control of a page that the Tab key reaches; null when there is none.
@@ -163,9 +157,41 @@ QString PropertyDialog::LabelOf(const QString& column) const {
     if (field == nullptr) return {};
     // The field of an editable list has the name of the list.
     const QWidget* list = qobject_cast<const QComboBox*>(field->parentWidget());
-    QString label = (list != nullptr ? list : field)->accessibleName();
-    if (label.endsWith(u':')) label.chop(1);
-    return label;
+    return NameOf(list != nullptr ? *list : *field);
+}
+
+QList<drafts::Field> PropertyDialog::Typed() const {
+    QList<drafts::Field> typed;
+    for (const QWidget* control : findChildren<QWidget*>()) {
+        // What shows others' values, and is told anew, is nobody's input.
+        const bool tells = qobject_cast<const QLabel*>(control) != nullptr && control->isVisible();
+        if (tells || control->objectName().isEmpty() || !Touched(*control)) continue;
+        typed.append({control->objectName(), NameOf(*control), ShownContentOf(*control),
+                      ContentOf(*control)});
+    }
+    return typed;
+}
+
+void PropertyDialog::Type(const QList<drafts::Field>& fields) {
+    // Twice: what is chosen in one control may set another, which has been set before.
+    for (int round = 0; round < 2; ++round) {
+        for (const drafts::Field& field : fields) {
+            if (auto* control = findChild<QWidget*>(field.name))
+                SetContent(*control, field.content);
+        }
+    }
+}
+
+void PropertyDialog::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (services_.drafts == nullptr || event->spontaneous()) return;
+    Type(services_.drafts->TakeResumed());
+    services_.drafts->Watch([this] { return Typed(); });
+}
+
+void PropertyDialog::done(int result) {
+    if (services_.drafts != nullptr) services_.drafts->Forget();
+    QDialog::done(result);
 }
 
 void PropertyDialog::SetReadOnly(QLineEdit& field) {

@@ -11,6 +11,7 @@
 #include <span>
 
 #include "dialogs/DialogServices.h"
+#include "drafts/Draft.h"
 #include "project/FieldText.h"
 #include "project/Schema.h"
 
@@ -124,6 +125,8 @@ protected:
 
     void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void done(int result) override;
 
 private slots:
     void cmdOk_Click();
@@ -136,6 +139,9 @@ private:
         int toolTip;  // number of its text
     };
 
+    /// What the user has changed, to be kept in case the program ends; Type does the same again.
+    [[nodiscard]] QList<drafts::Field> Typed() const;
+    void Type(const QList<drafts::Field>& fields);
     /// Tells the user where the field cannot hold what has been chosen.
     bool Fits(const QString& chosen, const QLineEdit& field);
     void AddPicker(QPushButton* button, QWidget* field, int toolTip);

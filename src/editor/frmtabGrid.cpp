@@ -16,6 +16,7 @@
 #include "commands/TrendCommands.h"
 #include "controls/FontProperties.h"
 #include "controls/TDBGrid.h"
+#include "drafts/DraftKeeper.h"
 #include "editor/EditorHistory.h"
 #include "editor/EditorKeys.h"
 #include "editor/EditorLayout.h"
@@ -95,6 +96,7 @@ void frmtabGrid::Load(const EditorPlace* place) {
 void frmtabGrid::SetUpColumns() {
     layout_->ApplyColumnOrders();
     TrendsReloaded();
+    KeepDrafts();
 }
 
 void frmtabGrid::Unload() {

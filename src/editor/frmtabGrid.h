@@ -22,6 +22,10 @@ class EditorHistory;
 class EditorKeys;
 class EditorLayout;
 class EditorMenus;
+namespace drafts {
+class DraftKeeper;
+struct Draft;
+}  // namespace drafts
 namespace platform {
 class Registry;
 }
@@ -173,6 +177,11 @@ private:
     /// Brings tree, lists and rows to what a step has changed, and the user there. `beside`: the
     /// archive to open when the one that is open has gone.
     void ShowChanges(const project::ChangeSet& changes, const QString& beside);
+    /// From now on what is being edited outlives the program's end; what has been left is offered.
+    void KeepDrafts();
+    void WatchCell();
+    void OfferDrafts();
+    void Resume(const drafts::Draft& draft);
     void UpdateCommands();
     /// False for a project that can only be looked at.
     [[nodiscard]] bool CanWrite();
@@ -238,6 +247,7 @@ private:
     std::unique_ptr<TrendCommands> trendCommands_;
     std::unique_ptr<EditorLayout> layout_;
     std::unique_ptr<EditorHistory> history_;
+    std::unique_ptr<drafts::DraftKeeper> drafts_;
     EditorMenus* menus_ = nullptr;
     std::unique_ptr<EditorKeys> keys_;
     std::array<QLabel*, 3> panels_{};

@@ -14,6 +14,7 @@
 #include "controls/TDBGrid.h"
 #include "dialogs/ColourTexts.h"
 #include "dialogs/MConfigeditor.h"
+#include "drafts/DraftKeeper.h"
 #include "editor/EditorHistory.h"
 #include "editor/EditorLayout.h"
 #include "editor/EditorMenus.h"
@@ -82,6 +83,7 @@ DialogServices frmtabGrid::Services() {
     services.settle = [this](const std::vector<project::Conflict>& conflicts, QWidget* owner) {
         return history_->Ask(conflicts, {}, owner);
     };
+    services.drafts = drafts_.get();
     return services;
 }
 
@@ -181,6 +183,8 @@ void frmtabGrid::mnuArchiv_Click(int index) {
             return;
         }
         case kEdit:
+            drafts_->SetPlace({drafts::Place::Kind::Archive, projectdb::NodeId(key), 0,
+                               ArchiveName(projectdb::NodeId(key))});
             archiveCommands_->Edit(projectdb::NodeId(key),
                                    [&](ado::Recordset& archives, ado::Recordset& texts,
                                        const std::function<void()>& save) {
@@ -221,6 +225,10 @@ void frmtabGrid::mnuTrend_Click(int index) {
         case kEdit: {
             const GridRowId row = trends.CurrentRow();
             if (row == kNoGridRow) return;
+            drafts_->SetPlace({drafts::Place::Kind::Trend,
+                               projectdb::NodeId(project_.currentNodeKey),
+                               static_cast<std::int32_t>(row),
+                               trends.CellText(row, trends.ColumnIndex(u"Name"))});
             const bool edited =
                 trendCommands_->Edit(static_cast<std::int32_t>(row), [&](ado::Recordset& rows) {
                     return MTrend::EditTrend(rows, CurrentLcid(), Services(), this);

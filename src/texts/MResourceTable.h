@@ -401,6 +401,8 @@ enum Number : int {
     kTextConflictTaken,
     kTextConflictNewNumber,
     kTextConflictInUse,
+    kTextDraftFound,
+    kTextDraftNotKept,
     kTextFreezeName,
     kTextToolBar,
     kTextLanguageOfTexts,

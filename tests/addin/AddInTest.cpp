@@ -14,13 +14,15 @@ using namespace Qt::Literals::StringLiterals;
 AddInTest::AddInTest()
     : answer_([this](const messages::Message& message) {
           messages_ += message;
-          return messages::MessageResult::Ok;
+          return message.buttons == messages::MessageButtons::YesNo ? yesOrNo_
+                                                                    : messages::MessageResult::Ok;
       }) {
     QPluginLoader loader(QStringLiteral(KV_ADDIN_FILE));
     root_ = loader.instance();
     addIn_ = qobject_cast<KV4AddIn::CKV4Extensibility*>(root_);
     if (addIn_ == nullptr) qFatal("%s", qPrintable(loader.errorString()));
     qputenv("KV_REGISTRY", QFile::encodeName(folder_.filePath(u"machine.reg"_s)));
+    qputenv("XDG_STATE_HOME", QFile::encodeName(folder_.filePath(u"state"_s)));
     host_.container.resize(1000, 560);
     texts::SetInterfaceLanguage(platform::kLcidGerman);  // a test before may have left another
 }

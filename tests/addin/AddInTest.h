@@ -16,7 +16,7 @@ inline void PrintTo(const QString& text, std::ostream* out) {
 }
 
 /// Drives the real plugin as a host does, on a copy of a project in a folder of its own. Every
-/// message box is answered with OK and kept.
+/// message box is answered with OK, or as the test says, and kept.
 class AddInTest : public testing::Test {
 protected:
     AddInTest();
@@ -50,5 +50,6 @@ protected:
     KV4AddIn::CKV4Extensibility* addIn_ = nullptr;
     QObject* root_ = nullptr;
     QList<messages::Message> messages_;
+    messages::MessageResult yesOrNo_ = messages::MessageResult::Yes;
     messages::MessageAnswer answer_;
 };

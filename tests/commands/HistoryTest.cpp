@@ -1,5 +1,9 @@
 #include "project/History.h"
 
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <csignal>
 #include <filesystem>
 #include <random>
 
@@ -265,6 +269,61 @@ TEST_F(HistoryTest, ANumberThatIsTakenIsGivenAnewAndEverybodyWhoNamesItFollows) 
     std::ignore = Redo();
     EXPECT_FALSE(rows.SeekArchive(number));
     EXPECT_EQ(Read().size(), whole.size());
+}
+
+/// A file of this process can grow no further; a write beyond is refused, or ends the process.
+void LimitFiles(rlim_t bytes, bool kills) {
+    std::signal(SIGXFSZ, kills ? SIG_DFL : SIG_IGN);
+    rlimit limit{};
+    ::getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = bytes;
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+/// Cut off in the middle, by a kill or a full disk, a step back is made whole or not at all.
+TEST_F(HistoryTest, AStepBackThatIsCutOffLeavesTheFileAsItWasBefore) {
+    OpenBrewery();
+    const Content start = Read();
+    archives_.Delete(QStringLiteral("ARCH1"), {}, {});
+    const Content deleted = Read();
+    EndStep();
+    std::ignore = Undo();
+    Environment().CloseConnection();
+    const std::string source = path_;
+    const auto size = static_cast<rlim_t>(std::filesystem::file_size(source));
+    int whole = 0;
+    int cutOff = 0;
+    for (const bool kills : {true, false}) {
+        for (rlim_t limit = 4096; limit <= size + 65536; limit += size / 9) {
+            path_ = source + std::to_string(limit) + (kills ? "k.kvs" : "r.kvs");
+            std::filesystem::copy_file(source, path_);
+            const pid_t child = ::fork();
+            if (child == 0) {
+                Environment().OpenConnection(projectdb::ToQString(path_));
+                project_.history = {};
+                archives_.Delete(QStringLiteral("ARCH1"), {}, {});
+                EndStep();
+                LimitFiles(limit, kills);
+                try {
+                    std::ignore = Undo();
+                } catch (const ado::AdoError&) {
+                    ::_exit(Steps().Done().size() == 1 ? 1 : 2);
+                }
+                ::_exit(0);
+            }
+            int status = 0;
+            ::waitpid(child, &status, 0);
+            const bool done = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+            ++(done ? whole : cutOff);
+            EXPECT_EQ(WIFSIGNALED(status), kills && !done) << limit;
+            EXPECT_TRUE(!WIFEXITED(status) || WEXITSTATUS(status) != 2) << "the step is lost";
+            EXPECT_EQ(Read(), done ? start : deleted) << limit << (kills ? " killed" : " refused");
+            EXPECT_TRUE(ErrorsIn(path_).empty()) << limit;
+        }
+    }
+    path_ = source;
+    EXPECT_GT(whole, 0);
+    EXPECT_GT(cutOff, 6);
 }
 
 TEST_F(HistoryTest, TheOldestStepsGo) {

@@ -68,6 +68,7 @@ void CellEdit::Begin(const QModelIndex& cell, Mode mode, const QString& typed) {
     editor_->show();
     editor_->setFocus(Qt::OtherFocusReason);
     view_.UpdateMarks();
+    emit split_.EditBegun();
 }
 
 void CellEdit::MakeLine(const QString& typed) {
@@ -166,19 +167,23 @@ bool CellEdit::Commit() {
     const bool isList = list_ != nullptr;
     // Closed first: telling the user of an error takes the focus away, which would commit again.
     Close();
-    if (!changed || split_.Store(row, column, *value)) return true;
+    const bool stored = !changed || split_.Store(row, column, *value);
     // What the user has typed is theirs until they give it up. An entry of a list is no text.
-    if (!isList) split_.ReturnEdit(row, column, typed);
-    return false;
+    if (!stored && !isList) split_.ReturnEdit(row, column, typed);
+    if (!Active()) emit split_.EditEnded();
+    return stored;
 }
 
 void CellEdit::SetText(const QString& text) {
     if (line_ != nullptr) line_->setText(text);
+    if (list_ != nullptr) list_->setCurrentIndex(list_->findText(text));
 }
 
 void CellEdit::Cancel() {
     stays_ = kNoGridRow;
-    if (Active()) Close();
+    if (!Active()) return;
+    Close();
+    emit split_.EditEnded();
 }
 
 void CellEdit::Place() {

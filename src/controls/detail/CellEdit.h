@@ -43,7 +43,7 @@ public:
     /// Closes the editor and stores what was changed. False when that was refused; a typed text
     /// then stands in the editor again, over the value that is stored now.
     bool Commit();
-    /// Gives the line another text, as if it had been typed.
+    /// Gives the editor another text or the entry that reads so, as if the user had.
     void SetText(const QString& text);
     /// Enter does not go on to the next row while this one is being edited.
     void StayInRow() { stays_ = row_; }
