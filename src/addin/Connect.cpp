@@ -121,6 +121,14 @@ QVariant Connect::CKV4Extensibility_GetMessage(const QString& sender, const QStr
     return {};
 }
 
+void Connect::CKV4Extensibility_StartupComplete() {
+    Guard(u"Connect: StartupComplete"_s, [&] {
+        // Who was in the middle of an edit is led back to it without having to look for it.
+        const bool isLeft = host_ != nullptr && frmtabGrid::HasDrafts(project_.projectPath);
+        if (isLeft) FirstUse(kRootKey, false);
+    });
+}
+
 void Connect::KeepPlace() {
     place_.reset();
     if (!opened_ || !editor_) return;

@@ -34,7 +34,7 @@ public:
 
     void CKV4Extensibility_Initialize(const QString& projectName, const QString& secondName,
                                       KV4AddIn::IHost* host, KV4AddIn::IHost* secondHost) override;
-    void CKV4Extensibility_StartupComplete() override {}
+    void CKV4Extensibility_StartupComplete() override;
     void CKV4Extensibility_Terminate() override;
     void CKV4Extensibility_Deactivate() override {}
     void CKV4Extensibility_NodeClick(const KV4AddIn::Node& node) override;

@@ -19,6 +19,17 @@ constexpr auto kInterval = 2s;
 constexpr int kMostFiles = 100;
 constexpr qsizetype kHashDigits = 16;
 
+/// With what the names of a project's drafts begin.
+QString StemOf(const QString& project) {
+    const QByteArray hash =
+        QCryptographicHash::hash(project.toUtf8(), QCryptographicHash::Sha256).toHex();
+    return QString::fromLatin1(hash.left(kHashDigits)) + u'-';
+}
+
+QStringList FilesOf(const QString& folder, const QString& stem) {
+    return QDir(folder).entryList({stem + u"*.json"_s}, QDir::Files, QDir::Time);
+}
+
 QString LockOf(const QString& file) {
     return file + u".lock"_s;
 }
@@ -26,14 +37,15 @@ QString LockOf(const QString& file) {
 }  // namespace
 
 DraftKeeper::DraftKeeper(QString folder, const QString& project, QObject* parent)
-    : QObject(parent), folder_(std::move(folder)) {
-    const QByteArray hash =
-        QCryptographicHash::hash(project.toUtf8(), QCryptographicHash::Sha256).toHex();
-    stem_ = QString::fromLatin1(hash.left(kHashDigits)) + u'-';
+    : QObject(parent), folder_(std::move(folder)), stem_(StemOf(project)) {
     timer_.setObjectName(u"tmrDraft"_s);
     timer_.setParent(this);
     timer_.setInterval(kInterval);
     connect(&timer_, &QTimer::timeout, this, &DraftKeeper::Write);
+}
+
+bool DraftKeeper::HasFiles(const QString& folder, const QString& project) {
+    return !FilesOf(folder, StemOf(project)).isEmpty();
 }
 
 DraftKeeper::~DraftKeeper() {
@@ -102,10 +114,9 @@ bool DraftKeeper::Lock(const QString& file) {
 }
 
 std::optional<Draft> DraftKeeper::TakeAbandoned() {
-    const QDir folder(folder_);
-    for (const QString& name : folder.entryList({stem_ + u"*.json"_s}, QDir::Files, QDir::Time)) {
+    for (const QString& name : FilesOf(folder_, stem_)) {
         Release();
-        if (!Lock(folder.filePath(name))) continue;
+        if (!Lock(QDir(folder_).filePath(name))) continue;
         QFile file(file_);
         if (!file.open(QIODevice::ReadOnly)) {
             file_.clear();  // it is left where it is

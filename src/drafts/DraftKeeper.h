@@ -31,6 +31,10 @@ public:
     /// What has been watched is forgotten.
     ~DraftKeeper() override;
 
+    /// Whether there is a draft of the project, abandoned or not: a look that costs next to
+    /// nothing.
+    [[nodiscard]] static bool HasFiles(const QString& folder, const QString& project);
+
     /// Of what is edited next.
     void SetPlace(const Place& place) { place_ = place; }
     /// Asks `typed` now and then until Forget; what was watched before is no more.

@@ -62,6 +62,10 @@ public:
                IAddIn& addIn, platform::Registry& registry, QWidget* parent = nullptr);
     ~frmtabGrid() override;
 
+    /// Whether an edit of this project has been left by a program that has ended in its middle;
+    /// or is just being kept by one that runs.
+    [[nodiscard]] static bool HasDrafts(const QString& projectPath);
+
     /// Reads the settings beside the project and the project's languages, and applies them. With a
     /// place of another window on the same project that window's settings are in force.
     void Load(const EditorPlace* place = nullptr);

@@ -31,11 +31,18 @@ QString ListOf(const QList<drafts::Field>& fields) {
     return lines.join(u'\n');
 }
 
+QString Folder() {
+    return platform::StateFolder() + u"/drafts"_s;
+}
+
 }  // namespace
 
+bool frmtabGrid::HasDrafts(const QString& projectPath) {
+    return drafts::DraftKeeper::HasFiles(Folder(), projectPath);
+}
+
 void frmtabGrid::KeepDrafts() {
-    drafts_ = std::make_unique<drafts::DraftKeeper>(platform::StateFolder() + u"/drafts"_s,
-                                                    project_.projectPath, this);
+    drafts_ = std::make_unique<drafts::DraftKeeper>(Folder(), project_.projectPath, this);
     connect(drafts_.get(), &drafts::DraftKeeper::Failed, this, [this](const QString& cause) {
         Hint(texts_.GetText(MResourceTable::kTextDraftNotKept, {{u"cause", cause}}));
     });
