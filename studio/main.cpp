@@ -1,11 +1,14 @@
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <memory>
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QFileInfo>
 #include <QSettings>
+#include <string_view>
+#include <vector>
 
+#include "commandline/CommandLine.h"
 #include "platform/ComponentRegistry.h"
 #include "platform/StateFolder.h"
 #include "studio/AddInLoader.h"
@@ -21,38 +24,49 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr int kUsageError = 2;
 
-constexpr char kHelp[] =
-    "Usage: kvstudio [--registry FILE] [--screenshot PNG] [PROJECT]\n"
-    "Opens process visualisation projects and runs their editors.\n"
-    "\n"
-    "  PROJECT            a project file (.kvs), or the name of a registered project\n"
-    "  --registry FILE    use this registry file (exported text form, .reg)\n"
-    "  --screenshot PNG   open the project, write a picture of the window and exit\n"
-    "  --help             show this help\n"
-    "  --version          show the version\n"
-    "\n"
-    "Exit status: 0 done, 1 the project or picture failed, 2 wrong usage.\n";
+const commandline::Program kProgram{
+    "kvstudio",
+    KV_VERSION,
+    "[OPTION]... [PROJECT]",
+    "Opens process visualisation projects and runs their editors. PROJECT is a project file\n"
+    "(.kvs), or the name of a registered project.",
+    "Exit status: 0 done, 1 the project or picture failed, 2 wrong usage.",
+    "[PROJECT]",
+    {{"registry", "FILE", "use this registry file (exported text form, .reg)"},
+     {"screenshot", "PNG", "open the project, write a picture of the window and exit"}}};
 
-int WrongUsage(const QString& message) {
-    std::fprintf(stderr, "kvstudio: %s\nTry 'kvstudio --help'.\n", qUtf8Printable(message));
-    return kUsageError;
+/// Whether Qt takes a word off the command line, with the one behind it when it holds no "=".
+bool IsForQt(std::string_view word) {
+    static constexpr std::array<std::string_view, 15> kWithValue = {
+        "display",         "geometry",    "icon",          "name",
+        "platform",        "plugin",      "platformtheme", "platformpluginpath",
+        "qwindowgeometry", "qwindowicon", "qwindowtitle",  "session",
+        "style",           "stylesheet",  "title"};
+    if (!word.starts_with('-')) return false;
+    word.remove_prefix(word.starts_with("--") ? 2 : 1);
+    word = word.substr(0, word.find('='));
+    return std::find(kWithValue.begin(), kWithValue.end(), word) != kWithValue.end();
 }
 
-/// --help and --version must work where there is no display, so before Qt looks for one.
-bool AnswersWithText(int argc, char** argv) {
-    for (int i = 1; i < argc; ++i) {
-        const QByteArrayView argument(argv[i]);
-        if (argument == "--") return false;
-        if (argument == "--help" || argument == "-h") {
-            std::fputs(kHelp, stdout);
-            return true;
-        }
-        if (argument == "--version") {
-            std::puts("kvstudio " KV_VERSION);
-            return true;
+/// The command line without what is meant for Qt. Qt itself takes that out only once there is a
+/// display, and without one nobody would learn what is wrong with the rest.
+std::vector<char*> OwnWords(int argc, char** argv) {
+    std::vector<char*> words;
+    bool isEnded = false;
+    for (int i = 0; i < argc; ++i) {
+        const std::string_view word = argv[i];
+        isEnded = isEnded || word == "--";
+        if (isEnded || i == 0 || !IsForQt(word)) {
+            words.push_back(argv[i]);
+        } else if (word.find('=') == std::string_view::npos) {
+            ++i;
         }
     }
-    return false;
+    return words;
+}
+
+QString FromShell(const std::string& word) {
+    return QFile::decodeName(word.c_str());
 }
 
 QString StateFile() {
@@ -62,24 +76,26 @@ QString StateFile() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (AnswersWithText(argc, argv)) return 0;
+    std::vector<char*> words = OwnWords(argc, argv);
+    const auto parsed = commandline::Parse(kProgram, static_cast<int>(words.size()), words.data());
+    if (const auto* mistake = std::get_if<commandline::Mistake>(&parsed)) {
+        std::fprintf(stderr, "kvstudio: %s\nTry 'kvstudio --help'.\n", mistake->text.c_str());
+        return kUsageError;
+    }
+    if (const auto* answer = std::get_if<commandline::Answer>(&parsed)) {
+        return std::fputs(answer->text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0 ? 0 : 1;
+    }
+    const auto& call = std::get<commandline::Call>(parsed);
+    const QString project = call.words.empty() ? QString() : FromShell(call.words[0]);
+
     const QApplication app(argc, argv);
     QApplication::setApplicationName(u"kvstudio"_s);
     QApplication::setApplicationDisplayName(QString());
     QApplication::setApplicationVersion(QStringLiteral(KV_VERSION));
     QApplication::setDesktopFileName(u"kvstudio"_s);
 
-    QCommandLineParser parser;
-    const QCommandLineOption registryOption(u"registry"_s, {}, u"FILE"_s);
-    const QCommandLineOption screenshotOption(u"screenshot"_s, {}, u"PNG"_s);
-    parser.addOptions({registryOption, screenshotOption});
-    if (!parser.parse(QApplication::arguments())) return WrongUsage(parser.errorText());
-    const QStringList projects = parser.positionalArguments();
-    if (projects.size() > 1) return WrongUsage(u"more than one project was given"_s);
-    const QString project = projects.value(0);
-
-    if (parser.isSet(registryOption)) {
-        const QString file = QFileInfo(parser.value(registryOption)).absoluteFilePath();
+    if (call.Has("registry")) {
+        const QString file = QFileInfo(FromShell(call.Value("registry"))).absoluteFilePath();
         if (!QFileInfo::exists(file)) {
             std::fprintf(stderr, "kvstudio: the registry file does not exist yet: '%s'\n",
                          qUtf8Printable(file));
@@ -87,7 +103,7 @@ int main(int argc, char** argv) {
         qputenv("KV_REGISTRY", QFile::encodeName(file));
     }
 
-    const bool screenshot = parser.isSet(screenshotOption);
+    const bool screenshot = call.Has("screenshot");
     // A picture shows the same window wherever it is taken, and leaves nothing behind.
     std::unique_ptr<QSettings> state;
     if (!screenshot) state = std::make_unique<QSettings>(StateFile(), QSettings::IniFormat);
@@ -98,7 +114,8 @@ int main(int argc, char** argv) {
     const QList<studio::AddInReport> reports = studio::LoadAddIns(components, addIns);
     studio::StudioWindow window(registry, addIns, reports, state.get());
     if (screenshot) {
-        return studio::TakeScreenshot(window, registry, project, parser.value(screenshotOption));
+        return studio::TakeScreenshot(window, registry, project,
+                                      FromShell(call.Value("screenshot")));
     }
     const studio::QuitSignals quitSignals([&window] { window.Quit(); });
     window.show();

@@ -173,7 +173,11 @@ std::variant<Call, Answer, Mistake> Parse(const Program& program, int argc, char
     int found = 0;
     while ((found = getopt_long(argc, argv, letters.c_str(), rows.data(), nullptr)) != -1) {
         if (found == '?') {
-            return Mistake{std::string("unknown or incomplete option '") + argv[optind - 1] + "'"};
+            // Of several letters in one word, the word is not passed yet.
+            const bool isLetter = optopt > 0 && optopt < kFirst;
+            const std::string word = isLetter ? std::string{'-', static_cast<char>(optopt)}
+                                              : std::string(argv[optind - 1]);
+            return Mistake{"unknown or incomplete option '" + word + "'"};
         }
         const auto row = std::find_if(known.begin(), known.end(), [&](const Option& option) {
             return found == option.letter || found == kFirst + (&option - known.data());

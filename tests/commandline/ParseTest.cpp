@@ -61,6 +61,8 @@ TEST(ParseTest, SaysWhatIsWrong) {
         {{"fill", "a", "--out", "b"}, "fill: --out is for mix and move"},
         {{"mix", "a", "b", "--order=left"}, "mix: unknown order 'left'; there are up and down"},
         {{"mix", "a", "b", "--nonsense"}, "unknown or incomplete option '--nonsense'"},
+        {{"mix", "a", "b", "-xq"}, "unknown or incomplete option '-x'"},
+        {{"mix", "a", "b", "-qo"}, "unknown or incomplete option '-o'"},
         {{"mix", "a", "b", "--out"}, "unknown or incomplete option '--out'"},
         {{"--completion=cmd"}, "unknown completion 'cmd'; there are bash, zsh and fish"},
     };

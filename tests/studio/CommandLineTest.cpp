@@ -37,6 +37,18 @@ Outcome RunStudio(const QStringList& arguments, const QString& stateFolder = {},
             QString::fromUtf8(process.readAllStandardError())};
 }
 
+/// The program's status where Qt finds no display: it ends by a signal once it asks for one.
+int RunWithoutDisplay(const QStringList& arguments) {
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const auto& name : {u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s}) environment.remove(name);
+    environment.insert(u"QT_QPA_PLATFORM"_s, u"xcb"_s);
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(KV_STUDIO), arguments);
+    const bool isEnded = process.waitForFinished(60000);
+    return isEnded && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+}
+
 TEST(CommandLineTest, TextAnswersAndWrongUsage) {
     struct Row {
         QStringList arguments;
@@ -48,6 +60,8 @@ TEST(CommandLineTest, TextAnswersAndWrongUsage) {
         {{u"--help"_s}, 0, u"Usage: kvstudio"_s, {}},
         {{u"--version"_s}, 0, u"kvstudio "_s, {}},
         {{u"--nonsense"_s}, 2, {}, u"nonsense"_s},
+        {{u"--platform"_s, u"offscreen"_s, u"-style=fusion"_s, u"-bla"_s}, 2, {}, u"'-b'"_s},
+        {{u"--completion=bash"_s}, 0, u"--screenshot"_s, {}},
         {{u"--registry"_s}, 2, {}, u"registry"_s},
         {{u"a.kvs"_s, u"b.kvs"_s}, 2, {}, u"more than one"_s},
     };
@@ -55,6 +69,7 @@ TEST(CommandLineTest, TextAnswersAndWrongUsage) {
         SCOPED_TRACE(qPrintable(row.arguments.join(u' ')));
         const Outcome outcome = RunStudio(row.arguments);
         EXPECT_EQ(outcome.status, row.status);
+        EXPECT_EQ(RunWithoutDisplay(row.arguments), row.status);
         EXPECT_TRUE(outcome.out.contains(row.out)) << qPrintable(outcome.out);
         EXPECT_TRUE(outcome.err.contains(row.err)) << qPrintable(outcome.err);
     }
