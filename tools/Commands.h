@@ -9,7 +9,14 @@
 namespace tools {
 
 /// Exit statuses of the tool.
-enum ExitStatus : int { kSuccess = 0, kFailure = 1, kUsage = 2 };
+enum ExitStatus : int {
+    kSuccess = 0,
+    kFailure = 1,
+    kUsage = 2,
+    // Of commands that compare, as diff has them.
+    kDiffers = 1,
+    kTrouble = 2,
+};
 
 // The commands. They write their result to `out` and messages, a line each, to `err`; both are
 // borrowed. Damage concerns single rows or values: the rest is written all the same, the messages
@@ -68,6 +75,14 @@ enum class Mode { Change, DryRun };
 [[nodiscard]] ExitStatus Delete(const std::string& file, const std::string& table,
                                 const std::string& criteria, Mode mode, std::FILE* out,
                                 std::FILE* err);
+
+/// Forms of what is told of several files.
+enum class TextFormat { Text, Json };
+
+/// Writes how two project files differ, by ID and whatever the order in which their rows are
+/// stored. kDiffers when they do, kTrouble when one of them cannot be read.
+[[nodiscard]] ExitStatus Diff(const std::string& before, const std::string& after,
+                              TextFormat format, std::FILE* out, std::FILE* err);
 
 /// Runs the program: argument 0 is its name.
 [[nodiscard]] ExitStatus Run(int argc, char** argv, std::FILE* out, std::FILE* err);

@@ -16,6 +16,12 @@ struct Row {
 constexpr commandline::Option kDryRun = {"dry-run", "",
                                          "say what would be changed, and change nothing"};
 
+constexpr commandline::Option kTextFormat = {"format", "text|json", "sentences (default) or JSON"};
+
+TextFormat TextFormatOf(const Call& call) {
+    return call.Value("format") == "json" ? TextFormat::Json : TextFormat::Text;
+}
+
 Mode ModeOf(const Call& call) {
     return call.Has("dry-run") ? Mode::DryRun : Mode::Change;
 }
@@ -93,6 +99,14 @@ const std::vector<Row>& Rows() {
           {kDryRun}},
          [](const Call& call, std::FILE* out, std::FILE* err) {
              return Delete(call.words[0], call.words[1], call.words[2], ModeOf(call), out, err);
+         }},
+        {{"diff",
+          "A B",
+          "how B differs from A: archives, trends, texts and groups by ID, field by field; exit "
+          "status 0 the same, 1 different, 2 trouble",
+          {kTextFormat}},
+         [](const Call& call, std::FILE* out, std::FILE* err) {
+             return Diff(call.words[0], call.words[1], TextFormatOf(call), out, err);
          }},
     };
     return rows;

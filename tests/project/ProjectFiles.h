@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "ado/Connection.h"
+
+/// A folder that goes with the test.
+class TestFolder {
+public:
+    TestFolder() {
+        std::string pattern = std::filesystem::temp_directory_path() / "project-XXXXXX";
+        folder_ = ::mkdtemp(pattern.data());
+    }
+    ~TestFolder() { std::filesystem::remove_all(folder_); }
+    TestFolder(const TestFolder&) = delete;
+    TestFolder& operator=(const TestFolder&) = delete;
+
+    /// Path of a copy under this name.
+    std::string Copy(const std::string& original, const std::string& name) const {
+        std::filesystem::copy_file(original, Path(name));
+        return Path(name);
+    }
+    [[nodiscard]] std::string Path(const std::string& name) const { return folder_ / name; }
+
+private:
+    std::filesystem::path folder_;
+};
+
+inline void OpenProject(ado::Connection& connection, const std::string& path) {
+    connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path + ";");
+}

@@ -1,0 +1,43 @@
+#include "ado/AdoError.h"
+#include "project/Differences.h"
+#include "tools/Commands.h"
+#include "tools/DiffText.h"
+#include "tools/Messages.h"
+
+namespace tools {
+namespace {
+
+void Open(ado::Connection& connection, const std::string& file, std::FILE* err) {
+    connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file + ";Mode=Read;");
+    Messages(err, file).Warn(connection.TakeNotices());
+}
+
+}  // namespace
+
+ExitStatus Diff(const std::string& before, const std::string& after, TextFormat format,
+                std::FILE* out, std::FILE* err) {
+    project::Differences differences;
+    const std::string* file = &before;  // of which a failure tells that names none
+    try {
+        ado::Connection earlier;
+        Open(earlier, before, err);
+        file = &after;
+        ado::Connection later;
+        Open(later, after, err);
+        differences = project::Compare(earlier, later);
+    } catch (const ado::AdoError& error) {
+        if (error.Description().starts_with('"' + before + '"')) file = &before;
+        Fail(*file, error, err);
+        return kTrouble;
+    }
+    TextBuffer output(out);
+    if (format == TextFormat::Json) {
+        AppendJson(differences, output);
+    } else {
+        AppendDifferences(differences, output);
+    }
+    if (Messages(err, after).Finish(output) != kSuccess) return kTrouble;
+    return differences.IsEmpty() ? kSuccess : kDiffers;
+}
+
+}  // namespace tools

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "project/Differences.h"
+#include "tools/TextBuffer.h"
+
+namespace tools {
+
+// How two projects differ, as text. Rows of tables that are no project's are only counted.
+
+/// A line for each row, with its changed fields on lines of their own below.
+void AppendDifferences(const project::Differences& differences, TextBuffer& out);
+/// An array with an object for each row, in a line of its own.
+void AppendJson(const project::Differences& differences, TextBuffer& out);
+
+/// Appends a value as people read it, a text in quotes.
+void AppendWords(const ado::Value& value, TextBuffer& out);
+/// Appends what a row is called: trend 7 "Temperature". `side` is its `before` or `after`.
+void AppendRow(const ado::RowChange& row, const std::vector<ado::Value>& side, TextBuffer& out);
+
+}  // namespace tools
