@@ -37,6 +37,9 @@ constexpr Key kPasteKeys[] = {{Place::Archives, Qt::CTRL | Qt::Key_V, false},
                               {Place::Trends, Qt::CTRL | Qt::Key_V}};
 constexpr Key kDuplicateKeys[] = {{Place::Archives, Qt::CTRL | Qt::Key_D},
                                   {Place::Trends, Qt::CTRL | Qt::Key_D}};
+constexpr Key kFillKeys[] = {{Place::Cells, Qt::CTRL | Qt::Key_D}};
+constexpr Key kFillCountingKeys[] = {{Place::Cells, Qt::CTRL | Qt::SHIFT | Qt::Key_D},
+                                     {Place::Trends, Qt::CTRL | Qt::SHIFT | Qt::Key_D, false}};
 // The grid knows these itself.
 constexpr Key kClearKeys[] = {{Place::Trends, Qt::Key_Delete}};
 constexpr Key kSelectAllKeys[] = {{Place::Trends, Qt::CTRL | Qt::Key_A}};
@@ -72,6 +75,10 @@ constexpr Command kCommands[] = {
      kPasteKeys},
     {Duplicate, u"mnuDuplicate", kTextDuplicate, kNone, kTextKeyDuplicate, u"duplicate",
      kArchive | kWriting, kDuplicateKeys},
+    {Fill, u"mnuFill", kTextFill, kNone, kTextKeyFill, u"", kArchive | kCells | kWriting,
+     kFillKeys},
+    {FillCounting, u"mnuFillCounting", kTextFillCounting, kNone, kTextKeyFillCounting, u"",
+     kArchive | kCells | kWriting, kFillCountingKeys},
     {Clear, u"mnuClear", kTextClear, kNone, kNone, u"", kArchive | kTrend | kWriting, kClearKeys},
     {SelectAll, u"mnuSelectAll", kTextSelectAll, kNone, kNone, u"", kArchive, kSelectAllKeys},
     {FreezeName, u"mnuFreeze", kTextFreezeName, kNone, kNone, u"", 0, {}},
@@ -82,8 +89,8 @@ static_assert(std::size(kCommands) == static_cast<std::size_t>(Separator));
 
 constexpr Id kArchiveMenu[] = {NewArchive, EditArchive, DeleteArchive, Separator, ShowEditor};
 constexpr Id kTrendMenu[] = {NewTrend, EditTrend, DeleteTrend};
-constexpr Id kEditMenu[] = {Undo,      Redo,  Separator, Copy,      Paste,
-                            Duplicate, Clear, Separator, SelectAll, Find};
+constexpr Id kEditMenu[] = {Undo, Redo,         Separator, Copy,      Paste,     Duplicate,
+                            Fill, FillCounting, Clear,     Separator, SelectAll, Find};
 constexpr Id kExtrasMenu[] = {Statistic, Report, Refresh, Separator, Options};
 constexpr Menu kMenus[] = {
     {u"mnuArchive", kTextMenuArchive, u"mnuArchiv", kArchiveMenu},
@@ -97,9 +104,10 @@ constexpr Id kToolBar[] = {NewArchive,  EditArchive, DeleteArchive, Separator, N
                            Paste,       Duplicate,   Separator,     Report,    Refresh,   Options};
 constexpr Id kArchiveContext[] = {NewArchive, EditArchive, DeleteArchive, Separator, Undo,
                                   Redo,       Separator,   Copy,          Duplicate, Find};
-constexpr Id kTrendContext[] = {NewTrend,  EditTrend, DeleteTrend, Separator, Undo,  Redo,
-                                Separator, Copy,      Paste,       Duplicate, Clear, Separator,
-                                SelectAll, Find,      Separator,   FreezeName};
+constexpr Id kTrendContext[] = {NewTrend, EditTrend,    DeleteTrend, Separator, Undo,
+                                Redo,     Separator,    Copy,        Paste,     Duplicate,
+                                Fill,     FillCounting, Clear,       Separator, SelectAll,
+                                Find,     Separator,    FreezeName};
 
 /// The key stands in given texts behind many blanks.
 qsizetype GivenKeyAt(const QString& text) {
@@ -126,7 +134,7 @@ const Command* CommandOf(Place place, QKeyCombination keys) {
             if (key.place == place && key.keys == keys) return &command;
         }
     }
-    return nullptr;
+    return place == Place::Cells ? CommandOf(Place::Trends, keys) : nullptr;
 }
 
 std::span<const Menu> Menus() {
@@ -153,6 +161,7 @@ int Obstacle(const Command& command, const Situation& situation) {
     if (lacks(kUndone, situation.hasUndone)) return kTextHintNothingToRedo;
     if (lacks(kArchive, situation.isArchive)) return kTextHintNoArchive;
     if (lacks(kTrend, situation.hasTrend)) return kTextHintNoTrend;
+    if (lacks(kCells, situation.hasCells)) return kTextHintNoCells;
     if (lacks(kSelection, situation.hasSelection)) {
         return situation.hasTrend ? kTextHintNoSelection : kTextHintNoTrend;
     }

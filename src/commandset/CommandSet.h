@@ -31,6 +31,8 @@ enum class Id : std::uint8_t {
     Copy,
     Paste,
     Duplicate,
+    Fill,
+    FillCounting,
     Clear,
     SelectAll,
     FreezeName,
@@ -40,7 +42,12 @@ enum class Id : std::uint8_t {
 };
 
 /// Where the keyboard is.
-enum class Place : std::uint8_t { Tree, Archives, Trends };
+enum class Place : std::uint8_t {
+    Tree,
+    Archives,
+    Trends,
+    Cells,  // of several trends, selected; a key that has no meaning there has that of Trends
+};
 
 struct Key {
     Place place;
@@ -57,6 +64,7 @@ enum Need : unsigned {
     kSelection = 16,        // selected trends
     kDone = 32,             // a step to take back
     kUndone = 64,           // a step that has been taken back
+    kCells = 128,           // cells of several trends that are selected
 };
 
 struct Command {
@@ -99,6 +107,7 @@ struct Situation {
     bool isInArchives = false;  // the keyboard is in the list of archives
     bool hasTrend = false;      // a trend is current
     bool hasSelection = false;  // trends are selected
+    bool hasCells = false;      // several of them, whose cells can be written at once
     bool hasDone = false;       // the user has changed something
     bool hasUndone = false;     // and taken it back
 };

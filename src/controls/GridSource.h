@@ -4,6 +4,7 @@
 #include <limits>
 #include <optional>
 #include <QAbstractTableModel>
+#include <QList>
 #include <QString>
 #include <QVariant>
 
@@ -34,6 +35,13 @@ inline constexpr int kKind = Qt::UserRole + 3;
 inline constexpr int kNumber = Qt::UserRole + 4;
 }  // namespace GridRole
 
+/// A cell and what is to be written there; an invalid value clears it.
+struct GridCell {
+    GridRowId row = kNoGridRow;
+    int column = -1;
+    QVariant value;
+};
+
 /// What became of a change.
 struct GridCommit {
     enum class Outcome {
@@ -45,6 +53,9 @@ struct GridCommit {
     int number = 0;
     QString text = {};     // for the user; may be empty
     QString details = {};  // for who is asked for help
+    // Which of several cells it was; kNoGridRow: none of them.
+    GridRowId row = kNoGridRow;
+    int column = -1;
 
     [[nodiscard]] static GridCommit Stored() { return {}; }
     [[nodiscard]] static GridCommit Refused() { return {Outcome::Refused}; }
@@ -102,6 +113,10 @@ public:
     /// A row that has gone meanwhile is a failure like others.
     /// The call may show a message box, and the model may even be reset within it.
     virtual GridCommit CommitCell(GridRowId row, int column, const QVariant& value) = 0;
+
+    /// Writes several cells, each named once, all of them or none; as CommitCell. A source that
+    /// cannot do that refuses.
+    virtual GridCommit CommitCells(const QList<GridCell>& cells);
 
     /// Goes through CommitCell. Returns whether the value is stored.
     bool setData(const QModelIndex& index, const QVariant& value, int role) override;

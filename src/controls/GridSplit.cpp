@@ -256,11 +256,13 @@ void GridSplit::SelectRows(const QList<GridRowId>& rows) {
         if (const int row = rows_->RowOf(id); row >= 0) numbers.push_back(row);
     }
     std::sort(numbers.begin(), numbers.end());
+    view_.SetWholeRows(true);
     view_.SelectRowNumbers(numbers);
 }
 
 void GridSplit::SelectAll() {
     rows_->FetchAll();
+    view_.SetWholeRows(true);
     if (rows_->rowCount() > 0) view_.SelectRange(0, rows_->rowCount() - 1);
 }
 

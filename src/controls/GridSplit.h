@@ -99,8 +99,25 @@ public:
     [[nodiscard]] QList<GridRowId> SelectedRows() const;
     void SelectRows(const QList<GridRowId>& rows);
     void SelectAll();
-    /// Stores nothing in the current cell, where it can be edited and is no list's.
-    void ClearCell();
+    /// The cells that a change is meant for: of the selected rows those of the current column, or
+    /// of all columns that the selection has been widened over; the current cell alone when its row
+    /// is not selected. Rows from top to bottom, columns in the order shown.
+    struct Cells {
+        QList<GridRowId> rows;
+        QList<int> columns;
+        [[nodiscard]] qsizetype Count() const { return rows.size() * columns.size(); }
+    };
+    [[nodiscard]] Cells SelectedCells() const;
+    /// Whether cells have been selected, as by dragging over them or with Shift and the arrow keys,
+    /// rather than rows as such by their record selectors.
+    [[nodiscard]] bool AreCellsSelected() const;
+    /// Writes cells, all or none, and raises AfterColUpdate once. False when that was refused or
+    /// has failed.
+    bool WriteCells(const QList<GridCell>& cells);
+    /// Stores nothing in the selected cells that can be edited and are no list's.
+    void ClearCells();
+    /// Columns that are shown, in the order shown.
+    [[nodiscard]] QList<int> ShownColumns() const;
     /// All rows shown, from top to bottom, as far as they have been fetched.
     [[nodiscard]] QList<GridRowId> ShownRows() const;
     /// A cell's text as the grid shows it.
@@ -158,6 +175,8 @@ signals:
     /// finds the same cell again.
     void RowColChange(GridRowId row, int column);
     void SelChange();
+    /// SelectedCells may be others.
+    void CellsChange();
     /// The chooser of a column with a Button is wanted.
     void ButtonClick(GridRowId row, int column);
     void DblClick(GridRowId row, int column);
@@ -169,7 +188,8 @@ signals:
     /// A commit failed. The cell is current again, and when the message has been shown the typed
     /// text stands in it as a pending edit. The grid shows no message of its own.
     void DataError(int number, const QString& text, const QString& details);
-    /// What has been typed is no value of the column, and stays in its cell.
+    /// What has been typed is no value of the column, and stays in its cell. With several cells to
+    /// be written it may be the text of another of their columns.
     void TextRefused(int column, const QString& text);
     /// A row disappeared while `text` was being typed into it.
     void EditDiscarded(GridRowId row, int column, const QString& text);
@@ -194,6 +214,8 @@ private:
     void PressButton();
     bool Begin(bool replace, const QString& typed);
     bool Store(GridRowId row, int column, const QVariant& value);
+    /// The selected cells with what a text means in each; nothing, and told, where it is no value.
+    [[nodiscard]] std::optional<QList<GridCell>> CellsWith(const QString& text);
     /// Puts a text that has been refused back into its cell, as a pending edit.
     void ReturnEdit(GridRowId row, int column, const QString& text);
     bool Report(const GridCommit& commit, GridRowId row, int column);

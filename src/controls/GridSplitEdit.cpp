@@ -46,15 +46,6 @@ void GridSplit::OpenList() {
     if (BeginEdit()) edit_->OpenList();
 }
 
-void GridSplit::ClearCell() {
-    const GridRowId row = CurrentRow();
-    const int column = CurrentColumn();
-    // A list accepts its own values only, and nothing is none of them.
-    if (!CanEdit(row, column) || !ColumnAt(column)->ValueItems().isEmpty()) return;
-    const QVariant stored = view_.currentIndex().data(GridRole::kStored);
-    if (stored.isValid() && !stored.isNull()) Store(row, column, {});
-}
-
 void GridSplit::PressButton() {
     const int column = CurrentColumn();
     const GridRowId row = CurrentRow();
@@ -115,6 +106,10 @@ void GridSplit::ReturnEdit(GridRowId row, int column, const QString& text) {
 
 bool GridSplit::Report(const GridCommit& commit, GridRowId row, int column) {
     if (commit.outcome == GridCommit::Outcome::Stored) return true;
+    if (commit.row != kNoGridRow) {
+        row = commit.row;
+        column = commit.column;
+    }
     // Back onto the row: the user may have clicked elsewhere already.
     if (const int place = rows_->RowOf(row); place >= 0 && column >= 0) {
         view_.SetCurrent(rows_->index(place, column));

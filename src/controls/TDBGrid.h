@@ -18,9 +18,11 @@ class QSplitter;
 ///   typing, Backspace   edit, replacing the value        F2, (double click)  edit the value
 ///   Enter, Shift+Enter  commit, down or up                Tab, Shift+Tab      commit, right or
 ///   Up, Down            commit, that way                                      left; an edit goes
-///   on Esc                 the stored value again            Del                 clear the cell
+///   on Esc                 the stored value again            Del                 clear the cells
+///   Ctrl+Enter          commit to all selected cells
 ///   Space               the chooser of its column         Alt+Down            the drop-down
-///   Shift+Up/Down       extend the row selection          Shift+Space         select the row
+///   Shift+Up/Down       select cells of several rows      Shift+Space         select the row
+///   Shift+Left/Right    and of several columns
 ///   Ctrl+A              select all rows shown             Ctrl+O              sort
 ///   Ctrl+PageUp/Down    PageRequested                     F6                  the other split
 /// A click on a heading sorts, a double click on its edge fits the column to what it shows.

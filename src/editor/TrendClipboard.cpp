@@ -53,9 +53,6 @@ QString ReadHeadings(const QStringList& headings, const Reader& reader, QList<in
         columns.append(ColumnOf(heading.trimmed(), reader));
         if (columns.back() < 0 && unknown.isNull()) unknown = heading;
     }
-    if (columns.count(-1) == columns.size()) {
-        return reader.texts.GetText(MResourceTable::kTextPasteNoHeadings);
-    }
     if (!columns.contains(-1)) return {};
     return reader.texts.GetText(MResourceTable::kTextPasteUnknownColumn, {{u"column", unknown}});
 }
@@ -136,6 +133,8 @@ std::optional<Pasted> Parse(const QString& text, const Reader& reader) {
     Pasted pasted;
     QList<int> columns;
     pasted.refusal = ReadHeadings(lines[0], reader, columns);
+    pasted.isBlock = columns.count(-1) == columns.size();
+    if (pasted.isBlock) return pasted;
     if (pasted.refusal.isEmpty() && lines.size() == 1) {
         pasted.refusal = reader.texts.GetText(MResourceTable::kTextPasteNoHeadings);
     }

@@ -26,7 +26,8 @@ namespace TrendClipboard {
 
 struct Pasted {
     std::vector<project::NewTrend> trends;
-    QString refusal;  // not empty: what is wrong, in words; nothing may be pasted then
+    QString refusal;       // not empty: what is wrong, in words; nothing may be pasted then
+    bool isBlock = false;  // cells without headings, for rows that are there; no trends then
 };
 
 /// What is needed to read cells; borrowed. `locale`: how numbers and dates are written. `asStored`:
@@ -40,7 +41,8 @@ struct Reader {
 };
 
 /// nullopt: the clipboard holds a single cell. Otherwise the first line of its text holds headings,
-/// in any order: captions of the grid's columns or names of fields. Listed values are read by their
+/// in any order: captions of the grid's columns or names of fields; where none of them is one the
+/// cells are a block. Listed values are read by their
 /// texts or their codes. Lines without anything are no trends.
 [[nodiscard]] std::optional<Pasted> Parse(const QMimeData& data, const Reader& reader);
 [[nodiscard]] std::optional<Pasted> Parse(const QString& text, const Reader& reader);

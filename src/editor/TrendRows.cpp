@@ -1,6 +1,10 @@
 #include "editor/TrendRows.h"
 
+#include <unordered_map>
+#include <utility>
+
 #include "project/Rows.h"
+#include "project/Transaction.h"
 #include "projectdb/Failure.h"
 #include "projectdb/Hierarchy.h"
 #include "projectdb/Text.h"
@@ -54,6 +58,54 @@ ado::Value ToValue(const QVariant& value) {
     }
 }
 
+/// New names of trends, taken as a set: one that another of them gives up is free. Unless they are
+/// kept the lists have the old ones again at the end.
+class TrendNames {
+public:
+    explicit TrendNames(INameRegistry& registry) : registry_(registry) {}
+    ~TrendNames() {
+        for (const Name& name : names_) Move(name.stands, name.aside);
+        for (const Name& name : names_) Move(name.aside, name.stored);
+    }
+    TrendNames(const TrendNames&) = delete;
+    TrendNames& operator=(const TrendNames&) = delete;
+
+    void Change(const QString& stored, const QString& name) {
+        const QString aside = QChar(1) + QString::number(names_.size());  // nobody's name
+        Move(stored, aside);
+        names_.push_back({stored, aside, aside, name});
+    }
+    /// Number of the text that says why not; 0 when all have been taken.
+    [[nodiscard]] int Take() {
+        for (Name& name : names_) {
+            if (name.wanted.trimmed().isEmpty()) return MResourceTable::kTextNameRequired;
+            // What is not changed is not refused, however many have it already.
+            if (name.wanted != name.stored &&
+                registry_.TestNameInGroup(projectdb::kTrendNames, name.wanted)) {
+                return MResourceTable::kTextNameInUse;
+            }
+            Move(name.aside, name.wanted);
+            name.stands = name.wanted;
+        }
+        return 0;
+    }
+    void Keep() { names_.clear(); }
+
+private:
+    struct Name {
+        QString stored;
+        QString aside;   // stands for it while the set is taken
+        QString stands;  // in the lists now
+        QString wanted;
+    };
+    void Move(const QString& from, const QString& to) {
+        registry_.ChangeNameInGroup(projectdb::kTrendNames, from, to);
+    }
+
+    INameRegistry& registry_;
+    std::vector<Name> names_;
+};
+
 }  // namespace
 
 TrendRows::TrendRows(const MResources::TextTable& texts, INameRegistry& names, Refusal refuse,
@@ -63,7 +115,9 @@ TrendRows::TrendRows(const MResources::TextTable& texts, INameRegistry& names, R
       refuse_(std::move(refuse)),
       settle_(std::move(settle)) {}
 
-void TrendRows::AttachTrends(ado::Recordset& trends, const QVariant& archive) {
+void TrendRows::AttachTrends(ado::Recordset& trends, ado::Connection& connection,
+                             const QVariant& archive) {
+    connection_ = &connection;
     std::vector<Column> columns;
     for (const ado::Field& field : trends.Fields()) {
         const project::Column* known = KnownColumn(field);
@@ -83,73 +137,128 @@ bool TrendRows::IsLanguage(int column) const {
     return field.baseTable == project::kTextTable && project::IsLanguageColumn(field.baseColumn);
 }
 
-GridCommit TrendRows::CommitCell(GridRowId id, int column, const QVariant& value) {
-    const int row = RowOf(id);
-    if (row < 0) return GridCommit::Failed(kRowChanged, {});
-    if (Columns()[static_cast<std::size_t>(column)].field != "Name") {
-        return Write(row, column, ToValue(value));
+std::vector<TrendRows::RowCells> TrendRows::ByRow(const QList<GridCell>& cells) const {
+    std::vector<RowCells> rows;
+    std::unordered_map<GridRowId, std::size_t> places;
+    for (const GridCell& cell : cells) {
+        const auto [place, isNew] = places.try_emplace(cell.row, rows.size());
+        if (isNew) rows.push_back({RowOf(cell.row), {}});
+        rows[place->second].cells.emplace_back(cell.column, ToValue(cell.value));
     }
-    const QString stored = projectdb::ToQString(ado::ToText(ValueAt(row, column)));
-    const QString name = value.toString();
-    if (!AcceptName(stored, name)) return GridCommit::Refused();
-    const GridCommit commit = Write(row, column, ToValue(value));
-    if (commit.outcome != GridCommit::Outcome::Stored) {
-        names_.ChangeNameInGroup(projectdb::kTrendNames, name, stored);
+    return rows;
+}
+
+GridCommit TrendRows::CommitCell(GridRowId row, int column, const QVariant& value) {
+    return CommitCells({{row, column, value}});
+}
+
+GridCommit TrendRows::CommitCells(const QList<GridCell>& cells) {
+    std::vector<RowCells> rows = ByRow(cells);
+    TrendNames names(names_);
+    for (const RowCells& row : rows) {
+        if (row.row < 0) return GridCommit::Failed(kRowChanged, {});
+        for (const auto& [column, value] : row.cells) {
+            if (column != NameColumn()) continue;
+            names.Change(projectdb::ToQString(ado::ToText(ValueAt(row.row, column))),
+                         projectdb::ToQString(ado::ToText(value)));
+        }
     }
+    if (const int refusal = names.Take(); refusal != 0) {
+        refuse_(refusal);
+        return GridCommit::Refused();
+    }
+    const GridCommit commit = Write(rows);
+    if (commit.outcome == GridCommit::Outcome::Stored) names.Keep();
     return commit;
 }
 
-bool TrendRows::AcceptName(const QString& stored, const QString& name) {
-    if (name.trimmed().isEmpty()) {
-        refuse_(MResourceTable::kTextNameRequired);
-        return false;
-    }
-    // Another spelling of the own name is no second use of it.
-    if (!names_.IsSameName(name, stored) && names_.TestNameInGroup(projectdb::kTrendNames, name)) {
-        refuse_(MResourceTable::kTextNameInUse);
-        return false;
-    }
-    names_.ChangeNameInGroup(projectdb::kTrendNames, stored, name);
-    return true;
-}
-
-std::optional<GridCommit> TrendRows::Join(int row, int column, const ado::Value& value) {
-    project::Conflict conflict;
-    conflict.was = ValueAt(row, column);
-    TakeOver(row);
-    conflict.theirs = ValueAt(row, column);
-    conflict.mine = value;
-    if (conflict.theirs == value) return GridCommit::Stored();
-    if (conflict.theirs == conflict.was) return std::nullopt;
-    conflict.table = FieldAt(column).baseTable;
-    conflict.column = FieldAt(column).baseColumn;
-    conflict.name = project::NameOf(Rows());
-    const std::optional<bool> mine = settle_(conflict);
-    if (!mine) return GridCommit::Refused();
-    return *mine ? std::nullopt : std::optional(GridCommit::Stored());
-}
-
-GridCommit TrendRows::Write(int row, int column, const ado::Value& value) {
-    try {
-        MoveTo(row);
+bool TrendRows::Join(std::vector<RowCells>& rows) {
+    std::vector<project::Conflict> conflicts;
+    std::vector<std::pair<RowCells*, int>> places;
+    for (RowCells& row : rows) {
+        MoveTo(row.row);
         Rows().Resync();  // it may have been the current one already, as it was then
-        while (HasChanged(row)) {
-            if (const auto end = Join(row, column, value)) return *end;
-            Rows().Resync();  // while the user was asked it may have become another
+        if (!HasChanged(row.row)) continue;
+        std::vector<ado::Value> before;
+        for (const auto& [column, value] : row.cells) before.push_back(ValueAt(row.row, column));
+        TakeOver(row.row);
+        for (std::size_t i = 0; i < row.cells.size(); ++i) {
+            const auto& [column, mine] = row.cells[i];
+            const ado::Value& theirs = ValueAt(row.row, column);
+            if (theirs == before[i] || theirs == mine) continue;
+            project::Conflict conflict;
+            conflict.was = before[i];
+            conflict.theirs = theirs;
+            conflict.mine = mine;
+            conflict.table = FieldAt(column).baseTable;
+            conflict.column = FieldAt(column).baseColumn;
+            conflict.name = project::NameOf(Rows());
+            conflicts.push_back(std::move(conflict));
+            places.emplace_back(&row, column);
         }
-        const std::string& field = Columns()[static_cast<std::size_t>(column)].field;
-        if (field == "Name") {
+    }
+    if (conflicts.empty()) return true;
+    const auto mine = settle_(conflicts);
+    if (!mine) return false;
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        if ((*mine)[i]) continue;
+        const int column = places[i].second;
+        std::erase_if(places[i].first->cells,
+                      [column](const auto& cell) { return cell.first == column; });
+    }
+    return Join(rows);  // while the user was asked they may have become others
+}
+
+void TrendRows::WriteRow(const RowCells& row, int& column) {
+    MoveTo(row.row);
+    for (const auto& [at, value] : row.cells) {
+        column = at;
+        if (at == NameColumn()) {
             project::RenameTrendText(Rows(), project::NameOf(Rows()), ado::ToText(value));
         }
-        Rows().Set(field, value);
-        Rows().Update();
-        TakeOver(row);
+        Rows().Set(Columns()[static_cast<std::size_t>(at)].field, value);
+    }
+    Rows().Update();
+    TakeOver(row.row);
+}
+
+void TrendRows::ReadAgain(const std::vector<RowCells>& rows) {
+    try {
+        for (const RowCells& row : rows) {
+            MoveTo(row.row);
+            Rows().Resync();
+            TakeOver(row.row);
+        }
+    } catch (const ado::AdoError&) {
+        // A row that has gone is found to have when the window reads the rows anew.
+    }
+}
+
+GridCommit TrendRows::Write(std::vector<RowCells>& rows) {
+    const RowCells* at = nullptr;
+    int column = -1;
+    GridCommit commit;
+    try {
+        if (!Join(rows)) return GridCommit::Refused();
+        std::erase_if(rows, [](const RowCells& row) { return row.cells.empty(); });
+        project::Transaction transaction(*connection_);
+        for (const RowCells& row : rows) {
+            at = &row;
+            WriteRow(row, column);
+        }
+        transaction.Commit();
         return GridCommit::Stored();
     } catch (const ado::AdoError& error) {
         const projectdb::Failure failure = projectdb::Failure::Current();
         Rows().CancelUpdate();
         const bool changed = error.Number() == ado::ErrorNumber::kRowNotLocated;
-        return GridCommit::Failed(changed ? kRowChanged : error.Number(), failure.Text(),
-                                  failure.Details());
+        commit = GridCommit::Failed(changed ? kRowChanged : error.Number(), failure.Text(),
+                                    failure.Details());
     }
+    if (at != nullptr) {
+        commit.row = IdAt(at->row);
+        commit.column = column;
+    }
+    ReadAgain(rows);
+    return commit;
 }

@@ -19,9 +19,10 @@ public:
     /// Tells the user why a name is refused; the text's number.
     using Refusal = std::function<void(int text)>;
 
-    /// The user has typed into a cell that another program has changed too: whether the user's
-    /// value holds; nothing when he decides nothing.
-    using Settle = std::function<std::optional<bool>(const project::Conflict& conflict)>;
+    /// The user has written cells that another program has changed too: whether the user's value
+    /// holds in each; nothing when he decides nothing.
+    using Settle = std::function<std::optional<std::vector<bool>>(
+        const std::vector<project::Conflict>& conflicts)>;
 
     /// All are borrowed.
     TrendRows(const MResources::TextTable& texts, INameRegistry& names, Refusal refuse,
@@ -29,9 +30,11 @@ public:
 
     /// Binds to the trend query's rows: every column of it, editable where the table of trends has
     /// it and it is no key.
-    void AttachTrends(ado::Recordset& trends, const QVariant& archive);
+    void AttachTrends(ado::Recordset& trends, ado::Connection& connection, const QVariant& archive);
 
     GridCommit CommitCell(GridRowId row, int column, const QVariant& value) override;
+    /// One transaction. Names are taken as a set, so that two trends can swap theirs.
+    GridCommit CommitCells(const QList<GridCell>& cells) override;
 
     /// Whether a trend can be made with a value for the column: all of the table of trends but the
     /// keys that the database and the archive give.
@@ -40,12 +43,22 @@ public:
     [[nodiscard]] bool IsLanguage(int column) const;
 
 private:
-    [[nodiscard]] bool AcceptName(const QString& stored, const QString& name);
-    [[nodiscard]] GridCommit Write(int row, int column, const ado::Value& value);
-    /// Takes over what another program has made of a row. Nothing: the cell can be written; else
-    /// how the edit of it ends.
-    [[nodiscard]] std::optional<GridCommit> Join(int row, int column, const ado::Value& value);
+    /// What is to be written into a row, by column.
+    struct RowCells {
+        int row = -1;
+        std::vector<std::pair<int, ado::Value>> cells;
+    };
+    [[nodiscard]] std::vector<RowCells> ByRow(const QList<GridCell>& cells) const;
+    [[nodiscard]] GridCommit Write(std::vector<RowCells>& rows);
+    /// Takes over what other programs have made of the rows, and leaves to be written what the user
+    /// wants against that. False when he decides nothing.
+    [[nodiscard]] bool Join(std::vector<RowCells>& rows);
+    void WriteRow(const RowCells& row, int& column);
+    /// After a failure: rows as they are in the file.
+    void ReadAgain(const std::vector<RowCells>& rows);
+    [[nodiscard]] int NameColumn() const { return ColumnOf("Name"); }
 
+    ado::Connection* connection_ = nullptr;
     INameRegistry& names_;
     Refusal refuse_;
     Settle settle_;

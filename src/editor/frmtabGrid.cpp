@@ -74,7 +74,7 @@ frmtabGrid::~frmtabGrid() = default;
 void frmtabGrid::Load(const EditorPlace* place) {
     ADOArchiv& environment = project_.Environment();
     ReadArchives();
-    trends_->AttachTrends(environment.Recordset(Command::tabTrends), {});
+    trends_->AttachTrends(environment.Recordset(Command::tabTrends), environment.Connection(), {});
     GridColumns::SetUpArchives(tdbA->SplitAt(0), texts_);
     GridColumns::SetUpTrends(tdbA->SplitAt(1), texts_);
     GridColumns::SetUpUnits(tdbA->SplitAt(1), environment.Connection());
@@ -245,7 +245,8 @@ void frmtabGrid::ReleaseTrends() {
 
 void frmtabGrid::TrendsReloaded() {
     ado::Recordset& trends = project_.Environment().Recordset(Command::tabTrends);
-    trends_->AttachTrends(trends, projectdb::NodeId(project_.currentNodeKey));
+    trends_->AttachTrends(trends, project_.Environment().Connection(),
+                          projectdb::NodeId(project_.currentNodeKey));
     CountMissingTexts(trends);
     UpdateCommands();
     if (unreadable_.Count() > 0) {

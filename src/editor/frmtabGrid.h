@@ -157,6 +157,7 @@ public:
     QLineEdit* txtFind = nullptr;
     QLabel* lblFound = nullptr;  // how many rows the find field leaves
     QStatusBar* sb = nullptr;
+    QLabel* lblCells = nullptr;         // several cells that are selected; hidden otherwise
     QLabel* lblTextsMissing = nullptr;  // tells of trends that are not shown; hidden without any
     CDBLanguages* dblangs = nullptr;
 
@@ -229,9 +230,12 @@ private:
     /// before it when it is the last; the root's when there is none.
     [[nodiscard]] QString ArchiveBeside(const QString& nodeKey);
     void PasteCell(const QString& text);
+    void PasteBlock(const QList<QStringList>& lines);
+    void FillDown(bool counting);
+    void WriteColumn(int column, const QVariant& value);
+    void ShowCells();
     void ShowTrends(const std::vector<std::int32_t>& ids);
-    void WriteCell(std::int64_t row, int column, const QVariant& value);
-    void ChooseColour(std::int64_t row, int column, const QVariant& stored);
+    void ChooseColour(int column, const QVariant& stored);
     void ShowReport();
     void ShowOptions();
     [[nodiscard]] DialogServices Services();

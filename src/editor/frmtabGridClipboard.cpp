@@ -10,6 +10,7 @@
 #include "controls/TDBGrid.h"
 #include "editor/frmtabGrid.h"
 #include "editor/RowProgress.h"
+#include "editor/TabText.h"
 #include "editor/TrendClipboard.h"
 #include "editor/TrendRows.h"
 #include "guard/Guard.h"
@@ -48,6 +49,7 @@ void frmtabGrid::Paste() {
     const TrendClipboard::Reader reader{tdbA->SplitAt(1), *trends_, texts_, QLocale()};
     const auto pasted = TrendClipboard::Parse(*held, reader);
     if (!pasted) return PasteCell(TrendClipboard::SingleCell(held->text()));
+    if (pasted->isBlock) return PasteBlock(TabText::Parse(held->text()));
     if (!pasted->refusal.isEmpty()) return Tell(pasted->refusal);
     const auto step = qScopeGuard([this] { EndStep(); });
     RowProgress progress(texts_, MResourceTable::kTextPastingTrends, this);
@@ -67,16 +69,21 @@ void frmtabGrid::Paste() {
 }
 
 void frmtabGrid::PasteCell(const QString& text) {
-    const GridSplit& trends = tdbA->SplitAt(1);
-    const GridRowId row = trends.CurrentRow();
-    const int column = trends.CurrentColumn();
-    if (row == kNoGridRow || column < 0 || !trends.CanEdit(row, column)) {
-        return Hint(MResourceTable::kTextHintCellLocked);
+    GridSplit& trends = tdbA->SplitAt(1);
+    const GridSplit::Cells selected = trends.SelectedCells();
+    if (selected.rows.isEmpty()) return Hint(MResourceTable::kTextHintCellLocked);
+    QList<GridCell> cells;
+    for (const int column : selected.columns) {
+        const auto value =
+            TrendClipboard::ReadCell(text, column, {trends, *trends_, texts_, QLocale()});
+        for (const GridRowId row : selected.rows) {
+            if (!trends.CanEdit(row, column)) return Hint(MResourceTable::kTextHintCellLocked);
+            if (value) cells.append({row, column, RecordsetModel::Stored(*value)});
+        }
+        if (!value) {
+            return Tell(
+                TrendClipboard::Refusal(texts_, 1, trends.ColumnAt(column)->Caption(), text));
+        }
     }
-    const auto value =
-        TrendClipboard::ReadCell(text, column, {trends, *trends_, texts_, QLocale()});
-    if (!value) {
-        return Tell(TrendClipboard::Refusal(texts_, 1, trends.ColumnAt(column)->Caption(), text));
-    }
-    WriteCell(row, column, RecordsetModel::Stored(*value));
+    trends.WriteCells(cells);
 }

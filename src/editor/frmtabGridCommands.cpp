@@ -136,7 +136,11 @@ void frmtabGrid::Run(commandset::Id id) {
         case Id::Redo:
             return GoSteps(id, 1);
         case Id::Clear:
-            return tdbA->SplitAt(1).ClearCell();
+            return tdbA->SplitAt(1).ClearCells();
+        case Id::Fill:
+            return FillDown(false);
+        case Id::FillCounting:
+            return FillDown(true);
         case Id::SelectAll:
             return tdbA->SplitAt(tdbA->Split()).SelectAll();
         case Id::Copy:
@@ -326,14 +330,6 @@ void frmtabGrid::ShowTrends(const std::vector<std::int32_t>& ids) {
     tdbA->SetSplit(1);
 }
 
-/// Writes a cell that has not been typed into, telling of a failure as the grid does.
-void frmtabGrid::WriteCell(GridRowId row, int column, const QVariant& value) {
-    const GridCommit commit = trends_->CommitCell(row, column, value);
-    EndStep();
-    if (commit.outcome != GridCommit::Outcome::Failed) return;
-    ShowDataError(commit.number, commit.text, commit.details);
-}
-
 void frmtabGrid::ChooseForCell(GridRowId row, int column) {
     if (!CommitPendingEdit()) return;
     GridSplit& trends = tdbA->SplitAt(1);
@@ -341,14 +337,14 @@ void frmtabGrid::ChooseForCell(GridRowId row, int column) {
     if (place < 0) return;
     const QVariant stored = trends_->index(place, column).data(GridRole::kStored);
     if (trends.ColumnAt(column)->Kind() == GridKind::Colour) {
-        return ChooseColour(row, column, stored);
+        return ChooseColour(column, stored);
     }
     const auto variable = addIn_.ChooseVariable(this, stored.toString());
-    if (variable) WriteCell(row, column, *variable);
+    if (variable) WriteColumn(column, *variable);
 }
 
 /// Opens the palette of a colour selector that stands over the cell until it closes.
-void frmtabGrid::ChooseColour(GridRowId row, int column, const QVariant& stored) {
+void frmtabGrid::ChooseColour(int column, const QVariant& stored) {
     QTableView* view = tdbA->SplitAt(1).View();
     auto* selector = new KVColorSelect(view->viewport());
     selector->setObjectName(u"clrCell"_s);
@@ -360,7 +356,7 @@ void frmtabGrid::ChooseColour(GridRowId row, int column, const QVariant& stored)
         selector->ClearColor();
     }
     connect(selector, &KVColorSelect::ColorChanged, this, [=, this](int color) {
-        Guard(u"frmtabGrid: tdbA"_s, [&] { WriteCell(row, column, color); });
+        Guard(u"frmtabGrid: tdbA"_s, [&] { WriteColumn(column, color); });
     });
     connect(selector, &KVColorSelect::ChoiceEnded, selector, &QObject::deleteLater);
     selector->show();

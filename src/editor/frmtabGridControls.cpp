@@ -124,9 +124,8 @@ void frmtabGrid::BuildGrid() {
     archives_ = new RecordsetModel(texts_, this);
     trends_ = new TrendRows(
         texts_, dialogNames_, [this](int text) { Tell(texts_.GetText(text)); },
-        [this](const project::Conflict& conflict) -> std::optional<bool> {
-            const auto mine = history_->Ask({conflict}, {}, this);
-            return mine ? std::optional(mine->front()) : std::nullopt;
+        [this](const std::vector<project::Conflict>& conflicts) {
+            return history_->Ask(conflicts, {}, this);
         },
         this);
     // Queued: a view may be reading in the middle of its layout.
@@ -149,6 +148,7 @@ void frmtabGrid::BuildGrid() {
             [this, guarded] { guarded([this] { mnuTrend_Click(1); }); });
     connect(&trends, &GridSplit::SelChange, this, &frmtabGrid::UpdateCommands);
     connect(&trends, &GridSplit::RowColChange, this, &frmtabGrid::UpdateCommands);
+    connect(&trends, &GridSplit::CellsChange, this, &frmtabGrid::ShowCells);
     connect(&trends, &GridSplit::ButtonClick, this, [this, guarded](GridRowId row, int column) {
         guarded([&] { ChooseForCell(row, column); });
     });
@@ -158,6 +158,7 @@ void frmtabGrid::BuildGrid() {
             });
     connect(&trends, &GridSplit::AfterColUpdate, this,
             [this, guarded] { guarded([this] { EndStep(); }); });
+    connect(&trends, &GridSplit::AfterColUpdate, this, &frmtabGrid::ShowCells);
     connect(&trends, &GridSplit::TextRefused, this, [this](int column, const QString& text) {
         Hint(texts_.GetText(
             MResourceTable::kTextHintNoValue,
@@ -197,6 +198,12 @@ void frmtabGrid::BuildStatusBar() {
         sb->addWidget(panel, i == 0 ? 2 : 1);
         panels_[i] = panel;
     }
+    lblCells = new QLabel(sb);
+    lblCells->setObjectName(u"lblCells"_s);
+    lblCells->setTextFormat(Qt::PlainText);
+    lblCells->setContentsMargins(0, 0, kSpaceBesideRow, 0);
+    lblCells->hide();
+    sb->addPermanentWidget(lblCells);
     lblTextsMissing = new QLabel(sb);
     lblTextsMissing->setObjectName(u"lblTextsMissing"_s);
     lblTextsMissing->setTextFormat(Qt::PlainText);

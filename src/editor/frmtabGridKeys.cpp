@@ -47,6 +47,7 @@ commandset::Situation frmtabGrid::Situation() {
     situation.isInArchives = active_ && tdbA->Split() == 0;
     situation.hasTrend = trends.CurrentRow() != kNoGridRow;
     situation.hasSelection = !trends.SelectedRows().isEmpty();
+    situation.hasCells = trends.SelectedCells().rows.size() > 1;
     situation.hasDone = history_->CanUndo();
     situation.hasUndone = history_->CanRedo();
     return situation;
@@ -65,7 +66,9 @@ void frmtabGrid::UpdateCommands() {
 }
 
 commandset::Place frmtabGrid::Place(int split) const {
-    return split == 0 ? commandset::Place::Archives : commandset::Place::Trends;
+    if (split == 0) return commandset::Place::Archives;
+    return tdbA->SplitAt(1).AreCellsSelected() ? commandset::Place::Cells
+                                               : commandset::Place::Trends;
 }
 
 void frmtabGrid::ShowHelp() {

@@ -77,6 +77,7 @@ constexpr std::pair<QByteArrayView, commandset::Place> kKeyMarks[] = {
     {"<!-- keys: tree -->", commandset::Place::Tree},
     {"<!-- keys: archives -->", commandset::Place::Archives},
     {"<!-- keys: trends -->", commandset::Place::Trends},
+    {"<!-- keys: cells -->", commandset::Place::Cells},
 };
 
 /// Rows of a table of keys, in the language of the pages of a folder.

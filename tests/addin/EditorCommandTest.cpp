@@ -416,7 +416,7 @@ TEST_F(EditorCommandTest, TextFromASpreadsheetIsPastedOrRefusedAsAWhole) {
         {u"Name\tComment\nF\tx\n"_s + longName + u"\ty\n"_s, {}, u"Row 2, column 'Runtime Name'"_s},
         {u"Name\tNonsense\nF\t1\n"_s, {}, u"'Nonsense'"_s},
         {u"Name\tArchiveID\nF\t2\n"_s, {}, u"'ArchiveID'"_s},
-        {u"F\t1\nG\t2\n"_s, {}, u"several cells"_s},
+        {u"F\t1\nG\t2\n"_s, {}, u"2 rows of 2 columns"_s},
         {u"Name\tFactor\nF\t1\t2\n"_s, {}, u"column '3'"_s},
     };
     Open();

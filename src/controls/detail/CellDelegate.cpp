@@ -15,10 +15,11 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kPadding = 4;         // pixels between a cell's edge and its text
-constexpr int kSpaceAroundRow = 6;  // pixels, above and below together
-constexpr qreal kRowTint = 0.22;    // how much of the highlight the current row shows
-constexpr int kFrame = 2;           // pixels
+constexpr int kPadding = 4;          // pixels between a cell's edge and its text
+constexpr int kSpaceAroundRow = 6;   // pixels, above and below together
+constexpr qreal kRowTint = 0.22;     // how much of the highlight the current row shows
+constexpr qreal kBesideTint = 0.35;  // and a selected row beside the cells that are selected
+constexpr int kFrame = 2;            // pixels
 
 QColor Blend(const QColor& below, const QColor& above, qreal part) {
     const auto mix = [part](int a, int b) { return qRound(a + (b - a) * part); };
@@ -56,7 +57,8 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const CellMarks marks = grid_.Marks();
     const GridColumn& column = *grid_.Split().ColumnAt(index.column());
     const QPalette::ColorGroup group = GroupOf(option);
-    const bool selected = option.state & QStyle::State_Selected;
+    const bool inSelectedRow = option.state & QStyle::State_Selected;
+    const bool selected = inSelectedRow && (marks.wholeRows || grid_.InColumnRange(index.column()));
     const bool currentRow = index.row() == marks.currentRow;
     const bool currentCell = currentRow && index.column() == marks.currentColumn;
     const bool choosable =
@@ -66,9 +68,10 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     if (selected) {
         text = option.palette.color(group, QPalette::HighlightedText);
         painter->fillRect(option.rect, highlight);
-    } else if (currentRow) {
+    } else if (currentRow || inSelectedRow) {
         const QColor base = option.palette.color(group, QPalette::Base);
-        painter->fillRect(option.rect, Blend(base, highlight, kRowTint));
+        painter->fillRect(option.rect,
+                          Blend(base, highlight, inSelectedRow ? kBesideTint : kRowTint));
     }
 
     QRect rect = option.rect.adjusted(kPadding, 0, -kPadding, 0);

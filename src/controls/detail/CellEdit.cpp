@@ -110,7 +110,7 @@ void CellEdit::MakeList(const QString& typed) {
         if (entry >= 0) list_->setCurrentIndex(entry);
     }
     connect(list_, &QComboBox::activated, this, [this, list] {
-        if (std::exchange(list->picking, false)) Commit();
+        if (std::exchange(list->picking, false)) CommitToAll();
     });
 }
 
@@ -155,9 +155,7 @@ bool CellEdit::Commit() {
     const bool changed = Changed();
     const std::optional<QVariant> value = Value();
     if (changed && !value) {
-        QApplication::beep();
-        split_.NoteRefusal();
-        if (!editor_->hasFocus()) editor_->setFocus(Qt::OtherFocusReason);
+        Refuse();
         emit split_.TextRefused(column_, Text());
         return false;
     }
@@ -169,6 +167,43 @@ bool CellEdit::Commit() {
     Close();
     const bool stored = !changed || split_.Store(row, column, *value);
     // What the user has typed is theirs until they give it up. An entry of a list is no text.
+    if (!stored && !isList) split_.ReturnEdit(row, column, typed);
+    if (!Active()) emit split_.EditEnded();
+    return stored;
+}
+
+void CellEdit::Refuse() {
+    QApplication::beep();
+    split_.NoteRefusal();
+    if (!editor_->hasFocus()) editor_->setFocus(Qt::OtherFocusReason);
+}
+
+/// An entry of a list is meant for its own column alone.
+std::optional<QList<GridCell>> CellEdit::ValuesForAll() {
+    if (list_ == nullptr) return split_.CellsWith(Text());
+    const GridSplit::Cells selected = split_.SelectedCells();
+    QList<GridCell> cells;
+    for (const GridRowId row : selected.rows) {
+        cells.append({row, column_, QVariant(list_->currentData().toLongLong())});
+    }
+    return cells;
+}
+
+bool CellEdit::CommitToAll() {
+    if (!Active()) return true;
+    if (split_.SelectedCells().Count() < 2) return Commit();
+    if (split_.RefusedJustNow()) return false;
+    const std::optional<QList<GridCell>> cells = ValuesForAll();
+    if (!cells) {
+        Refuse();
+        return false;
+    }
+    const GridRowId row = row_;
+    const int column = column_;
+    const QString typed = Text();
+    const bool isList = list_ != nullptr;
+    Close();
+    const bool stored = split_.WriteCells(*cells);
     if (!stored && !isList) split_.ReturnEdit(row, column, typed);
     if (!Active()) emit split_.EditEnded();
     return stored;
@@ -267,7 +302,9 @@ bool CellEdit::LeaveKey(QKeyEvent* event) {
     switch (event->key()) {
         case Qt::Key_Return:
         case Qt::Key_Enter:
-            if (row_ != stays_) {
+            if (control) {
+                CommitToAll();
+            } else if (row_ != stays_) {
                 CommitAndStepRows(held & Qt::ShiftModifier ? -1 : +1);
             } else if (Commit()) {
                 stays_ = kNoGridRow;

@@ -43,6 +43,8 @@ public:
     /// Closes the editor and stores what was changed. False when that was refused; a typed text
     /// then stands in the editor again, over the value that is stored now.
     bool Commit();
+    /// The same for all cells that are selected, where the current one is among several.
+    bool CommitToAll();
     /// Gives the editor another text or the entry that reads so, as if the user had.
     void SetText(const QString& text);
     /// Enter does not go on to the next row while this one is being edited.
@@ -59,6 +61,8 @@ private:
     void Close();
     void Hide();
     [[nodiscard]] std::optional<QVariant> Value() const;
+    [[nodiscard]] std::optional<QList<GridCell>> ValuesForAll();
+    void Refuse();
     bool KeyPress(QKeyEvent* event);
     bool LineKey(QKeyEvent* event);
     bool LeaveKey(QKeyEvent* event);

@@ -84,9 +84,18 @@ void FrozenView::mousePressEvent(QMouseEvent* event) {
     grid_.PressCell(cell, visualRect(cell), event);
 }
 
-// Qt would select and drag.
-void FrozenView::mouseMoveEvent(QMouseEvent* /*event*/) {}
-void FrozenView::mouseReleaseEvent(QMouseEvent* /*event*/) {}
+// Beyond the strip it goes on over the grid.
+void FrozenView::mouseMoveEvent(QMouseEvent* event) {
+    if (!(event->buttons() & Qt::LeftButton)) return;
+    const bool inStrip = viewport()->rect().contains(event->pos());
+    const QPoint beyond = grid_.viewport()->mapFrom(
+        viewport()->window(), viewport()->mapTo(viewport()->window(), event->pos()));
+    grid_.DragTo(inStrip ? indexAt(event->pos()) : grid_.indexAt(beyond));
+}
+
+void FrozenView::mouseReleaseEvent(QMouseEvent* event) {
+    grid_.mouseReleaseEvent(event);
+}
 
 void FrozenView::mouseDoubleClickEvent(QMouseEvent* event) {
     const QModelIndex cell = indexAt(event->pos());

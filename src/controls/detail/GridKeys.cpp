@@ -80,7 +80,7 @@ bool GridView::EditKey(QKeyEvent* event) {
             return true;
         case Qt::Key_Delete:
             if (held) return false;
-            split_->ClearCell();
+            split_->ClearCells();
             return true;
         case Qt::Key_Backspace:
             if (held) return false;
@@ -109,8 +109,14 @@ bool GridView::SelectKey(QKeyEvent* event) {
     const QModelIndex current = currentIndex();
     if (held != Qt::ShiftModifier || !current.isValid()) return false;
     if (key == Qt::Key_Space) {
+        SetWholeRows(true);
         anchor_ = rows_->IdAt(current.row());
         SelectRange(current.row(), current.row());
+        return true;
+    }
+    if (key == Qt::Key_Left || key == Qt::Key_Right) {
+        const int column = ColumnBeside(current.column(), key == Qt::Key_Left ? -1 : +1);
+        if (column >= 0) WidenTo(column);
         return true;
     }
     int step = 0;
@@ -125,13 +131,36 @@ bool GridView::SelectKey(QKeyEvent* event) {
         anchor = current.row();
         anchor_ = rows_->IdAt(anchor);
     }
+    SetWholeRows(false);
     StepRows(step);
     SelectRange(anchor, currentIndex().row());
     return true;
 }
 
+/// The selection takes in all columns from where it stood to this one.
+void GridView::WidenTo(int column) {
+    const QModelIndex current = currentIndex();
+    if (anchorColumn_ < 0) anchorColumn_ = current.column();
+    SetWholeRows(false);
+    SetCurrent(rows_->index(current.row(), column));
+    if (IsRowSelected(current.row())) return;
+    anchor_ = rows_->IdAt(current.row());
+    SelectRange(current.row(), current.row());
+}
+
+/// Along the row. The rows that are selected stay, and what is meant are their cells there.
+void GridView::GoSideways(int column) {
+    const QModelIndex current = currentIndex();
+    const QModelIndex cell = rows_->index(current.row(), column);
+    if (!IsRowSelected(current.row())) return GoTo(cell);
+    anchorColumn_ = -1;
+    SetCurrent(cell);
+    viewport()->update();
+}
+
 void GridView::GoTo(const QModelIndex& cell) {
     if (!cell.isValid()) return;
+    anchorColumn_ = -1;
     anchor_ = kNoGridRow;
     selectionModel()->clearSelection();
     SetCurrent(cell);
@@ -143,6 +172,7 @@ bool GridView::MoveKey(QKeyEvent* event) {
     const QModelIndex current = currentIndex();
     const auto stepRows = [this](int step) {
         anchor_ = kNoGridRow;
+        anchorColumn_ = -1;
         selectionModel()->clearSelection();
         StepRows(step);
     };
@@ -171,7 +201,7 @@ bool GridView::MoveKey(QKeyEvent* event) {
             if (held) return false;
             const int column =
                 ColumnBeside(current.column(), event->key() == Qt::Key_Left ? -1 : +1);
-            if (column >= 0 && current.isValid()) GoTo(rows_->index(current.row(), column));
+            if (column >= 0 && current.isValid()) GoSideways(column);
             return true;
         }
         case Qt::Key_Home:
@@ -179,8 +209,12 @@ bool GridView::MoveKey(QKeyEvent* event) {
             if ((held && !control) || rows_->rowCount() == 0) return false;
             const bool home = event->key() == Qt::Key_Home;
             if (control && !home) rows_->FetchAll();
-            const int row = !control ? current.row() : home ? 0 : rows_->rowCount() - 1;
-            GoTo(rows_->index(row, home ? FirstColumn() : qMax(0, ColumnBeside(-1, -1))));
+            const int column = home ? FirstColumn() : qMax(0, ColumnBeside(-1, -1));
+            if (!control && current.isValid()) {
+                GoSideways(column);
+            } else {
+                GoTo(rows_->index(home ? 0 : rows_->rowCount() - 1, column));
+            }
             return true;
         }
         case Qt::Key_PageUp:

@@ -64,7 +64,7 @@ void GridView::Bind(GridSplit& split, GridRows& rows) {
 
 CellMarks GridView::Marks() const {
     const QModelIndex current = currentIndex();
-    return {current.row(), current.column(), hasFocus() || split_->Editing()};
+    return {current.row(), current.column(), hasFocus() || split_->Editing(), wholeRows_};
 }
 
 void GridView::SetCurrent(const QModelIndex& cell, bool bringIntoView) {
@@ -155,6 +155,26 @@ void GridView::ToggleRow(int row) {
     selectionModel()->select(one, QItemSelectionModel::Toggle);
 }
 
+bool GridView::IsRowSelected(int row) const {
+    return selectionModel()->isRowSelected(row, {});
+}
+
+void GridView::SetWholeRows(bool whole) {
+    if (whole) anchorColumn_ = -1;
+    wholeRows_ = whole;
+    viewport()->update();
+    if (frozen_->isVisible()) frozen_->viewport()->update();
+}
+
+bool GridView::InColumnRange(int column) const {
+    const int current = currentIndex().column();
+    if (anchorColumn_ < 0 || current < 0) return column == current;
+    const int place = captions_->visualIndex(column);
+    const auto [first, last] =
+        std::minmax(captions_->visualIndex(anchorColumn_), captions_->visualIndex(current));
+    return place >= first && place <= last && !captions_->isSectionHidden(column);
+}
+
 void GridView::PressRecordSelector(int row) {
     // An edit that is refused by now has the keyboard back already.
     if (split_->RefusedJustNow()) return;
@@ -163,6 +183,7 @@ void GridView::PressRecordSelector(int row) {
     const Qt::KeyboardModifiers keys = QApplication::keyboardModifiers();
     const int column = currentIndex().isValid() ? currentIndex().column() : FirstColumn();
     const int anchor = rows_->RowOf(anchor_);
+    SetWholeRows(true);
     SetCurrent(rows_->index(row, column));
     if (keys & Qt::ShiftModifier && anchor >= 0) {
         SelectRange(anchor, row);
@@ -204,14 +225,22 @@ void GridView::PressCell(const QModelIndex& cell, const QRect& rect, QMouseEvent
         split_->PressButton();
         return;
     }
-    const int before = currentIndex().row();
-    SetCurrent(cell);
+    const QModelIndex before = currentIndex();
+    pressed_ = cell;
     if (event->modifiers() & Qt::ShiftModifier) {
         const int anchor = rows_->RowOf(anchor_);
-        const int from = anchor >= 0 ? anchor : before >= 0 ? before : cell.row();
+        const int from = anchor >= 0 ? anchor : before.isValid() ? before.row() : cell.row();
+        if (anchorColumn_ < 0) anchorColumn_ = before.column();
+        SetWholeRows(false);
+        SetCurrent(cell);
         anchor_ = rows_->IdAt(from);
         SelectRange(from, cell.row());
-    } else if (event->modifiers() & Qt::ControlModifier) {
+        return;
+    }
+    SetWholeRows((event->modifiers() & Qt::ControlModifier) != 0 && wholeRows_);
+    anchorColumn_ = -1;
+    SetCurrent(cell);
+    if (event->modifiers() & Qt::ControlModifier) {
         anchor_ = rows_->IdAt(cell.row());
         ToggleRow(cell.row());
     } else {
@@ -234,9 +263,28 @@ void GridView::mousePressEvent(QMouseEvent* event) {
     PressCell(cell, visualRect(cell), event);
 }
 
-// Qt would select by dragging.
-void GridView::mouseMoveEvent(QMouseEvent* /*event*/) {}
-void GridView::mouseReleaseEvent(QMouseEvent* /*event*/) {}
+void GridView::DragTo(const QModelIndex& cell) {
+    if (!pressed_.isValid() || !cell.isValid() || cell == currentIndex()) return;
+    if (split_->Editing() && !split_->CommitPendingEdit()) return;
+    anchor_ = rows_->IdAt(pressed_.row());
+    anchorColumn_ = pressed_.column();
+    SetWholeRows(false);
+    SetCurrent(cell);
+    SelectRange(pressed_.row(), cell.row());
+}
+
+// Qt's own way of dragging selects otherwise.
+void GridView::mouseMoveEvent(QMouseEvent* event) {
+    if (!(event->buttons() & Qt::LeftButton)) return;
+    const QRect inside = viewport()->rect().adjusted(0, 0, -1, -1);
+    const QPoint at(std::clamp(event->pos().x(), inside.left(), inside.right()),
+                    std::clamp(event->pos().y(), inside.top(), inside.bottom()));
+    DragTo(indexAt(at));
+}
+
+void GridView::mouseReleaseEvent(QMouseEvent* /*event*/) {
+    pressed_ = QPersistentModelIndex();
+}
 
 void GridView::mouseDoubleClickEvent(QMouseEvent* event) {
     const QModelIndex cell = indexAt(event->pos());
@@ -307,12 +355,16 @@ void GridView::currentChanged(const QModelIndex& current, const QModelIndex& pre
                            rowHeight(previous.row()));
     }
     UpdateMarks();
+    if (!wholeRows_ && selectionModel()->hasSelection()) viewport()->update();
     split_->CurrentCellChanged();
+    emit split_->CellsChange();
 }
 
 void GridView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
     QTableView::selectionChanged(selected, deselected);
+    if (!selectionModel()->hasSelection()) anchorColumn_ = -1;
     emit split_->SelChange();
+    emit split_->CellsChange();
 }
 
 // --- geometry

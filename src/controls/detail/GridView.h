@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QPersistentModelIndex>
 #include <QTableView>
 #include <vector>
 
@@ -16,7 +17,8 @@ class RecordHeader;
 struct CellMarks {
     int currentRow = -1;
     int currentColumn = -1;
-    bool active = false;  // the view has the keyboard
+    bool active = false;    // the view has the keyboard
+    bool wholeRows = true;  // the selection is of rows, not of cells
 };
 
 /// The table of one split: cells and headings on the screen, keys and mouse. Selection is of whole
@@ -53,6 +55,13 @@ public:
     void ToggleRow(int row);
     [[nodiscard]] GridRowId Anchor() const { return anchor_; }
     void SetAnchor(GridRowId row) { anchor_ = row; }
+    [[nodiscard]] bool IsRowSelected(int row) const;
+    /// Rows have been selected as such, not some of their cells.
+    [[nodiscard]] bool SelectsWholeRows() const { return wholeRows_; }
+    void SetWholeRows(bool whole);
+    /// Whether the cells of the selected rows that are meant by a change are those of this column:
+    /// the current one, or one between it and where the selection was widened from.
+    [[nodiscard]] bool InColumnRange(int column) const;
 
     // --- appearance
     void SetRowHeightFor(const QFont& cells, const QFont& headings);
@@ -69,7 +78,10 @@ public:
 
     // Also for the frozen strip, which hands on what happens in it.
     void PressCell(const QModelIndex& cell, const QRect& rect, QMouseEvent* event);
+    /// With the left button held since PressCell, over this cell now.
+    void DragTo(const QModelIndex& cell);
     void DoubleClickCell(const QModelIndex& cell, const QRect& rect, QMouseEvent* event);
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
 
@@ -84,7 +96,6 @@ protected:
     bool viewportEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
@@ -104,6 +115,8 @@ private:
     bool MoveKey(QKeyEvent* event);
     bool TypeKey(QKeyEvent* event);
     void GoTo(const QModelIndex& cell);
+    void GoSideways(int column);
+    void WidenTo(int column);
     void PressRecordSelector(int row);
     void DragRecordSelector(int row);
     void PlaceFrozen();
@@ -118,4 +131,7 @@ private:
     std::vector<int> frozenColumns_;  // that are wanted in the strip
     std::vector<int> strip_;          // those of them that there is room for
     GridRowId anchor_ = kNoGridRow;   // where a row selection began
+    int anchorColumn_ = -1;           // and a widening over columns; -1: there is none
+    bool wholeRows_ = true;
+    QPersistentModelIndex pressed_;  // the cell that the left button has gone down on
 };
