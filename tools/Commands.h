@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/Encoding.h"
+#include "csv/Encoding.h"
 
 namespace tools {
 
@@ -62,8 +62,8 @@ enum class Mode { Change, DryRun };
 /// the columns go that are named, are loaded and told of. A dry run names each line that would be
 /// refused; the status is kFailure then.
 [[nodiscard]] ExitStatus Load(const std::string& file, const std::string& table,
-                              const std::string& csv, Encoding encoding, Mode mode, std::FILE* out,
-                              std::FILE* err);
+                              const std::string& input, csv::Encoding encoding, Mode mode,
+                              std::FILE* out, std::FILE* err);
 /// Assigns columns in all rows that meet the criteria; an assignment is COLUMN=VALUE, the value in
 /// the form of Dump. A dry run counts the rows whose values differ.
 [[nodiscard]] ExitStatus Set(const std::string& file, const std::string& table,

@@ -2,39 +2,17 @@
 
 #include <algorithm>
 
+#include "csv/Quoted.h"
 #include "jet/Unicode.h"
 #include "tools/ValueText.h"
 
 namespace tools {
 namespace {
 
-constexpr std::string_view kEmpty = "\"\"";  // what is there, but has no length
+constexpr char kSeparator = ',';
 
-void AppendDoublingQuotes(std::string_view text, TextBuffer& out) {
-    for (const char c : text) {
-        if (c == '"') out.Append('"');
-        out.Append(c);
-    }
-}
-
-/// Must stand in quotes.
 constexpr bool IsSpecial(char c) {
-    return c == ',' || c == '"' || c == '\r' || c == '\n';
-}
-
-bool NeedsQuotes(std::string_view text) {
-    return text.empty() ||
-           std::any_of(text.begin(), text.end(), [](char c) { return IsSpecial(c); });
-}
-
-void AppendText(std::string_view text, TextBuffer& out) {
-    if (!NeedsQuotes(text)) {
-        out.Append(text);
-        return;
-    }
-    out.Append('"');
-    AppendDoublingQuotes(text, out);
-    out.Append('"');
+    return c == kSeparator || csv::IsSpecial(c);
 }
 
 /// Appends every kind of value but text and long values.
@@ -51,7 +29,7 @@ struct Appender {
     void operator()(const jet::Date& value) const { AppendDate(value, out); }
     void operator()(const jet::Guid& value) const { AppendGuid(value, out); }
     void operator()(const jet::Binary& value) const {
-        if (value.empty()) out.Append(kEmpty);
+        if (value.empty()) out.Append(csv::kEmpty);
         AppendHex(value, out);
     }
     void operator()(const std::u16string&) const {}
@@ -63,7 +41,7 @@ struct Appender {
 void CsvWriter::Begin(const jet::TableDef& def) {
     for (std::size_t i = 0; i < def.columns.size(); ++i) {
         Separate(i);
-        AppendText(def.columns[i].name, out_);
+        csv::AppendText(def.columns[i].name, kSeparator, out_);
     }
     EndRow();
 }
@@ -99,7 +77,7 @@ void CsvWriter::PutText(std::u16string_view text) {
     if (plain == text.size() && plain > 0) return out_.Commit(end);
     utf8_.clear();
     jet::AppendUtf8(text, utf8_);
-    AppendText(utf8_, out_);
+    csv::AppendText(utf8_, kSeparator, out_);
 }
 
 jet::Status CsvWriter::PutMemo(std::size_t column, jet::MemoReader& text) {
@@ -113,7 +91,7 @@ jet::Status CsvWriter::PutMemo(std::size_t column, jet::MemoReader& text) {
         }
         utf8_.clear();
         jet::AppendUtf8(*piece, utf8_);
-        AppendDoublingQuotes(utf8_, out_);
+        csv::AppendDoublingQuotes(utf8_, out_);
     }
 }
 
@@ -123,7 +101,7 @@ jet::Status CsvWriter::PutOle(std::size_t column, jet::LongValueReader& bytes) {
         jet::Result<jet::Bytes> piece = bytes.Next();
         if (!piece.IsOk()) return piece.GetStatus();
         if (piece->empty()) {
-            if (isEmpty) out_.Append(kEmpty);
+            if (isEmpty) out_.Append(csv::kEmpty);
             return {};
         }
         AppendHex(*piece, out_);

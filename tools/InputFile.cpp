@@ -60,20 +60,22 @@ jet::Status InputFile::Collect() {
     }
 }
 
-jet::Result<std::string_view> InputFile::Next() {
+std::string_view InputFile::Next() {
     if (at_ < memory_.size()) {
         const std::string_view rest = std::string_view(memory_).substr(at_);
         at_ = memory_.size();
         return rest;
     }
+    if (!spill_ || !error_.empty()) return {};
     block_.resize(kBlock);
-    std::size_t count = 0;
-    if (spill_) {
-        JET_ASSIGN(count,
-                   spill_->Read(at_ - memory_.size(), std::as_writable_bytes(std::span(block_))));
+    const jet::Result<std::size_t> count =
+        spill_->Read(at_ - memory_.size(), std::as_writable_bytes(std::span(block_)));
+    if (!count.IsOk()) {
+        error_ = count.GetStatus().Text();
+        return {};
     }
-    at_ += count;
-    return std::string_view(block_.data(), count);
+    at_ += *count;
+    return {block_.data(), *count};
 }
 
 }  // namespace tools

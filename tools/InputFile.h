@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "csv/Source.h"
 #include "jet/File.h"
 #include "jet/Status.h"
 
@@ -12,22 +13,20 @@ namespace tools {
 
 /// A file, a pipe or standard input, which may be slow, or wait for somebody. It is read to its end
 /// first; nobody has to wait for it afterwards.
-class InputFile {
+class InputFile final : public csv::Source {
 public:
     InputFile() = default;
-    ~InputFile();
-    InputFile(const InputFile&) = delete;
-    InputFile& operator=(const InputFile&) = delete;
+    ~InputFile() override;
 
     /// "-" is standard input. The messages name the file.
     jet::Status Open(const std::string& name);
     /// Reads all of it, into memory or, beyond kMostInMemory, a temporary file. To be called once.
     jet::Status Collect();
 
-    /// The next bytes of what has been collected; none at the end. They stay valid until the next
-    /// call.
-    [[nodiscard]] jet::Result<std::string_view> Next();
-    [[nodiscard]] const std::string& Name() const { return name_; }
+    /// The next bytes of what has been collected.
+    [[nodiscard]] std::string_view Next() override;
+    [[nodiscard]] const std::string& Error() const override { return error_; }
+    [[nodiscard]] const std::string& Name() const override { return name_; }
 
     static constexpr std::size_t kMostInMemory = std::size_t{16} << 20;  // bytes
 
@@ -40,6 +39,7 @@ private:
     std::string memory_;                // the first of it
     std::unique_ptr<jet::File> spill_;  // the rest; null: none
     std::string block_;
+    std::string error_;
 };
 
 }  // namespace tools

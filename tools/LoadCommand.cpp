@@ -7,8 +7,9 @@
 #include <variant>
 
 #include "ado/AdoError.h"
+#include "csv/Reader.h"
 #include "tools/Commands.h"
-#include "tools/CsvReader.h"
+#include "tools/InputFile.h"
 #include "tools/TableChange.h"
 #include "tools/ValueParser.h"
 
@@ -50,19 +51,19 @@ void Require(const jet::Status& status) {
     if (!status.IsOk()) FailInput(status.Text() + ".");
 }
 
-void RequireNoError(const CsvReader& reader) {
+void RequireNoError(const csv::Reader& reader) {
     if (!reader.Error().empty()) FailInput(reader.Error() + ".");
 }
 
 /// The fields that the heading row names.
-std::vector<std::size_t> ReadHeading(CsvReader& reader, const ado::Recordset& rows) {
-    std::vector<CsvField> names;
+std::vector<std::size_t> ReadHeading(csv::Reader& reader, const ado::Recordset& rows) {
+    std::vector<csv::Field> names;
     if (!reader.Next(names)) {
         RequireNoError(reader);
         FailInput(reader.Place() + ": there is no heading row.");
     }
     std::vector<std::size_t> fields;
-    for (const CsvField& name : names) {
+    for (const csv::Field& name : names) {
         fields.push_back(rows.FieldIndex(name.value_or("")));
         if (std::find(fields.begin(), fields.end() - 1, fields.back()) != fields.end() - 1) {
             FailInput(reader.Place() + ": the heading row names the column \"" + *name +
@@ -130,13 +131,13 @@ private:
 /// Adds the rows of a CSV file to a table.
 class Loading {
 public:
-    Loading(ado::Recordset& rows, CsvReader& reader, const std::vector<std::size_t>& fields,
+    Loading(ado::Recordset& rows, csv::Reader& reader, const std::vector<std::size_t>& fields,
             Mode mode, std::FILE* err)
         : rows_(rows), reader_(reader), fields_(fields), mode_(mode), progress_(err) {}
 
     Done Run() {
         const HeldRows held(rows_, fields_);
-        std::vector<CsvField> record;
+        std::vector<csv::Field> record;
         while (reader_.Next(record)) {
             try {
                 Add(record, held);
@@ -157,7 +158,7 @@ public:
 private:
     static constexpr std::size_t kMostRefusals = 100;  // that are told one by one
 
-    void Add(const std::vector<CsvField>& record, const HeldRows& held) {
+    void Add(const std::vector<csv::Field>& record, const HeldRows& held) {
         if (record.size() != fields_.size()) {
             FailInput(std::to_string(record.size()) + " values instead of " +
                       std::to_string(fields_.size()) + ".");
@@ -207,7 +208,7 @@ private:
     }
 
     ado::Recordset& rows_;
-    CsvReader& reader_;
+    csv::Reader& reader_;
     const std::vector<std::size_t>& fields_;
     Mode mode_;
     Progress progress_;
@@ -218,14 +219,14 @@ private:
 
 }  // namespace
 
-ExitStatus Load(const std::string& file, const std::string& table, const std::string& csv,
-                Encoding encoding, Mode mode, std::FILE* out, std::FILE* err) {
+ExitStatus Load(const std::string& file, const std::string& table, const std::string& input,
+                csv::Encoding encoding, Mode mode, std::FILE* out, std::FILE* err) {
     InputFile in;
-    if (const jet::Status status = in.Open(csv); !status.IsOk()) {
+    if (const jet::Status status = in.Open(input); !status.IsOk()) {
         std::fprintf(err, "kvs: %s\n", status.Text().c_str());
         return kFailure;
     }
-    CsvReader reader(in, encoding);
+    csv::Reader reader(in, {encoding, 0});
     std::vector<std::size_t> fields;
     const auto prepare = [&](ado::Recordset& rows) {
         Require(in.Collect());

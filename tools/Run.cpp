@@ -1,5 +1,6 @@
 #include "commandline/CommandLine.h"
 #include "tools/Commands.h"
+#include "tools/Exchange.h"
 
 namespace tools {
 namespace {
@@ -32,13 +33,74 @@ ExitStatus RunDump(const Call& call, std::FILE* out, std::FILE* err) {
 }
 
 ExitStatus RunLoad(const Call& call, std::FILE* out, std::FILE* err) {
-    const Encoding encoding = EncodingOf(call.Value("encoding")).value_or(Encoding::Utf8);
+    const auto encoding = csv::EncodingOf(call.Value("encoding")).value_or(csv::Encoding::Utf8);
     return Load(call.words[0], call.words[1], call.words[2], encoding, ModeOf(call), out, err);
 }
 
 ExitStatus RunSet(const Call& call, std::FILE* out, std::FILE* err) {
     return Set(call.words[0], call.words[1], call.words[2],
                {call.words.begin() + 3, call.words.end()}, ModeOf(call), out, err);
+}
+
+// What both directions of the exchange with spreadsheets take.
+constexpr commandline::Option kSheet = {
+    "sheet", "trends|archives",
+    "which rows a CSV file holds (default: trends; import: by its headings)"};
+constexpr commandline::Option kSeparator = {
+    "separator", "comma|semicolon|tab",
+    "between the values (default: the locale's; import: found out)"};
+constexpr commandline::Option kEncoding = {"encoding", "utf-8|windows-1252",
+                                           "how its characters are stored (default: utf-8)"};
+constexpr commandline::Option kLanguage = {"language", "de|en",
+                                           "of headings and words (default: the locale's)"};
+
+char SeparatorOf(const std::string& name) {
+    return name == "tab" ? '\t' : name == "semicolon" ? ';' : ',';
+}
+
+exchange::SheetKind SheetOf(const Call& call) {
+    const bool isArchives = call.Value("sheet") == "archives";
+    return isArchives ? exchange::SheetKind::Archives : exchange::SheetKind::Trends;
+}
+
+SheetForm FormOf(const Call& call) {
+    SheetForm form = SheetFormOfStation();
+    if (call.Has("language")) form.language = words::FindLanguage(call.Value("language"));
+    form.isSeparatorGiven = call.Has("separator");
+    if (form.isSeparatorGiven) form.csv.separator = SeparatorOf(call.Value("separator"));
+    if (call.Has("decimal")) form.csv.decimal = call.Value("decimal") == "comma" ? ',' : '.';
+    if (call.Has("bom")) form.csv.hasMark = call.Value("bom") == "yes";
+    form.csv.encoding = csv::EncodingOf(call.Value("encoding")).value_or(csv::Encoding::Utf8);
+    return form;
+}
+
+ExitStatus RunExport(const Call& call, std::FILE* out, std::FILE* err) {
+    ExportWish wish;
+    wish.archives = call.Values("archives");
+    wish.sheet = SheetOf(call);
+    wish.form = FormOf(call);
+    wish.to = call.Value("output");
+    const bool isJson =
+        call.Has("format") ? call.Value("format") == "json" : wish.to.ends_with(".json");
+    wish.format = isJson ? ExchangeFormat::Json : ExchangeFormat::Csv;
+    if (isJson && !wish.archives.empty()) {
+        std::fputs("kvs: export: JSON holds the whole project, --archives is for sheets\n", err);
+        return kUsage;
+    }
+    return Export(call.words[0], wish, out, err);
+}
+
+ExitStatus RunImport(const Call& call, std::FILE* out, std::FILE* err) {
+    ImportWish wish;
+    wish.form = FormOf(call);
+    if (call.Has("sheet")) wish.plan.kind = SheetOf(call);
+    const std::string update = call.Value("update");
+    if (update == "id") wish.plan.matchBy = exchange::MatchBy::Id;
+    if (update == "name") wish.plan.matchBy = exchange::MatchBy::Name;
+    wish.plan.deleteMissing = call.Has("delete-missing");
+    wish.leavesOut = call.Has("leave-out");
+    wish.isDryRun = call.Has("dry-run");
+    return Import(call.words[0], call.words[1], wish, out, err);
 }
 
 const std::vector<Row>& Rows() {
@@ -61,6 +123,33 @@ const std::vector<Row>& Rows() {
           "all rows of a table",
           {{"format", "csv|json", "CSV after RFC 4180 (default) or JSON"}}},
          RunDump},
+        {{"export",
+          "FILE",
+          "archives or trends for a spreadsheet, or all of the project as text; its rows, headings "
+          "and codes in words",
+          {{"archives", "NAME", "only this archive and its trends; once for each archive"},
+           {"format", "csv|json", "CSV (default) or JSON, a field a line, for comparing"},
+           {"output", "OUT", "the file that is written (default: standard output)", 'o'},
+           kSheet,
+           kLanguage,
+           kSeparator,
+           {"decimal", "comma|point", "in numbers (default: the locale's)"},
+           kEncoding,
+           {"bom", "yes|no", "the mark of UTF-8 at the beginning (default: yes)"}}},
+         RunExport},
+        {{"import",
+          "FILE INPUT",
+          "change a project after a CSV file as export writes it; - is standard input; rows are "
+          "known by ID, held against archive and name, or else by these",
+          {{"update", "id|name", "go by the ID alone, or by archive and name alone"},
+           {"delete-missing", "", "delete rows that INPUT does not have"},
+           {"leave-out", "", "import the rest where rows are ambiguous or refused"},
+           kSheet,
+           kLanguage,
+           kSeparator,
+           kEncoding,
+           kDryRun}},
+         RunImport},
         {{"check", "FILE", "a line for each fault of the file (Jet 4)"},
          [](const Call& call, std::FILE* out, std::FILE* err) {
              return Check(call.words[0], out, err);
@@ -84,8 +173,7 @@ const std::vector<Row>& Rows() {
         {{"load",
           "FILE TABLE CSV",
           "append the rows of a CSV file as dump writes it; - is standard input",
-          {{"encoding", "utf-8|windows-1252", "how its characters are stored (default: utf-8)"},
-           kDryRun}},
+          {kEncoding, kDryRun}},
          RunLoad},
         {{"set",
           "FILE TABLE CRITERIA COLUMN=VALUE...",

@@ -73,7 +73,7 @@ TEST(CommandTest, AKilledLoadLeavesTheOldRowsOrAll) {
         const pid_t child = ::fork();
         if (child == 0) {
             std::FILE* out = std::fopen("/dev/null", "w");
-            ::_exit(Load(project, "TidxTexts", csv, Encoding::Utf8, Mode::Change, out, out));
+            ::_exit(Load(project, "TidxTexts", csv, csv::Encoding::Utf8, Mode::Change, out, out));
         }
         // The later it is killed, the further it has come.
         const auto isThere = [&](const char* name) {

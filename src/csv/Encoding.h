@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace tools {
+namespace csv {
 
 /// How the characters of a text file are stored.
 enum class Encoding { Utf8, Windows1252 };
@@ -19,7 +19,10 @@ enum class Encoding { Utf8, Windows1252 };
 /// REQUIRES: !FirstBadByte(text, encoding).
 [[nodiscard]] std::size_t CountCharacters(std::string_view text, Encoding encoding);
 
+/// UTF-8 in the encoding; false, and `text` is of no use, when that has not all of its characters.
+[[nodiscard]] bool FromUtf8(std::string& text, Encoding encoding);
+
 /// The text as UTF-8. REQUIRES: !FirstBadByte(text, encoding).
 void ToUtf8(std::string& text, Encoding encoding);
 
-}  // namespace tools
+}  // namespace csv

@@ -1,10 +1,10 @@
-#include "tools/CsvReader.h"
+#include "csv/Reader.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
 
-namespace tools {
+namespace csv {
 namespace {
 
 std::size_t CountLines(std::string_view text) {
@@ -13,41 +13,52 @@ std::size_t CountLines(std::string_view text) {
 
 }  // namespace
 
-std::string CsvReader::PlaceOf(std::size_t line) const {
+std::string Reader::PlaceOf(std::size_t line) const {
     return in_.Name() + ": Line " + std::to_string(line);
 }
 
-void CsvReader::Fail(std::size_t line, const std::string& what) {
+void Reader::Fail(std::size_t line, const std::string& what) {
     error_ = PlaceOf(line) + ": " + what;
 }
 
 /// False at the end, and after a failure of the file.
-bool CsvReader::HasMore() {
+bool Reader::HasMore() {
     if (at_ != end_) return true;
     if (!error_.empty()) return false;
-    const jet::Result<std::string_view> block = in_.Next();
-    if (!block.IsOk()) {
-        error_ = block.GetStatus().Text();
-        return false;
-    }
-    at_ = block->data();
-    end_ = at_ + block->size();
+    const std::string_view block = in_.Next();
+    error_ = in_.Error();
+    at_ = block.data();
+    end_ = at_ + block.size();
     return at_ != end_;
 }
 
 /// False when there is a mark that belies the encoding.
-bool CsvReader::PassMark() {
+bool Reader::PassMark() {
     constexpr std::string_view kMark = "\xEF\xBB\xBF";
     hasBegun_ = true;
-    if (!HasMore() || !std::string_view(at_, end_).starts_with(kMark)) return true;
-    at_ += kMark.size();
-    if (encoding_ == Encoding::Utf8) return true;
+    const bool hasMark = HasMore() && std::string_view(at_, end_).starts_with(kMark);
+    if (hasMark) at_ += kMark.size();
+    if (separator_ == 0) FindSeparator();
+    if (!hasMark || encoding_ == Encoding::Utf8) return true;
     Fail(1, "the file begins with the mark of UTF-8; leave out --encoding");
     return false;
 }
 
+/// The first line is taken to lie within the first block.
+void Reader::FindSeparator() {
+    std::array<std::size_t, kSeparators.size()> counts{};
+    bool isQuoted = false;
+    for (const char* at = at_; at != end_ && (isQuoted || *at != '\n'); ++at) {
+        if (*at == '"') isQuoted = !isQuoted;
+        const std::size_t which = kSeparators.find(*at);
+        if (!isQuoted && which != std::string_view::npos) ++counts.at(which);
+    }
+    const auto most = std::max_element(counts.begin(), counts.end()) - counts.begin();
+    separator_ = kSeparators[static_cast<std::size_t>(most)];
+}
+
 /// The opening quote has been read.
-bool CsvReader::ReadQuoted(std::string& text) {
+bool Reader::ReadQuoted(std::string& text) {
     const std::size_t begin = nextLine_;
     while (HasMore()) {
         const char* quote = std::find(at_, end_, '"');
@@ -63,10 +74,10 @@ bool CsvReader::ReadQuoted(std::string& text) {
     return false;
 }
 
-void CsvReader::ReadPlain(std::string& text) {
+void Reader::ReadPlain(std::string& text) {
     while (HasMore()) {
-        const char* stop =
-            std::find_if(at_, end_, [](char c) { return c == ',' || c == '\n' || c == '\r'; });
+        const char* stop = std::find_if(
+            at_, end_, [this](char c) { return c == separator_ || c == '\n' || c == '\r'; });
         text.append(at_, stop);
         at_ = stop;
         if (at_ == end_) continue;
@@ -77,7 +88,7 @@ void CsvReader::ReadPlain(std::string& text) {
     }
 }
 
-CsvReader::End CsvReader::ReadEnd() {
+Reader::End Reader::ReadEnd() {
     const bool isReturn = HasMore() && *at_ == '\r';
     if (isReturn) ++at_;
     if (!HasMore()) return error_.empty() ? End::Record : End::Failure;
@@ -86,12 +97,12 @@ CsvReader::End CsvReader::ReadEnd() {
         ++nextLine_;
         return End::Record;
     }
-    if (c == ',' && !isReturn) return End::Field;
-    Fail(nextLine_, "something stands between a closing quote and the next comma");
+    if (c == separator_ && !isReturn) return End::Value;
+    Fail(nextLine_, "something stands between a closing quote and the next separator");
     return End::Failure;
 }
 
-CsvReader::End CsvReader::ReadField(CsvField& field) {
+Reader::End Reader::ReadField(Field& field) {
     std::string text = field ? std::move(*field) : std::string();
     text.clear();
     field.reset();
@@ -107,7 +118,7 @@ CsvReader::End CsvReader::ReadField(CsvField& field) {
 }
 
 /// Makes UTF-8 of a field that began on `line`; `column` is counted from 0.
-bool CsvReader::Decode(std::string& text, std::size_t column, std::size_t line) {
+bool Reader::Decode(std::string& text, std::size_t column, std::size_t line) {
     if (const auto bad = FirstBadByte(text, encoding_)) {
         const std::string_view before = std::string_view(text).substr(0, *bad);
         std::array<char, 3> byte{};
@@ -127,12 +138,12 @@ bool CsvReader::Decode(std::string& text, std::size_t column, std::size_t line) 
     return true;
 }
 
-bool CsvReader::Next(std::vector<CsvField>& record) {
+bool Reader::Next(std::vector<Field>& record) {
     std::size_t count = 0;
     line_ = nextLine_;
     if (!hasBegun_ && !PassMark()) return false;
     if (!error_.empty() || !HasMore()) return false;
-    for (End end = End::Field; end == End::Field; ++count) {
+    for (End end = End::Value; end == End::Value; ++count) {
         if (count == record.size()) record.emplace_back();
         const std::size_t line = nextLine_;
         end = ReadField(record[count]);
@@ -141,9 +152,9 @@ bool CsvReader::Next(std::vector<CsvField>& record) {
     }
     record.resize(count);
     if (names_.empty()) {
-        for (const CsvField& name : record) names_.push_back(name.value_or(""));
+        for (const Field& name : record) names_.push_back(name.value_or(""));
     }
     return true;
 }
 
-}  // namespace tools
+}  // namespace csv

@@ -1,10 +1,10 @@
-#include "jet/Unicode.h"
+#include "unicode/Unicode.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 
-namespace jet {
+namespace unicode {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
@@ -110,4 +110,4 @@ std::u16string ToUtf16(std::string_view text) {
     return out;
 }
 
-}  // namespace jet
+}  // namespace unicode

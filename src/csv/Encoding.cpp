@@ -1,11 +1,11 @@
-#include "tools/Encoding.h"
+#include "csv/Encoding.h"
 
 #include <algorithm>
 #include <array>
 
-#include "jet/Unicode.h"
+#include "unicode/Unicode.h"
 
-namespace tools {
+namespace csv {
 namespace {
 
 // Windows-1252 from 0x80 to 0x9F; 0: no character. Every other byte is the character of the same
@@ -37,7 +37,7 @@ std::optional<Encoding> EncodingOf(std::string_view name) {
 }
 
 std::optional<std::size_t> FirstBadByte(std::string_view text, Encoding encoding) {
-    if (encoding == Encoding::Utf8) return jet::FindInvalidUtf8(text);
+    if (encoding == Encoding::Utf8) return unicode::FindInvalidUtf8(text);
     const auto bad = std::find_if(text.begin(), text.end(),
                                   [](char c) { return !IsAscii(c) && FromWindows1252(c) == 0; });
     if (bad == text.end()) return std::nullopt;
@@ -51,12 +51,25 @@ std::size_t CountCharacters(std::string_view text, Encoding encoding) {
     }));
 }
 
+bool FromUtf8(std::string& text, Encoding encoding) {
+    if (encoding == Encoding::Utf8 || std::all_of(text.begin(), text.end(), IsAscii)) return true;
+    const std::u16string wide = unicode::ToUtf16(text);
+    text.clear();
+    for (const char16_t unit : wide) {
+        const auto moved = std::find(kMoved.begin(), kMoved.end(), unit);
+        const bool isSame = unit < 0x80 || (unit >= 0xA0 && unit <= 0xFF);
+        if (!isSame && (unit == 0 || moved == kMoved.end())) return false;
+        text += static_cast<char>(isSame ? unit : 0x80 + (moved - kMoved.begin()));
+    }
+    return true;
+}
+
 void ToUtf8(std::string& text, Encoding encoding) {
     if (encoding == Encoding::Utf8 || std::all_of(text.begin(), text.end(), IsAscii)) return;
     std::u16string wide;
     wide.reserve(text.size());
     for (const char c : text) wide += FromWindows1252(c);
-    text = jet::ToUtf8(wide);
+    text = unicode::ToUtf8(wide);
 }
 
-}  // namespace tools
+}  // namespace csv

@@ -1,0 +1,283 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "ado/AdoError.h"
+#include "exchange/ExchangeTesting.h"
+#include "project/Changes.h"
+#include "project/Rows.h"
+#include "unicode/Unicode.h"
+
+namespace exchange {
+namespace {
+
+using State = PlannedRow::State;
+using Cause = PlannedRow::Cause;
+using testing::HasSubstr;
+
+const char* const kBrewery = KV_EXAMPLES "/Brauerei.kvs";
+const char* const kOddCases = KV_TEST_DATA "/Grenzfaelle.kvs";
+
+/// Rows 1 and 2 of the brewery's trends are those of the archive Sudhaus with these names.
+constexpr const char* kFirst = "1,Sudhaus,Maischbottich Temperatur";
+
+TEST(PlanTest, ARowIsKnownByItsIdAndItsNames) {
+    const struct {
+        const char* what;
+        std::string rows;  // ID,Archive,Runtime Name
+        MatchBy by;
+        State state;
+        Cause cause;
+        std::size_t same;
+    } cases[] = {
+        {"renamed", "1,Sudhaus,Neu", MatchBy::Both, State::Changed, Cause::None, 0},
+        {"moved", "1,Gärkeller,Maischbottich Temperatur", MatchBy::Both, State::Changed,
+         Cause::None, 0},
+        {"the ID of another", "1,Gärkeller,Neu", MatchBy::Both, State::Ambiguous, Cause::OtherNames,
+         0},
+        {"the same, by its ID", "1,Gärkeller,Neu", MatchBy::Id, State::Changed, Cause::None, 0},
+        {"without ID", ",Sudhaus,Neu", MatchBy::Both, State::New, Cause::None, 0},
+        {"an ID that is not there", "9999,Sudhaus,Neu", MatchBy::Both, State::New, Cause::None, 0},
+        {"another ID, by name", "2,Sudhaus,Neu", MatchBy::Name, State::New, Cause::None, 0},
+        {"an archive that is not there", ",Sudhaus 2,Neu", MatchBy::Both, State::Refused,
+         Cause::NoArchive, 0},
+        {"no archive", ",,Neu", MatchBy::Both, State::Refused, Cause::NoArchive, 0},
+        {"no name", "1,Sudhaus,", MatchBy::Both, State::Refused, Cause::NoName, 0},
+        {"a new one without a name", ",Sudhaus, ", MatchBy::Both, State::Refused, Cause::NoName, 0},
+        {"a name in use", "1,Sudhaus,maischbottich druck", MatchBy::Both, State::Refused,
+         Cause::NameInUse, 0},
+        {"twice", std::string(kFirst) + "\n" + kFirst, MatchBy::Both, State::Refused,
+         Cause::GivenTwice, 1},
+        {"twice, by other means", std::string(kFirst) + "\n,Sudhaus,Maischbottich Temperatur",
+         MatchBy::Both, State::Refused, Cause::GivenTwice, 1},
+        {"no ID", "x1,Sudhaus,Neu", MatchBy::Both, State::Refused, Cause::BadCell, 0},
+        {"more cells than headings", "1,Sudhaus,Neu,more", MatchBy::Both, State::Refused,
+         Cause::TooManyCells, 0},
+        {"a name too long", "1,Sudhaus," + std::string(81, 'x'), MatchBy::Both, State::Refused,
+         Cause::BadCell, 0},
+    };
+    Project project(kBrewery);
+    for (const auto& each : cases) {
+        const Plan plan =
+            Planned(project.connection, "ID,Archive,Runtime Name\n" + each.rows, {each.by});
+        std::vector<PlannedRow> rows;
+        for (const PlannedRow& row : plan.rows) {
+            if (row.state != State::Missing) rows.push_back(row);
+        }
+        ASSERT_EQ(rows.size(), 1U) << each.what;
+        EXPECT_EQ(rows[0].state, each.state) << each.what;
+        EXPECT_EQ(rows[0].cause, each.cause) << each.what;
+        EXPECT_EQ(plan.same, each.same) << each.what;
+    }
+}
+
+TEST(PlanTest, ACellIsTakenWholeOrRefused) {
+    const std::u16string empty(project::kEmptyText);
+    const struct {
+        const char* heading;
+        const char* cell;
+        project::Problem problem;
+        ado::Value value;  // where there is no problem
+        Suspicion suspicion;
+    } cases[] = {
+        {"Factor", "2,5", project::Problem::None, 2.5, Suspicion::None},
+        {"Normierungsfaktor", "2.5", project::Problem::None, 2.5, Suspicion::None},
+        {"factor", "2.5x", project::Problem::NoNumber, {}, Suspicion::None},
+        {"Factor", "1e400", project::Problem::OutOfRange, {}, Suspicion::None},
+        {"Factor", "", project::Problem::None, ado::Null(), Suspicion::None},
+        {"Filter", "Mittelung", project::Problem::None, 2, Suspicion::None},
+        {"Filter", "averaging", project::Problem::None, 2, Suspicion::None},
+        {"Filter", "2", project::Problem::None, 2, Suspicion::None},
+        {"Filter", "9", project::Problem::NotListed, {}, Suspicion::None},
+        {"Filter Depth", "1.5", project::Problem::NotWhole, {}, Suspicion::None},
+        {"Curve Color", "#0A0B0C", project::Problem::None, 0x0C0B0A, Suspicion::None},
+        {"Curve Color", "red", project::Problem::NoColour, {}, Suspicion::None},
+        {"Comment", "", project::Problem::None, ado::Null(), Suspicion::None},
+        {"Unit", "\"\"", project::Problem::None, empty, Suspicion::None},
+        {"Unit",
+         "123456789012345678901234567890123",
+         project::Problem::TooLong,
+         {},
+         Suspicion::None},
+        {"Hysteresis", "05. Mai", project::Problem::None, u"05. Mai", Suspicion::Date},
+        {"Hysteresis", "2026-05-01", project::Problem::None, u"2026-05-01", Suspicion::Date},
+        {"Hysteresis", "0.6", project::Problem::None, u"0.6", Suspicion::None},
+        {"TrendVar", "Sudhaus.x", project::Problem::None, u"Sudhaus.x", Suspicion::None},
+    };
+    Project project(kBrewery);
+    // What is Null differs from what is not there.
+    project::Rows rows(project.connection);
+    ASSERT_TRUE(rows.SeekTrend(1));
+    rows.Trends().Set("Comment", std::u16string(u"a comment"));
+    rows.Trends().Update();
+    rows.Trends().Close();
+    for (const auto& each : cases) {
+        const Plan plan =
+            Planned(project.connection, std::string("ID;") + each.heading + "\n1;" + each.cell,
+                    {MatchBy::Both, false, SheetKind::Trends});
+        ASSERT_FALSE(plan.rows.empty()) << each.heading << each.cell;
+        const PlannedRow& row = plan.rows.front();
+        EXPECT_EQ(row.problem, each.problem) << each.heading << each.cell;
+        if (each.problem != project::Problem::None) continue;
+        ASSERT_EQ(row.changes.size(), 1U) << each.heading << each.cell;
+        EXPECT_EQ(row.changes[0].is, each.value) << each.heading << each.cell;
+        EXPECT_EQ(row.changes[0].suspicion, each.suspicion) << each.heading << each.cell;
+    }
+}
+
+TEST(PlanTest, ANumberThatASpreadsheetHasRoundedIsTheSameOne) {
+    Project project(kBrewery);
+    project::Rows rows(project.connection);
+    ASSERT_TRUE(rows.SeekTrend(1));
+    rows.Trends().Set("Factor", 0.1 + 0.2);
+    rows.Trends().Set("Maximum", std::u16string(u"0012.50"));
+    rows.Trends().Update();
+    rows.Trends().Close();
+    EXPECT_THAT(Exported(project.connection, SheetKind::Trends), HasSubstr("0.30000000000000004"));
+    EXPECT_EQ(Planned(project.connection, "ID,Factor\n1,\"0,3\"").same, 1U);
+    const Plan plan = Planned(project.connection, "ID,Maximum\n1,12.5");
+    EXPECT_EQ(plan.rows.at(0).changes.at(0).suspicion, Suspicion::Rounded);
+}
+
+TEST(PlanTest, HeadingsThatMakeNoSheetAreRefused) {
+    Project project(kBrewery);
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "no heading row"},
+        {"ID,L1031\n1,x", "archives and trends alike"},
+        {"ID,Archive,Colour of the cat", "\"Colour of the cat\""},
+        {"ID,Factor,Normierungsfaktor", "a second time"},
+        {"Archive,Factor", "neither the ID nor"},
+        {"ID,Archive,Runtime Name\n1,Sudhaus,\"a", "Line 2: a closing quote"},
+        {"ID,Archive,Comment\n1,,x\n2,,\xFC",
+         "Line 3: column 3 (\"Comment\"), character 1: the byte FC"},
+    };
+    for (const auto& [text, what] : cases) {
+        try {
+            std::ignore = Planned(project.connection, text);
+            ADD_FAILURE() << text;
+        } catch (const ado::AdoError& error) {
+            EXPECT_THAT(error.Description(), HasSubstr(what));
+        }
+    }
+}
+
+// What is stored afterwards differs from before in what the plan says, and in nothing else.
+TEST(PlanTest, NothingIsAppliedThatIsNotPlanned) {
+    Project project(kBrewery);
+    const Plan plan = Planned(project.connection,
+                              "ID,Archive,Runtime Name,Display Text L1033,Factor\n"
+                              "1,Sudhaus,Neu,Mash,3\n"
+                              "2,Gärkeller,Maischbottich Druck,Pressure Maischbottich,1\n");
+    project::ChangeRecorder recorder(project.connection);
+    ASSERT_TRUE(Apply(project.connection, plan));
+    std::multiset<std::string> planned;
+    for (const PlannedRow& row : plan.rows) {
+        for (const FieldChange& change : row.changes) {
+            planned.insert(
+                change.table + "." + change.column + ": " +
+                unicode::ToUtf8(ado::ToText(change.was) + u" -> " + ado::ToText(change.is)));
+        }
+    }
+    std::multiset<std::string> made;
+    const project::ChangeSet changes = recorder.Take();
+    for (const ado::RowChange& row : changes.Rows()) {
+        for (std::size_t i = 0; i < row.columns->size(); ++i) {
+            if (row.before.at(i) == row.after.at(i)) continue;
+            made.insert(
+                row.table + "." + (*row.columns)[i] + ": " +
+                unicode::ToUtf8(ado::ToText(row.before[i]) + u" -> " + ado::ToText(row.after[i])));
+        }
+    }
+    EXPECT_EQ(made, planned);
+    EXPECT_GE(planned.size(), 6U) << "the texts' names and places go along";
+}
+
+TEST(PlanTest, AProjectThatHasChangedMeanwhileIsPlannedAnew) {
+    Project project(kBrewery);
+    const std::string header = "ID,Archive,Runtime Name,Factor\n";
+    const std::string text = header + kFirst + ",3\n,Sudhaus,Neu,1\n";
+    const Plan plan = Planned(project.connection, text);
+    project::Rows rows(project.connection);
+    ASSERT_TRUE(rows.SeekTrend(1));
+    rows.Trends().Set("Factor", 2.0);
+    rows.Trends().Update();
+    rows.Trends().Close();
+    const std::string before = Exported(project.connection, SheetKind::Trends);
+    EXPECT_FALSE(Apply(project.connection, plan));
+    EXPECT_EQ(Exported(project.connection, SheetKind::Trends), before);
+    EXPECT_TRUE(Apply(project.connection, Planned(project.connection, text)));
+}
+
+TEST(PlanTest, NamesMayChangePlaces) {
+    Project project(kBrewery);
+    const Plan plan = Planned(project.connection,
+                              "ID,Archive,Runtime Name\n1,Sudhaus,Maischbottich Druck\n"
+                              "2,Sudhaus,Maischbottich Temperatur\n");
+    EXPECT_EQ(plan.Count(State::Changed), 2U);
+    EXPECT_TRUE(Apply(project.connection, plan));
+}
+
+TEST(PlanTest, RowsGoOnlyWhenThatIsAskedFor) {
+    const std::string text = std::string("ID,Archive,Runtime Name\n") + kFirst + "\n";
+    for (const bool deletes : {false, true}) {
+        Project project(kBrewery);
+        PlanOptions options;
+        options.deleteMissing = deletes;
+        const Plan plan = Planned(project.connection, text, options);
+        const std::size_t missing = plan.Count(State::Missing);
+        EXPECT_GT(missing, 5U);
+        EXPECT_LT(missing, 30U) << "trends of other archives are not missing";
+        ASSERT_TRUE(Apply(project.connection, plan));
+        const Plan after = Planned(project.connection, text);
+        EXPECT_EQ(after.Count(State::Missing), deletes ? 0 : missing);
+    }
+    // An archive takes its trends along.
+    Project project(kBrewery);
+    PlanOptions options;
+    options.deleteMissing = true;
+    const Plan plan = Planned(project.connection, "ID,File Name\n1,sudhaus\n", options);
+    EXPECT_EQ(plan.Count(State::Missing), 13U);
+    ASSERT_TRUE(Apply(project.connection, plan));
+    project::Rows rows(project.connection);
+    EXPECT_EQ(rows.Archives().RecordCount(), 1U);
+    EXPECT_FALSE(rows.SeekTrendsOf(2));
+    EXPECT_TRUE(rows.SeekTrendsOf(1));
+}
+
+// The other row keeps the text that both had.
+TEST(PlanTest, ARowWhoseTextIsSharedGetsOneOfItsOwn) {
+    Project project(kBrewery);
+    project::Rows rows(project.connection);
+    ASSERT_TRUE(rows.SeekTrend(1));
+    const std::int32_t text = ado::ToLong(rows.Trends().Get("TextID"));
+    ASSERT_TRUE(rows.SeekTrend(2));
+    rows.Trends().Set("TextID", text);
+    rows.Trends().Update();
+    const Plan plan = Planned(project.connection, "ID,L1031\n2,Eigener\n",
+                              {MatchBy::Both, false, SheetKind::Trends});
+    EXPECT_TRUE(plan.rows.at(0).ownText);
+    ASSERT_TRUE(Apply(project.connection, plan));
+    ASSERT_TRUE(rows.SeekText(text));
+    EXPECT_EQ(rows.Texts().Get("L1031"), ado::Value(u"Temperatur Maischbottich"));
+    ASSERT_TRUE(rows.SeekTrend(2));
+    ASSERT_TRUE(rows.SeekTextOf(rows.Trends()));
+    EXPECT_EQ(rows.Texts().Get("L1031"), ado::Value(u"Eigener"));
+    EXPECT_EQ(rows.Texts().Get("L1033"), ado::Value(u"Temperature Maischbottich"));
+}
+
+// Codes outside the lists, types with unknown bits and texts that are missing stay as they are.
+TEST(PlanTest, WhatIsOddStaysBesideAChange) {
+    Project project(kOddCases);
+    project::Rows rows(project.connection);
+    rows.Archives().SetFilter("Type = 33");
+    ASSERT_FALSE(rows.Archives().IsEOF());
+    const std::int32_t id = ado::ToLong(rows.Archives().Get("ID"));
+    rows.Archives().Close();
+    ASSERT_TRUE(Apply(
+        project.connection,
+        Planned(project.connection, "ID,Make Redundancy File\n" + std::to_string(id) + ",ja\n")));
+    ASSERT_TRUE(rows.SeekArchive(id));
+    EXPECT_EQ(rows.Archives().Get("Type"), ado::Value(33 | 64));
+}
+
+}  // namespace
+}  // namespace exchange

@@ -1,0 +1,124 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "ToolTesting.h"
+
+namespace tools {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+std::string ContentOf(const std::string& path) {
+    std::ostringstream content;
+    content << std::ifstream(path, std::ios::binary).rdbuf();
+    return content.str();
+}
+
+void Write(const std::string& path, const std::string& content) {
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+TEST(ExchangeTest, TheLocaleDecidesUnlessItIsSaidOtherwise) {
+    const std::string german = "\xEF\xBB\xBFID;Archiv;Laufzeitname;";
+    const std::string english = "\xEF\xBB\xBFID,Archive,Runtime Name,";
+    ::setenv("LC_ALL", "de_DE.UTF-8", 1);
+    EXPECT_THAT(RunTool({"export", kBrewery}).out, StartsWith(german));
+    EXPECT_THAT(RunTool({"export", kBrewery}).out, HasSubstr(";12,6;"));
+    ::setenv("LC_ALL", "C", 1);
+    EXPECT_THAT(RunTool({"export", kBrewery}).out, StartsWith(english));
+    EXPECT_THAT(RunTool({"export", kBrewery, "--language", "de", "--bom", "no", "--separator",
+                         "tab", "--sheet", "archives"})
+                    .out,
+                StartsWith("ID\tLaufzeitname\t"));
+    ::setenv("LC_ALL", "C.UTF-8", 1);
+}
+
+TEST(ExchangeTest, AnImportSaysWhatItDoesAndDoesAllOrNothing) {
+    const ProjectCopy project(kBrewery);
+    const std::string before = ContentOf(project.Path());
+    const std::string csv = project.Path("in.csv");
+    Write(csv,
+          "ID,Archive,Runtime Name,Filter,Comment\n"
+          "1,Sudhaus,Maischbottich Temperatur,Min,\"a \"\"b\"\"\"\n"
+          ",Sudhaus,Neu,,x\n"
+          "3,Sudhaus,Maischbottich Füllstand,sieve,\n");
+    const Outcome refused = RunTool({"import", project.Path(), csv});
+    EXPECT_EQ(refused.status, kFailure);
+    EXPECT_EQ(refused.out, "");
+    EXPECT_THAT(refused.err, HasSubstr("line 4: trend \"Maischbottich Füllstand\" of archive "
+                                       "\"Sudhaus\" (ID 3): refused: \"Filter\": \"sieve\": it is "
+                                       "none of the column's words"));
+    EXPECT_THAT(refused.err, EndsWith("Nothing has been changed.\n"));
+    EXPECT_TRUE(ContentOf(project.Path()) == before);
+
+    const Outcome dry = RunTool({"import", "--dry-run", "--leave-out", project.Path(), csv});
+    EXPECT_THAT(dry.out, HasSubstr("line 2: trend \"Maischbottich Temperatur\" of archive "
+                                   "\"Sudhaus\" (ID 1)\n"
+                                   "    Filter: \"No Filter\" -> \"Min\"\n"
+                                   "    Comment: nothing -> \"a \"b\"\"\n"
+                                   "line 3: new trend \"Neu\" of archive \"Sudhaus\"\n"));
+    EXPECT_THAT(dry.out, HasSubstr("\n1 new, 1 changed, 0 as they are, 22 missing here, 1 refused "
+                                   "(nothing has been changed)\n"));
+    EXPECT_TRUE(ContentOf(project.Path()) == before);
+
+    EXPECT_EQ(RunTool({"import", "--leave-out", project.Path(), csv}).status, kFailure);
+    const std::string after = RunTool({"dump", project.Path(), "TchrTrends"}).out;
+    EXPECT_THAT(after, HasSubstr("\"a \"\"b\"\"\""));
+    EXPECT_THAT(after, HasSubstr("229,Neu,1,"));
+    EXPECT_EQ(RunTool({"check", project.Path()}).out, "");
+}
+
+TEST(ExchangeTest, WhatCannotBeExportedLeavesTheOldFile) {
+    const ProjectCopy project(kBrewery);
+    const std::string csv = project.Path("out.csv");
+    Write(csv, "old");
+    EXPECT_EQ(RunTool({"set", project.Path(), "TidxTexts", "ID = 2", "L1033=水"}).status, kSuccess);
+    const Outcome outcome =
+        RunTool({"export", project.Path(), "--encoding", "windows-1252", "-o", csv});
+    EXPECT_EQ(outcome.status, kFailure);
+    EXPECT_THAT(outcome.err, HasSubstr("Line 2 has characters that windows-1252 does not have"));
+    EXPECT_EQ(ContentOf(csv), "old");
+    EXPECT_EQ(RunTool({"export", project.Path(), "--archives", "Keller", "-o", csv}).status,
+              kFailure);
+    EXPECT_EQ(ContentOf(csv), "old");
+    EXPECT_EQ(RunTool({"export", project.Path(), "--archives", "Sudhaus", "-o", csv}).status,
+              kSuccess);
+    EXPECT_THAT(ContentOf(csv), HasSubstr("水"));
+    EXPECT_EQ(RunTool({"export", project.Path(), "-o", project.Path("no/out.csv")}).status,
+              kFailure);
+}
+
+// The text of a project depends on what it holds and on nothing else.
+TEST(ExchangeTest, JsonIsTheSameForTheSameContent) {
+    const ProjectCopy project(kBrewery);
+    const Outcome outcome = RunTool({"export", project.Path(), "--format", "json"});
+    EXPECT_THAT(outcome.out, StartsWith("{\n  \"TchrArchives\": [\n    {\n      \"ID\": 1,\n"
+                                        "      \"Name\": \"Sudhaus\",\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("\n      \"L1031\": \"Sudhaus\",\n"));
+    EXPECT_EQ(RunTool({"compact", project.Path()}).status, kSuccess);
+    EXPECT_TRUE(RunTool({"export", project.Path(), "--format", "json"}).out == outcome.out);
+    // Rows that are loaded in another order.
+    const std::string rows = RunTool({"dump", project.Path(), "TpdbStructs"}).out;
+    std::vector<std::string> lines;
+    std::istringstream in(rows);
+    for (std::string line; std::getline(in, line);) lines.push_back(line + "\n");
+    std::reverse(lines.begin() + 1, lines.end());
+    std::string turned;
+    for (const std::string& line : lines) turned += line;
+    Write(project.Path("rows.csv"), turned);
+    EXPECT_EQ(RunTool({"delete", project.Path(), "TpdbStructs", ""}).status, kSuccess);
+    EXPECT_EQ(RunTool({"load", project.Path(), "TpdbStructs", project.Path("rows.csv")}).status,
+              kSuccess);
+    EXPECT_TRUE(RunTool({"export", project.Path(), "--format", "json"}).out == outcome.out);
+    EXPECT_EQ(RunTool({"set", project.Path(), "TchrTrends", "ID = 7", "Unit=bar"}).status,
+              kSuccess);
+    EXPECT_FALSE(RunTool({"export", project.Path(), "--format", "json"}).out == outcome.out);
+}
+
+}  // namespace
+}  // namespace tools

@@ -1,0 +1,71 @@
+#include <array>
+#include <cstdlib>
+
+#include "ado/AdoError.h"
+#include "exchange/Export.h"
+#include "tools/Exchange.h"
+#include "tools/Messages.h"
+#include "tools/OutputFile.h"
+#include "tools/ProjectJson.h"
+#include "tools/TextBuffer.h"
+#include "unicode/Unicode.h"
+
+namespace tools {
+namespace {
+
+/// What the environment says for a category of the locale.
+std::string LocaleOf(const char* category) {
+    for (const char* name : {"LC_ALL", category, "LANG"}) {
+        const char* value = std::getenv(name);
+        if (value != nullptr && *value != '\0') return value;
+    }
+    return {};
+}
+
+void WriteSheet(ado::Connection& connection, const ExportWish& wish, TextBuffer& output) {
+    exchange::Selection selection;
+    for (const std::string& name : wish.archives) {
+        selection.archives.push_back(unicode::ToUtf16(name));
+    }
+    exchange::CsvSheetWriter writer(wish.form.csv,
+                                    [&](std::string_view text) { output.Append(text); });
+    exchange::Export(connection, wish.sheet, selection, *wish.form.language, writer);
+}
+
+}  // namespace
+
+SheetForm SheetFormOfStation() {
+    return {&words::LanguageOf(LocaleOf("LC_MESSAGES")),
+            exchange::CsvFormOf(LocaleOf("LC_NUMERIC"))};
+}
+
+ExitStatus Export(const std::string& file, const ExportWish& wish, std::FILE* out, std::FILE* err) {
+    OutputFile target(out);
+    std::string what = target.Open(wish.to);
+    if (what.empty()) {
+        try {
+            ado::Connection connection;
+            connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file +
+                            ";Mode=Read|Share Deny None;");
+            Messages messages(err, file);
+            messages.Warn(connection.TakeNotices());
+            TextBuffer output(target.Stream());
+            if (wish.format == ExchangeFormat::Json) {
+                WriteProjectJson(connection, output);
+            } else {
+                WriteSheet(connection, wish, output);
+            }
+            connection.Close();
+            const ExitStatus status = messages.Finish(output);
+            if (status != kSuccess) return status;
+            what = target.Keep();
+        } catch (const ado::AdoError& error) {
+            return Fail(file, error, err);
+        }
+    }
+    if (what.empty()) return kSuccess;
+    std::fprintf(err, "kvs: %s\n", what.c_str());
+    return kFailure;
+}
+
+}  // namespace tools
