@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QStringList>
 #include <QVector>
+#include <QXmlStreamWriter>
 
 #include "project/Colour.h"
 
@@ -75,24 +76,34 @@ QImage Curve::Picture(qreal scale) const {
     return image;
 }
 
-QString Curve::Svg() const {
+void Curve::WriteSvg(QXmlStreamWriter& page) const {
+    const auto write = [&](const QString& name, qreal number) {
+        page.writeAttribute(name, QString::number(number));
+    };
     const int shown = ShownWidth(*this);
+    page.writeStartElement(u"svg"_s);
+    page.writeAttribute(u"xmlns"_s, u"http://www.w3.org/2000/svg"_s);
+    page.writeAttribute(u"class"_s, u"curve"_s);
+    write(u"width"_s, kSampleWidth);
+    write(u"height"_s, kSampleHeight);
+    page.writeEmptyElement(u"rect"_s);
+    write(u"x"_s, 0.5);
+    write(u"y"_s, 0.5);
+    write(u"width"_s, kSampleWidth - 1);
+    write(u"height"_s, kSampleHeight - 1);
+    page.writeAttribute(u"fill"_s, Ground().name());
+    page.writeAttribute(u"stroke"_s, u"#909090"_s);
+    page.writeEmptyElement(u"line"_s);
+    write(u"x1"_s, kMargin);
+    write(u"y1"_s, Middle(shown));
+    write(u"x2"_s, kSampleWidth - kMargin);
+    write(u"y2"_s, Middle(shown));
+    page.writeAttribute(u"stroke"_s, ColourName());
+    write(u"stroke-width"_s, shown);
     QStringList lengths;
     for (const qreal length : Dashes(*this, shown)) lengths += QString::number(length);
-    return uR"(<svg xmlns="http://www.w3.org/2000/svg" class="curve" width="%1" height="%2">)"
-           uR"(<rect x="0.5" y="0.5" width="%3" height="%4" fill="%5" stroke="#909090"/>)"
-           uR"(<line x1="%6" y1="%7" x2="%8" y2="%7" stroke="%9")"_s.arg(kSampleWidth)
-               .arg(kSampleHeight)
-               .arg(kSampleWidth - 1)
-               .arg(kSampleHeight - 1)
-               .arg(Ground().name())
-               .arg(kMargin)
-               .arg(Middle(shown))
-               .arg(kSampleWidth - kMargin)
-               .arg(ColourName()) +
-           u" stroke-width=\"%1\""_s.arg(shown) +
-           (lengths.isEmpty() ? QString() : u" stroke-dasharray=\"%1\""_s.arg(lengths.join(u' '))) +
-           u"/></svg>"_s;
+    if (!lengths.isEmpty()) page.writeAttribute(u"stroke-dasharray"_s, lengths.join(u' '));
+    page.writeEndElement();
 }
 
 }  // namespace report

@@ -6,6 +6,8 @@
 #include <QImage>
 #include <QString>
 
+class QXmlStreamWriter;
+
 namespace report {
 
 /// How a curve is drawn in the plant's trend pictures, as far as it can be shown without values.
@@ -30,8 +32,8 @@ struct Curve {
 
     /// The sample at `scale` picture points a pixel.
     [[nodiscard]] QImage Picture(qreal scale) const;
-    /// The sample as an SVG element for a page.
-    [[nodiscard]] QString Svg() const;
+    /// The sample as an SVG element of a page.
+    void WriteSvg(QXmlStreamWriter& page) const;
 };
 
 }  // namespace report

@@ -12,10 +12,6 @@ namespace {
 
 constexpr auto kAddressPrefix = "section:"_L1;
 
-// A document has its table's looks from the attributes, a file from its style sheet.
-constexpr QStringView kTableBegin =
-    u"<table class=\"grid\" border=\"1\" cellspacing=\"0\" cellpadding=\"4\" width=\"100%\">";
-
 // Of a document there is little more than colours to set: it takes its font from the window.
 constexpr QStringView kDocumentStyle =
     u"table.grid { border-collapse: collapse; border-style: solid; border-color: %1; }\n"
@@ -60,8 +56,19 @@ QString LookClass(Line::Look look) {
     return {};
 }
 
-QString Element(const QString& name, const QString& text) {
-    return u'<' + name + u'>' + text.toHtmlEscaped() + u"</"_s + name + u'>';
+// A document has its table's looks from the attributes, a file from its style sheet.
+void BeginTable(Html& html) {
+    html.Begin(u"table"_s, {{u"class"_s, u"grid"_s},
+                            {u"border"_s, u"1"_s},
+                            {u"cellspacing"_s, u"0"_s},
+                            {u"cellpadding"_s, u"4"_s},
+                            {u"width"_s, u"100%"_s}});
+}
+
+/// With its rows.
+void EndTable(Html& html) {
+    html.End();
+    html.End();
 }
 
 bool IsDark(const QPalette& palette) {
@@ -160,84 +167,112 @@ QString HtmlWriter::Title(const Section& section) const {
 
 QString HtmlWriter::Page(const Section& section, const QPalette& palette,
                          const std::vector<int>& pages) {
-    return u"<html><head><style>"_s + DocumentStyle(palette) + u"</style></head><body>"_s +
-           Body(section, pages) + u"</body></html>"_s;
+    Html html;
+    html.Begin(u"html"_s);
+    html.Begin(u"head"_s);
+    html.Begin(u"style"_s);
+    html.Writer().writeCharacters(DocumentStyle(palette));
+    html.End();
+    html.End();
+    html.Begin(u"body"_s);
+    Body(html, section, pages);
+    html.End();
+    html.End();
+    return html.Take();
 }
 
-QString HtmlWriter::Body(const Section& section, const std::vector<int>& pages) {
+void HtmlWriter::Body(Html& html, const Section& section, const std::vector<int>& pages) {
     switch (section.kind) {
         case Section::Kind::Overview:
-            return (section.first == 0 ? Facts() : QString()) + Contents(section, pages);
+            if (section.first == 0) Facts(html);
+            return Contents(html, section, pages);
         case Section::Kind::Problems:
-            return Element(u"h2"_s, Title(section)) + ProblemTable();
+            html.Element(u"h2"_s, Title(section));
+            return ProblemTable(html);
         case Section::Kind::Archive:
         case Section::Kind::WithoutArchive:
             break;
     }
-    return (section.first == 0 ? Settings(section) : QString()) + TrendTable(section);
+    if (section.first == 0) Settings(html, section);
+    TrendTable(html, section);
 }
 
-QString HtmlWriter::FileHead() const {
-    return u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE html>\n"_s
-           u"<html xmlns=\"http://www.w3.org/1999/xhtml\" xml:lang=\"%1\">\n<head>\n"_s
-           u"<meta charset=\"utf-8\"/>\n"_s.arg(texts_.Locale().name().left(2)) +
-           Element(u"title"_s, texts_(Text::WindowTitle, {{u"project", projectPath_}})) +
-           u"\n<style>\n"_s + kFileStyle.toString() + u"</style>\n</head>\n<body>\n"_s;
+QString HtmlWriter::FileHead() {
+    file_.BeginFile();
+    file_.Begin(u"html"_s, {{u"xmlns"_s, u"http://www.w3.org/1999/xhtml"_s},
+                            {u"xml:lang"_s, texts_.Locale().name().left(2)}});
+    file_.Begin(u"head"_s);
+    file_.Empty(u"meta"_s, {{u"charset"_s, u"utf-8"_s}});
+    file_.Element(u"title"_s, texts_(Text::WindowTitle, {{u"project", projectPath_}}));
+    file_.Begin(u"style"_s);
+    file_.Writer().writeCharacters(kFileStyle.toString());
+    file_.End();
+    file_.End();
+    file_.Begin(u"body"_s);
+    return file_.Take();
 }
 
 QString HtmlWriter::FileBody(const Section& section) {
-    QString html;
     if (section.first == 0) {
-        html += u"<section id=\"%1\" class=\"archive\">\n"_s.arg(section.Anchor());
+        file_.Begin(u"section"_s, {{u"id"_s, section.Anchor()}, {u"class"_s, u"archive"_s}});
     }
-    html += Body(section, {});
-    if (IsLast(section)) html += u"</section>\n"_s;
-    return html;
+    Body(file_, section, {});
+    if (IsLast(section)) file_.End();
+    return file_.Take();
 }
 
-QString HtmlWriter::FileFoot() const {
-    return u"</body>\n</html>\n"_s;
+QString HtmlWriter::FileFoot() {
+    file_.End();
+    file_.End();
+    return file_.Take();
 }
 
-QString HtmlWriter::Facts() const {
-    QString html = Element(u"h1"_s, texts_(Text::ReportTitle)) +
-                   u"<table class=\"facts\" cellpadding=\"2\">"_s;
+void HtmlWriter::Facts(Html& html) const {
+    html.Element(u"h1"_s, texts_(Text::ReportTitle));
+    html.Begin(u"table"_s, {{u"class"_s, u"facts"_s}, {u"cellpadding"_s, u"2"_s}});
     const auto add = [&](const QString& name, const QString& value) {
-        html += u"<tr><td class=\"muted\">"_s + name.toHtmlEscaped() + u"</td><td>"_s +
-                value.toHtmlEscaped() + u"</td></tr>"_s;
+        html.Begin(u"tr"_s);
+        html.Element(u"td"_s, name, {{u"class"_s, u"muted"_s}});
+        html.Element(u"td"_s, value);
+        html.End();
     };
     add(texts_(Text::Project), projectPath_);
     add(texts_(Text::MadeOn), texts_.Locale().toString(madeOn_, QLocale::ShortFormat));
-    html += u"</table><p>"_s;
-    html += texts_(Text::ArchiveCount,
-                   {{u"n", texts_.Number(static_cast<qint64>(reader_.Archives().size()))}}) +
-            u", "_s +
-            texts_(Text::TrendCount,
-                   {{u"n", texts_.Number(static_cast<qint64>(reader_.TrendCount()))}});
-    html += u"<br/>"_s;
-    const qint64 problems = static_cast<qint64>(reader_.ProblemCount());
+    html.End();
+    html.Begin(u"p"_s);
+    html.Text(texts_(Text::ArchiveCount,
+                     {{u"n", texts_.Number(static_cast<qint64>(reader_.Archives().size()))}}) +
+              u", "_s +
+              texts_(Text::TrendCount,
+                     {{u"n", texts_.Number(static_cast<qint64>(reader_.TrendCount()))}}) +
+              u'\n');
+    const auto problems = static_cast<qint64>(reader_.ProblemCount());
     if (problems == 0) {
-        html += texts_(Text::NoProblems).toHtmlEscaped();
+        html.Text(texts_(Text::NoProblems));
     } else {
-        html += Link({Section::Kind::Problems},
-                     texts_(Text::ProblemCount, {{u"n", texts_.Number(problems)}}));
+        Link(html, {Section::Kind::Problems},
+             texts_(Text::ProblemCount, {{u"n", texts_.Number(problems)}}));
     }
-    html += u"</p>"_s + Element(u"h2"_s, texts_(Text::Contents));
-    if (reader_.Archives().empty()) html += Element(u"p"_s, texts_(Text::NoArchives));
-    return html;
+    html.End();
+    html.Element(u"h2"_s, texts_(Text::Contents));
+    if (reader_.Archives().empty()) html.Element(u"p"_s, texts_(Text::NoArchives));
 }
 
-QString HtmlWriter::Contents(const Section& section, const std::vector<int>& pages) {
+void HtmlWriter::Contents(Html& html, const Section& section, const std::vector<int>& pages) {
     const bool inFile = target_ == Target::File;
-    QString html = inFile ? QString() : PartLinks(section);
+    if (!inFile) PartLinks(html, section);
     if (!inFile || section.first == 0) {
-        html += kTableBegin.toString() + u"<thead><tr>"_s;
+        BeginTable(html);
+        html.Begin(u"thead"_s);
+        html.Begin(u"tr"_s);
         for (const Text heading :
              {Text::ContentsArchive, Text::Type, Text::ContentsTrends, Text::ContentsPage}) {
             if (heading == Text::ContentsPage && pages.empty()) continue;
-            html += Element(u"th"_s, texts_(heading));
+            html.Element(u"th"_s, texts_(heading));
         }
-        html += u"</tr></thead><tbody>\n"_s;
+        html.End();
+        html.End();
+        html.Begin(u"tbody"_s);
     }
     QHash<QString, int> firstPages;
     if (!pages.empty()) {
@@ -248,7 +283,15 @@ QString HtmlWriter::Contents(const Section& section, const std::vector<int>& pag
     }
     const auto addRow = [&](const Section& target, const QString& name, const QString& type,
                             std::size_t trends) {
-        html += ContentsRow(target, name, type, trends, firstPages.value(target.Anchor()));
+        html.Begin(u"tr"_s);
+        html.Begin(u"td"_s);
+        Link(html, target, name);
+        html.End();
+        html.Element(u"td"_s, type);
+        html.Element(u"td"_s, texts_.Number(static_cast<qint64>(trends)));
+        const int page = firstPages.value(target.Anchor());
+        if (page > 0) html.Element(u"td"_s, QString::number(page));
+        html.End();
     };
     const std::size_t end =
         std::min(section.first + kArchivesPerSection, reader_.Archives().size());
@@ -261,125 +304,131 @@ QString HtmlWriter::Contents(const Section& section, const std::vector<int>& pag
     if (IsLast(section) && others != 0) {
         addRow({Section::Kind::WithoutArchive}, texts_(Text::TrendsWithoutArchive), {}, others);
     }
-    if (!inFile || IsLast(section)) html += u"</tbody></table>\n"_s;
-    return html;
+    if (!inFile || IsLast(section)) EndTable(html);
 }
 
-QString HtmlWriter::ContentsRow(const Section& section, const QString& name, const QString& type,
-                                std::size_t trends, int page) const {
-    return u"<tr><td>"_s + Link(section, name) + u"</td>"_s + Element(u"td"_s, type) +
-           Element(u"td"_s, texts_.Number(static_cast<qint64>(trends))) +
-           (page > 0 ? Element(u"td"_s, QString::number(page)) : QString()) + u"</tr>\n"_s;
-}
-
-QString HtmlWriter::Settings(const Section& section) {
-    if (section.kind == Section::Kind::WithoutArchive) return Element(u"h2"_s, Title(section));
-    const ProjectReader::Archive& archive = TrendsOf(section);
-    QString html = Element(u"h2"_s, texts_(Text::Archive, {{u"name", archive.name}})) +
-                   kTableBegin.toString() + u"<tbody>\n"_s;
-    for (const Fact& fact : wording_.Archive(reader_.ReadArchive(archive))) {
-        html += u"<tr><td class=\"name\" width=\"22%\">"_s + fact.name.toHtmlEscaped() +
-                u"</td>"_s + Cell(fact.lines) + u"</tr>\n"_s;
+void HtmlWriter::Settings(Html& html, const Section& section) {
+    if (section.kind == Section::Kind::WithoutArchive) {
+        return html.Element(u"h2"_s, Title(section));
     }
-    return html + u"</tbody></table>\n"_s;
+    const ProjectReader::Archive& archive = TrendsOf(section);
+    html.Element(u"h2"_s, texts_(Text::Archive, {{u"name", archive.name}}));
+    BeginTable(html);
+    html.Begin(u"tbody"_s);
+    for (const Fact& fact : wording_.Archive(reader_.ReadArchive(archive))) {
+        html.Begin(u"tr"_s);
+        html.Element(u"td"_s, fact.name, {{u"class"_s, u"name"_s}, {u"width"_s, u"22%"_s}});
+        Cell(html, fact.lines);
+        html.End();
+    }
+    EndTable(html);
 }
 
-QString HtmlWriter::TrendHeading(const Section& section) const {
+void HtmlWriter::TrendHeading(Html& html, const Section& section) const {
     const auto number = [&](std::size_t value) {
         return texts_.Number(static_cast<qint64>(value));
     };
     const std::size_t count = TrendsOf(section).trends.size();
     if (count <= kTrendsPerSection || target_ == Target::File) {
-        return Element(u"h3"_s, texts_(Text::Trends, {{u"n", number(count)}}));
+        return html.Element(u"h3"_s, texts_(Text::Trends, {{u"n", number(count)}}));
     }
     const std::size_t last = std::min(section.first + kTrendsPerSection, count);
     const QString title = section.first == 0 ? QString() : Title(section) + u": "_s;
-    const QString heading =
-        Element(u"h3"_s, title + texts_(Text::TrendsPart, {{u"first", number(section.first + 1)},
-                                                           {u"last", number(last)},
-                                                           {u"n", number(count)}}));
-    return heading + PartLinks(section);
+    html.Element(u"h3"_s, title + texts_(Text::TrendsPart, {{u"first", number(section.first + 1)},
+                                                            {u"last", number(last)},
+                                                            {u"n", number(count)}}));
+    PartLinks(html, section);
 }
 
 /// To the parts of a long table before and behind this one.
-QString HtmlWriter::PartLinks(const Section& section) const {
-    if (target_ != Target::Screen || RowCount(section) <= PerSection(section)) return {};
-    QString links;
+void HtmlWriter::PartLinks(Html& html, const Section& section) const {
+    if (target_ != Target::Screen || RowCount(section) <= PerSection(section)) return;
+    html.Begin(u"p"_s);
     Section other = section;
     if (section.first >= PerSection(section)) {
         other.first = section.first - PerSection(section);
-        links += Link(other, texts_(Text::PreviousPart)) + u" &#160; "_s;
+        Link(html, other, texts_(Text::PreviousPart));
+        html.Text(u" \u00A0 "_s);
     }
     if (!IsLast(section)) {
         other.first = section.first + PerSection(section);
-        links += Link(other, texts_(Text::NextPart));
+        Link(html, other, texts_(Text::NextPart));
     }
-    return u"<p>"_s + links + u"</p>"_s;
+    html.End();
 }
 
-QString HtmlWriter::TrendTable(const Section& section) {
+void HtmlWriter::TrendTable(Html& html, const Section& section) {
     const std::vector<ado::Bookmark>& trends = TrendsOf(section).trends;
-    if (trends.empty()) return Element(u"p"_s, texts_(Text::NoTrends));
+    if (trends.empty()) return html.Element(u"p"_s, texts_(Text::NoTrends));
     // In a file the table goes on through all sections of the archive.
     const bool inFile = target_ == Target::File;
     const std::size_t end = std::min(section.first + kTrendsPerSection, trends.size());
-    QString html;
     if (!inFile || section.first == 0) {
-        html += TrendHeading(section) + kTableBegin.toString() + u"<thead><tr>"_s;
+        TrendHeading(html, section);
+        BeginTable(html);
+        html.Begin(u"thead"_s);
+        html.Begin(u"tr"_s);
         for (const TrendColumnHead& heading : kTrendHeadings) {
-            html += u"<th width=\"%1%\">"_s.arg(heading.width) +
-                    texts_(heading.name).toHtmlEscaped() + u"</th>"_s;
+            html.Element(u"th"_s, texts_(heading.name),
+                         {{u"width"_s, QString::number(heading.width) + u'%'}});
         }
-        html += u"</tr></thead><tbody>\n"_s;
+        html.End();
+        html.End();
+        html.Begin(u"tbody"_s);
     }
     for (std::size_t i = section.first; i < end; ++i) {
-        html += u"<tr>"_s;
-        for (const Lines& lines : wording_.Trend(reader_.ReadTrend(trends[i]))) html += Cell(lines);
-        html += u"</tr>\n"_s;
+        html.Begin(u"tr"_s);
+        for (const Lines& lines : wording_.Trend(reader_.ReadTrend(trends[i]))) Cell(html, lines);
+        html.End();
     }
-    if (!inFile || end == trends.size()) html += u"</tbody></table>\n"_s;
-    return html;
+    if (!inFile || end == trends.size()) EndTable(html);
 }
 
-QString HtmlWriter::ProblemTable() const {
-    QString html = kTableBegin.toString() + u"<thead><tr>"_s +
-                   Element(u"th"_s, texts_(Text::ProblemWhere)) +
-                   Element(u"th"_s, texts_(Text::ProblemWhat)) + u"</tr></thead><tbody>\n"_s;
+void HtmlWriter::ProblemTable(Html& html) const {
+    BeginTable(html);
+    html.Begin(u"thead"_s);
+    html.Begin(u"tr"_s);
+    html.Element(u"th"_s, texts_(Text::ProblemWhere));
+    html.Element(u"th"_s, texts_(Text::ProblemWhat));
+    html.End();
+    html.End();
+    html.Begin(u"tbody"_s);
     for (const Problem& problem : reader_.Problems()) {
-        html += u"<tr>"_s + Element(u"td"_s, wording_.Place(problem)) +
-                Element(u"td"_s, wording_.Finding(problem)) + u"</tr>\n"_s;
+        html.Begin(u"tr"_s);
+        html.Element(u"td"_s, wording_.Place(problem));
+        html.Element(u"td"_s, wording_.Finding(problem));
+        html.End();
     }
-    html += u"</tbody></table>\n"_s;
+    EndTable(html);
     if (reader_.ProblemCount() > reader_.Problems().size()) {
         const std::size_t more = reader_.ProblemCount() - reader_.Problems().size();
-        html += Element(
-            u"p"_s, texts_(Text::ProblemMore, {{u"n", texts_.Number(static_cast<qint64>(more))}}));
+        html.Element(u"p"_s,
+                     texts_(Text::ProblemMore, {{u"n", texts_.Number(static_cast<qint64>(more))}}));
     }
-    return html;
 }
 
-QString HtmlWriter::Cell(const Lines& lines) const {
-    QString html = u"<td>"_s;
+void HtmlWriter::Cell(Html& html, const Lines& lines) const {
+    html.Begin(u"td"_s);
     for (const Line& line : lines) {
-        if (&line != &lines.front()) html += u"<br/>"_s;
-        if (line.curve && target_ == Target::File) html += line.curve->Svg();
+        if (&line != &lines.front()) html.Empty(u"br"_s);
+        if (line.curve && target_ == Target::File) line.curve->WriteSvg(html.Writer());
         if (line.curve && target_ != Target::File) {
-            html +=
-                u"<img src=\"%1\" width=\"%2\" height=\"%3\"/> "_s.arg(line.curve->PictureName())
-                    .arg(Curve::kSampleWidth)
-                    .arg(Curve::kSampleHeight);
+            html.Empty(u"img"_s, {{u"src"_s, line.curve->PictureName()},
+                                  {u"width"_s, QString::number(Curve::kSampleWidth)},
+                                  {u"height"_s, QString::number(Curve::kSampleHeight)}});
+            html.Text(u" "_s);
         }
-        const QString text = line.text.toHtmlEscaped().replace(u'\n', u"<br/>"_s);
         const QString look = LookClass(line.look);
-        html += look.isEmpty() ? text : u"<span class=\""_s + look + u"\">"_s + text + u"</span>"_s;
+        look.isEmpty() ? html.Text(line.text)
+                       : html.Element(u"span"_s, line.text, {{u"class"_s, look}});
     }
-    return html + u"</td>"_s;
+    html.End();
 }
 
-QString HtmlWriter::Link(const Section& section, const QString& text) const {
-    if (target_ == Target::Print) return text.toHtmlEscaped();
+void HtmlWriter::Link(Html& html, const Section& section, const QString& text) const {
+    if (target_ == Target::Print) return html.Text(text);
     const QString target = target_ == Target::File ? u'#' + section.Anchor() : section.Address();
-    return u"<a href=\""_s + target + u"\">"_s + text.toHtmlEscaped() + u"</a>"_s;
+    html.Element(u"a"_s, text, {{u"href"_s, target}});
 }
 
 QString HtmlWriter::PlainText(const Section& section) {

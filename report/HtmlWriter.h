@@ -5,6 +5,7 @@
 #include <QString>
 #include <vector>
 
+#include "report/Html.h"
 #include "report/ProjectReader.h"
 #include "report/ReportTexts.h"
 #include "report/Wording.h"
@@ -51,9 +52,9 @@ public:
                                const std::vector<int>& pages = {});
 
     // The parts of a file: head, then the body of each section in order, then the foot.
-    [[nodiscard]] QString FileHead() const;
+    [[nodiscard]] QString FileHead();
     [[nodiscard]] QString FileBody(const Section& section);
-    [[nodiscard]] QString FileFoot() const;
+    [[nodiscard]] QString FileFoot();
 
     /// The section without mark-up, a line for each setting; what a search looks through.
     [[nodiscard]] QString PlainText(const Section& section);
@@ -63,18 +64,16 @@ private:
     [[nodiscard]] std::size_t RowCount(const Section& section) const;
     [[nodiscard]] static std::size_t PerSection(const Section& section);
     [[nodiscard]] bool IsLast(const Section& section) const;
-    [[nodiscard]] QString Body(const Section& section, const std::vector<int>& pages);
-    [[nodiscard]] QString Facts() const;
-    [[nodiscard]] QString Contents(const Section& section, const std::vector<int>& pages);
-    [[nodiscard]] QString PartLinks(const Section& section) const;
-    [[nodiscard]] QString ContentsRow(const Section& section, const QString& name,
-                                      const QString& type, std::size_t trends, int page) const;
-    [[nodiscard]] QString Settings(const Section& section);
-    [[nodiscard]] QString TrendTable(const Section& section);
-    [[nodiscard]] QString TrendHeading(const Section& section) const;
-    [[nodiscard]] QString ProblemTable() const;
-    [[nodiscard]] QString Cell(const Lines& lines) const;
-    [[nodiscard]] QString Link(const Section& section, const QString& text) const;
+    void Body(Html& html, const Section& section, const std::vector<int>& pages);
+    void Facts(Html& html) const;
+    void Contents(Html& html, const Section& section, const std::vector<int>& pages);
+    void PartLinks(Html& html, const Section& section) const;
+    void Settings(Html& html, const Section& section);
+    void TrendTable(Html& html, const Section& section);
+    void TrendHeading(Html& html, const Section& section) const;
+    void ProblemTable(Html& html) const;
+    void Cell(Html& html, const Lines& lines) const;
+    void Link(Html& html, const Section& section, const QString& text) const;
 
     ProjectReader& reader_;
     const ReportTexts& texts_;
@@ -82,6 +81,7 @@ private:
     QString projectPath_;
     QDateTime madeOn_ = QDateTime::currentDateTime();
     Target target_;
+    Html file_;  // its elements are open from one part to the next
 };
 
 }  // namespace report
