@@ -228,8 +228,10 @@ void Connect::TellOfFile(const projectdb::RowFailures& unreadable) {
     } else {
         projectdb::Failure notice;
         notice.reason = {reasons::Cause::FileDamaged, project_.projectPath.toStdString()};
-        notice.told =
-            texts_.GetText(MResourceTable::kTextFileNotices, {{u"file", project_.projectPath}});
+        const bool isWritable = project_.Environment().Connection().IsWritable();
+        const int text =
+            isWritable ? MResourceTable::kTextFileNotices : MResourceTable::kTextFileOnlyRead;
+        notice.told = texts_.GetText(text, {{u"file", project_.projectPath}});
         message = guard::ToMessage(notice, {});
         message.title = editor_->windowTitle();
         message.kind = messages::MessageKind::Information;

@@ -207,6 +207,11 @@ bool Connection::IsWritable() const {
     return rep_->database->IsWritable();
 }
 
+std::uint64_t Connection::ContentNumber() {
+    RequireOpen(*this);
+    return Check(rep_->database->ContentNumber(), rep_->source);
+}
+
 const std::string& Connection::DataSource() const noexcept {
     return rep_->source;
 }

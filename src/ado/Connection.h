@@ -58,6 +58,8 @@ public:
     /// False for a file that can only be looked at: its rights, its version or its damage allow no
     /// more. Every change fails then.
     [[nodiscard]] bool IsWritable() const;
+    /// As long as it is the same number, nobody has changed the file, this program included.
+    [[nodiscard]] std::uint64_t ContentNumber();
     /// The data source as the connection string gave it; empty while closed.
     [[nodiscard]] const std::string& DataSource() const noexcept;
     /// What the user should know about the file since the last call, a sentence each; see

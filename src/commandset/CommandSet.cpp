@@ -37,6 +37,7 @@ constexpr Key kPasteKeys[] = {{Place::Archives, Qt::CTRL | Qt::Key_V, false},
                               {Place::Trends, Qt::CTRL | Qt::Key_V}};
 constexpr Key kDuplicateKeys[] = {{Place::Archives, Qt::CTRL | Qt::Key_D},
                                   {Place::Trends, Qt::CTRL | Qt::Key_D}};
+constexpr Key kEditTrendsKeys[] = {{Place::Trends, Qt::CTRL | Qt::Key_F9}};
 constexpr Key kFillKeys[] = {{Place::Cells, Qt::CTRL | Qt::Key_D}};
 constexpr Key kFillCountingKeys[] = {{Place::Cells, Qt::CTRL | Qt::SHIFT | Qt::Key_D},
                                      {Place::Trends, Qt::CTRL | Qt::SHIFT | Qt::Key_D, false}};
@@ -75,6 +76,8 @@ constexpr Command kCommands[] = {
      kPasteKeys},
     {Duplicate, u"mnuDuplicate", kTextDuplicate, kNone, kTextKeyDuplicate, u"duplicate",
      kArchive | kWriting, kDuplicateKeys},
+    {EditTrends, u"mnuEditTrends", kTextEditTrends, kNone, kTextKeyEditTrends, u"",
+     kArchive | kCells | kWriting, kEditTrendsKeys},
     {Fill, u"mnuFill", kTextFill, kNone, kTextKeyFill, u"", kArchive | kCells | kWriting,
      kFillKeys},
     {FillCounting, u"mnuFillCounting", kTextFillCounting, kNone, kTextKeyFillCounting, u"",
@@ -89,8 +92,9 @@ static_assert(std::size(kCommands) == static_cast<std::size_t>(Separator));
 
 constexpr Id kArchiveMenu[] = {NewArchive, EditArchive, DeleteArchive, Separator, ShowEditor};
 constexpr Id kTrendMenu[] = {NewTrend, EditTrend, DeleteTrend};
-constexpr Id kEditMenu[] = {Undo, Redo,         Separator, Copy,      Paste,     Duplicate,
-                            Fill, FillCounting, Clear,     Separator, SelectAll, Find};
+constexpr Id kEditMenu[] = {Undo,      Redo,       Separator, Copy,         Paste,
+                            Duplicate, EditTrends, Fill,      FillCounting, Clear,
+                            Separator, SelectAll,  Find};
 constexpr Id kExtrasMenu[] = {Statistic, Report, Refresh, Separator, Options};
 constexpr Menu kMenus[] = {
     {u"mnuArchive", kTextMenuArchive, u"mnuArchiv", kArchiveMenu},
@@ -104,10 +108,10 @@ constexpr Id kToolBar[] = {NewArchive,  EditArchive, DeleteArchive, Separator, N
                            Paste,       Duplicate,   Separator,     Report,    Refresh,   Options};
 constexpr Id kArchiveContext[] = {NewArchive, EditArchive, DeleteArchive, Separator, Undo,
                                   Redo,       Separator,   Copy,          Duplicate, Find};
-constexpr Id kTrendContext[] = {NewTrend, EditTrend,    DeleteTrend, Separator, Undo,
-                                Redo,     Separator,    Copy,        Paste,     Duplicate,
-                                Fill,     FillCounting, Clear,       Separator, SelectAll,
-                                Find,     Separator,    FreezeName};
+constexpr Id kTrendContext[] = {NewTrend,  EditTrend, EditTrends,   DeleteTrend, Separator,
+                                Undo,      Redo,      Separator,    Copy,        Paste,
+                                Duplicate, Fill,      FillCounting, Clear,       Separator,
+                                SelectAll, Find,      Separator,    FreezeName};
 
 /// The key stands in given texts behind many blanks.
 qsizetype GivenKeyAt(const QString& text) {

@@ -31,6 +31,7 @@ enum class Id : std::uint8_t {
     Copy,
     Paste,
     Duplicate,
+    EditTrends,
     Fill,
     FillCounting,
     Clear,
@@ -64,7 +65,7 @@ enum Need : unsigned {
     kSelection = 16,        // selected trends
     kDone = 32,             // a step to take back
     kUndone = 64,           // a step that has been taken back
-    kCells = 128,           // cells of several trends that are selected
+    kCells = 128,           // several trends that are selected, or cells of them
 };
 
 struct Command {

@@ -62,6 +62,13 @@ void FTrend::SetOpenedName(const QString& name) {
     PropertyDialog::SetOpenedName(name);
 }
 
+void FTrend::ShowNoName() {
+    SetOpenedName({});
+    txtName->setPlaceholderText(Text(MResourceTable::kTextDifferent));
+    txtName->clear();
+    SetUsable(txtName, false);
+}
+
 QWidget* FTrend::FieldOf(std::string_view column) const {
     const project::Column* known = project::FindTrendColumn(column);
     if (known == nullptr || known->dialogCaption == 0) return nullptr;

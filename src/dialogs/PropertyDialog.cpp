@@ -23,6 +23,7 @@
 #include "dialogs/FieldMark.h"
 #include "dialogs/FolderChoice.h"
 #include "dialogs/KeyFilter.h"
+#include "dialogs/ManyRecords.h"
 #include "dialogs/TextDialog.h"
 #include "drafts/DraftKeeper.h"
 #include "messages/MessageBox.h"
@@ -134,7 +135,13 @@ void PropertyDialog::SetOpenedName(const QString& name) {
     }
 }
 
+ManyRecords& PropertyDialog::ShowMany(int records) {
+    many_ = new ManyRecords(services_.texts, *frame_.cmdOk, records, this);
+    return *many_;
+}
+
 bool PropertyDialog::Touched(const QWidget& control) const {
+    if (many_ != nullptr) return many_->IsTouched(control);
     const auto loaded = loadedContents_.constFind(&control);
     return loaded == loadedContents_.constEnd() || *loaded != ContentOf(control);
 }

@@ -15,6 +15,7 @@
 #include "project/FieldText.h"
 #include "project/Schema.h"
 
+class ManyRecords;
 class QComboBox;
 class QLabel;
 class QLineEdit;
@@ -43,6 +44,10 @@ public:
     /// Whether the control holds something else than when the record had been loaded. What does not
     /// is not written back.
     [[nodiscard]] bool Touched(const QWidget& control) const;
+
+    /// The dialog stands for so many records. Returns what the controls that show them are then
+    /// added to; they alone are asked for by Touched.
+    ManyRecords& ShowMany(int records);
 
     /// Stores the record; run by OK. Where it gives false, having told the user why, the dialog
     /// stays open with all that was typed.
@@ -161,6 +166,7 @@ private:
     QHash<const QLineEdit*, project::NumberRange> numbers_;
     QHash<QString, const QLineEdit*> columns_;
     std::function<bool()> store_;
+    ManyRecords* many_ = nullptr;  // null: the dialog is that of one record
     QString openedName_;
     std::optional<QString> indexTextParamNames_;
     bool cancelled_ = true;

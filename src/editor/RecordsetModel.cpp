@@ -90,6 +90,11 @@ const ado::Field& RecordsetModel::FieldAt(int column) const {
     return recordset_->Fields()[fields_.at(static_cast<std::size_t>(column))];
 }
 
+QVariant RecordsetModel::Exact(const ado::Value& value) {
+    const auto* text = std::get_if<std::u16string>(&value);
+    return text != nullptr ? QVariant(projectdb::ToQString(*text)) : Stored(value);
+}
+
 QVariant RecordsetModel::Stored(const ado::Value& value) {
     if (ado::IsNull(value)) return {};
     if (const auto* text = std::get_if<std::u16string>(&value))

@@ -42,6 +42,8 @@ public:
     [[nodiscard]] int Locate(GridRowId id);
     /// Reads to the end; false when that fails, which has been told.
     bool ReadAll();
+    /// All that has been wanted so far could be read.
+    [[nodiscard]] bool IsWhole() const noexcept { return !failed_ && missing_.Count() == 0; }
     /// What could not be read so far.
     [[nodiscard]] const projectdb::RowFailures& Missing() const noexcept { return missing_; }
     /// Position of a column in Columns(); -1 when there is none. Exact names.
@@ -52,6 +54,9 @@ public:
 
     /// A value as the grid holds it (GridRole::kStored); invalid: Null.
     [[nodiscard]] static QVariant Stored(const ado::Value& value);
+    /// The same, but for the mark of an empty text, which stays: what is written with it is the
+    /// same value again.
+    [[nodiscard]] static QVariant Exact(const ado::Value& value);
 
     /// Makes the row the recordset's current one, freshly read.
     void MoveTo(int row);

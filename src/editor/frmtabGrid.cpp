@@ -164,8 +164,12 @@ void frmtabGrid::Activate() {
     MenuSwitcher(project_.currentNodeKey, false);
     // A command that runs brings the rows up to date itself.
     if (busy_ || trendCommands_->IsEditing()) return;
+    const std::uint64_t content = project_.Environment().Connection().ContentNumber();
+    // What could not be read is tried again.
+    if (content == shownContent_ && archives_->IsWhole() && trends_->IsWhole()) return;
     FollowArchives();
     projectdb::ReloadTrends(project_, *this);
+    shownContent_ = content;
 }
 
 bool frmtabGrid::Deactivate() {

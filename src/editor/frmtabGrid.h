@@ -232,6 +232,7 @@ private:
     void PasteCell(const QString& text);
     void PasteBlock(const QList<QStringList>& lines);
     void FillDown(bool counting);
+    void EditSelected();
     void WriteColumn(int column, const QVariant& value);
     void ShowCells();
     void ShowTrends(const std::vector<std::int32_t>& ids);
@@ -269,5 +270,6 @@ private:
     bool narrowedToNothing_ = false;     // which is said in the status bar
     bool busy_ = false;                  // a command runs
     bool active_ = false;                // the keyboard is in the window
+    std::uint64_t shownContent_ = 0;     // of the file, when Activate has read it; 0: never
     bool columnsSetUp_ = false;
 };

@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QLocale>
 #include <QScopedValueRollback>
+#include <tuple>
 
 #include "controls/TDBGrid.h"
 #include "editor/frmtabGrid.h"
@@ -14,6 +15,7 @@
 #include "project/Counting.h"
 #include "project/Number.h"
 #include "projectdb/Text.h"
+#include "records/MTrend.h"
 #include "texts/MResourceTable.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -24,9 +26,8 @@ namespace {
 std::optional<QVariant> Following(const QVariant& value, double step) {
     if (value.typeId() != QMetaType::QString) {
         if (!value.isValid()) return std::nullopt;
-        return value.typeId() == QMetaType::Double
-                   ? QVariant(value.toDouble() + step)
-                   : QVariant(value.toInt() + static_cast<int>(step));
+        return value.typeId() == QMetaType::Int ? QVariant(value.toInt() + static_cast<int>(step))
+                                                : QVariant(value.toDouble() + step);
     }
     const auto text =
         project::CountOn(projectdb::ToUtf16(value.toString()), static_cast<std::int64_t>(step));
@@ -58,8 +59,8 @@ void frmtabGrid::FillDown(bool counting) {
     const GridSplit::Cells selected = trends.SelectedCells();
     if (selected.rows.size() < 2) return Hint(MResourceTable::kTextHintNoCells);
     const auto stored = [&](qsizetype row, int column) {
-        return trends_->index(trends_->RowOf(selected.rows.at(row)), column)
-            .data(GridRole::kStored);
+        return RecordsetModel::Exact(
+            trends_->ValueAt(trends_->RowOf(selected.rows.at(row)), column));
     };
     QList<GridCell> cells;
     for (const int column : selected.columns) {
@@ -85,6 +86,42 @@ void frmtabGrid::FillDown(bool counting) {
         }
     }
     trends.WriteCells(cells);
+}
+
+/// All trends that are selected, in one dialog.
+void frmtabGrid::EditSelected() {
+    if (busy_) return Hint(MResourceTable::kTextHintBusy);
+    if (!MayStore()) return;
+    const QScopedValueRollback busy(busy_, true);
+    if (!CommitPendingEdit()) return;
+    if (!IsThere(project_.currentNodeKey)) return;
+    GridSplit& trends = tdbA->SplitAt(1);
+    const QList<GridRowId> ids = trends.SelectedCells().rows;
+    if (ids.size() < 2) return Hint(MResourceTable::kTextHintNoCells);
+    MTrend::Many many;
+    many.count = static_cast<std::size_t>(ids.size());
+    many.differs = [&](std::string_view field) {
+        const int column = trends_->ColumnOf(field);
+        const ado::Value& first = trends_->ValueAt(trends_->RowOf(ids.front()), column);
+        return std::any_of(ids.begin(), ids.end(), [&](GridRowId id) {
+            return trends_->ValueAt(trends_->RowOf(id), column) != first;
+        });
+    };
+    many.store = [&](const MTrend::Values& values) {
+        QList<GridCell> cells;
+        for (const GridRowId id : ids) {
+            for (const auto& [field, value] : values) {
+                cells.append({id, trends_->ColumnOf(field), RecordsetModel::Exact(value)});
+            }
+        }
+        return trends.WriteCells(cells);
+    };
+    DialogServices services = Services();
+    services.drafts = nullptr;  // what would be kept is several rows' and finds no way back
+    trends_->MoveTo(trends_->RowOf(ids.front()));
+    std::ignore =
+        MTrend::EditTrends(project_.Environment().Recordset(ADOArchiv::Command::tabTrends), many,
+                           CurrentLcid(), services, this);
 }
 
 /// Lays a block of cells over those that are shown, from the first of the selected ones on. One

@@ -137,6 +137,8 @@ void frmtabGrid::Run(commandset::Id id) {
             return GoSteps(id, 1);
         case Id::Clear:
             return tdbA->SplitAt(1).ClearCells();
+        case Id::EditTrends:
+            return EditSelected();
         case Id::Fill:
             return FillDown(false);
         case Id::FillCounting:

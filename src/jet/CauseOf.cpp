@@ -20,6 +20,8 @@ Cause CauseOf(StatusCode code) {
             return Cause::Unsupported;
         case StatusCode::Full:
             return Cause::FileFull;
+        case StatusCode::UsedUp:
+            return Cause::NumbersUsedUp;
         case StatusCode::Busy:
             return Cause::FileInUse;
         case StatusCode::Conflict:

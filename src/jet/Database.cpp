@@ -64,6 +64,12 @@ bool Database::InTransaction() const {
     return rep_->depth > 0;
 }
 
+Result<std::uint64_t> Database::ContentNumber() {
+    const ReadScope scope(rep_->cache);
+    JET_TRY(scope.GetStatus());
+    return rep_->cache.Generation() + rep_->commits;  // neither ever gets smaller
+}
+
 Format Database::FileFormat() const {
     return rep_->context.format;
 }

@@ -68,6 +68,9 @@ public:
     /// Lets `observer` hear of all changes of rows from now on; null: nobody. Borrowed.
     void Observe(RowObserver* observer);
     [[nodiscard]] bool InTransaction() const;
+    /// As long as it is the same number, nobody has changed the file, this program included. Asks
+    /// the file; shortly after a change the number may be a new one for nothing.
+    [[nodiscard]] Result<std::uint64_t> ContentNumber();
 
     [[nodiscard]] Format FileFormat() const;
     /// While it is there, every table shows the same committed state: for several rows that are one

@@ -19,6 +19,7 @@ enum class StatusCode {
     BadArgument,  // the caller asked for something that makes no sense
     Unsupported,  // a valid file or value that this engine does not handle
     Full,         // the file or the disk takes no more
+    UsedUp,       // an AutoNumber has given its last number
     Busy,         // another program holds a lock; later it may work
     Conflict,     // another program has changed or deleted the row meanwhile
     Duplicate,    // a unique index holds the key already

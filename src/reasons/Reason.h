@@ -15,6 +15,7 @@ enum class Cause {
     FileReadOnly,    // the user may not write it, or its folder
     FileInUse,       // another program holds it; later it may work
     FileFull,        // the disk takes no more, or the file has reached its largest size
+    NumbersUsedUp,   // a table has given the last of its numbers to a row
     DeviceFault,     // the operating system could not read or write
     FileDamaged,     // its content contradicts its format
     FileReplaced,    // another one has taken its place, or its tables have changed

@@ -7,12 +7,13 @@
 #include <utility>
 
 #include "dialogs/FTrend.h"
+#include "dialogs/ManyRecords.h"
 #include "messages/MessageBox.h"
+#include "project/FieldText.h"
 #include "project/Rows.h"
 #include "projectdb/Hierarchy.h"
 #include "projectdb/Text.h"
 #include "records/EditSession.h"
-#include "records/MDialogs.h"
 #include "texts/MResources.h"
 #include "texts/MResourceTable.h"
 
@@ -75,50 +76,78 @@ void Load(const ado::Recordset& trend, FTrend& dialog, platform::Lcid language) 
 }
 
 /// Amount and mode go together: what has been chosen for one says what the other means.
-void StoreHysteresis(ado::Recordset& trend, const FTrend& dialog) {
-    if (!dialog.Touched(*dialog.txtHysteresis) && !dialog.Touched(*dialog.cmbHysteresisMode)) {
-        return;
-    }
+void AddHysteresis(std::span<const ado::Field> fields, const FTrend& dialog, Values& values) {
+    const bool amountTouched = dialog.Touched(*dialog.txtHysteresis);
+    if (!amountTouched && !dialog.Touched(*dialog.cmbHysteresisMode)) return;
     const std::int32_t mode = dialog.cmbHysteresisMode->currentIndex();
     const bool none = mode == dialog.cmbHysteresisMode->count() - 1;
     const QString amount = none ? QString() : dialog.txtHysteresis->text();
-    for (std::size_t i = 0; i < trend.Fields().size(); ++i) {
-        const ado::Field& field = trend.Fields()[i];
-        if (field.name == kHysteresisMode) trend.Set(i, mode);
-        if (field.name != kHysteresis) continue;
+    for (const ado::Field& field : fields) {
+        if (field.name == kHysteresisMode && mode >= 0) values.emplace_back(field.name, mode);
+        if (field.name != kHysteresis || !(none || amountTouched)) continue;
         const bool noNumber = amount.isEmpty() && project::IsNumber(field.type);
-        trend.Set(i, noNumber ? ado::Value(ado::Null()) : ado::Value(projectdb::ToUtf16(amount)));
+        values.emplace_back(field.name, noNumber ? ado::Value(ado::Null())
+                                                 : ado::Value(projectdb::ToUtf16(amount)));
     }
 }
 
-/// What the user has left alone is not written, so that it stays as it is to the last digit, and
-/// what another program has changed meanwhile stays that program's.
-void Assign(ado::Recordset& trend, const FTrend& dialog, platform::Lcid language) {
+/// What the user has changed, by field. What he has left alone is not among it, so that it stays as
+/// it is to the last digit, and what another program has changed meanwhile stays that program's.
+Values ValuesOf(std::span<const ado::Field> fields, const FTrend& dialog, platform::Lcid language) {
     const std::string languageColumn = LanguageColumn(language);
-    for (std::size_t i = 0; i < trend.Fields().size(); ++i) {
-        const std::string_view name = trend.Fields()[i].name;
-        if (name == kHysteresis || name == kHysteresisMode) continue;  // see StoreHysteresis
-        const QWidget* field = name == languageColumn ? dialog.txtTextID : dialog.FieldOf(name);
+    Values values;
+    for (const ado::Field& known : fields) {
+        if (known.name == kHysteresis || known.name == kHysteresisMode) continue;
+        const QWidget* field =
+            known.name == languageColumn ? dialog.txtTextID : dialog.FieldOf(known.name);
+        if (field == nullptr || !dialog.Touched(*field)) continue;
         if (const auto* text = qobject_cast<const QLineEdit*>(field)) {
-            if (dialog.Touched(*text)) MDialogs::TextToField(trend, i, *text);
-        } else if (name == kParamNames) {
-            const std::optional<QString>& names = dialog.IndexTextParamNames();
-            const ado::Value kept =
-                names ? ado::Value(projectdb::ToUtf16(*names)) : ado::Value(ado::Null());
-            if (trend.Get(i) != kept) trend.Set(i, kept);
-        } else if (const auto* list = qobject_cast<const QComboBox*>(field)) {
-            if (dialog.Touched(*list)) MDialogs::ComboToField(trend, i, *list);
-        } else if (const auto* color = qobject_cast<const KVColorSelect*>(field)) {
-            if (color->HasColor() && dialog.Touched(*color)) {
-                trend.Set(i, static_cast<std::int32_t>(color->Color()));
+            const auto read = project::ReadDialogText(projectdb::ToUtf16(text->text()), known);
+            if (read.problem != project::Problem::NotEditable) {
+                values.emplace_back(known.name, read.value);
             }
+        } else if (const auto* list = qobject_cast<const QComboBox*>(field)) {
+            if (list->currentIndex() < 0) continue;
+            values.emplace_back(known.name, static_cast<std::int32_t>(list->currentData().toInt()));
+        } else if (const auto* color = qobject_cast<const KVColorSelect*>(field)) {
+            if (!color->HasColor()) continue;
+            values.emplace_back(known.name, static_cast<std::int32_t>(color->Color()));
         }
     }
-    StoreHysteresis(trend, dialog);
+    AddHysteresis(fields, dialog, values);
+    return values;
+}
+
+void Assign(ado::Recordset& trend, const FTrend& dialog, platform::Lcid language) {
+    for (const auto& [field, value] : ValuesOf(trend.Fields(), dialog, language)) {
+        trend.Set(field, value);
+    }
+    if (project::HasField(trend, kParamNames)) {
+        const std::optional<QString>& names = dialog.IndexTextParamNames();
+        const ado::Value kept =
+            names ? ado::Value(projectdb::ToUtf16(*names)) : ado::Value(ado::Null());
+        if (trend.Get(kParamNames) != kept) trend.Set(kParamNames, kept);
+    }
     if (dialog.Touched(*dialog.txtName)) {
         project::RenameTrendText(trend, projectdb::ToUtf16(dialog.OpenedName()),
                                  projectdb::ToUtf16(dialog.txtName->text()));
     }
+}
+
+/// The dialog as that of several trends, of which it has been filled with one.
+void ShowMany(std::span<const ado::Field> fields, const Many& many, FTrend& dialog,
+              platform::Lcid language) {
+    ManyRecords& shown = dialog.ShowMany(static_cast<int>(many.count));
+    const std::string languageColumn = LanguageColumn(language);
+    for (const ado::Field& field : fields) {
+        QWidget* control =
+            field.name == languageColumn ? dialog.txtTextID : dialog.FieldOf(field.name);
+        if (control == nullptr || control == dialog.txtName) continue;
+        // A mode means nothing without its amount.
+        const bool isMode = field.name == kHysteresisMode;
+        shown.Add(*control, many.differs(field.name) || (isMode && many.differs(kHysteresis)));
+    }
+    dialog.ShowNoName();
 }
 
 void Store(ado::Recordset& trend, const FTrend& dialog, platform::Lcid language) {
@@ -134,6 +163,23 @@ bool TrendToDialog(const ado::Recordset& trend, FTrend& dialog, platform::Lcid l
 
 bool DialogToTrend(ado::Recordset& trend, const FTrend& dialog, platform::Lcid language) {
     return !Try("DialogToTrend", [&] { Store(trend, dialog, language); });
+}
+
+bool EditTrends(const ado::Recordset& trend, const Many& many, platform::Lcid language,
+                const DialogServices& services, QWidget* owner) {
+    FTrend dialog(services, projectdb::kTrendNames, owner);
+    const auto unread = Try("TrendToDialog", [&] { Load(trend, dialog, language); });
+    if (unread) {
+        TellNotLoaded(dialog, services.texts, MResourceTable::kTextTrendInitFailed, *unread, owner);
+        return false;
+    }
+    ShowMany(trend.Fields(), many, dialog, language);
+    dialog.SetStore([&] {
+        const Values values = ValuesOf(trend.Fields(), dialog, language);
+        return values.empty() || many.store(values);
+    });
+    dialog.exec();
+    return !dialog.Cancelled();
 }
 
 bool EditTrend(ado::Recordset& trend, platform::Lcid language, const DialogServices& services,

@@ -1,5 +1,11 @@
 #pragma once
 
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
 #include "ado/Recordset.h"
 #include "dialogs/DialogServices.h"
 #include "platform/Locale.h"
@@ -17,6 +23,24 @@ namespace MTrend {
 /// was typed. False: nothing has changed. Throws nothing.
 [[nodiscard]] bool EditTrend(ado::Recordset& trend, platform::Lcid language,
                              const DialogServices& services, QWidget* owner);
+
+/// What the user has changed, by field of the trend query.
+using Values = std::vector<std::pair<std::string, ado::Value>>;
+
+/// Several trends that are edited at once.
+struct Many {
+    std::size_t count = 0;
+    /// Whether they do not all hold the same in a field.
+    std::function<bool(std::string_view field)> differs;
+    /// Writes the values into all of them. False, having told the user why, when it has written
+    /// none.
+    std::function<bool(const Values& values)> store;
+};
+/// Lets the user edit all of them, names excepted. `trend` stands on one of them. True when he has
+/// accepted; without a change nothing is stored then. Throws nothing.
+[[nodiscard]] bool EditTrends(const ado::Recordset& trend, const Many& many,
+                              platform::Lcid language, const DialogServices& services,
+                              QWidget* owner);
 
 /// Fills the dialog; numbers as the user writes them. False when a column cannot be read.
 ///

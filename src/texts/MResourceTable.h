@@ -255,6 +255,7 @@ enum Number : int {
     // Texts of our own
     kTextNoHelpFile = 1001,
     kTextUnreadableRows,
+    kTextFileOnlyRead,
     kTextFileNotices,
 
     // Property dialogs
@@ -411,6 +412,13 @@ enum Number : int {
     kTextHintNoCounting,
     kTextCells,
     kTextPasteNoRoom,
+    kTextDifferent,
+    kTextCleared,
+    kTextWayBack,
+    kTextChangeField,
+    kTextChangeFields,
+    kTextEditTrends,
+    kTextKeyEditTrends,
     kTextFreezeName,
     kTextToolBar,
     kTextLanguageOfTexts,
@@ -481,6 +489,7 @@ enum class Reason : int {
     FileReadOnly,
     FileInUse,
     FileFull,
+    NumbersUsedUp,
     DeviceFault,
     FileDamaged,
     FileReplaced,

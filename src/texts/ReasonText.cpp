@@ -27,6 +27,8 @@ Reason SentenceOf(Cause cause) {
             return Reason::FileInUse;
         case Cause::FileFull:
             return Reason::FileFull;
+        case Cause::NumbersUsedUp:
+            return Reason::NumbersUsedUp;
         case Cause::DeviceFault:
             return Reason::DeviceFault;
         case Cause::FileDamaged:

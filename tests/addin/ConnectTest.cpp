@@ -414,6 +414,8 @@ TEST_F(ConnectTest, AFileThatNoChangeIsSafeForCanBeLookedAt) {
     Initialize(path);
     Click(kRoot);
     ASSERT_EQ(messages_.size(), 1);
+    EXPECT_TRUE(messages_[0].text.contains(u"kann nur gelesen werden"_s))
+        << messages_[0].text.toStdString();
     EXPECT_THAT(messages_[0].details.toStdString(),
                 AllOf(HasSubstr("can only be read"), HasSubstr("kvs repair")));
     EXPECT_EQ(messages_[0].actionCaption, u"Datei &prüfen"_s);

@@ -159,6 +159,12 @@ TEST_F(EditorCellsTest, FilledDownAndCountedOn) {
     Key(Qt::Key_D, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(StoredIn("VMax", 4), QStringList({u"10"_s, u"25"_s, u"40"_s, u"55"_s}));
     EXPECT_EQ(Cells(), u"4 cells, smallest 10, largest 55, sum 130"_s);
+    // With places.
+    ClickCell(0, u"Factor"_s);
+    PasteText(u"0.5\n0.75\n"_s);
+    Select(0, u"Factor"_s, 3);
+    Key(Qt::Key_D, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(StoredIn("Factor", 3), QStringList({u"0.5"_s, u"0.75"_s, u"1"_s}));
     // What has no number cannot be counted on.
     Select(0, u"Unit"_s, 2);
     Key(Qt::Key_D, Qt::ControlModifier | Qt::ShiftModifier);

@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QStatusBar>
 #include <QTableWidget>
 
@@ -466,6 +467,28 @@ TEST_F(EditorEditTest, TurningAwayStoresAndTurningBackShowsWhatIsNew) {
     QApplication::processEvents();
     EXPECT_EQ(Text(2, u"Comment"_s), QString());
     EXPECT_THAT(MessageTexts(), IsEmpty());
+}
+
+TEST_F(EditorEditTest, TurningBackToAFileThatIsAsItWasReadsNothing) {
+    Open();
+    const QSignalSpy archives(Split(0)->model(), &QAbstractItemModel::modelReset);
+    const QSignalSpy trends(Split(1)->model(), &QAbstractItemModel::modelReset);
+    const auto reads = [&] {
+        const qsizetype before = archives.size() + trends.size();
+        TurnAway();
+        TurnTo();
+        return archives.size() + trends.size() > before;
+    };
+    // Shortly after a change the file is read once more to be sure.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !reads(); }, 30000));
+    ChangeElsewhere(Text(2, u"Name"_s), "Comment", std::u16string(u"theirs"));
+    EXPECT_TRUE(reads());
+    EXPECT_EQ(Text(2, u"Comment"_s), u"theirs"_s);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !reads(); }, 30000));
+    ClickCell(0, u"Comment"_s);
+    Type(u"own"_s);
+    Key(Qt::Key_Return);
+    EXPECT_TRUE(reads()) << "the window's own change too";
 }
 
 TEST_F(EditorEditTest, AMessageBoxIsNoTurningAway) {

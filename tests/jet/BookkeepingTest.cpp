@@ -108,7 +108,7 @@ TEST_F(BookkeepingTest, NumbersThatAreGivenMoveTheCounterUpwardsOnly) {
     for (const std::int32_t given : {200, 50, -3}) EXPECT_EQ(Must(insert(given)), given);
     EXPECT_EQ(Must(insert({})), 201);
     EXPECT_EQ(Must(insert(INT32_MAX)), INT32_MAX);
-    EXPECT_EQ(StatusOf(insert({})).Code(), StatusCode::Full);
+    EXPECT_EQ(StatusOf(insert({})).Code(), StatusCode::UsedUp);
     ASSERT_OK(database_->Commit());
     ExpectSound({"its last automatic number is 2147483647; few are left"});
 }

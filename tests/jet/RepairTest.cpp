@@ -219,7 +219,7 @@ TEST(RepairTest, AutoNumbersThatHaveComeToTheirEndAreSetBack) {
             full.Put(kProject, sample.bytes);
         }
         const Status status = StatusOf(insert(full, {}));
-        EXPECT_EQ(status.Code(), StatusCode::Full);
+        EXPECT_EQ(status.Code(), StatusCode::UsedUp);
         for (const char* word : {"TchrTrends", "\"ID\"", "2147483647", "repair"}) {
             EXPECT_THAT(status.Text(), HasSubstr(word));
         }

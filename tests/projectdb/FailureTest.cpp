@@ -42,7 +42,18 @@ TEST(FailureTest, AFieldBearsTheNameThatTheUserKnows) {
     }
 }
 
-class NewRowFailureTest : public ProjectTest {};
+class NewRowFailureTest : public ProjectTest {
+protected:
+    /// What the user is told of the failure of `add`.
+    static QString Told(const std::function<void()>& add) {
+        try {
+            add();
+        } catch (...) {
+            return projectdb::Failure::Current().Text();
+        }
+        return u"nothing"_s;
+    }
+};
 
 TEST_F(NewRowFailureTest, ANewRowThatDoesNotFitNamesTheHeading) {
     OpenAltered([](ado::NewTable& form) {
@@ -52,19 +63,22 @@ TEST_F(NewRowFailureTest, ANewRowThatDoesNotFitNamesTheHeading) {
         }
     });
     projectdb::ProjectRows rows(Environment());
-    const auto told = [](const auto& add) {
-        try {
-            add();
-        } catch (...) {
-            return projectdb::Failure::Current().Text();
-        }
-        return u"nothing"_s;
-    };
     const QString expected =
         u"Der Text ist zu lang: Das Feld 'Laufzeitname' fasst höchstens 2 Zeichen. Kürzen Sie ihn."_s;
-    EXPECT_EQ(told([&] { rows.AddArchive(u"Neues Archiv"); }), expected);
+    EXPECT_EQ(Told([&] { rows.AddArchive(u"Neues Archiv"); }), expected);
     project::NewTrend trend;
-    EXPECT_EQ(told([&] { rows.AddTrend(1, trend); }), expected);
+    EXPECT_EQ(Told([&] { rows.AddTrend(1, trend); }), expected);
+}
+
+TEST_F(NewRowFailureTest, NumbersThatAreUsedUpAreNoFullDisk) {
+    OpenNew();
+    expectedWarning_ = "few are left";
+    Insert("TchrArchives", {{"ID", std::int32_t{INT32_MAX}}, {"Name", std::u16string(u"Letztes")}});
+    projectdb::ProjectRows rows(Environment());
+    const QString told = Told([&] { rows.AddArchive(u"Neues Archiv"); });
+    EXPECT_TRUE(told.contains(u"letzte laufende Nummer"_s)) << told.toStdString();
+    EXPECT_TRUE(told.contains(u"'kvs repair'"_s));
+    EXPECT_TRUE(told.contains(u"Projekt.kvs"_s));
 }
 
 }  // namespace

@@ -213,6 +213,7 @@ Status Database::Rep::Commit() {
     if (--depth > 0) return {};
     if (isRolledBack) return Status::BadArgument("the transaction has been rolled back");
     Status status = cache.HasChanges() ? WriteTransaction() : Status();
+    ++commits;
     EndTransaction(status.IsOk());
     return status;
 }

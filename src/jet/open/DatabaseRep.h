@@ -49,6 +49,7 @@ struct Database::Rep {
     std::vector<std::string> notices;  // not taken yet
     std::vector<std::string> told;     // all so far
     Waits waits;
+    std::uint64_t commits = 0;   // of this program
     int depth = 0;               // of joined transactions
     bool isRolledBack = false;   // inside an outer transaction that is still to end
     bool canOnlyBeRead = false;  // as the last look has found

@@ -271,9 +271,9 @@ Status RowChanger::NumberRow(RowImage& image, std::vector<Value>& values,
         const auto last = Load<std::int32_t>(page, kLastAutoNumber);
         if (!IsAssigned(assigned, i)) {
             if (last == INT32_MAX) {
-                return {StatusCode::Full, "column \"" + def.columns[i].name +
-                                              "\": the last number, " + std::to_string(last) +
-                                              ", has been given; kvs repair sets the count back"};
+                return {StatusCode::UsedUp, "column \"" + def.columns[i].name +
+                                                "\": the last number, " + std::to_string(last) +
+                                                ", has been given; kvs repair sets the count back"};
             }
             JET_TRY(Assign(image, values, {i, Value(last + 1)}));
         }
