@@ -119,6 +119,7 @@ TEST(PipeTest, AReaderThatHasEnoughIsNoFailureToSpeakOf) {
         const std::string err = Written([&](std::FILE* stream) {
             std::thread dump([&] {
                 EXPECT_EQ(Dump(kBrewery, "TchrTrends", format, pipe.In(), stream), kFailure);
+                pipe.CloseWriter();
             });
             EXPECT_FALSE(pipe.Read(10).empty());
             pipe.CloseReader();
