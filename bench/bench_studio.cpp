@@ -9,6 +9,8 @@
 #include <memory>
 #include <QApplication>
 #include <QFile>
+#include <QKeyEvent>
+#include <QTableView>
 #include <QTemporaryDir>
 #include <string>
 
@@ -68,6 +70,14 @@ public:
         window_->Tree().ClickAsUser(key);
         Paint();
     }
+    /// The table of the trends.
+    [[nodiscard]] QTableView& Trends() const {
+        return *window_->findChild<QTableView*>(u"tdbA.Splits(1)"_s);
+    }
+    void Press(QWidget& widget, int key, Qt::KeyboardModifiers held, const QString& text = {}) {
+        QKeyEvent press(QEvent::KeyPress, key, held, text);
+        QApplication::sendEvent(&widget, &press);
+    }
     [[nodiscard]] QStringList Archives() const {
         return window_->Host().ChildKeys(kArchives).value_or(QStringList());
     }
@@ -123,6 +133,39 @@ void OpenArchive(benchmark::State& state) {
     studio.Close();
 }
 BENCHMARK(OpenArchive)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// One value into a column of all trends of an archive, by typing and Ctrl+Enter.
+void WriteCells(benchmark::State& state) {
+    const QTemporaryDir folder;
+    Studio& studio = TheStudio();
+    studio.Open(Project(folder));
+    studio.FirstUse();
+    studio.ShowArchive(studio.Archives().front());
+    QTableView& trends = studio.Trends();
+    const auto unitColumn = [&] {
+        for (int i = 0; i < trends.model()->columnCount(); ++i) {
+            if (trends.model()->headerData(i, Qt::Horizontal).toString() == u"Einheit"_s) return i;
+        }
+        return 0;
+    };
+    studio.Press(trends, Qt::Key_A, Qt::ControlModifier);
+    trends.selectionModel()->setCurrentIndex(trends.model()->index(0, unitColumn()),
+                                             QItemSelectionModel::NoUpdate);
+    char letter = 'a';
+    for (auto unused : state) {
+        (void)unused;
+        letter = letter == 'z' ? 'a' : static_cast<char>(letter + 1);
+        studio.Press(trends, Qt::Key_A, {}, QString(QLatin1Char(letter)));
+        auto* editor = trends.findChild<QWidget*>(u"CellEditor"_s);
+        if (editor == nullptr) return state.SkipWithError("no cell is being edited");
+        studio.Press(*editor, Qt::Key_Return, Qt::ControlModifier);
+    }
+    const QString written = trends.model()->index(0, unitColumn()).data().toString();
+    if (written != QString(QLatin1Char(letter))) state.SkipWithError("nothing was written");
+    state.counters["cells"] = trends.model()->rowCount();
+    studio.Close();
+}
+BENCHMARK(WriteCells)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 }  // namespace
 

@@ -7,6 +7,7 @@
 #include "dialogs/KeyFilter.h"
 #include "platform/HelpTopics.h"
 #include "project/Number.h"
+#include "texts/MResources.h"
 #include "texts/MResourceTable.h"
 
 namespace {
@@ -62,7 +63,10 @@ void FTrend::SetOpenedName(const QString& name) {
     PropertyDialog::SetOpenedName(name);
 }
 
-void FTrend::ShowNoName() {
+void FTrend::ShowNoName(std::size_t trends) {
+    setWindowTitle(windowTitle() + QStringLiteral(": ") +
+                   Services().texts.GetText(MResourceTable::kTextStepTrends,
+                                            {{u"n", QString::number(trends)}}));
     SetOpenedName({});
     txtName->setPlaceholderText(Text(MResourceTable::kTextDifferent));
     txtName->clear();

@@ -20,7 +20,7 @@ public:
     /// A trend without a text column in the current language has no display text to edit.
     void SetDisplayTextAvailable(bool available);
     /// The dialog stands for several trends, each with a name of its own, which cannot be edited.
-    void ShowNoName();
+    void ShowNoName(std::size_t trends);
     /// As PropertyDialog's; call it when the controls have been filled.
     void SetOpenedName(const QString& name);
 

@@ -9,6 +9,7 @@
 #include <QPushButton>
 
 #include "controls/KVColorSelect.h"
+#include "dialogs/ColourTexts.h"
 #include "dialogs/ControlContent.h"
 #include "icons/Icons.h"
 #include "texts/MResources.h"
@@ -33,8 +34,10 @@ void ManyRecords::ShowDifferent(QWidget& control) {
         list->setCurrentIndex(-1);
         list->setPlaceholderText(different);
     } else if (auto* color = qobject_cast<KVColorSelect*>(&control)) {
+        ColorTexts words = ColourTexts(texts_);
+        words.none = different;
+        color->SetTexts(words);
         color->ClearColor();
-        color->setToolTip(different);
     }
 }
 

@@ -147,7 +147,7 @@ void ShowMany(std::span<const ado::Field> fields, const Many& many, FTrend& dial
         const bool isMode = field.name == kHysteresisMode;
         shown.Add(*control, many.differs(field.name) || (isMode && many.differs(kHysteresis)));
     }
-    dialog.ShowNoName();
+    dialog.ShowNoName(many.count);
 }
 
 void Store(ado::Recordset& trend, const FTrend& dialog, platform::Lcid language) {
