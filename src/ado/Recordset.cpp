@@ -343,6 +343,32 @@ std::vector<std::int32_t> Recordset::NumbersOf(std::size_t field) const {
     }
 }
 
+std::size_t Recordset::Scan(
+    const std::vector<std::size_t>& fields,
+    const std::function<void(const std::vector<Value>& values)>& row) const {
+    const RowSet& rows = Opened().rows;
+    for (const std::size_t field : fields) rep_->RequireField(field);
+    jet::Table& table = rows.Table(0);
+    jet::RowCursor cursor = Check(table.Scan(), rows.File());
+    std::vector<jet::Value> stored(fields.size());
+    std::vector<Value> values(fields.size());
+    std::size_t left = 0;
+    for (;;) {
+        const auto found = cursor.Next();
+        if (found.IsOk() && !*found) return left;
+        bool isRead = found.IsOk();
+        for (std::size_t i = 0; isRead && i < fields.size(); ++i) {
+            isRead = cursor.Current().Read(rows.OriginOf(fields[i]).column, stored[i]).IsOk() &&
+                     AssignStored(table, stored[i], values[i]).IsOk();
+        }
+        if (isRead) {
+            row(values);
+        } else {
+            ++left;
+        }
+    }
+}
+
 void Recordset::RequireWritable() const {
     Rep& rep = Opened();
     Check(jet::TableWriter(rep.rows.Table(0)).CheckWritable(), rep.rows.File());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -80,6 +81,11 @@ public:
     /// they are stored: one pass over the pages, much quicker than moving through the rows. Null
     /// and what cannot be read is left out. Tables only.
     [[nodiscard]] std::vector<std::int32_t> NumbersOf(std::size_t field) const;
+    /// Calls `row` with the values of these fields, in their order, for all rows of the table in
+    /// the same way. The values are valid during the call. A row of which one of them cannot be
+    /// read is left out; gives how many those are.
+    std::size_t Scan(const std::vector<std::size_t>& fields,
+                     const std::function<void(const std::vector<Value>& values)>& row) const;
 
     /// A criterion such as "Parameter= 5 AND Type = -2"; empty: no filter. Moves to the first row
     /// that matches, or to EOF. Operators = <> < <= > >= LIKE, IS NULL; numbers, texts in

@@ -7,6 +7,7 @@
 
 #include "ado/AdoError.h"
 #include "ado/detail/Convert.h"
+#include "jet/TextKey.h"
 #include "jet/Unicode.h"
 
 namespace ado {
@@ -61,6 +62,12 @@ struct Texter {
 };
 
 }  // namespace
+
+std::u16string FoldName(std::u16string_view name) {
+    std::u16string folded(name);
+    for (char16_t& unit : folded) unit = jet::FoldUnit(unit);
+    return folded;
+}
 
 std::optional<double> ToNumber(std::u16string_view text) {
     text = Trim(text);

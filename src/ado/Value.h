@@ -75,6 +75,10 @@ using Value = std::variant<Null, bool, std::int32_t, float, double, Currency, Da
 /// to the even digit. Empty for what is no plain decimal number and for what is too great.
 [[nodiscard]] std::optional<Currency> ToCurrency(std::u16string_view text);
 
+/// A name in the form in which names compare that do not tell capitals apart: character by
+/// character, blanks at the end included.
+[[nodiscard]] std::u16string FoldName(std::u16string_view name);
+
 // Conversions that every reader of a field needs. Null gives the stated default.
 [[nodiscard]] std::u16string ToText(const Value& value);  // Null: empty; numbers with '.'
 [[nodiscard]] std::int32_t ToLong(const Value& value,

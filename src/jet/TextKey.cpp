@@ -103,8 +103,8 @@ void AppendTextKey(std::u16string_view text, bool ascending, std::string& key) {
     }
 }
 
-bool SameUnit(char16_t a, char16_t b) {
-    return a == b || (kTextWeights[a] == kTextWeights[b] && kTextWeights[a] != TextWeight{});
+char16_t FoldUnit(char16_t unit) {
+    return kFirstUnits[unit];
 }
 
 }  // namespace jet

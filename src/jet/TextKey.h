@@ -15,7 +15,11 @@ inline constexpr unsigned kGeneralVersion = 0;
 /// At most 255 x 10 + 20 bytes are appended.
 void AppendTextKey(std::u16string_view text, bool ascending, std::string& key);
 
+/// The same unit for all that differ at most in case.
+[[nodiscard]] char16_t FoldUnit(char16_t unit);
 /// True when two units differ at most in case.
-[[nodiscard]] bool SameUnit(char16_t a, char16_t b);
+[[nodiscard]] inline bool SameUnit(char16_t a, char16_t b) {
+    return a == b || FoldUnit(a) == FoldUnit(b);
+}
 
 }  // namespace jet

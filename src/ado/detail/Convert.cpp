@@ -98,6 +98,20 @@ jet::Result<Value> FromStored(const jet::Table& table, const jet::Value& stored)
     return std::visit(StoredToValue{table}, stored);
 }
 
+jet::Status AssignStored(const jet::Table& table, const jet::Value& stored, Value& value) {
+    if (const auto* text = std::get_if<std::u16string>(&stored)) {
+        if (auto* old = std::get_if<std::u16string>(&value)) {
+            *old = *text;
+        } else {
+            value = *text;
+        }
+        return {};
+    }
+    auto converted = FromStored(table, stored);
+    if (converted.IsOk()) value = std::move(*converted);
+    return converted.GetStatusOrOk();
+}
+
 std::optional<double> AsNumber(const Value& value) {
     if (const auto* b = std::get_if<bool>(&value)) return *b ? -1.0 : 0.0;
     if (const auto* i = std::get_if<std::int32_t>(&value)) return *i;

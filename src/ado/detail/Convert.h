@@ -13,6 +13,8 @@ namespace ado {
 
 /// A stored value as recordsets show it; memo and OLE values are read whole.
 [[nodiscard]] jet::Result<Value> FromStored(const jet::Table& table, const jet::Value& stored);
+/// The same into `value`, whose memory is used again: for loops over many rows.
+jet::Status AssignStored(const jet::Table& table, const jet::Value& stored, Value& value);
 
 /// The value in the column's own type for an index look-up; empty when it has no exact counterpart
 /// there, so that the index cannot tell which values compare as equal. Null stays Null.

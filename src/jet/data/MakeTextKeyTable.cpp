@@ -3,6 +3,7 @@
 
 #include <fstream>
 #include <iostream>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,8 @@ int main(int argc, char** argv) {
     out << "#include \"jet/index/TextKeyTable.h\"\n\nnamespace jet {\n"
            "const std::array<TextWeight, 65536> kTextWeights = {{\n";
     unsigned count = 0;
+    std::map<std::string, unsigned> firstOfWeights;
+    std::string firstUnits;
     while (std::getline(in, line)) {
         const std::vector<std::string> f = Split(line);
         if (std::stoul(f[0], nullptr, 16) != count++) {
@@ -54,8 +57,16 @@ int main(int argc, char** argv) {
         }
         out << '{' << ByteList(f[2], 4) << ',' << ByteList(f[3], 2) << ',' << Number(f[4], "0x")
             << ',' << Number(f[5], "0x") << ',' << Number(f[6], "") << "},\n";
+        // A unit without any weight is like no other one.
+        const std::string weights = f[2] + '\t' + f[3] + '\t' + f[4] + '\t' + f[5] + '\t' + f[6];
+        const bool hasWeight = weights.find_first_not_of('\t') != weights.npos;
+        const unsigned unit = count - 1;
+        const unsigned first =
+            hasWeight ? firstOfWeights.try_emplace(weights, unit).first->second : unit;
+        firstUnits += std::to_string(first) + ",\n";
     }
-    out << "}};\n}  // namespace jet\n";
+    out << "}};\nconst std::array<char16_t, 65536> kFirstUnits = {{\n"
+        << firstUnits << "}};\n}  // namespace jet\n";
     if (count != 65536 || !out.flush()) {
         std::cerr << argv[1] << ": " << count << " units, 65536 expected\n";
         return 1;

@@ -20,5 +20,7 @@ struct TextWeight {
 
 /// One entry a unit, made at build time from data/text-keys.tsv.
 extern const std::array<TextWeight, 65536> kTextWeights;
+/// The first of the units that have the same weights; the unit itself where it has none.
+extern const std::array<char16_t, 65536> kFirstUnits;
 
 }  // namespace jet
