@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "csv/Encoding.h"
+#include "project/CheckRules.h"
+#include "tools/FindingWriter.h"
 
 namespace tools {
 
@@ -39,6 +41,17 @@ enum class DumpFormat { Csv, Json };
 /// A line for each fault of a Jet 4 file, "error: ..." or "warning: ...". kSuccess when there are
 /// no errors.
 [[nodiscard]] ExitStatus Check(const std::string& file, std::FILE* out, std::FILE* err);
+
+struct LintOptions {
+    FindingFormat format = FindingFormat::Text;
+    project::Severity failOn = project::Severity::Note;
+    std::string rules;  // "a,b": these alone; "-a,-b": all but these; empty: all
+};
+
+/// What the rules find in a project. kFailure when a finding is as severe as `failOn`, or rows
+/// cannot be read; kUsage for a rule that there is not.
+[[nodiscard]] ExitStatus Lint(const std::string& file, const LintOptions& options, std::FILE* out,
+                              std::FILE* err);
 
 /// Rewrites a Jet 4 file without the room that nothing uses and writes both sizes to `out`. Refused
 /// while other programs have the file open.

@@ -103,6 +103,18 @@ ExitStatus RunImport(const Call& call, std::FILE* out, std::FILE* err) {
     return Import(call.words[0], call.words[1], wish, out, err);
 }
 
+ExitStatus RunLint(const Call& call, std::FILE* out, std::FILE* err) {
+    LintOptions options;
+    const std::string format = call.Value("format");
+    if (format == "json") options.format = FindingFormat::Json;
+    if (format == "sarif") options.format = FindingFormat::Sarif;
+    if (call.Has("fail-on")) {
+        options.failOn = project::FindSeverity(call.Value("fail-on")).value_or(options.failOn);
+    }
+    options.rules = call.Value("rules");
+    return Lint(call.words[0], options, out, err);
+}
+
 const std::vector<Row>& Rows() {
     static const std::vector<Row> rows = {
         {{"new",
@@ -154,6 +166,14 @@ const std::vector<Row>& Rows() {
          [](const Call& call, std::FILE* out, std::FILE* err) {
              return Check(call.words[0], out, err);
          }},
+        {{"lint",
+          "FILE",
+          "a line for each setting of a project that cannot be meant",
+          {{"format", "text|json|sarif", "lines (default), a JSON list, or SARIF 2.1.0"},
+           {"fail-on", "note|warning|error",
+            "from which severity on the exit status is 1 (default: note)"},
+           {"rules", "RULE,...", "look for these rules only; -RULE,...: for all but these"}}},
+         RunLint},
         {{"compact", "FILE",
           "rewrite the file without the room that nothing uses (Jet 4); refused while other "
           "programs have it open"},

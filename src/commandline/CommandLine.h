@@ -11,7 +11,8 @@
 namespace commandline {
 
 /// `name` is without its dashes. `value` is what follows the option: "N", or a choice "csv|json";
-/// empty: nothing does. An option of several commands has the same `value` and letter in each.
+/// empty: nothing does. An option of several commands has a `value` in all or none of
+/// them, and the same letter.
 struct Option {
     std::string_view name;
     std::string_view value;

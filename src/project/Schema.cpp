@@ -31,7 +31,6 @@ constexpr ClockEvent kClockEvents[] = {
     {u"$Hour", u"$Stunde"}, {u"$Minute", u"$Minute"}, {u"$Second", u"$Sekunde"},
 };
 
-constexpr std::u16string_view kProjectFolder = u"<ProjectDir>";
 constexpr std::int32_t kRed = 0x0000FF;
 constexpr std::int32_t kBlue = 0xFF0000;
 
@@ -96,7 +95,7 @@ constexpr Column kArchiveColumns[] = {
     Shown(215, TextOf("Trigger", 255, Variable)),
     Shown(216, CountOf("ScanTime", Long, 1000)),
     Shown(217, CountOf("MaxSamples", Long, 10000)),
-    Shown(218, TextOf("NewFile", 255)),
+    Shown(218, TextOf("NewFile", 255, FileEvent)),
     Shown(219, TextOf("XVar", 255, Variable)),
     Shown(220, TextOf("StartStop", 255, Variable)),
     Shown(221, TextOf("Reset", 255, Variable)),

@@ -20,6 +20,9 @@ inline constexpr std::string_view kStructTable = "TpdbStructs";
 inline constexpr std::string_view kVariableTable = "TpdbVars";
 inline constexpr std::string_view kLanguageTable = "TcfgLanguages";
 
+/// What stands for the folder of the project at the beginning of a path.
+inline constexpr std::u16string_view kProjectFolder = u"<ProjectDir>";
+
 /// The key of every table, an AutoNumber.
 inline constexpr std::string_view kKeyColumn = "ID";
 
@@ -29,11 +32,12 @@ inline constexpr std::int32_t kArchiveGroup = -2;
 enum class Kind {
     Text,
     Number,
-    Limit,     // a number, or the name of a variable that holds it, as a text
-    Listed,    // a number that stands for a text
-    Colour,    // see Colour.h
-    Variable,  // name of a process variable
-    Key,       // ID of a row of another table
+    Limit,      // a number, or the name of a variable that holds it, as a text
+    Listed,     // a number that stands for a text
+    Colour,     // see Colour.h
+    Variable,   // name of a process variable
+    FileEvent,  // an event of the clock, see ClockEvents, or the name of a variable
+    Key,        // ID of a row of another table
     Flag,
 };
 
