@@ -14,13 +14,14 @@ JOBS := $(shell nproc)
 
 BUILD := build/release
 OPTIMISED := build/optimised
+PACKAGES := build/packages
 # What `make run` needs; the tests and benchmarks are left to the tasks that use them.
 RUN_TARGETS := kvstudio KVArchivEditor kvs
 
 heading = @printf '\n== %s\n' "$(1)"
 
 .PHONY: help run build test test-release test-engine test-fuzz test-asan test-clang format \
-	check-format tidy pictures optimised bench install clean
+	check-format tidy pictures optimised bench install package test-package clean
 
 help: ## Show the tasks
 	@echo "make TASK, where TASK is one of:"
@@ -113,9 +114,23 @@ bench: optimised ## Measure: Google Benchmark programs, and kvs dump beside mdb-
 	@for program in $(OPTIMISED)/bin/bench_*; do [ ! -x "$$program" ] || "$$program"; done
 	@KVS=$(OPTIMISED)/bin/kvs bench/compare_dump.sh '$(PROJECT)' '$(TABLE)'
 
-install: optimised ## Install under PREFIX
-	@scripts/install-packages.sh run
+# Nothing but files below PREFIX: whoever may write there needs no root, and what the programs need
+# to run is in README.md.
+install: ## Build and install under PREFIX
+	@cmake --preset optimised -DKV_BENCH=OFF --log-level=WARNING
+	@cmake --build $(OPTIMISED) --parallel $(JOBS)
 	@cmake --install $(OPTIMISED) --prefix '$(PREFIX)'
+
+package: ## Build the Debian packages, in build/packages, and have them checked
+	@scripts/install-packages.sh build package
+	$(call heading,Debian packages)
+	@scripts/make-package.sh $(PACKAGES)
+	@lintian --fail-on error,warning --info $(PACKAGES)/*.changes
+
+test-package: package ## Install, use and remove the packages in a bare Debian 12 system
+	@scripts/install-packages.sh package-test
+	$(call heading,The packages in a bare system)
+	@scripts/test-packages.sh $(PACKAGES)
 
 clean: ## Remove everything that was built
 	@rm -rf build

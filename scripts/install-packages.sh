@@ -7,7 +7,7 @@
 # Nothing missing: no word, no apt call. Works as root or through sudo.
 set -euo pipefail
 
-groups=(build run wayland test clang format tidy bench)
+groups=(build run wayland test clang format tidy bench package package-test)
 declare -A packages=(
     # Compiler, linker, build tools, libraries with their headers (the presets build tests and
     # benchmarks).
@@ -26,6 +26,10 @@ declare -A packages=(
     [format]="clang-format"
     [tidy]="clang-tidy python3"
     [bench]="mdbtools time"
+    # Builds the packages, and says what is wrong with them.
+    [package]="debhelper dpkg-dev fakeroot lintian desktop-file-utils appstream"
+    # A bare system to install them in.
+    [package-test]="mmdebstrap"
 )
 
 if [[ ${1-} == --list ]]; then

@@ -126,6 +126,12 @@ std::variant<ProjectLocation, QString> Locate(const QString& project, StudioRegi
     return location;
 }
 
+QString Absolute(const QString& project) {
+    const bool isElsewhere = HasDrive(project) || project.startsWith(u'\\');
+    if (!IsPath(project) || isElsewhere) return project;
+    return QDir::cleanPath(QFileInfo(ToNative(WithoutStrayBlanks(project))).absoluteFilePath());
+}
+
 bool IsThere(const QString& project, StudioRegistry& registry) {
     const QString file = IsPath(project) ? project : FileOfName(project, registry);
     return !file.isEmpty() && QFileInfo(ToNative(file)).isFile();

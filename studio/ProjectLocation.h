@@ -24,6 +24,9 @@ struct ProjectLocation {
                                                             StudioRegistry& registry,
                                                             const StudioTexts& texts);
 
+/// The same project, named so that a program in another working folder finds it.
+[[nodiscard]] QString Absolute(const QString& project);
+
 /// True when the file of a recent project is there at present.
 [[nodiscard]] bool IsThere(const QString& project, StudioRegistry& registry);
 

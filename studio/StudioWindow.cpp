@@ -97,6 +97,19 @@ bool StudioWindow::OpenProject(const QString& project) {
     return Open(project, Opening::Anew);
 }
 
+bool StudioWindow::ShowProject(const QString& project) {
+    const bool isBusy = addIns_.InCall() || QApplication::activeModalWidget() != nullptr ||
+                        QApplication::activePopupWidget() != nullptr;
+    if (quitting_ || !isVisible() || isBusy) return false;
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    raise();
+    activateWindow();
+    if (project.isEmpty() || (project_ && project_->remembered == project)) return true;
+    QMetaObject::invokeMethod(
+        this, [this, project] { OpenProject(project); }, Qt::QueuedConnection);
+    return true;
+}
+
 bool StudioWindow::Open(const QString& project, Opening opening) {
     if (addIns_.InCall()) {
         statusBar()->showMessage(texts_(Text::StatusBusy), kStatusMs);

@@ -47,6 +47,10 @@ public:
     /// Opens a project file or a registered project in place of the one that is open. False after
     /// a message when it cannot be opened; the project that was open stays open then.
     bool OpenProject(const QString& project);
+    /// Comes to the front and, unless it is open already, opens the project that the user has asked
+    /// another program for; empty: none. False, and nothing happens, while an add-in or a dialog is
+    /// at work. Returns at once; messages come afterwards.
+    [[nodiscard]] bool ShowProject(const QString& project);
     /// False while an add-in is at work.
     bool CloseProject();
     /// Closes the window without asking anybody: dialogs and menus that are open, add-ins' too, are

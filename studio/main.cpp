@@ -13,7 +13,9 @@
 #include "platform/StateFolder.h"
 #include "studio/AddInLoader.h"
 #include "studio/AddInSet.h"
+#include "studio/ProjectLocation.h"
 #include "studio/QuitSignals.h"
+#include "studio/RunningStudio.h"
 #include "studio/Screenshot.h"
 #include "studio/StudioRegistry.h"
 #include "studio/StudioWindow.h"
@@ -32,7 +34,8 @@ const commandline::Program kProgram{
     "(.kvs), or the name of a registered project.",
     "Exit status: 0 done, 1 the project or picture failed, 2 wrong usage.",
     "[PROJECT]",
-    {{"registry", "FILE", "use this registry file (exported text form, .reg)"},
+    {{"new-window", "", "open a window of its own where a studio is running already"},
+     {"registry", "FILE", "use this registry file (exported text form, .reg)"},
      {"screenshot", "PNG", "open the project, write a picture of the window and exit"}}};
 
 /// Whether Qt takes a word off the command line, with the one behind it when it holds no "=".
@@ -88,6 +91,9 @@ int main(int argc, char** argv) {
     const auto& call = std::get<commandline::Call>(parsed);
     const QString project = call.words.empty() ? QString() : FromShell(call.words[0]);
 
+    // The platform takes them away.
+    QByteArray activation = qgetenv("XDG_ACTIVATION_TOKEN");
+    if (activation.isEmpty()) activation = qgetenv("DESKTOP_STARTUP_ID");
     const QApplication app(argc, argv);
     QApplication::setApplicationName(u"kvstudio"_s);
     QApplication::setApplicationDisplayName(QString());
@@ -104,6 +110,10 @@ int main(int argc, char** argv) {
     }
 
     const bool screenshot = call.Has("screenshot");
+    studio::RunningStudio running(activation);
+    const bool isAlone = screenshot || call.Has("new-window");
+    if (!isAlone && running.HandOver(studio::Absolute(project))) return 0;
+
     // A picture shows the same window wherever it is taken, and leaves nothing behind.
     std::unique_ptr<QSettings> state;
     if (!screenshot) state = std::make_unique<QSettings>(StateFile(), QSettings::IniFormat);
@@ -119,6 +129,7 @@ int main(int argc, char** argv) {
     }
     const studio::QuitSignals quitSignals([&window] { window.Quit(); });
     window.show();
+    running.SetHandler([&window](const QString& other) { return window.ShowProject(other); });
     if (!project.isEmpty()) window.OpenProject(project);
     return QApplication::exec();
 }
