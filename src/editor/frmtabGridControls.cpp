@@ -43,9 +43,9 @@ MResourceTable::Number TextOf(GridText text) {
     return MResourceTable::kTextTrendBlank;
 }
 
-constexpr int kFindWidth = 32;          // average characters
-constexpr int kSmallestFindWidth = 14;  // likewise
-constexpr int kSpaceBesideRow = 4;      // pixels
+constexpr int kFindWidth = 32;              // average characters
+constexpr int kSmallestLanguageWidth = 14;  // likewise
+constexpr int kSpaceBesideRow = 4;          // pixels
 
 QString ArrayName(QStringView name, int index) {
     return u"%1(%2)"_s.arg(name).arg(index);
@@ -82,7 +82,6 @@ QLayout* frmtabGrid::BuildTopRow() {
     txtFind->setClearButtonEnabled(true);
     txtFind->addAction(icons::Icon(u"find"), QLineEdit::LeadingPosition);
     const int letter = txtFind->fontMetrics().averageCharWidth();
-    txtFind->setMinimumWidth(kSmallestFindWidth * letter);
     txtFind->setMaximumWidth(kFindWidth * letter);
     txtFind->installEventFilter(this);
     connect(txtFind, &QLineEdit::textChanged, this, [this](const QString& text) {
@@ -102,7 +101,7 @@ QLayout* frmtabGrid::BuildTopRow() {
     cmbLanguage->setAccessibleName(texts_.GetText(MResourceTable::kTextLanguageOfTexts));
     cmbLanguage->setToolTip(texts_.GetText(MResourceTable::kTextLanguageOfTexts));
     cmbLanguage->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    cmbLanguage->setMinimumWidth(kSmallestFindWidth * letter);
+    cmbLanguage->setMinimumWidth(kSmallestLanguageWidth * letter);
     cmbLanguage->setFocusPolicy(Qt::StrongFocus);  // the wheel does not turn it in passing
     cmbLanguage->installEventFilter(this);
 

@@ -58,11 +58,19 @@ void frmtabGrid::FindArchives() {
 }
 
 void frmtabGrid::ShowNarrowing() {
-    const QString what = texts_.GetText(narrowed_ == 0 ? MResourceTable::kTextNarrowArchives
-                                                       : MResourceTable::kTextNarrowTrends);
-    txtFind->setPlaceholderText(what);
-    txtFind->setAccessibleName(what);
-    txtFind->setToolTip(what);
+    const auto what = [&](const QString& key) {
+        return texts_.GetText(narrowed_ == 0 ? MResourceTable::kTextNarrowArchives
+                                             : MResourceTable::kTextNarrowTrends,
+                              {{u"key", key}});
+    };
+    txtFind->setPlaceholderText(what({}));
+    // Room for the magnifying glass, the cross that clears the field, and the margins.
+    const QFontMetrics letters = txtFind->fontMetrics();
+    txtFind->setMinimumWidth(letters.horizontalAdvance(what({})) + 4 * letters.height());
+    const commandset::Command& find = commandset::CommandOf(commandset::Id::Find);
+    const QString whole = what(commandset::KeyText(find.keys.front().keys, texts_));
+    txtFind->setAccessibleName(whole);
+    txtFind->setToolTip(whole);
     const GridSplit& split = tdbA->SplitAt(narrowed_);
     const QString text = split.FilterText();
     const bool empty = !text.isEmpty() && split.Source() != nullptr && split.RowCount() == 0 &&
