@@ -123,7 +123,9 @@ std::optional<Pasted> Parse(const QMimeData& data, const Reader& reader) {
     Reader neutral{reader};
     neutral.locale = QLocale::c();
     neutral.asStored = true;
-    return Parse(QString::fromUtf8(data.data(kWholeTrends)), neutral);
+    auto pasted = Parse(QString::fromUtf8(data.data(kWholeTrends)), neutral);
+    if (pasted) pasted->isWhole = true;
+    return pasted;
 }
 
 std::optional<Pasted> Parse(const QString& text, const Reader& reader) {

@@ -27,6 +27,7 @@ namespace TrendClipboard {
 struct Pasted {
     std::vector<project::NewTrend> trends;
     QString refusal;       // not empty: what is wrong, in words; nothing may be pasted then
+    bool isWhole = false;  // the editor's own copy, of which new trends are meant
     bool isBlock = false;  // cells without headings, for rows that are there; no trends then
 };
 

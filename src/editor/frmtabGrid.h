@@ -8,6 +8,7 @@
 #include "commands/ArchiveCommands.h"
 #include "commands/NameLists.h"
 #include "commandset/CommandSet.h"
+#include "controls/GridSource.h"
 #include "dialogs/DialogServices.h"
 #include "editor/DialogNames.h"
 #include "editor/EditorPlace.h"
@@ -231,6 +232,10 @@ private:
     [[nodiscard]] QString ArchiveBeside(const QString& nodeKey);
     void PasteCell(const QString& text);
     void PasteBlock(const QList<QStringList>& lines);
+    void PasteRows(const std::vector<project::NewTrend>& pasted, const QList<GridCell>& cells);
+    /// Of pasted rows those that bear the name of a trend that is there are taken out when the user
+    /// wants that, and become cells of it. False when he gives up.
+    bool TakeUpdates(std::vector<project::NewTrend>& pasted, QList<GridCell>& cells);
     void FillDown(bool counting);
     void EditSelected();
     void WriteColumn(int column, const QVariant& value);

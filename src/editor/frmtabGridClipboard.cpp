@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QHash>
 #include <QMimeData>
 #include <QScopedValueRollback>
 #include <QScopeGuard>
@@ -14,10 +15,18 @@
 #include "editor/TrendClipboard.h"
 #include "editor/TrendRows.h"
 #include "guard/Guard.h"
+#include "messages/MessageBox.h"
+#include "project/Transaction.h"
 #include "projectdb/Text.h"
 #include "texts/MResourceTable.h"
 
 using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr qsizetype kMostChanges = 12;  // that a question lists
+
+}  // namespace
 
 void frmtabGrid::Copy() {
     const GridSplit& split = tdbA->SplitAt(tdbA->Split());
@@ -47,15 +56,32 @@ void frmtabGrid::Paste() {
         return Hint(MResourceTable::kTextHintNothingToPaste);
     }
     const TrendClipboard::Reader reader{tdbA->SplitAt(1), *trends_, texts_, QLocale()};
-    const auto pasted = TrendClipboard::Parse(*held, reader);
+    auto pasted = TrendClipboard::Parse(*held, reader);
     if (!pasted) return PasteCell(TrendClipboard::SingleCell(held->text()));
     if (pasted->isBlock) return PasteBlock(TabText::Parse(held->text()));
     if (!pasted->refusal.isEmpty()) return Tell(pasted->refusal);
+    QList<GridCell> cells;
+    if (!pasted->isWhole && !TakeUpdates(pasted->trends, cells)) return;
+    PasteRows(pasted->trends, cells);
+}
+
+/// New trends and cells of others, all or none.
+void frmtabGrid::PasteRows(const std::vector<project::NewTrend>& pasted,
+                           const QList<GridCell>& cells) {
     const auto step = qScopeGuard([this] { EndStep(); });
     RowProgress progress(texts_, MResourceTable::kTextPastingTrends, this);
     PasteCommands commands(project_, *this, texts_);
+    // What has been written to cells may be taken back behind their model.
+    auto reload = qScopeGuard([this] { projectdb::ReloadTrends(project_, *this); });
     try {
-        ShowTrends(commands.PasteTrends(pasted->trends, progress.Function()));
+        project::Transaction transaction(project_.Environment().Connection());
+        if (!cells.isEmpty() && !tdbA->SplitAt(1).WriteCells(cells)) return;
+        std::vector<std::int32_t> ids;
+        if (!pasted.empty()) ids = commands.PasteTrends(pasted, progress.Function());
+        if (ids.empty() && !pasted.empty()) return;  // the user has given up
+        transaction.Commit();
+        reload.dismiss();
+        ShowTrends(ids);
     } catch (const ado::AdoError&) {
         if (!commands.Refused()) throw;
         const auto& [trend, column] = *commands.Refused();
@@ -66,6 +92,65 @@ void frmtabGrid::Paste() {
              {u"column", known != nullptr ? known->Caption() : projectdb::ToQString(column)},
              {u"cause", projectdb::Failure::Current().Text()}}));
     }
+}
+
+bool frmtabGrid::TakeUpdates(std::vector<project::NewTrend>& pasted, QList<GridCell>& cells) {
+    if (!trends_->ReadAll()) return false;
+    GridSplit& trends = tdbA->SplitAt(1);
+    const int nameColumn = trends_->ColumnOf("Name");
+    QHash<QString, int> rows;
+    for (int row = 0; row < trends_->rowCount(); ++row) {
+        rows.insert(trends_->index(row, nameColumn).data().toString().toCaseFolded(), row);
+    }
+    std::vector<project::NewTrend> others;
+    QStringList changes;
+    qsizetype known = 0;
+    for (const project::NewTrend& trend : pasted) {
+        const QString name = projectdb::ToQString(trend.name);
+        // A name that is pasted twice is meant once.
+        const auto place = rows.constFind(name.toCaseFolded());
+        if (name.isEmpty() || place == rows.constEnd()) {
+            others.push_back(trend);
+            continue;
+        }
+        ++known;
+        const int row = *place;
+        rows.erase(place);
+        project::Values values = trend.values;
+        values.insert(values.end(), trend.texts.begin(), trend.texts.end());
+        for (const auto& [field, value] : values) {
+            const int column = trends_->ColumnOf(field);
+            const GridColumn* shown = trends.ColumnAt(column);
+            if (shown == nullptr || trends_->ValueAt(row, column) == value) continue;
+            const QVariant stored = RecordsetModel::Stored(value);
+            const QString text = shown->ValueText(stored);
+            changes.append(u"%1: %2: '%3' \u2192 '%4'"_s.arg(
+                name, shown->Caption(), trends.CellText(trends_->IdAt(row), column),
+                text.isEmpty() ? stored.toString() : text));
+            cells.append({trends_->IdAt(row), column, RecordsetModel::Exact(value)});
+        }
+    }
+    if (known == 0) return true;
+    const qsizetype count = changes.size();
+    if (count > kMostChanges) {
+        changes.resize(kMostChanges);
+        changes.append(u"..."_s);
+    }
+    const QString question =
+        texts_.GetText(MResourceTable::kTextPasteUpdates,
+                       {{u"n", QString::number(known)},
+                        {u"cells", QString::number(count)},
+                        {u"changes", changes.join(u'\n')},
+                        {u"new", others.empty() ? QString() : QString::number(others.size())}});
+    const auto answer =
+        messages::ShowMessage(question, messages::MessageButtons::YesNoCancel,
+                              texts_.GetText(MResourceTable::kTextEditorTitle), this);
+    if (answer == messages::MessageResult::Yes) {
+        pasted = std::move(others);
+    } else {
+        cells.clear();
+    }
+    return answer != messages::MessageResult::Cancel;
 }
 
 void frmtabGrid::PasteCell(const QString& text) {

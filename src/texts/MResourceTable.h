@@ -412,6 +412,7 @@ enum Number : int {
     kTextHintNoCounting,
     kTextCells,
     kTextPasteNoRoom,
+    kTextPasteUpdates,
     kTextDifferent,
     kTextCleared,
     kTextWayBack,

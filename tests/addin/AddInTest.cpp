@@ -14,8 +14,9 @@ using namespace Qt::Literals::StringLiterals;
 AddInTest::AddInTest()
     : answer_([this](const messages::Message& message) {
           messages_ += message;
-          return message.buttons == messages::MessageButtons::YesNo ? yesOrNo_
-                                                                    : messages::MessageResult::Ok;
+          const bool asks = message.buttons == messages::MessageButtons::YesNo ||
+                            message.buttons == messages::MessageButtons::YesNoCancel;
+          return asks ? yesOrNo_ : messages::MessageResult::Ok;
       }) {
     QPluginLoader loader(QStringLiteral(KV_ADDIN_FILE));
     root_ = loader.instance();

@@ -176,6 +176,38 @@ TEST_F(EditorCellsTest, FilledDownAndCountedOn) {
     EXPECT_EQ(Names().size(), before + 1);
 }
 
+TEST_F(EditorCellsTest, RowsOfAKnownNameChangeItsTrendAfterAPreview) {
+    Open();
+    const QStringList names = Names();
+    const QStringList units = StoredIn("Unit", 2);
+    const QString text =
+        u"Runtime Name\tUnit\tFilter\n%1\tmbar\t2\nNeu 1\tbar\t1\n"_s.arg(names[1]);
+    yesOrNo_ = messages::MessageResult::Cancel;
+    PasteText(text);
+    EXPECT_EQ(Names(), names);
+    ASSERT_EQ(messages_.size(), 1);
+    EXPECT_THAT(
+        messages_[0].text.toStdString(),
+        testing::AllOf(testing::HasSubstr(
+                           u"%1: Unit: '%2' \u2192 'mbar'"_s.arg(names[1], units[1]).toStdString()),
+                       testing::HasSubstr("1 of the rows")));
+    yesOrNo_ = messages::MessageResult::Yes;
+    PasteText(text);
+    EXPECT_EQ(Names(), names + QStringList{u"Neu 1"_s});
+    EXPECT_EQ(StoredIn("Unit", 2), QStringList({units[0], u"mbar"_s}));
+    EXPECT_EQ(Stored(names[1], "Filter"), u"2"_s);
+    Undo();
+    EXPECT_EQ(Names(), names);
+    EXPECT_EQ(StoredIn("Unit", 2), units);
+    EXPECT_FALSE(Action(u"mnuUndo"_s)->isEnabled()) << "one step";
+    // All or none: the new one does not fit.
+    messages_.clear();
+    PasteText(u"Runtime Name\tUnit\n%1\tmbar\nNeu 2\t%2\n"_s.arg(names[1], QString(300, u'x')));
+    EXPECT_EQ(Names(), names);
+    EXPECT_EQ(StoredIn("Unit", 2), units);
+    EXPECT_EQ(Text(1, u"Unit"_s), units[1]);
+}
+
 TEST_F(EditorCellsTest, DraggedOverAndChangedElsewhere) {
     Open();
     const QStringList names = Names();

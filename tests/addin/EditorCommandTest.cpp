@@ -406,7 +406,7 @@ TEST_F(EditorCommandTest, TextFromASpreadsheetIsPastedOrRefusedAsAWhole) {
          {u"D"_s},
          {}},
         {u"Name\tVDrawMode\tVLineColor\nE\t4\t255\n"_s, {u"E"_s}, {}},
-        {u"Name\tFactor\nA\t\n"_s, {u"Copy of A"_s}, {}},
+        {u"Name\tFactor\nA\t\n"_s, {u"Copy of A"_s}, u"bear the name of a trend"_s},
         // Refused
         {u"Name\tFactor\nF\t1\nG\tone\n"_s, {}, u"Row 2, column 'Factor': 'one'"_s},
         {u"Name\tVDrawMode\nF\tsomehow\n"_s, {}, u"Row 1, column 'Output Type': 'somehow'"_s},
@@ -420,6 +420,7 @@ TEST_F(EditorCommandTest, TextFromASpreadsheetIsPastedOrRefusedAsAWhole) {
         {u"Name\tFactor\nF\t1\t2\n"_s, {}, u"column '3'"_s},
     };
     Open();
+    yesOrNo_ = messages::MessageResult::No;  // rows of the same name are new ones too
     ASSERT_EQ(Column(1, u"Name"_s)->property("Caption").toString(), u"Runtime Name"_s);
     for (const Case& c : cases) {
         SCOPED_TRACE(c.text.toStdString());
