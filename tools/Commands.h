@@ -97,6 +97,19 @@ enum class TextFormat { Text, Json };
 [[nodiscard]] ExitStatus Diff(const std::string& before, const std::string& after,
                               TextFormat format, std::FILE* out, std::FILE* err);
 
+struct MergeFiles {
+    std::string base;  // an empty file: they have none in common
+    std::string mine;
+    std::string theirs;
+    std::string result;
+};
+/// Writes a project with what has been changed from `base` to `mine` and from `base` to `theirs`.
+/// The result gets its name when it is whole and checked; it may take the place of `mine`, and of
+/// nothing else. kDiffers when there are conflicts, which are written to `out`; kTrouble when there
+/// is no result.
+[[nodiscard]] ExitStatus Merge(const MergeFiles& files, TextFormat format, std::FILE* out,
+                               std::FILE* err);
+
 /// Runs the program: argument 0 is its name.
 [[nodiscard]] ExitStatus Run(int argc, char** argv, std::FILE* out, std::FILE* err);
 

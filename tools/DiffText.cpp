@@ -113,7 +113,9 @@ private:
     void WriteRow(const ado::RowChange& row) {
         const bool isGone = row.after.empty();
         const std::vector<ado::Value>& side = isGone ? row.before : row.after;
-        AppendRow(row, side, out_);
+        const ado::Value* name = row.ValueIn(side, "Name");
+        AppendRow(row.table, *row.ValueIn(side, project::kKeyColumn),
+                  name != nullptr ? *name : ado::Value(), out_);
         if (row.table == project::kTrendTable) {
             out_.Append(" in archive ");
             AppendReference(project::kArchiveTable, *row.ValueIn(side, "ArchiveID"), !isGone);
@@ -171,36 +173,6 @@ private:
     TextBuffer& out_;
 };
 
-/// The objects of an array, a line each.
-class JsonLines {
-public:
-    explicit JsonLines(TextBuffer& out) : out_(out) { out_.Append('['); }
-    ~JsonLines() { out_.Append(isFirst_ ? "]\n" : "\n]\n"); }
-    JsonLines(const JsonLines&) = delete;
-    JsonLines& operator=(const JsonLines&) = delete;
-
-    void Begin(std::string_view table, std::string_view change) {
-        out_.Append(isFirst_ ? "\n{\"table\":" : ",\n{\"table\":");
-        isFirst_ = false;
-        AppendJson(table, out_);
-        Put("change", change);
-    }
-    void Key(std::string_view key) {
-        out_.Append(',');
-        AppendJson(key, out_);
-        out_.Append(':');
-    }
-    template <typename T>
-    void Put(std::string_view key, const T& value) {
-        Key(key);
-        AppendJson(value, out_);
-    }
-
-private:
-    TextBuffer& out_;
-    bool isFirst_ = true;
-};
-
 void AppendFields(const ado::RowChange& row, TextBuffer& out) {
     out.Append('{');
     bool isFirst = true;
@@ -235,12 +207,12 @@ void AppendWords(const ado::Value& value, TextBuffer& out) {
     }
 }
 
-void AppendRow(const ado::RowChange& row, const std::vector<ado::Value>& side, TextBuffer& out) {
-    const std::string_view noun = Noun(row.table);
-    out.Append(noun.empty() ? "row of " + row.table : std::string(noun));
-    for (const std::string_view column : {project::kKeyColumn, std::string_view("Name")}) {
-        const ado::Value* value = row.ValueIn(side, column);
-        if (value == nullptr) continue;
+void AppendRow(const std::string& table, const ado::Value& id, const ado::Value& name,
+               TextBuffer& out) {
+    const std::string_view noun = Noun(table);
+    out.Append(noun.empty() ? "row of " + table : std::string(noun));
+    for (const ado::Value* value : {&id, &name}) {
+        if (ado::IsNull(*value)) continue;
         out.Append(' ');
         AppendWords(*value, out);
     }
@@ -255,12 +227,12 @@ void AppendJson(const project::Differences& differences, TextBuffer& out) {
     for (const TableDifference& found : differences.tables) {
         using Kind = TableDifference::Kind;
         const bool isNew = found.kind == Kind::TableNew || found.kind == Kind::ColumnNew;
-        lines.Begin(found.table, isNew ? "new" : "gone");
+        lines.Begin(found.table, "change", isNew ? "new" : "gone");
         if (!found.column.empty()) lines.Put("column", std::string_view(found.column));
         out.Append('}');
     }
     const auto row = [&](const ado::RowChange& each) {
-        lines.Begin(each.table, ChangeOf(each));
+        lines.Begin(each.table, "change", ChangeOf(each));
         const std::vector<ado::Value>& side = each.after.empty() ? each.before : each.after;
         if (const ado::Value* id = each.ValueIn(side, project::kKeyColumn)) lines.Put("id", *id);
         if (const ado::Value* name = each.ValueIn(side, "Name")) lines.Put("name", *name);
@@ -272,7 +244,7 @@ void AppendJson(const project::Differences& differences, TextBuffer& out) {
     };
     const auto others = [&](Rows rows) {
         const Counts counts = CountsOf(rows);
-        lines.Begin(rows.front().table, "changed");
+        lines.Begin(rows.front().table, "change", "changed");
         lines.Key("rows");
         out.Append("{\"new\":");
         out.AppendNumber(counts.added);

@@ -14,7 +14,8 @@ void AppendJson(const project::Differences& differences, TextBuffer& out);
 
 /// Appends a value as people read it, a text in quotes.
 void AppendWords(const ado::Value& value, TextBuffer& out);
-/// Appends what a row is called: trend 7 "Temperature". `side` is its `before` or `after`.
-void AppendRow(const ado::RowChange& row, const std::vector<ado::Value>& side, TextBuffer& out);
+/// Appends what a row is called: trend 7 "Temperature". Null is left out.
+void AppendRow(const std::string& table, const ado::Value& id, const ado::Value& name,
+               TextBuffer& out);
 
 }  // namespace tools

@@ -19,4 +19,35 @@ void AppendJson(std::string_view text, TextBuffer& out);
 /// A part of a string, without quotes.
 void AppendJsonEscaped(std::string_view text, TextBuffer& out);
 
+/// The objects of an array, a line each.
+class JsonLines {
+public:
+    explicit JsonLines(TextBuffer& out) : out_(out) { out_.Append('['); }
+    ~JsonLines() { out_.Append(isFirst_ ? "]\n" : "\n]\n"); }
+    JsonLines(const JsonLines&) = delete;
+    JsonLines& operator=(const JsonLines&) = delete;
+
+    /// Begins an object; the caller ends it.
+    void Begin(std::string_view table, std::string_view key, std::string_view value) {
+        out_.Append(isFirst_ ? "\n{\"table\":" : ",\n{\"table\":");
+        isFirst_ = false;
+        AppendJson(table, out_);
+        Put(key, value);
+    }
+    void Key(std::string_view key) {
+        out_.Append(',');
+        AppendJson(key, out_);
+        out_.Append(':');
+    }
+    template <typename T>
+    void Put(std::string_view key, const T& value) {
+        Key(key);
+        AppendJson(value, out_);
+    }
+
+private:
+    TextBuffer& out_;
+    bool isFirst_ = true;
+};
+
 }  // namespace tools

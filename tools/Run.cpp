@@ -115,6 +115,16 @@ ExitStatus RunLint(const Call& call, std::FILE* out, std::FILE* err) {
     return Lint(call.words[0], options, out, err);
 }
 
+ExitStatus RunMerge(const Call& call, std::FILE* out, std::FILE* err) {
+    const std::string result = call.Value("output");
+    if (result.empty()) {
+        std::fprintf(err, "kvs: merge: -o NEW is needed\nTry 'kvs --help'.\n");
+        return kUsage;
+    }
+    return Merge({call.words[0], call.words[1], call.words[2], result}, TextFormatOf(call), out,
+                 err);
+}
+
 const std::vector<Row>& Rows() {
     static const std::vector<Row> rows = {
         {{"new",
@@ -216,6 +226,13 @@ const std::vector<Row>& Rows() {
          [](const Call& call, std::FILE* out, std::FILE* err) {
              return Diff(call.words[0], call.words[1], TextFormatOf(call), out, err);
          }},
+        {{"merge",
+          "BASE MINE THEIRS",
+          "join what has been changed from BASE to MINE and from BASE to THEIRS, field by field; "
+          "exit status 0 without conflicts, 1 with some, which are listed, 2 no result",
+          {{"output", "NEW", "the new file; MINE, or a name that is free (needed)", 'o'},
+           kTextFormat}},
+         RunMerge},
     };
     return rows;
 }

@@ -1,19 +1,11 @@
 #include "project/Changes.h"
 
 #include <algorithm>
-#include <optional>
 
 #include "project/Schema.h"
 
 namespace project {
 namespace {
-
-/// The number of a row; nothing in a table without one.
-std::optional<std::int32_t> NumberOf(const ado::RowChange& row) {
-    const ado::Value* id = row.KnownIn(kKeyColumn);
-    const auto* number = id != nullptr ? std::get_if<std::int32_t>(id) : nullptr;
-    return number != nullptr ? std::optional(*number) : std::nullopt;
-}
 
 bool IsUnchanged(const ado::RowChange& row) {
     return row.isWhole && row.before == row.after;
@@ -29,6 +21,12 @@ std::size_t OutsideOf(const ado::Value& value) {
 }
 
 }  // namespace
+
+std::optional<std::int32_t> NumberOf(const ado::RowChange& row) {
+    const ado::Value* id = row.KnownIn(kKeyColumn);
+    const auto* number = id != nullptr ? std::get_if<std::int32_t>(id) : nullptr;
+    return number != nullptr ? std::optional(*number) : std::nullopt;
+}
 
 std::string_view TargetOf(const ado::RowChange& row, std::string_view column) {
     if (column == kKeyColumn) return row.table;

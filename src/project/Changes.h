@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -42,6 +43,9 @@ private:
     std::vector<ado::RowChange> rows_;
     std::map<Key, std::size_t> places_;  // in rows_, of rows that have an ID
 };
+
+/// The ID of a row; nothing in a table without one.
+[[nodiscard]] std::optional<std::int32_t> NumberOf(const ado::RowChange& row);
 
 /// The table whose rows a column's values name, its own for the key; empty when it is no such
 /// column, or not in this row.

@@ -32,6 +32,7 @@ struct Differences {
     /// no row is known again: each is new or gone.
     std::vector<ado::RowChange> rows;
     std::vector<TableDifference> tables;
+    std::vector<std::string> withoutIds;  // tables in which no row is known again
     // The names of archives and groups that the rows name, in each of the projects; of other rows
     // where what names them has changed.
     RowNames before;

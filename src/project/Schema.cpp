@@ -230,6 +230,12 @@ const Column* FindTrendColumn(std::string_view name) {
     return Find(kTrendColumns, name);
 }
 
+std::span<const Limits> TrendLimits() {
+    static constexpr Limits kLimits[] = {
+        {"Minimum", "Maximum"}, {"VMin", "VMax"}, {"VLower", "VUpper"}};
+    return kLimits;
+}
+
 std::string LanguageColumn(std::int64_t lcid) {
     return "L" + std::to_string(lcid);
 }

@@ -92,6 +92,15 @@ struct Reference {
 [[nodiscard]] const Column* FindArchiveColumn(std::string_view name);
 [[nodiscard]] const Column* FindTrendColumn(std::string_view name);
 
+/// Two columns of a trend's row of which one may not be greater than the other, where both hold
+/// numbers.
+struct Limits {
+    std::string_view lower;
+    std::string_view upper;
+};
+/// Of what is recorded, of the display, of the tolerance.
+[[nodiscard]] std::span<const Limits> TrendLimits();
+
 /// The column of the texts in a language, a Windows locale id: "L1031".
 [[nodiscard]] std::string LanguageColumn(std::int64_t lcid);
 /// Length of the texts in it, in UTF-16 units.

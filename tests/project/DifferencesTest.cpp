@@ -39,7 +39,7 @@ auto InOrder(std::span<const ado::RowChange> rows) {
 }
 
 TEST(DifferencesTest, AreWhatADayHasChanged) {
-    for (const unsigned seed : {1U, 2U, 3U, 4U, 5U}) {
+    for (const unsigned seed : {1U, 2U, 3U}) {
         SCOPED_TRACE(seed);
         const TestFolder folder;
         const std::string path = folder.Copy(kBrewery, "day.kvs");

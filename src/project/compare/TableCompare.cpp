@@ -117,6 +117,7 @@ void TableCompare::Run(Differences& found) {
     if (!isDone) {
         rows.clear();
         CompareAsSets(rows);
+        found.withoutIds.push_back(table_);
     }
     std::ranges::move(rows, std::back_inserter(found.rows));
 }
