@@ -110,6 +110,11 @@ struct MergeFiles {
 [[nodiscard]] ExitStatus Merge(const MergeFiles& files, TextFormat format, std::FILE* out,
                                std::FILE* err);
 
+/// Registers this program in the git repository of a folder ("": the one that is current) for
+/// project files, as text view, diff and merge driver. First they have to show in a repository of
+/// their own that they run; when they do not, nothing is registered.
+[[nodiscard]] ExitStatus GitSetup(const std::string& folder, std::FILE* out, std::FILE* err);
+
 /// Runs the program: argument 0 is its name.
 [[nodiscard]] ExitStatus Run(int argc, char** argv, std::FILE* out, std::FILE* err);
 

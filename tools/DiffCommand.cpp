@@ -12,6 +12,19 @@ void Open(ado::Connection& connection, const std::string& file, std::FILE* err) 
     Messages(err, file).Warn(connection.TakeNotices());
 }
 
+/// How git names a file that one side does not have.
+bool IsNothing(const std::string& file) {
+    return file == "/dev/null";
+}
+
+project::Differences CompareOpened(ado::Connection& before, ado::Connection& after) {
+    const bool isNew = before.State() == ado::ObjectState::Closed;
+    const bool isGone = after.State() == ado::ObjectState::Closed;
+    if (isNew && isGone) return {};
+    if (isNew || isGone) return project::CompareWithNothing(isNew ? after : before, isNew);
+    return project::Compare(before, after);
+}
+
 }  // namespace
 
 ExitStatus Diff(const std::string& before, const std::string& after, TextFormat format,
@@ -20,11 +33,11 @@ ExitStatus Diff(const std::string& before, const std::string& after, TextFormat 
     const std::string* file = &before;  // of which a failure tells that names none
     try {
         ado::Connection earlier;
-        Open(earlier, before, err);
+        if (!IsNothing(before)) Open(earlier, before, err);
         file = &after;
         ado::Connection later;
-        Open(later, after, err);
-        differences = project::Compare(earlier, later);
+        if (!IsNothing(after)) Open(later, after, err);
+        differences = CompareOpened(earlier, later);
     } catch (const ado::AdoError& error) {
         if (error.Description().starts_with('"' + before + '"')) file = &before;
         Fail(*file, error, err);

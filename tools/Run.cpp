@@ -233,6 +233,12 @@ const std::vector<Row>& Rows() {
           {{"output", "NEW", "the new file; MINE, or a name that is free (needed)", 'o'},
            kTextFormat}},
          RunMerge},
+        {{"git-setup", "[DIR]",
+          "let git show, compare and merge projects field by field in the repository of DIR "
+          "(default: here)"},
+         [](const Call& call, std::FILE* out, std::FILE* err) {
+             return GitSetup(call.words.empty() ? "" : call.words[0], out, err);
+         }},
     };
     return rows;
 }

@@ -72,6 +72,24 @@ void ReadNames(const ado::RowChange& row, const std::vector<ado::Value>& side, N
     }
 }
 
+/// All rows of a table, in the order of their IDs.
+void AddRows(ado::Connection& project, const std::string& table, bool isNew,
+             std::vector<ado::RowChange>& found) {
+    ado::Recordset rows;
+    rows.Open(table, project, ado::CommandType::Table);
+    std::vector<std::string> names;
+    for (const ado::Field& field : rows.Fields()) names.push_back(field.name);
+    if (std::ranges::count(names, kKeyColumn) > 0) rows.SetSort(kKeyColumn);
+    const auto columns = std::make_shared<const std::vector<std::string>>(std::move(names));
+    for (; !rows.IsEOF(); rows.MoveNext()) {
+        ado::RowChange& row = found.emplace_back();
+        row.table = table;
+        row.columns = columns;
+        std::vector<ado::Value>& values = isNew ? row.after : row.before;
+        for (std::size_t i = 0; i < columns->size(); ++i) values.push_back(rows.Get(i));
+    }
+}
+
 }  // namespace
 
 bool IsSame(const ado::Value& a, const ado::Value& b) {
@@ -107,6 +125,19 @@ Differences Compare(ado::Connection& before, ado::Connection& after) {
     for (const ado::RowChange& row : found.rows) {
         ReadNames(row, row.before, names, found.before);
         ReadNames(row, row.after, laterNames, found.after);
+    }
+    return found;
+}
+
+Differences CompareWithNothing(ado::Connection& project, bool isNew) {
+    const ado::OneState state(project);
+    Differences found;
+    for (const std::string& table : InOrder(project.TableNames())) {
+        AddRows(project, table, isNew, found.rows);
+    }
+    NameReader names(project);
+    for (const ado::RowChange& row : found.rows) {
+        ReadNames(row, row.Known(), names, isNew ? found.after : found.before);
     }
     return found;
 }

@@ -45,6 +45,9 @@ struct Differences {
 /// ado::AdoError when something cannot be read. Both connections are open, and borrowed.
 [[nodiscard]] Differences Compare(ado::Connection& before, ado::Connection& after);
 
+/// A project that is new, or gone, as a whole.
+[[nodiscard]] Differences CompareWithNothing(ado::Connection& project, bool isNew);
+
 /// Whether two values are the same, "not a number" among them.
 [[nodiscard]] bool IsSame(const ado::Value& a, const ado::Value& b);
 
