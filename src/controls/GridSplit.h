@@ -213,7 +213,6 @@ private:
     void OpenList();
     void PressButton();
     bool Begin(bool replace, const QString& typed);
-    bool Store(GridRowId row, int column, const QVariant& value);
     /// The selected cells with what a text means in each; nothing, and told, where it is no value.
     [[nodiscard]] std::optional<QList<GridCell>> CellsWith(const QString& text);
     /// Puts a text that has been refused back into its cell, as a pending edit.

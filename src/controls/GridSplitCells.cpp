@@ -44,7 +44,7 @@ bool GridSplit::WriteCells(const QList<GridCell>& cells) {
         const QScopedValueRollback storing(storing_, true);
         commit = source->CommitCells(cells);
     }
-    if (!Report(commit, CurrentRow(), CurrentColumn())) return false;
+    if (!Report(commit, cells.front().row, cells.front().column)) return false;
     emit AfterColUpdate(cells.front().row, cells.front().column);
     return true;
 }

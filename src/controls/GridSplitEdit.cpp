@@ -1,6 +1,5 @@
 // Editing in a GridSplit: from a key to the source and back.
 
-#include <QScopedValueRollback>
 #include <QTimer>
 
 #include "controls/detail/CellEdit.h"
@@ -79,19 +78,6 @@ bool GridSplit::DataChanged() const {
 bool GridSplit::CommitPendingEdit() {
     if (storing_) return false;  // called while the user is being told why it does not work
     return edit_->Commit();
-}
-
-bool GridSplit::Store(GridRowId row, int column, const QVariant& value) {
-    GridSource* source = rows_->Source();
-    if (source == nullptr || storing_) return false;
-    GridCommit commit;
-    {
-        const QScopedValueRollback storing(storing_, true);
-        commit = source->CommitCell(row, column, value);
-    }
-    if (!Report(commit, row, column)) return false;
-    emit AfterColUpdate(row, column);
-    return true;
 }
 
 void GridSplit::ReturnEdit(GridRowId row, int column, const QString& text) {

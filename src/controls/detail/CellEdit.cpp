@@ -150,13 +150,26 @@ void CellEdit::Close() {
 }
 
 bool CellEdit::Commit() {
+    if (Active() && !Changed()) {
+        Close();
+        emit split_.EditEnded();
+    }
+    return Store([this] { return ValueForCell(); });
+}
+
+bool CellEdit::CommitToAll() {
+    if (split_.SelectedCells().Count() < 2) return Commit();
+    return Store([this] { return ValuesForAll(); });
+}
+
+bool CellEdit::Store(const std::function<std::optional<QList<GridCell>>()>& values) {
     if (!Active()) return true;
     if (split_.RefusedJustNow()) return false;  // the user has just been told
-    const bool changed = Changed();
-    const std::optional<QVariant> value = Value();
-    if (changed && !value) {
-        Refuse();
-        emit split_.TextRefused(column_, Text());
+    const std::optional<QList<GridCell>> cells = values();
+    if (!cells) {
+        QApplication::beep();
+        split_.NoteRefusal();
+        if (!editor_->hasFocus()) editor_->setFocus(Qt::OtherFocusReason);
         return false;
     }
     const GridRowId row = row_;
@@ -165,48 +178,26 @@ bool CellEdit::Commit() {
     const bool isList = list_ != nullptr;
     // Closed first: telling the user of an error takes the focus away, which would commit again.
     Close();
-    const bool stored = !changed || split_.Store(row, column, *value);
+    const bool stored = split_.WriteCells(*cells);
     // What the user has typed is theirs until they give it up. An entry of a list is no text.
     if (!stored && !isList) split_.ReturnEdit(row, column, typed);
     if (!Active()) emit split_.EditEnded();
     return stored;
 }
 
-void CellEdit::Refuse() {
-    QApplication::beep();
-    split_.NoteRefusal();
-    if (!editor_->hasFocus()) editor_->setFocus(Qt::OtherFocusReason);
+std::optional<QList<GridCell>> CellEdit::ValueForCell() {
+    const std::optional<QVariant> value = Value();
+    if (value) return QList<GridCell>{{row_, column_, *value}};
+    emit split_.TextRefused(column_, Text());
+    return std::nullopt;
 }
 
 /// An entry of a list is meant for its own column alone.
 std::optional<QList<GridCell>> CellEdit::ValuesForAll() {
     if (list_ == nullptr) return split_.CellsWith(Text());
-    const GridSplit::Cells selected = split_.SelectedCells();
     QList<GridCell> cells;
-    for (const GridRowId row : selected.rows) {
-        cells.append({row, column_, QVariant(list_->currentData().toLongLong())});
-    }
+    for (const GridRowId row : split_.SelectedCells().rows) cells.append({row, column_, *Value()});
     return cells;
-}
-
-bool CellEdit::CommitToAll() {
-    if (!Active()) return true;
-    if (split_.SelectedCells().Count() < 2) return Commit();
-    if (split_.RefusedJustNow()) return false;
-    const std::optional<QList<GridCell>> cells = ValuesForAll();
-    if (!cells) {
-        Refuse();
-        return false;
-    }
-    const GridRowId row = row_;
-    const int column = column_;
-    const QString typed = Text();
-    const bool isList = list_ != nullptr;
-    Close();
-    const bool stored = split_.WriteCells(*cells);
-    if (!stored && !isList) split_.ReturnEdit(row, column, typed);
-    if (!Active()) emit split_.EditEnded();
-    return stored;
 }
 
 void CellEdit::SetText(const QString& text) {

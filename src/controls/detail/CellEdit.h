@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <QObject>
 #include <QPointer>
@@ -61,8 +62,10 @@ private:
     void Close();
     void Hide();
     [[nodiscard]] std::optional<QVariant> Value() const;
+    // What the cell, all cells get; nothing, and told, where what has been typed is no value.
+    [[nodiscard]] std::optional<QList<GridCell>> ValueForCell();
     [[nodiscard]] std::optional<QList<GridCell>> ValuesForAll();
-    void Refuse();
+    bool Store(const std::function<std::optional<QList<GridCell>>()>& values);
     bool KeyPress(QKeyEvent* event);
     bool LineKey(QKeyEvent* event);
     bool LeaveKey(QKeyEvent* event);
