@@ -34,9 +34,16 @@ enum ExitStatus : int {
 
 enum class DumpFormat { Csv, Json };
 
-/// All rows of a table with all its columns.
-[[nodiscard]] ExitStatus Dump(const std::string& file, const std::string& table, DumpFormat format,
-                              std::FILE* out, std::FILE* err);
+/// What of a table is dumped.
+struct DumpWish {
+    DumpFormat format = DumpFormat::Csv;
+    std::string where{};                 // criteria that the rows meet; empty: all rows
+    std::vector<std::string> columns{};  // in this order; none: all of the table's
+    bool isByKey = false;                // in the order of the primary key, else as they are stored
+};
+/// The rows of a table.
+[[nodiscard]] ExitStatus Dump(const std::string& file, const std::string& table,
+                              const DumpWish& wish, std::FILE* out, std::FILE* err);
 
 /// A line for each fault of a Jet 4 file, "error: ..." or "warning: ...". kSuccess when there are
 /// no errors.
@@ -69,13 +76,21 @@ struct LintOptions {
 // back, and writes what would have come of it.
 enum class Mode { Change, DryRun };
 
+/// How the rows of a CSV file are loaded.
+struct LoadWish {
+    csv::Encoding encoding = csv::Encoding::Utf8;
+    char separator = 0;  // 0: found out
+    /// A row changes the one of the table that has the same value in this column, to the letter,
+    /// and is a new one where there is none. Empty: all are new.
+    std::string key{};
+};
 /// Appends the rows of a CSV file (- = standard input) with a heading row, in the form of Dump.
 /// Columns that it does not name are Null, an AutoNumber gets the next number. What comes through a
 /// pipe is read to its end before anything is locked. Rows that the table holds already, as far as
 /// the columns go that are named, are loaded and told of. A dry run names each line that would be
 /// refused; the status is kFailure then.
 [[nodiscard]] ExitStatus Load(const std::string& file, const std::string& table,
-                              const std::string& input, csv::Encoding encoding, Mode mode,
+                              const std::string& input, const LoadWish& wish, Mode mode,
                               std::FILE* out, std::FILE* err);
 /// Assigns columns in all rows that meet the criteria; an assignment is COLUMN=VALUE, the value in
 /// the form of Dump. A dry run counts the rows whose values differ.

@@ -38,10 +38,10 @@ struct Appender {
 
 }  // namespace
 
-void CsvWriter::Begin(const jet::TableDef& def) {
-    for (std::size_t i = 0; i < def.columns.size(); ++i) {
+void CsvWriter::Begin(const std::vector<std::string>& columns) {
+    for (std::size_t i = 0; i < columns.size(); ++i) {
         Separate(i);
-        csv::AppendText(def.columns[i].name, kSeparator, out_);
+        csv::AppendText(columns[i], kSeparator, out_);
     }
     EndRow();
 }
@@ -93,6 +93,13 @@ jet::Status CsvWriter::PutMemo(std::size_t column, jet::MemoReader& text) {
         jet::AppendUtf8(*piece, utf8_);
         csv::AppendDoublingQuotes(utf8_, out_);
     }
+}
+
+void CsvWriter::PutMemo(std::size_t column, std::u16string_view text) {
+    Separate(column);
+    out_.Append('"');
+    csv::AppendDoublingQuotes(jet::ToUtf8(text), out_);
+    out_.Append('"');
 }
 
 jet::Status CsvWriter::PutOle(std::size_t column, jet::LongValueReader& bytes) {

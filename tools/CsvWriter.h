@@ -11,11 +11,12 @@ class CsvWriter final : public RowWriter {
 public:
     explicit CsvWriter(TextBuffer& out) : out_(out) {}
 
-    void Begin(const jet::TableDef& def) override;
+    void Begin(const std::vector<std::string>& columns) override;
     void BeginRow() override {}
     void Put(std::size_t column, const jet::Value& value) override;
     jet::Status PutMemo(std::size_t column, jet::MemoReader& text) override;
     jet::Status PutOle(std::size_t column, jet::LongValueReader& bytes) override;
+    void PutMemo(std::size_t column, std::u16string_view text) override;
     void PutDamaged(std::size_t column) override { Separate(column); }
     void EndRow() override { out_.Append("\r\n"); }
     void End() override {}

@@ -87,8 +87,12 @@ void AppendJson(const jet::Value& value, TextBuffer& out) {
     std::visit(Appender{out}, value);
 }
 
+jet::Value StoredOf(const ado::Value& value) {
+    return std::visit(Stored(), value);
+}
+
 void AppendJson(const ado::Value& value, TextBuffer& out) {
-    AppendJson(std::visit(Stored(), value), out);
+    AppendJson(StoredOf(value), out);
 }
 
 void AppendJson(std::string_view text, TextBuffer& out) {

@@ -14,6 +14,8 @@ namespace tools {
 /// REQUIRES: no memo or OLE value, which is written piece by piece.
 void AppendJson(const jet::Value& value, TextBuffer& out);
 void AppendJson(const ado::Value& value, TextBuffer& out);
+/// The same value as the file engine has it.
+[[nodiscard]] jet::Value StoredOf(const ado::Value& value);
 /// A string of UTF-8, with its quotes.
 void AppendJson(std::string_view text, TextBuffer& out);
 /// A part of a string, without quotes.

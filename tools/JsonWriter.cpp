@@ -6,8 +6,8 @@
 
 namespace tools {
 
-void JsonWriter::Begin(const jet::TableDef& def) {
-    for (const jet::Column& column : def.columns) names_.push_back(column.name);
+void JsonWriter::Begin(const std::vector<std::string>& columns) {
+    names_ = columns;
     out_.Append('[');
 }
 
@@ -44,6 +44,11 @@ jet::Status JsonWriter::PutMemo(std::size_t column, jet::MemoReader& text) {
         }
         AppendJsonEscaped(jet::ToUtf8(*piece), out_);
     }
+}
+
+void JsonWriter::PutMemo(std::size_t column, std::u16string_view text) {
+    BeginValue(column);
+    AppendJson(jet::ToUtf8(text), out_);
 }
 
 jet::Status JsonWriter::PutOle(std::size_t column, jet::LongValueReader& bytes) {

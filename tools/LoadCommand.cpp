@@ -10,6 +10,7 @@
 #include "csv/Reader.h"
 #include "tools/Commands.h"
 #include "tools/InputFile.h"
+#include "tools/KeyedRows.h"
 #include "tools/TableChange.h"
 #include "tools/ValueParser.h"
 
@@ -73,6 +74,14 @@ std::vector<std::size_t> ReadHeading(csv::Reader& reader, const ado::Recordset& 
     return fields;
 }
 
+/// The key has to stand in the file, or no row could be found by it.
+void RequireNamed(const csv::Reader& reader, const ado::Recordset& rows,
+                  const std::vector<std::size_t>& fields, const std::string& key) {
+    if (std::find(fields.begin(), fields.end(), rows.FieldIndex(key)) == fields.end()) {
+        FailInput(reader.Place() + ": the heading row does not name the column \"" + key + "\".");
+    }
+}
+
 /// Mixes a value into a number for a row.
 std::size_t Mix(std::size_t hash, const ado::Value& value) {
     const auto text = [&]() -> std::u16string {
@@ -132,15 +141,26 @@ private:
 class Loading {
 public:
     Loading(ado::Recordset& rows, csv::Reader& reader, const std::vector<std::size_t>& fields,
-            Mode mode, std::FILE* err)
-        : rows_(rows), reader_(reader), fields_(fields), mode_(mode), progress_(err) {}
+            Mode mode, std::FILE* err, KeyedRows* keyed = nullptr)
+        : rows_(rows),
+          reader_(reader),
+          fields_(fields),
+          mode_(mode),
+          progress_(err),
+          keyed_(keyed) {}
 
     Done Run() {
-        const HeldRows held(rows_, fields_);
+        std::optional<HeldRows> held;
+        if (keyed_ == nullptr) held.emplace(rows_, fields_);
         std::vector<csv::Field> record;
         while (reader_.Next(record)) {
             try {
-                Add(record, held);
+                RequireWidth(record);
+                if (held) {
+                    Add(record, *held);
+                } else {
+                    UpdateOrAdd(record);
+                }
             } catch (const ado::AdoError& error) {
                 rows_.CancelUpdate();
                 const std::string what = reader_.Place() + ": " + error.Description();
@@ -158,19 +178,48 @@ public:
 private:
     static constexpr std::size_t kMostRefusals = 100;  // that are told one by one
 
-    void Add(const std::vector<csv::Field>& record, const HeldRows& held) {
+    void RequireWidth(const std::vector<csv::Field>& record) const {
         if (record.size() != fields_.size()) {
             FailInput(std::to_string(record.size()) + " values instead of " +
                       std::to_string(fields_.size()) + ".");
         }
+    }
+
+    [[nodiscard]] ado::Value ValueOf(const std::vector<csv::Field>& record, std::size_t i) const {
+        if (!record[i]) return ado::Null();
+        return ParseValue(rows_.Fields()[fields_[i]], *record[i]);
+    }
+
+    void Add(const std::vector<csv::Field>& record, const HeldRows& held) {
         rows_.AddNew();
         for (std::size_t i = 0; i < fields_.size(); ++i) {
-            if (!record[i]) continue;
-            rows_.Set(fields_[i], ParseValue(rows_.Fields()[fields_[i]], *record[i]));
+            if (record[i]) rows_.Set(fields_[i], ValueOf(record, i));
         }
         const bool isDouble = held.Has(rows_);
         rows_.Update();
         if (isDouble) ++doubles_;
+    }
+
+    /// The key is taken as the column holds it, whatever its form in the file.
+    void UpdateOrAdd(const std::vector<csv::Field>& record) {
+        rows_.AddNew();
+        const auto key = std::find(fields_.begin(), fields_.end(), keyed_->Field());
+        rows_.Set(*key, ValueOf(record, static_cast<std::size_t>(key - fields_.begin())));
+        const auto place = keyed_->Take(rows_.Get(*key));
+        if (place) {
+            rows_.CancelUpdate();
+            rows_.SetBookmark(*place);
+        }
+        bool differs = false;
+        for (std::size_t i = 0; i < fields_.size(); ++i) {
+            if (fields_[i] == *key || (!place && !record[i])) continue;
+            const ado::Value before = rows_.Get(fields_[i]);
+            rows_.Set(fields_[i], ValueOf(record, i));
+            differs = differs || rows_.Get(fields_[i]) != before;
+        }
+        if (place && !differs) return rows_.CancelUpdate();
+        rows_.Update();
+        ++(place ? changed_ : added_);
     }
 
     /// Whether the next row may do better.
@@ -199,10 +248,18 @@ private:
             warnings_.push_back(RowCount(refused_ - kMostRefusals) + " more would be refused");
         }
         Done done{RowCount(count), std::move(warnings_), refused_ > 0};
-        if (isDry) done.text += " would be added";
+        if (keyed_ != nullptr) {
+            const std::size_t same = count - changed_ - added_ - refused_;
+            done.text = RowCount(added_) + (isDry ? " would be added, " : " added, ") +
+                        std::to_string(changed_) + (isDry ? " would change, " : " changed, ") +
+                        std::to_string(same) + " as they are";
+        } else if (isDry) {
+            done.text += " would be added";
+        }
         if (refused_ > 0) {
             done.text = std::to_string(refused_) + " of " + RowCount(count) +
-                        " would be refused, so that nothing would be added";
+                        " would be refused, so that nothing would be " +
+                        (keyed_ != nullptr ? "changed" : "added");
         }
         return done;
     }
@@ -212,6 +269,9 @@ private:
     const std::vector<std::size_t>& fields_;
     Mode mode_;
     Progress progress_;
+    KeyedRows* keyed_;
+    std::size_t added_ = 0;
+    std::size_t changed_ = 0;
     std::size_t doubles_ = 0;
     std::size_t refused_ = 0;
     std::vector<std::string> warnings_;
@@ -220,20 +280,23 @@ private:
 }  // namespace
 
 ExitStatus Load(const std::string& file, const std::string& table, const std::string& input,
-                csv::Encoding encoding, Mode mode, std::FILE* out, std::FILE* err) {
+                const LoadWish& wish, Mode mode, std::FILE* out, std::FILE* err) {
     InputFile in;
     if (const jet::Status status = in.Open(input); !status.IsOk()) {
         std::fprintf(err, "kvs: %s\n", status.Text().c_str());
         return kFailure;
     }
-    csv::Reader reader(in, {encoding, 0});
+    csv::Reader reader(in, {wish.encoding, wish.separator});
     std::vector<std::size_t> fields;
     const auto prepare = [&](ado::Recordset& rows) {
         Require(in.Collect());
         fields = ReadHeading(reader, rows);
+        if (!wish.key.empty()) RequireNamed(reader, rows, fields, wish.key);
     };
     const auto run = [&](ado::Connection&, ado::Recordset& rows) {
-        return Loading(rows, reader, fields, mode, err).Run();
+        if (wish.key.empty()) return Loading(rows, reader, fields, mode, err).Run();
+        KeyedRows keyed(rows, rows.FieldIndex(wish.key));
+        return Loading(rows, reader, fields, mode, err, &keyed).Run();
     };
     return Edit(file, table, mode, out, err, {prepare, run});
 }

@@ -3,9 +3,26 @@
 #include "paths/NativePath.h"
 
 namespace tools {
+namespace {
+
+/// The file is named once, in front, as in all other messages.
+std::string WithoutName(const std::string& file, const std::string& text) {
+    const std::string named = '"' + file + "\": ";
+    return text.starts_with(named) ? text.substr(named.size()) : text;
+}
+
+}  // namespace
 
 void Messages::Report(const jet::Status& status) {
-    if (++count_ <= kMost) texts_.push_back(status.Text());
+    Report(status.Text());
+}
+
+void Messages::Report(const ado::AdoError& error) {
+    Report(WithoutName(file_, error.Description()));
+}
+
+void Messages::Report(const std::string& text) {
+    if (++count_ <= kMost) texts_.push_back(text);
 }
 
 void Messages::Warn(const std::vector<std::string>& notices) {
@@ -29,11 +46,7 @@ ExitStatus Messages::Finish(TextBuffer& out) {
 }
 
 ExitStatus Fail(const std::string& file, const ado::AdoError& error, std::FILE* err) {
-    std::string text = error.Description();
-    // Named once, in front, as in all other messages.
-    if (const std::string named = '"' + file + "\": "; text.starts_with(named)) {
-        text.erase(0, named.size());
-    }
+    const std::string text = WithoutName(file, error.Description());
     std::fprintf(err, "kvs: %s: %s\n", file.c_str(), text.c_str());
     return kFailure;
 }

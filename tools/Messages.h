@@ -19,6 +19,7 @@ public:
     Messages(std::FILE* stream, std::string file) : stream_(stream), file_(std::move(file)) {}
 
     void Report(const jet::Status& status);
+    void Report(const ado::AdoError& error);
     /// What the user should know, and no failure.
     void Warn(const std::vector<std::string>& notices);
     /// Waits for `out` and shows the messages, also what has become of `out`. The status with which
@@ -27,6 +28,8 @@ public:
 
 private:
     static constexpr std::size_t kMost = 100;
+
+    void Report(const std::string& text);
 
     std::FILE* stream_;
     std::string file_;

@@ -1,3 +1,5 @@
+#include <sstream>
+
 #include "commandline/CommandLine.h"
 #include "tools/Commands.h"
 #include "tools/Exchange.h"
@@ -27,14 +29,28 @@ Mode ModeOf(const Call& call) {
     return call.Has("dry-run") ? Mode::DryRun : Mode::Change;
 }
 
+char SeparatorOf(const std::string& name) {
+    return name == "tab" ? '\t' : name == "semicolon" ? ';' : ',';
+}
+
 ExitStatus RunDump(const Call& call, std::FILE* out, std::FILE* err) {
-    const DumpFormat format = call.Value("format") == "json" ? DumpFormat::Json : DumpFormat::Csv;
-    return Dump(call.words[0], call.words[1], format, out, err);
+    DumpWish wish;
+    if (call.Value("format") == "json") wish.format = DumpFormat::Json;
+    wish.where = call.Value("where");
+    wish.isByKey = call.Value("sort") == "key";
+    for (const std::string& names : call.Values("columns")) {
+        std::istringstream list(names);
+        for (std::string name; std::getline(list, name, ',');) wish.columns.push_back(name);
+    }
+    return Dump(call.words[0], call.words[1], wish, out, err);
 }
 
 ExitStatus RunLoad(const Call& call, std::FILE* out, std::FILE* err) {
-    const auto encoding = csv::EncodingOf(call.Value("encoding")).value_or(csv::Encoding::Utf8);
-    return Load(call.words[0], call.words[1], call.words[2], encoding, ModeOf(call), out, err);
+    LoadWish wish;
+    wish.encoding = csv::EncodingOf(call.Value("encoding")).value_or(csv::Encoding::Utf8);
+    if (call.Has("separator")) wish.separator = SeparatorOf(call.Value("separator"));
+    wish.key = call.Value("update");
+    return Load(call.words[0], call.words[1], call.words[2], wish, ModeOf(call), out, err);
 }
 
 ExitStatus RunSet(const Call& call, std::FILE* out, std::FILE* err) {
@@ -48,15 +64,11 @@ constexpr commandline::Option kSheet = {
     "which rows a CSV file holds (default: trends; import: by its headings)"};
 constexpr commandline::Option kSeparator = {
     "separator", "comma|semicolon|tab",
-    "between the values (default: the locale's; import: found out)"};
+    "between the values (default: the locale's; import, load: found out)"};
 constexpr commandline::Option kEncoding = {"encoding", "utf-8|windows-1252",
                                            "how its characters are stored (default: utf-8)"};
 constexpr commandline::Option kLanguage = {"language", "de|en",
                                            "of headings and words (default: the locale's)"};
-
-char SeparatorOf(const std::string& name) {
-    return name == "tab" ? '\t' : name == "semicolon" ? ';' : ',';
-}
 
 exchange::SheetKind SheetOf(const Call& call) {
     const bool isArchives = call.Value("sheet") == "archives";
@@ -143,7 +155,10 @@ const std::vector<Row>& Rows() {
         {{"dump",
           "FILE TABLE",
           "all rows of a table",
-          {{"format", "csv|json", "CSV after RFC 4180 (default) or JSON"}}},
+          {{"format", "csv|json", "CSV after RFC 4180 (default) or JSON"},
+           {"where", "CRITERIA", "only rows that meet them, such as \"ArchiveID = 3\""},
+           {"columns", "NAMES", "only these, separated by commas, in this order"},
+           {"sort", "stored|key", "by the primary key (default: as the rows are stored)"}}},
          RunDump},
         {{"export",
           "FILE",
@@ -203,7 +218,11 @@ const std::vector<Row>& Rows() {
         {{"load",
           "FILE TABLE CSV",
           "append the rows of a CSV file as dump writes it; - is standard input",
-          {kEncoding, kDryRun}},
+          {kEncoding,
+           kSeparator,
+           {"update", "KEY",
+            "change the rows that have the same value in this column; the others are new"},
+           kDryRun}},
          RunLoad},
         {{"set",
           "FILE TABLE CRITERIA COLUMN=VALUE...",

@@ -73,7 +73,7 @@ TEST(CommandTest, AKilledLoadLeavesTheOldRowsOrAll) {
         const pid_t child = ::fork();
         if (child == 0) {
             std::FILE* out = std::fopen("/dev/null", "w");
-            ::_exit(Load(project, "TidxTexts", csv, csv::Encoding::Utf8, Mode::Change, out, out));
+            ::_exit(Load(project, "TidxTexts", csv, {}, Mode::Change, out, out));
         }
         // The later it is killed, the further it has come.
         const auto isThere = [&](const char* name) {
@@ -361,7 +361,7 @@ TEST(CommandTest, ReportsAnOutputThatTakesNoMore) {
     std::FILE* full = std::fopen("/dev/full", "w");
     ASSERT_NE(full, nullptr);
     const std::string err = Written([&](std::FILE* stream) {
-        EXPECT_EQ(Dump(kBrewery, "TchrTrends", DumpFormat::Csv, full, stream), kFailure);
+        EXPECT_EQ(Dump(kBrewery, "TchrTrends", {}, full, stream), kFailure);
     });
     std::fclose(full);
     EXPECT_THAT(err, HasSubstr("writing failed"));
@@ -372,9 +372,7 @@ std::string Row(const std::vector<jet::Value>& values) {
     return Written([&](std::FILE* stream) {
         TextBuffer out(stream);
         Writer writer(out);
-        jet::TableDef def;
-        for (std::size_t i = 0; i < values.size(); ++i) def.columns.emplace_back().name = "c\"";
-        writer.Begin(def);
+        writer.Begin(std::vector<std::string>(values.size(), "c\""));
         writer.BeginRow();
         for (std::size_t i = 0; i < values.size(); ++i) writer.Put(i, values[i]);
         writer.EndRow();

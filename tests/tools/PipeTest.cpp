@@ -103,7 +103,7 @@ TEST(PipeTest, ADumpIntoAStuckPipeHoldsNobodyOff) {
     const std::string before = RunTool({"dump", copy.Path(), "TchrTrends"}).out;
     Pipe pipe;
     std::thread dump([&] {
-        EXPECT_EQ(Dump(copy.Path(), "TchrTrends", DumpFormat::Csv, pipe.In(), stderr), kSuccess);
+        EXPECT_EQ(Dump(copy.Path(), "TchrTrends", {}, pipe.In(), stderr), kSuccess);
         pipe.CloseWriter();
     });
     pipe.WaitUntilFull();
@@ -118,7 +118,7 @@ TEST(PipeTest, AReaderThatHasEnoughIsNoFailureToSpeakOf) {
         Pipe pipe;
         const std::string err = Written([&](std::FILE* stream) {
             std::thread dump([&] {
-                EXPECT_EQ(Dump(kBrewery, "TchrTrends", format, pipe.In(), stream), kFailure);
+                EXPECT_EQ(Dump(kBrewery, "TchrTrends", {format}, pipe.In(), stream), kFailure);
                 pipe.CloseWriter();
             });
             EXPECT_FALSE(pipe.Read(10).empty());
