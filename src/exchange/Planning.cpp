@@ -289,7 +289,7 @@ private:
             isNew = isNew || isMove || change.sheetColumn == name_;
         }
         if (!isNew) return std::nullopt;
-        return NameKey{archive, Folded(name)};
+        return NameKey{archive, ado::FoldName(name)};
     }
 
     /// Refuses rows whose new name another row has afterwards. A refused row keeps its old name,
@@ -320,7 +320,8 @@ private:
         }
         std::map<NameKey, int> names;
         for (const StoredRow& row : match_.Stored()) {
-            if (!leaves.contains(row.id)) ++names[{row.archive.value_or(0), Folded(row.name)}];
+            if (!leaves.contains(row.id))
+                ++names[{row.archive.value_or(0), ado::FoldName(row.name)}];
         }
         return names;
     }

@@ -43,7 +43,7 @@ TEST(PlanTest, ARowIsKnownByItsIdAndItsNames) {
         {"no archive", ",,Neu", MatchBy::Both, State::Refused, Cause::NoArchive, 0},
         {"no name", "1,Sudhaus,", MatchBy::Both, State::Refused, Cause::NoName, 0},
         {"a new one without a name", ",Sudhaus, ", MatchBy::Both, State::Refused, Cause::NoName, 0},
-        {"a name in use", "1,Sudhaus,maischbottich druck", MatchBy::Both, State::Refused,
+        {"a name in use", "1,Sudhaus,MAISCHBOTTICH FÜLLSTAND", MatchBy::Both, State::Refused,
          Cause::NameInUse, 0},
         {"twice", std::string(kFirst) + "\n" + kFirst, MatchBy::Both, State::Refused,
          Cause::GivenTwice, 1},
