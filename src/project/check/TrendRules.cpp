@@ -54,8 +54,12 @@ private:
         ScanPlace lower;
         ScanPlace upper;
     };
-    [[nodiscard]] Range RangeOf(std::string_view lower, std::string_view upper) const {
-        return {scan_.Find(lower), scan_.Find(upper)};
+    [[nodiscard]] std::vector<Range> Ranges() const {
+        std::vector<Range> ranges;
+        for (const Limits& limits : TrendLimits()) {
+            ranges.push_back({scan_.Find(limits.lower), scan_.Find(limits.upper)});
+        }
+        return ranges;
     }
 
     /// A number, or a text that is one as a whole; others name variables.
@@ -100,8 +104,7 @@ private:
     ScanPlace factor_ = scan_.Find("Factor");
     ScanPlace amount_ = scan_.Find("Hysteresis");
     ScanPlace mode_ = scan_.Find("HysteresisMode");
-    std::vector<Range> ranges_ = {RangeOf("Minimum", "Maximum"), RangeOf("VMin", "VMax"),
-                                  RangeOf("VLower", "VUpper")};
+    std::vector<Range> ranges_ = Ranges();
     NameList names_;
 };
 
