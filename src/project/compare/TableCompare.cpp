@@ -21,8 +21,8 @@ public:
         Read();
     }
 
-    [[nodiscard]] bool IsAtEnd() const { return !number_; }
-    [[nodiscard]] std::int32_t Number() const { return *number_; }
+    [[nodiscard]] bool IsAtEnd() const { return isAtEnd_; }
+    [[nodiscard]] std::int32_t Number() const { return number_; }
     [[nodiscard]] bool AreInOrder() const { return inOrder_; }
     void Next() {
         rows_.MoveNext();
@@ -31,18 +31,22 @@ public:
 
 private:
     void Read() {
-        const std::optional<std::int32_t> last = number_;
-        number_.reset();
+        isAtEnd_ = true;
         if (rows_.IsEOF()) return;
         const ado::Value value = rows_.Get(key_);
         const auto* number = std::get_if<std::int32_t>(&value);
-        inOrder_ = inOrder_ && number != nullptr && (!last || *last < *number);
-        if (inOrder_) number_ = *number;
+        inOrder_ = inOrder_ && number != nullptr && (isFirst_ || number_ < *number);
+        if (!inOrder_) return;
+        isAtEnd_ = false;
+        isFirst_ = false;
+        number_ = *number;
     }
 
     ado::Recordset& rows_;
     std::size_t key_;
-    std::optional<std::int32_t> number_;  // none: at the end, or not in order
+    std::int32_t number_ = 0;  // of the last row that was in order
+    bool isFirst_ = true;
+    bool isAtEnd_ = false;  // or not in order
     bool inOrder_ = true;
 };
 
