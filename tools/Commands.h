@@ -53,10 +53,17 @@ struct LintOptions {
     FindingFormat format = FindingFormat::Text;
     project::Severity failOn = project::Severity::Note;
     std::string rules;  // "a,b": these alone; "-a,-b": all but these; empty: all
+    // To accept findings instead of telling of them: a rule, or a place or the beginning of one.
+    std::string accept;
+    std::string reason;
+    std::string by;     // empty: the user's name
+    std::string until;  // the last day; empty: for ever
 };
 
-/// What the rules find in a project. kFailure when a finding is as severe as `failOn`, or rows
-/// cannot be read; kUsage for a rule that there is not.
+/// What the rules find in a project but for what is accepted beside it (see
+/// project::CheckSettings), or accepts findings and writes how many. kFailure when a finding is as
+/// severe as `failOn`, or rows cannot be read; kUsage for a rule that there is not, or an
+/// acceptance without a reason.
 [[nodiscard]] ExitStatus Lint(const std::string& file, const LintOptions& options, std::FILE* out,
                               std::FILE* err);
 

@@ -2,6 +2,7 @@
 
 #include <initializer_list>
 #include <utility>
+#include <vector>
 
 #include "project/Schema.h"
 #include "tools/JsonText.h"
@@ -111,7 +112,9 @@ void WriteSarifRules(TextBuffer& out) {
     }
 }
 
-void WriteSarifResult(const project::Finding& finding, const std::string& uri, TextBuffer& out) {
+/// `why`: null for a finding that is open.
+void WriteSarifResult(const project::Finding& finding, const project::Acceptance* why,
+                      const std::string& uri, TextBuffer& out) {
     out.Append('{');
     AppendTexts({{"ruleId", IdOf(finding)}}, out);
     out.Append(",\"ruleIndex\":");
@@ -127,11 +130,17 @@ void WriteSarifResult(const project::Finding& finding, const std::string& uri, T
     AppendTexts({{"fullyQualifiedName", project::PlaceOf(finding)}, {"kind", "element"}}, out);
     out.Append("}]}],\"partialFingerprints\":{");
     AppendTexts({{"finding/v1", project::FingerprintOf(finding)}}, out);
-    out.Append("}}");
+    out.Append("},\"suppressions\":[");
+    if (why != nullptr) {
+        out.Append('{');
+        AppendTexts({{"kind", "external"}, {"status", "accepted"}, {"justification", why->reason}},
+                    out);
+        out.Append('}');
+    }
+    out.Append("]}");
 }
 
-void WriteSarif(const std::string& file, const std::vector<project::Finding>& findings,
-                TextBuffer& out) {
+void WriteSarif(const std::string& file, const project::Judgement& judgement, TextBuffer& out) {
     out.Append(
         "{\"$schema\":\"https://json.schemastore.org/sarif-2.1.0.json\",\"version\":\"2.1.0\","
         "\"runs\":[{\"tool\":{\"driver\":{\"name\":\"kvs lint\",\"version\":\"" KV_VERSION
@@ -140,25 +149,27 @@ void WriteSarif(const std::string& file, const std::vector<project::Finding>& fi
     out.Append("\n]}},\"results\":[");
     const std::string uri = UriOf(file);
     Items items(out, ",");
-    for (const project::Finding& finding : findings) {
+    const auto write = [&](const project::Finding& finding, const project::Acceptance* why) {
         items.Next();
         out.Append('\n');
-        WriteSarifResult(finding, uri, out);
-    }
+        WriteSarifResult(finding, why, uri, out);
+    };
+    for (const project::Finding& finding : judgement.open) write(finding, nullptr);
+    for (const auto& [finding, why] : judgement.accepted) write(finding, &why);
     out.Append("\n]}]}\n");
 }
 
 }  // namespace
 
 void WriteFindings(FindingFormat format, const std::string& file,
-                   const std::vector<project::Finding>& findings, TextBuffer& out) {
+                   const project::Judgement& judgement, TextBuffer& out) {
     switch (format) {
         case FindingFormat::Text:
-            return WriteText(findings, out);
+            return WriteText(judgement.open, out);
         case FindingFormat::Json:
-            return WriteJson(findings, out);
+            return WriteJson(judgement.open, out);
         case FindingFormat::Sarif:
-            return WriteSarif(file, findings, out);
+            return WriteSarif(file, judgement, out);
     }
 }
 

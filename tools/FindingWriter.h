@@ -1,19 +1,19 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
-#include "project/Check.h"
+#include "project/CheckSettings.h"
 #include "tools/TextBuffer.h"
 
 namespace tools {
 
 /// Text: a line for each finding, "error: TchrTrends/228/Maximum: ... [range-inverted]". Json: an
-/// array with an object a finding, a line each. Sarif: SARIF 2.1.0.
+/// array with an object a finding, a line each. Sarif: SARIF 2.1.0, the accepted ones marked; the
+/// others leave those out.
 enum class FindingFormat { Text, Json, Sarif };
 
 /// `file` is the project's name as the user gave it.
 void WriteFindings(FindingFormat format, const std::string& file,
-                   const std::vector<project::Finding>& findings, TextBuffer& out);
+                   const project::Judgement& judgement, TextBuffer& out);
 
 }  // namespace tools

@@ -1,11 +1,15 @@
 #include <algorithm>
+#include <cstdlib>
+#include <ctime>
 
 #include "ado/AdoError.h"
 #include "ado/Connection.h"
-#include "project/Check.h"
+#include "paths/NativePath.h"
+#include "project/CheckSettings.h"
 #include "tools/Commands.h"
 #include "tools/FindingWriter.h"
 #include "tools/Messages.h"
+#include "unicode/Unicode.h"
 
 namespace tools {
 namespace {
@@ -55,33 +59,132 @@ void TellWhatIsNotKnown(const std::string& file, const project::CheckResult& res
     }
 }
 
+std::string Today() {
+    const std::time_t now = std::time(nullptr);
+    std::tm day{};
+    ::localtime_r(&now, &day);
+    char text[16];
+    return {text, std::strftime(text, sizeof text, "%Y-%m-%d", &day)};
+}
+
+std::string NameOf(const project::Acceptance& acceptance) {
+    return acceptance.rule + (acceptance.place.empty() ? "" : " at " + acceptance.place);
+}
+
+void TellOfAcceptances(const std::string& file, const project::Judgement& judgement,
+                       const project::Severities& severities, std::FILE* err) {
+    for (const project::Acceptance& each : judgement.expired) {
+        std::fprintf(err, "kvs: %s: accepted until %s: %s (%s)\n", file.c_str(), each.until.c_str(),
+                     NameOf(each).c_str(), each.reason.c_str());
+    }
+    for (const project::Acceptance& each : judgement.unused) {
+        // Of a rule that is not looked for, nobody knows.
+        if (severities[project::FindRule(each.rule)->rule] == Severity::Off) continue;
+        std::fprintf(err, "kvs: %s: accepted, and found no longer with these values: %s (%s)\n",
+                     file.c_str(), NameOf(each).c_str(), each.reason.c_str());
+    }
+}
+
+/// What is wrong with the wish to accept; empty when nothing is.
+std::string WrongWish(const LintOptions& options) {
+    if (options.accept.empty()) {
+        const bool isLost =
+            !options.reason.empty() || !options.by.empty() || !options.until.empty();
+        return isLost ? "--reason, --by and --until are for --accept" : "";
+    }
+    if (options.reason.empty()) return "--accept needs a --reason";
+    if (!options.until.empty() && !project::IsDay(options.until)) {
+        return "'" + options.until + "' is no day such as 2027-01-31";
+    }
+    return {};
+}
+
+ExitStatus Accept(const std::string& file, const std::string& settingsFile,
+                  const LintOptions& options, const project::Judgement& judgement, std::FILE* out,
+                  std::FILE* err) {
+    const char* user = std::getenv("USER");
+    project::Acceptance form;
+    form.reason = options.reason;
+    form.by = !options.by.empty() ? options.by : user != nullptr ? user : "";
+    form.until = options.until;
+    std::vector<project::Acceptance> accepted;
+    if (project::FindRule(options.accept) != nullptr) {
+        form.rule = options.accept;
+        accepted.push_back(form);
+    }
+    for (const project::Finding& finding : judgement.open) {
+        const std::string place = project::PlaceOf(finding);
+        if (place != options.accept && !place.starts_with(options.accept + '/')) continue;
+        form.rule = project::InfoOf(finding.rule).id;
+        form.place = place;
+        form.fingerprint = project::FingerprintOf(finding);
+        form.message = unicode::ToUtf8(project::MessageOf(finding));
+        accepted.push_back(form);
+    }
+    if (accepted.empty()) {
+        std::fprintf(err, "kvs: %s: '%s' is neither a rule nor the place of an open finding\n",
+                     file.c_str(), options.accept.c_str());
+        return kFailure;
+    }
+    project::AddAcceptances(settingsFile, accepted);
+    std::fprintf(out, "%zu accepted in %s\n", accepted.size(), settingsFile.c_str());
+    return std::fflush(out) == 0 ? kSuccess : kFailure;
+}
+
+struct Checked {
+    project::CheckResult result;
+    project::Judgement judgement;
+    project::Severities severities;
+};
+
+Checked CheckFile(const std::string& file, const std::string& settingsFile,
+                  const project::Severities& chosen, std::FILE* err) {
+    const auto settings = project::CheckSettings::Load(settingsFile);
+    Checked checked;
+    checked.severities = settings.Severities();
+    for (const project::RuleInfo& rule : project::Rules()) {
+        if (chosen[rule.rule] == Severity::Off) checked.severities.Set(rule.rule, Severity::Off);
+    }
+    ado::Connection connection;
+    connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file +
+                    ";Mode=Read|Share Deny None;");
+    Messages(err, file).Warn(connection.TakeNotices());
+    checked.result = project::CheckProject(connection, checked.severities);
+    checked.judgement = settings.Judge(checked.result.findings, Today());
+    return checked;
+}
+
 }  // namespace
 
 ExitStatus Lint(const std::string& file, const LintOptions& options, std::FILE* out,
                 std::FILE* err) {
-    project::Severities severities;
-    if (!ChooseRules(options.rules, severities, err)) return kUsage;
-    project::CheckResult result;
+    project::Severities chosen;
+    if (!ChooseRules(options.rules, chosen, err)) return kUsage;
+    if (const std::string wrong = WrongWish(options); !wrong.empty()) {
+        std::fprintf(err, "kvs: lint: %s\n", wrong.c_str());
+        return kUsage;
+    }
+    const std::string settingsFile = project::CheckSettings::FileOf(paths::ToNative(file));
     try {
-        ado::Connection connection;
-        connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file +
-                        ";Mode=Read|Share Deny None;");
-        Messages(err, file).Warn(connection.TakeNotices());
-        result = project::CheckProject(connection, severities);
+        const Checked checked = CheckFile(file, settingsFile, chosen, err);
+        const project::Judgement& judgement = checked.judgement;
+        if (!options.accept.empty()) {
+            return Accept(file, settingsFile, options, judgement, out, err);
+        }
+        TextBuffer output(out);
+        WriteFindings(options.format, file, judgement, output);
+        const ExitStatus written = Messages(err, file).Finish(output);
+        TellWhatIsNotKnown(file, checked.result, err);
+        TellOfAcceptances(file, judgement, checked.severities, err);
+        const auto isGrave = [&](const project::Finding& finding) {
+            return finding.severity >= options.failOn;
+        };
+        const bool hasFailed = std::any_of(judgement.open.begin(), judgement.open.end(), isGrave) ||
+                               !checked.result.unread.empty();
+        return hasFailed ? kFailure : written;
     } catch (const ado::AdoError& error) {
         return Fail(file, error, err);
     }
-    TextBuffer output(out);
-    WriteFindings(options.format, file, result.findings, output);
-    Messages messages(err, file);
-    const ExitStatus written = messages.Finish(output);
-    TellWhatIsNotKnown(file, result, err);
-    const auto isGrave = [&](const project::Finding& finding) {
-        return finding.severity >= options.failOn;
-    };
-    const bool hasFailed = std::any_of(result.findings.begin(), result.findings.end(), isGrave) ||
-                           !result.unread.empty();
-    return hasFailed ? kFailure : written;
 }
 
 }  // namespace tools

@@ -124,6 +124,10 @@ ExitStatus RunLint(const Call& call, std::FILE* out, std::FILE* err) {
         options.failOn = project::FindSeverity(call.Value("fail-on")).value_or(options.failOn);
     }
     options.rules = call.Value("rules");
+    options.accept = call.Value("accept");
+    options.reason = call.Value("reason");
+    options.by = call.Value("by");
+    options.until = call.Value("until");
     return Lint(call.words[0], options, out, err);
 }
 
@@ -193,11 +197,19 @@ const std::vector<Row>& Rows() {
          }},
         {{"lint",
           "FILE",
-          "a line for each setting of a project that cannot be meant",
+          "a line for each setting of a project that cannot be meant; what is accepted in "
+          "FILE-lint "
+          "is left out",
           {{"format", "text|json|sarif", "lines (default), a JSON list, or SARIF 2.1.0"},
            {"fail-on", "note|warning|error",
             "from which severity on the exit status is 1 (default: note)"},
-           {"rules", "RULE,...", "look for these rules only; -RULE,...: for all but these"}}},
+           {"rules", "RULE,...", "look for these rules only; -RULE,...: for all but these"},
+           {"accept", "WHAT",
+            "leave findings as they are: those at a place such as TchrTrends/228, or all of a "
+            "rule"},
+           {"reason", "TEXT", "why they are accepted"},
+           {"by", "NAME", "who accepts them (default: the user)"},
+           {"until", "DAY", "the last day, such as 2027-01-31 (default: for ever)"}}},
          RunLint},
         {{"compact", "FILE",
           "rewrite the file without the room that nothing uses (Jet 4); refused while other "

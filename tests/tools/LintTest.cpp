@@ -100,6 +100,44 @@ TEST(LintTest, SarifHasAllThatItsReadersNeed) {
     EXPECT_EQ(fingerprints.size(), results);
 }
 
+TEST(LintTest, WhatIsAcceptedIsLeftOutAndMarked) {
+    const ProjectCopy copy(kFaulty);
+    const auto lint = [&](std::vector<std::string> words) {
+        words.insert(words.begin(), "lint");
+        words.push_back(copy.Path());
+        return RunTool(words);
+    };
+    const struct {
+        std::vector<std::string> words;
+        ExitStatus status;
+        const char* err;
+    } wrong[] = {
+        {{"--accept", "TchrTrends/269"}, kUsage, "needs a --reason"},
+        {{"--reason", "so"}, kUsage, "are for --accept"},
+        {{"--accept", "TchrTrends/26", "--reason", "so"}, kFailure, "neither a rule nor"},
+        {{"--accept", "unlimited", "--reason", "so", "--until", "now"}, kUsage, "no day"},
+    };
+    for (const auto& each : wrong) {
+        const Outcome done = lint(each.words);
+        EXPECT_EQ(done.status, each.status) << each.words.back();
+        EXPECT_THAT(done.err, HasSubstr(each.err));
+    }
+    const std::size_t all = Count(lint({}).out, "\n");
+    EXPECT_EQ(lint({"--accept", "TchrTrends/269", "--reason", "inlet"}).status, kSuccess);
+    EXPECT_EQ(lint({"--accept", "text-missing", "--reason", "to do", "--by", "mk"}).status,
+              kSuccess);
+    EXPECT_EQ(Count(lint({}).out, "\n"), all - 13);
+    const std::string sarif = lint({"--format", "sarif"}).out;
+    EXPECT_EQ(Count(sarif, "\"suppressions\":[]"), all - 13);
+    EXPECT_EQ(Count(sarif, "\"status\":\"accepted\",\"justification\":\"to do\""), 12U);
+
+    // Rules that are not looked for say nothing of what was accepted of them.
+    ASSERT_EQ(RunTool({"set", copy.Path(), "TchrTrends", "ID = 269", "VMin=0"}).status, kSuccess);
+    EXPECT_THAT(lint({}).err, HasSubstr("found no longer with these values: range-inverted at "
+                                        "TchrTrends/269/VMin (inlet)"));
+    EXPECT_EQ(lint({"--rules", "unlimited"}).err, "");
+}
+
 // Compacting puts rows elsewhere; a row that is stored anew is the last one of its table.
 TEST(LintTest, FindingsAreTheSameInAnyOrderOfRows) {
     const ProjectCopy copy(kFaulty);
