@@ -170,9 +170,10 @@ bool GridView::InColumnRange(int column) const {
     const int current = currentIndex().column();
     if (anchorColumn_ < 0 || current < 0) return column == current;
     const int place = captions_->visualIndex(column);
-    const auto [first, last] =
-        std::minmax(captions_->visualIndex(anchorColumn_), captions_->visualIndex(current));
-    return place >= first && place <= last && !captions_->isSectionHidden(column);
+    const int from = captions_->visualIndex(anchorColumn_);
+    const int to = captions_->visualIndex(current);
+    return place >= std::min(from, to) && place <= std::max(from, to) &&
+           !captions_->isSectionHidden(column);
 }
 
 void GridView::PressRecordSelector(int row) {
