@@ -22,13 +22,13 @@ fails() {
     [[ $status -eq $wanted ]]
 }
 ours() {
-    find / -xdev \( -path /proc -o -path /sys -o -path /packages -o -path /work \) -prune -o \
+    find / -xdev \( -path /proc -o -path /sys -o -path /packages -o -path /trial \) -prune -o \
         \( -iname '*korvala*' -o -iname '*kvs*' -o -iname '*kvstudio*' -o -name 'KV*' \) -print
 }
 
 # Whoever works with it is not root.
-mkdir -p /work
-useradd --create-home --home-dir /work/user user
+mkdir -p /trial
+useradd --create-home --home-dir /trial/user user
 user() { su user -s /bin/bash -c "cd && export LC_ALL=C.UTF-8 && $*"; }
 
 apt-get update --quiet
@@ -47,8 +47,8 @@ project=/usr/share/doc/korvala-studio/examples/Brauerei.kvs
 # The studio goes on without an add-in or a font, so what it says decides.
 for lcid in 407 409; do
     printf 'Windows Registry Editor Version 5.00\r\n\r\n%s\r\n"LCID"=dword:00000%s\r\n' \
-        '[HKEY_LOCAL_MACHINE\SOFTWARE\Brantor GmbH\Korvala\4.0]' $lcid >/work/machine.reg
-    user "QT_QPA_PLATFORM=offscreen kvstudio --registry /work/machine.reg \
+        '[HKEY_LOCAL_MACHINE\SOFTWARE\Brantor GmbH\Korvala\4.0]' $lcid >/trial/machine.reg
+    user "QT_QPA_PLATFORM=offscreen kvstudio --registry /trial/machine.reg \
         --screenshot studio-$lcid.png $project 2>messages"
     user '! grep -v "XDG_RUNTIME_DIR\|propagateSizeHints" messages >&2'
 done
@@ -76,7 +76,7 @@ install /packages/korvala-addin-dev_*.deb cmake make g++
 user "cp -r /usr/share/doc/korvala-addin-dev/examples/addin . &&
     cmake -S addin -B addin/build && cmake --build addin/build"
 user "KV_ADDINS=addin/build QT_QPA_PLATFORM=offscreen \
-    kvstudio --registry /work/machine.reg --screenshot notes.png brewery.kvs 2>messages"
+    kvstudio --registry /trial/machine.reg --screenshot notes.png brewery.kvs 2>messages"
 user '! cmp --silent notes.png studio-409.png'
 user '! grep "Add-in not loaded" messages >&2'
 done_with "korvala-addin-dev: the small add-in built and loaded"
