@@ -1,12 +1,11 @@
 #include "dialogs/ManyRecords.h"
 
 #include <algorithm>
-#include <QAbstractButton>
-#include <QAction>
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QToolButton>
 
 #include "controls/KVColorSelect.h"
 #include "dialogs/ColourTexts.h"
@@ -57,21 +56,34 @@ void ManyRecords::Connect(QWidget& control) {
             Changed(*text);
         });
         connect(text, &QLineEdit::textChanged, this, changed);
-        AddWayBack(*text);
     } else if (auto* list = qobject_cast<QComboBox*>(&control)) {
         connect(list, &QComboBox::currentIndexChanged, this, changed);
     } else if (auto* color = qobject_cast<KVColorSelect*>(&control)) {
         connect(color, &KVColorSelect::ColorChanged, this, changed);
     }
+    AddWayBack(control);
 }
 
-void ManyRecords::AddWayBack(QLineEdit& field) {
-    QAction* back = field.addAction(icons::Icon(u"undo"), QLineEdit::TrailingPosition);
-    back->setObjectName(u"actBack"_s);
-    back->setText(Text(MResourceTable::kTextWayBack));
+/// The mark of a control that has been touched; keys do what it does.
+void ManyRecords::AddWayBack(QWidget& control) {
+    auto* back = new QToolButton(&control);
+    back->setObjectName(u"cmdBack"_s);
+    back->setIcon(icons::Icon(u"undo"));
+    back->setAutoRaise(true);
+    back->setFocusPolicy(Qt::NoFocus);
+    back->setCursor(Qt::ArrowCursor);
     back->setToolTip(Text(MResourceTable::kTextWayBack));
-    back->setVisible(false);
-    connect(back, &QAction::triggered, this, [this, &field] { GoBack(field); });
+    back->setAccessibleName(Text(MResourceTable::kTextWayBack));
+    back->hide();
+    connect(back, &QToolButton::clicked, this, [this, &control] { GoBack(control); });
+}
+
+/// At the right end; of a list, beside its arrow.
+void ManyRecords::Place(QToolButton& back) {
+    const QWidget& control = *back.parentWidget();
+    const int side = control.height() - 4;
+    const bool isList = qobject_cast<const QComboBox*>(&control) != nullptr;
+    back.setGeometry(control.width() - (isList ? 2 : 1) * side - 2, 2, side, side);
 }
 
 bool ManyRecords::IsTouched(const QWidget& control) const {
@@ -88,15 +100,14 @@ void ManyRecords::GoBack(QWidget& control) {
 
 void ManyRecords::Changed(QWidget& control) {
     const bool touched = IsTouched(control);
-    if (auto* text = qobject_cast<QLineEdit*>(&control)) {
-        text->findChild<QAction*>(u"actBack"_s)->setVisible(touched);
-        // Where they differ an empty field stands for that, until it is meant to be empty.
-        if (!text->placeholderText().isEmpty()) {
-            text->setPlaceholderText(
-                Text(touched ? MResourceTable::kTextCleared : MResourceTable::kTextDifferent));
-        }
-    } else if (control.toolTip().isEmpty() || !touched) {
-        control.setToolTip(touched ? Text(MResourceTable::kTextWayBack) : QString());
+    auto& back = *control.findChild<QToolButton*>(u"cmdBack"_s, Qt::FindDirectChildrenOnly);
+    Place(back);
+    back.setVisible(touched);
+    // Where they differ an empty field stands for that, until it is meant to be empty.
+    auto* text = qobject_cast<QLineEdit*>(&control);
+    if (text != nullptr && !text->placeholderText().isEmpty()) {
+        text->setPlaceholderText(
+            Text(touched ? MResourceTable::kTextCleared : MResourceTable::kTextDifferent));
     }
     const auto fields = std::count_if(contents_.keyBegin(), contents_.keyEnd(),
                                       [this](const QWidget* each) { return IsTouched(*each); });
@@ -108,9 +119,13 @@ void ManyRecords::Changed(QWidget& control) {
 }
 
 bool ManyRecords::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Resize) {
+        auto* control = static_cast<QWidget*>(watched);
+        Place(*control->findChild<QToolButton*>(u"cmdBack"_s, Qt::FindDirectChildrenOnly));
+    }
     if (event->type() != QEvent::KeyPress) return false;
     const auto* key = static_cast<QKeyEvent*>(event);
-    if (key->key() != Qt::Key_Backspace || key->modifiers() != Qt::ControlModifier) return false;
+    if (key->key() != Qt::Key_Backspace || key->modifiers() != Qt::AltModifier) return false;
     GoBack(*static_cast<QWidget*>(watched));
     return true;
 }

@@ -9,8 +9,8 @@
 namespace MResources {
 class TextTable;
 }
-class QLineEdit;
 class QPushButton;
+class QToolButton;
 class QWidget;
 
 /// What makes the dialog of one record that of several. A field in which they differ says so and
@@ -32,7 +32,8 @@ protected:
 
 private:
     void Connect(QWidget& control);
-    void AddWayBack(QLineEdit& field);
+    void AddWayBack(QWidget& control);
+    static void Place(QToolButton& back);
     void GoBack(QWidget& control);
     void Changed(QWidget& control);
     void ShowDifferent(QWidget& control);

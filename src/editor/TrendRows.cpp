@@ -1,5 +1,6 @@
 #include "editor/TrendRows.h"
 
+#include <set>
 #include <unordered_map>
 #include <utility>
 
@@ -70,10 +71,10 @@ public:
     TrendNames(const TrendNames&) = delete;
     TrendNames& operator=(const TrendNames&) = delete;
 
-    void Change(const QString& stored, const QString& name) {
+    void Change(int row, const QString& stored, const QString& name) {
         const QString aside = QChar(1) + QString::number(names_.size());  // nobody's name
         Move(stored, aside);
-        names_.push_back({stored, aside, aside, name});
+        names_.push_back({row, stored, aside, aside, name});
     }
     /// Number of the text that says why not; 0 when all have been taken.
     [[nodiscard]] int Take() {
@@ -89,10 +90,15 @@ public:
         }
         return 0;
     }
-    void Keep() { names_.clear(); }
+    /// `nameOf` a row as it has been stored.
+    void Keep(const std::function<QString(int row)>& nameOf) {
+        for (const Name& name : names_) Move(name.stands, nameOf(name.row));
+        names_.clear();
+    }
 
 private:
     struct Name {
+        int row;
         QString stored;
         QString aside;   // stands for it while the set is taken
         QString stands;  // in the lists now
@@ -109,11 +115,11 @@ private:
 }  // namespace
 
 TrendRows::TrendRows(const MResources::TextTable& texts, INameRegistry& names, Refusal refuse,
-                     Settle settle, QObject* parent)
+                     AskForConflicts ask, QObject* parent)
     : RecordsetModel(texts, parent),
       names_(names),
       refuse_(std::move(refuse)),
-      settle_(std::move(settle)) {}
+      ask_(std::move(ask)) {}
 
 void TrendRows::AttachTrends(ado::Recordset& trends, ado::Connection& connection,
                              const QVariant& archive) {
@@ -159,7 +165,7 @@ GridCommit TrendRows::CommitCells(const QList<GridCell>& cells) {
         if (row.row < 0) return GridCommit::Failed(kRowChanged, {});
         for (const auto& [column, value] : row.cells) {
             if (column != NameColumn()) continue;
-            names.Change(projectdb::ToQString(ado::ToText(ValueAt(row.row, column))),
+            names.Change(row.row, projectdb::ToQString(ado::ToText(ValueAt(row.row, column))),
                          projectdb::ToQString(ado::ToText(value)));
         }
     }
@@ -168,8 +174,25 @@ GridCommit TrendRows::CommitCells(const QList<GridCell>& cells) {
         return GridCommit::Refused();
     }
     const GridCommit commit = Write(rows);
-    if (commit.outcome == GridCommit::Outcome::Stored) names.Keep();
+    // As the rows bear them now: where the user has let another program's value stand, that.
+    if (commit.outcome == GridCommit::Outcome::Stored) {
+        names.Keep(
+            [&](int row) { return projectdb::ToQString(ado::ToText(ValueAt(row, NameColumn()))); });
+    }
     return commit;
+}
+
+std::optional<QList<GridCell>> TrendRows::Settle(const QList<GridCell>& cells) {
+    std::vector<RowCells> rows = ByRow(cells);
+    std::erase_if(rows, [](const RowCells& row) { return row.row < 0; });
+    if (!Join(rows)) return std::nullopt;
+    std::set<std::pair<GridRowId, int>> left;
+    for (const RowCells& row : rows) {
+        for (const auto& [column, value] : row.cells) left.emplace(IdAt(row.row), column);
+    }
+    QList<GridCell> settled = cells;
+    settled.removeIf([&](const GridCell& cell) { return !left.contains({cell.row, cell.column}); });
+    return settled;
 }
 
 bool TrendRows::Join(std::vector<RowCells>& rows) {
@@ -198,7 +221,7 @@ bool TrendRows::Join(std::vector<RowCells>& rows) {
         }
     }
     if (conflicts.empty()) return true;
-    const auto mine = settle_(conflicts);
+    const auto mine = ask_(conflicts);
     if (!mine) return false;
     for (std::size_t i = 0; i < places.size(); ++i) {
         if ((*mine)[i]) continue;

@@ -21,12 +21,12 @@ public:
 
     /// The user has written cells that another program has changed too: whether the user's value
     /// holds in each; nothing when he decides nothing.
-    using Settle = std::function<std::optional<std::vector<bool>>(
+    using AskForConflicts = std::function<std::optional<std::vector<bool>>(
         const std::vector<project::Conflict>& conflicts)>;
 
     /// All are borrowed.
     TrendRows(const MResources::TextTable& texts, INameRegistry& names, Refusal refuse,
-              Settle settle, QObject* parent = nullptr);
+              AskForConflicts ask, QObject* parent = nullptr);
 
     /// Binds to the trend query's rows: every column of it, editable where the table of trends has
     /// it and it is no key.
@@ -35,6 +35,10 @@ public:
     GridCommit CommitCell(GridRowId row, int column, const QVariant& value) override;
     /// One transaction. Names are taken as a set, so that two trends can swap theirs.
     GridCommit CommitCells(const QList<GridCell>& cells) override;
+
+    /// Asks the user for what another program has changed too, before a transaction that is more
+    /// than these cells begins. Returns what is left to be written; nothing when he gives up.
+    [[nodiscard]] std::optional<QList<GridCell>> Settle(const QList<GridCell>& cells);
 
     /// Whether a trend can be made with a value for the column: all of the table of trends but the
     /// keys that the database and the archive give.
@@ -61,5 +65,5 @@ private:
     ado::Connection* connection_ = nullptr;
     INameRegistry& names_;
     Refusal refuse_;
-    Settle settle_;
+    AskForConflicts ask_;
 };

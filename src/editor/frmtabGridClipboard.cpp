@@ -69,13 +69,22 @@ void frmtabGrid::Paste() {
 void frmtabGrid::PasteRows(const std::vector<project::NewTrend>& pasted,
                            const QList<GridCell>& cells) {
     const auto step = qScopeGuard([this] { EndStep(); });
+    // Asked before the transaction: nobody else can write while one is open.
+    const auto settled = trends_->Settle(cells);
+    if (!settled) return;
     RowProgress progress(texts_, MResourceTable::kTextPastingTrends, this);
     PasteCommands commands(project_, *this, texts_);
+    GridCommit commit;
+    const auto tell = qScopeGuard([&] {
+        if (commit.outcome != GridCommit::Outcome::Failed) return;
+        ShowDataError(commit.number, commit.text, commit.details);
+    });
     // What has been written to cells may be taken back behind their model.
     auto reload = qScopeGuard([this] { projectdb::ReloadTrends(project_, *this); });
     try {
         project::Transaction transaction(project_.Environment().Connection());
-        if (!cells.isEmpty() && !tdbA->SplitAt(1).WriteCells(cells)) return;
+        if (!settled->isEmpty()) commit = trends_->CommitCells(*settled);
+        if (commit.outcome != GridCommit::Outcome::Stored) return;
         std::vector<std::int32_t> ids;
         if (!pasted.empty()) ids = commands.PasteTrends(pasted, progress.Function());
         if (ids.empty() && !pasted.empty()) return;  // the user has given up

@@ -99,14 +99,14 @@ void frmtabGrid::Resume(const drafts::Draft& draft) {
     drafts_->SetPlace(place);
     if (place.kind == drafts::Place::Kind::Archive) {
         drafts_->SetResumed(draft.fields);
-        return mnuArchiv_Click(1);
+        return Run(commandset::Id::EditArchive);
     }
     GridSplit& trends = tdbA->SplitAt(1);
     if (!trends.SetCurrentCell(place.trend)) return gone();
     tdbA->SetSplit(1);
     if (place.kind == drafts::Place::Kind::Trend) {
         drafts_->SetResumed(draft.fields);
-        return mnuTrend_Click(1);
+        return Run(commandset::Id::EditTrend);
     }
     const drafts::Field& cell = draft.fields.front();
     if (!trends.ResumeEdit({place.trend, trends.ColumnIndex(cell.name), cell.shown})) gone();

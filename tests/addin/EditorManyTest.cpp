@@ -1,11 +1,11 @@
 #include <gmock/gmock.h>
 
-#include <QAction>
 #include <QComboBox>
 #include <QDialog>
 #include <QFile>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QToolButton>
 
 #include "addin/EditorTest.h"
 
@@ -75,9 +75,18 @@ TEST_F(EditorManyTest, WhatIsChangedGoesIntoAllAndBackInOneStep) {
         QLineEdit& comment = Field(dialog, u"txtComment"_s);
         TypeOver(comment, u"none"_s);
         EXPECT_EQ(Ok(dialog).text(), u"Change 3 fields in 3 trends"_s);
-        QTest::keyClick(&comment, Qt::Key_Backspace, Qt::ControlModifier);
+        EXPECT_TRUE(comment.findChild<QToolButton*>(u"cmdBack"_s)->isVisible());
+        QTest::keyClick(&comment, Qt::Key_Backspace, Qt::AltModifier);
         EXPECT_EQ(Ok(dialog).text(), u"Change 2 fields in 3 trends"_s);
-        EXPECT_FALSE(comment.findChild<QAction*>(u"actBack"_s)->isVisible());
+        EXPECT_FALSE(comment.findChild<QToolButton*>(u"cmdBack"_s)->isVisible());
+        // A list has a mark too, which is the way back for the mouse.
+        auto* style = dialog.findChild<QComboBox*>(u"cmbVLineStyle"_s);
+        const int shown = style->currentIndex();
+        style->setCurrentIndex(shown == 1 ? 2 : 1);
+        EXPECT_EQ(Ok(dialog).text(), u"Change 3 fields in 3 trends"_s);
+        style->findChild<QToolButton*>(u"cmdBack"_s)->click();
+        EXPECT_EQ(style->currentIndex(), shown);
+        EXPECT_EQ(Ok(dialog).text(), u"Change 2 fields in 3 trends"_s);
         Ok(dialog).click();
     });
     EXPECT_EQ(StoredIn("Unit", 4), QStringList({u"mbar"_s, u"mbar"_s, u"mbar"_s, units[3]}));

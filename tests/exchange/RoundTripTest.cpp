@@ -91,7 +91,7 @@ std::string TextOf(const std::vector<Record>& records) {
 /// Values for a column, other ones each time, in the form in which they are exported.
 class Values {
 public:
-    explicit Values(unsigned seed) : random_(seed) {}
+    explicit Values(unsigned number) : random_(number) {}
 
     csv::Field Next(const SheetColumn& column, const words::Language& language) {
         const bool isNull = Pick(8) == 0 && !IsNeeded(column);

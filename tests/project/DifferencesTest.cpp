@@ -39,8 +39,8 @@ auto InOrder(std::span<const ado::RowChange> rows) {
 }
 
 TEST(DifferencesTest, AreWhatADayHasChanged) {
-    for (const unsigned seed : {1U, 2U, 3U}) {
-        SCOPED_TRACE(seed);
+    for (const unsigned number : {1U, 2U, 3U}) {
+        SCOPED_TRACE(number);
         const TestFolder folder;
         const std::string path = folder.Copy(kBrewery, "day.kvs");
         project::ChangeSet day;
@@ -48,7 +48,7 @@ TEST(DifferencesTest, AreWhatADayHasChanged) {
             ado::Connection connection;
             OpenProject(connection, path);
             project::ChangeRecorder recorder(connection);
-            RandomDay(connection, seed, "A").Work(80);
+            RandomDay(connection, number, "A").Work(80);
             day = recorder.Take();
         }
         const project::Differences found = Compare(kBrewery, path);

@@ -17,8 +17,8 @@
 /// What people do to a project in a day, by chance.
 class RandomDay {
 public:
-    RandomDay(ado::Connection& connection, unsigned seed, std::string person)
-        : connection_(connection), random_(seed), person_(std::move(person)) {}
+    RandomDay(ado::Connection& connection, unsigned number, std::string person)
+        : connection_(connection), random_(number), person_(std::move(person)) {}
 
     void Work(int steps) {
         project::Transaction transaction(connection_);
