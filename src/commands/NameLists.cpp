@@ -5,18 +5,14 @@
 #include "projectdb/Hierarchy.h"
 #include "projectdb/Text.h"
 
-namespace {
-
 using namespace Qt::Literals::StringLiterals;
 
-QString KeyOf(const QString& name) {
+QString NameLists::KeyOf(const QString& name) {
     QString key = name.normalized(QString::NormalizationForm_C).toCaseFolded();
     key.replace(u'ß', u"ss"_s);
     while (key.endsWith(u' ')) key.chop(1);
     return key;
 }
-
-}  // namespace
 
 projectdb::RowFailures NameLists::NamesInGroup(QStringView group, ado::Recordset& rows) {
     Names& names = groups_[group.toString()];

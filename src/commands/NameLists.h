@@ -31,6 +31,8 @@ public:
     void DeleteNameInGroup(QStringView group, const QString& name);
 
     [[nodiscard]] bool TestNameInGroup(QStringView group, const QString& name);
+    /// Two names are one where their keys are equal.
+    [[nodiscard]] static QString KeyOf(const QString& name);
     [[nodiscard]] bool IsSameName(const QString& a, const QString& b) const;
     /// Does nothing when the names are equal. Whether the new one is free is for the caller to test
     /// before: a name may be changed to itself in another case.

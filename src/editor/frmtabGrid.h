@@ -233,9 +233,11 @@ private:
     void PasteCell(const QString& text);
     void PasteBlock(const QList<QStringList>& lines);
     void PasteRows(const std::vector<project::NewTrend>& pasted, const QList<GridCell>& cells);
+    [[nodiscard]] QList<GridCell> CellsThatDiffer(int row, const project::NewTrend& trend,
+                                                  QStringList& changes) const;
     /// Of pasted rows those that bear the name of a trend that is there are taken out when the user
     /// wants that, and become cells of it. False when he gives up.
-    bool TakeUpdates(std::vector<project::NewTrend>& pasted, QList<GridCell>& cells);
+    [[nodiscard]] bool TakeUpdates(std::vector<project::NewTrend>& pasted, QList<GridCell>& cells);
     void FillDown(bool counting);
     void EditSelected();
     void WriteColumn(int column, const QVariant& value);

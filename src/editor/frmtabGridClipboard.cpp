@@ -103,52 +103,55 @@ void frmtabGrid::PasteRows(const std::vector<project::NewTrend>& pasted,
     }
 }
 
+/// The cells of a row in which a pasted one says something else; `changes` gets a line for each.
+QList<GridCell> frmtabGrid::CellsThatDiffer(int row, const project::NewTrend& trend,
+                                            QStringList& changes) const {
+    const GridSplit& trends = tdbA->SplitAt(1);
+    const GridRowId id = trends_->IdAt(row);
+    project::Values values = trend.values;
+    values.insert(values.end(), trend.texts.begin(), trend.texts.end());
+    QList<GridCell> cells;
+    for (const auto& [field, value] : values) {
+        const int column = trends_->ColumnOf(field);
+        const GridColumn* shown = trends.ColumnAt(column);
+        if (shown == nullptr || trends_->ValueAt(row, column) == value) continue;
+        const QVariant stored = RecordsetModel::Stored(value);
+        const QString text = shown->ValueText(stored);
+        changes.append(u"%1: %2: '%3' \u2192 '%4'"_s.arg(
+            projectdb::ToQString(trend.name), shown->Caption(), trends.CellText(id, column),
+            text.isEmpty() ? stored.toString() : text));
+        cells.append({id, column, RecordsetModel::Exact(value)});
+    }
+    return cells;
+}
+
 bool frmtabGrid::TakeUpdates(std::vector<project::NewTrend>& pasted, QList<GridCell>& cells) {
     if (!trends_->ReadAll()) return false;
-    GridSplit& trends = tdbA->SplitAt(1);
     const int nameColumn = trends_->ColumnOf("Name");
     QHash<QString, int> rows;
     for (int row = 0; row < trends_->rowCount(); ++row) {
-        rows.insert(trends_->index(row, nameColumn).data().toString().toCaseFolded(), row);
+        rows.insert(NameLists::KeyOf(trends_->index(row, nameColumn).data().toString()), row);
     }
     std::vector<project::NewTrend> others;
     QStringList changes;
-    qsizetype known = 0;
     for (const project::NewTrend& trend : pasted) {
-        const QString name = projectdb::ToQString(trend.name);
         // A name that is pasted twice is meant once.
-        const auto place = rows.constFind(name.toCaseFolded());
-        if (name.isEmpty() || place == rows.constEnd()) {
+        const auto place = rows.constFind(NameLists::KeyOf(projectdb::ToQString(trend.name)));
+        if (trend.name.empty() || place == rows.constEnd()) {
             others.push_back(trend);
-            continue;
-        }
-        ++known;
-        const int row = *place;
-        rows.erase(place);
-        project::Values values = trend.values;
-        values.insert(values.end(), trend.texts.begin(), trend.texts.end());
-        for (const auto& [field, value] : values) {
-            const int column = trends_->ColumnOf(field);
-            const GridColumn* shown = trends.ColumnAt(column);
-            if (shown == nullptr || trends_->ValueAt(row, column) == value) continue;
-            const QVariant stored = RecordsetModel::Stored(value);
-            const QString text = shown->ValueText(stored);
-            changes.append(u"%1: %2: '%3' \u2192 '%4'"_s.arg(
-                name, shown->Caption(), trends.CellText(trends_->IdAt(row), column),
-                text.isEmpty() ? stored.toString() : text));
-            cells.append({trends_->IdAt(row), column, RecordsetModel::Exact(value)});
+        } else {
+            cells += CellsThatDiffer(*place, trend, changes);
+            rows.erase(place);
         }
     }
+    const std::size_t known = pasted.size() - others.size();
     if (known == 0) return true;
-    const qsizetype count = changes.size();
-    if (count > kMostChanges) {
-        changes.resize(kMostChanges);
-        changes.append(u"..."_s);
-    }
+    if (changes.size() > kMostChanges)
+        changes = changes.first(kMostChanges) + QStringList{u"..."_s};
     const QString question =
         texts_.GetText(MResourceTable::kTextPasteUpdates,
                        {{u"n", QString::number(known)},
-                        {u"cells", QString::number(count)},
+                        {u"cells", QString::number(cells.size())},
                         {u"changes", changes.join(u'\n')},
                         {u"new", others.empty() ? QString() : QString::number(others.size())}});
     const auto answer =

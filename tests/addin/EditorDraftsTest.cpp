@@ -107,26 +107,22 @@ TEST_F(EditorDraftsTest, ADialogOpensAgainWithAllThatStoodInIt) {
         EXPECT_EQ(dialog.findChild<QLineEdit*>(u"txtName"_s)->text(), u"Kessel 7"_s);
         dialog.accept();
     };
+    const auto reopen = [this] {
+        Reopen();
+        EXPECT_TRUE(QTest::qWaitFor([this] { return Files().isEmpty() && !messages_.isEmpty(); }));
+    };
+    const auto goOn = [&] {
+        AnswerDialog(reopen, accept);
+        EXPECT_THAT(MessageTexts().front().toStdString(), HasSubstr("Name: Kessel 7"));
+    };
     ClickCell(1, u"Name"_s);
     AnswerDialog([this] { Key(Qt::Key_F9); }, type);
-    AnswerDialog(
-        [this] {
-            Reopen();
-            (void)QTest::qWaitFor([this] { return Files().isEmpty() && !messages_.isEmpty(); });
-        },
-        accept);
-    EXPECT_THAT(MessageTexts().front().toStdString(), HasSubstr("Name: Kessel 7"));
+    goOn();
 
     Click(u"ARCH1"_s);
     TurnTo(0);
     AnswerDialog([this] { Action(u"mnuArchiv(1)"_s)->trigger(); }, type);
-    AnswerDialog(
-        [this] {
-            Reopen();
-            (void)QTest::qWaitFor([this] { return Files().isEmpty() && !messages_.isEmpty(); });
-        },
-        accept);
-    EXPECT_THAT(MessageTexts().front().toStdString(), HasSubstr("Name: Kessel 7"));
+    goOn();
     EXPECT_EQ(Files(), QStringList());
 }
 
