@@ -15,6 +15,7 @@
 #include "editor/IAddIn.h"
 #include "platform/Locale.h"
 #include "projectdb/Hierarchy.h"
+#include "projectdb/IProjectWork.h"
 #include "texts/MResources.h"
 
 class CDBLanguages;
@@ -48,6 +49,7 @@ class TrendRows;
 /// install no handler of their own; every slot shows what they throw.
 class frmtabGrid final : public QWidget,
                          public projectdb::IEditorWindow,
+                         public projectdb::IProjectWork,
                          public projectdb::IStatusPanels {
     Q_OBJECT
     // What the settings file knows of the window; lengths in twips.
@@ -146,6 +148,14 @@ public:
     void ReleaseTrends() override;
     void TrendsReloaded() override;
     void NamesInGroup(QStringView group) override;
+    // projectdb::IProjectWork
+    [[nodiscard]] ado::Connection& Connection() override;
+    [[nodiscard]] bool MayStore() override;
+    bool RunStep(const std::function<void()>& change) override;
+    bool ShowPlace(const projectdb::Place& place) override;
+    [[nodiscard]] std::optional<QString> ChooseVariable(QWidget* owner,
+                                                        const QString& current) override;
+    void ShowHelpTopic(int topic, QWidget* owner) override;
     // projectdb::IStatusPanels
     [[nodiscard]] QString PanelText(int panel) const override;
     void SetPanelText(int panel, const QString& text) override;
@@ -191,9 +201,6 @@ private:
     void UpdateCommands();
     /// False for a project that can only be looked at.
     [[nodiscard]] bool CanWrite();
-    /// As CanWrite, and says so in the status bar: for commands that come from elsewhere than from
-    /// an action that is grey then.
-    [[nodiscard]] bool MayStore();
     [[nodiscard]] commandset::Place Place(int split) const;
     void ShowHelp();
     /// Says something in the status bar for a while; nobody has to answer.
