@@ -11,8 +11,8 @@ groups=(build run wayland test clang format tidy bench package package-test)
 declare -A packages=(
     # Compiler, linker, build tools, libraries with their headers (the presets build tests and
     # benchmarks).
-    [build]="g++ lld cmake ninja-build qt6-base-dev qt6-svg-dev libchm-dev libicu-dev libgtest-dev
-             libgmock-dev libbenchmark-dev"
+    [build]="g++ lld cmake ninja-build qt6-base-dev qt6-svg-dev libchm-dev libicu-dev libxlsxwriter-dev
+             libzip-dev libexpat1-dev libgtest-dev libgmock-dev libbenchmark-dev"
     # A bare machine has no font, and without one every text is a row of boxes. Qt's own German
     # texts (buttons of boxes and file choosers) are a package apart.
     [run]="fonts-dejavu-core qt6-translations-l10n"
