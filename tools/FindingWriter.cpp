@@ -4,15 +4,17 @@
 #include <utility>
 #include <vector>
 
+#include "project/FindingText.h"
 #include "project/Schema.h"
 #include "tools/JsonText.h"
 #include "unicode/Unicode.h"
+#include "words/Words.h"
 
 namespace tools {
 namespace {
 
-std::string Sentence(const project::Finding& finding) {
-    return unicode::ToUtf8(project::MessageOf(finding));
+std::u16string EnglishText(std::string_view key) {
+    return words::FindLanguage("en")->Text(key);
 }
 
 std::string_view IdOf(const project::Finding& finding) {
@@ -40,7 +42,7 @@ void WriteText(const std::vector<project::Finding>& findings, TextBuffer& out) {
         out.Append(": ");
         out.Append(project::PlaceOf(finding));
         out.Append(": ");
-        out.Append(Sentence(finding));
+        out.Append(MessageOf(finding));
         out.Append(" [");
         out.Append(IdOf(finding));
         out.Append("]\n");
@@ -73,7 +75,7 @@ void WriteJson(const std::vector<project::Finding>& findings, TextBuffer& out) {
         out.Append(",\"id\":");
         out.AppendNumber(finding.id);
         out.Append(',');
-        AppendTexts({{"column", finding.column}, {"message", Sentence(finding)}}, out);
+        AppendTexts({{"column", finding.column}, {"message", MessageOf(finding)}}, out);
         out.Append('}');
     }
     out.Append(findings.empty() ? "]\n" : "\n]\n");
@@ -102,10 +104,11 @@ void WriteSarifRules(TextBuffer& out) {
         items.Next();
         out.Append("\n{");
         AppendTexts({{"id", rule.id}}, out);
+        const std::string key = project::TextKeyOf(rule.rule);
         out.Append(",\"shortDescription\":{");
-        AppendTexts({{"text", rule.meaning}}, out);
+        AppendTexts({{"text", unicode::ToUtf8(EnglishText("RuleMeaning." + key))}}, out);
         out.Append("},\"help\":{");
-        AppendTexts({{"text", rule.advice}}, out);
+        AppendTexts({{"text", unicode::ToUtf8(EnglishText("RuleAdvice." + key))}}, out);
         out.Append("},\"defaultConfiguration\":{");
         AppendTexts({{"level", project::SeverityName(rule.severity)}}, out);
         out.Append("}}");
@@ -123,7 +126,7 @@ void WriteSarifResult(const project::Finding& finding, const project::Acceptance
     // The names of severities are those of the format's levels.
     AppendTexts({{"level", project::SeverityName(finding.severity)}}, out);
     out.Append(",\"message\":{");
-    AppendTexts({{"text", Sentence(finding)}}, out);
+    AppendTexts({{"text", MessageOf(finding)}}, out);
     out.Append("},\"locations\":[{\"physicalLocation\":{\"artifactLocation\":{");
     AppendTexts({{"uri", uri}}, out);
     out.Append("},\"region\":{\"startLine\":1}},\"logicalLocations\":[{");
@@ -160,6 +163,11 @@ void WriteSarif(const std::string& file, const project::Judgement& judgement, Te
 }
 
 }  // namespace
+
+std::string MessageOf(const project::Finding& finding) {
+    static const project::FindingWords words{EnglishText, {}, true};
+    return unicode::ToUtf8(project::MessageOf(finding, words));
+}
 
 void WriteFindings(FindingFormat format, const std::string& file,
                    const project::Judgement& judgement, TextBuffer& out) {

@@ -12,6 +12,9 @@ namespace tools {
 /// others leave those out.
 enum class FindingFormat { Text, Json, Sarif };
 
+/// What is wrong with the row, which it names, in English.
+[[nodiscard]] std::string MessageOf(const project::Finding& finding);
+
 /// `file` is the project's name as the user gave it.
 void WriteFindings(FindingFormat format, const std::string& file,
                    const project::Judgement& judgement, TextBuffer& out);

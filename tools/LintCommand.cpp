@@ -9,7 +9,6 @@
 #include "tools/Commands.h"
 #include "tools/FindingWriter.h"
 #include "tools/Messages.h"
-#include "unicode/Unicode.h"
 
 namespace tools {
 namespace {
@@ -118,7 +117,7 @@ ExitStatus Accept(const std::string& file, const std::string& settingsFile,
         form.rule = project::InfoOf(finding.rule).id;
         form.place = place;
         form.fingerprint = project::FingerprintOf(finding);
-        form.message = unicode::ToUtf8(project::MessageOf(finding));
+        form.message = MessageOf(finding);
         accepted.push_back(form);
     }
     if (accepted.empty()) {

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <tuple>
 
+#include "ado/AdoError.h"
 #include "project/check/Finder.h"
+#include "project/Rows.h"
 
 namespace project {
 namespace {
@@ -14,25 +16,28 @@ std::size_t PlaceAmongTables(std::string_view table) {
     return static_cast<std::size_t>(found - Tables().begin());
 }
 
-std::u16string Widened(std::string_view text) {
-    return {text.begin(), text.end()};
-}
-
-std::u16string Subject(const Finding& finding) {
-    static constexpr std::pair<std::string_view, std::u16string_view> kKinds[] = {
-        {kArchiveTable, u"archive"},
-        {kTrendTable, u"trend"},
-        {kTextTable, u"text"},
-        {kGroupTable, u"group"},
+/// What people call the rows that findings are about as well; one that cannot be read keeps its
+/// number alone.
+void NameOthers(ado::Connection& connection, const Finder& finder, CheckResult& result) {
+    Rows rows(connection);
+    const auto nameOfArchive = [&](std::int32_t id) {
+        const auto found = finder.archives.find(id);
+        return found != finder.archives.end() ? found->second : std::u16string();
     };
-    if (finding.id == 0) return u"the project";
-    std::u16string subject;
-    for (const auto& [table, kind] : kKinds) {
-        if (finding.table == table) subject = kind;
+    for (Finding& finding : result.findings) {
+        for (FoundRow& other : finding.others) {
+            if (other.table == kArchiveTable) {
+                other.name = nameOfArchive(other.id);
+                continue;
+            }
+            try {
+                if (!rows.SeekTrend(other.id)) continue;
+                other.name = NameOf(rows.Trends());
+                other.archive = nameOfArchive(NumberOf(rows.Trends(), "ArchiveID").value_or(0));
+            } catch (const ado::AdoError&) {
+            }
+        }
     }
-    subject += finding.name.empty() ? u" " + DigitsOf(finding.id) : u" \"" + finding.name + u'"';
-    if (!finding.archive.empty()) subject += u" of archive \"" + finding.archive + u'"';
-    return subject;
 }
 
 }  // namespace
@@ -42,28 +47,6 @@ std::string PlaceOf(const Finding& finding) {
     if (finding.id != 0) place += '/' + std::to_string(finding.id);
     if (!finding.column.empty()) place += '/' + finding.column;
     return place;
-}
-
-std::u16string MessageOf(const Finding& finding) {
-    const RuleInfo& rule = InfoOf(finding.rule);
-    const bool isEmpty = !rule.messageIfEmpty.empty() &&
-                         (finding.values.empty() || finding.values.front().text.empty());
-    std::string_view form = isEmpty ? rule.messageIfEmpty : rule.message;
-    std::u16string message = Subject(finding) + u' ';
-    for (std::size_t at = 0; at < form.size();) {
-        const std::size_t open = std::min(form.find('{', at), form.size());
-        message += Widened(form.substr(at, open - at));
-        if (open == form.size()) break;
-        const std::size_t close = form.find('}', open);
-        const bool isColumn = form[open + 1] == 'c';
-        const auto number = static_cast<std::size_t>(form[close - 1] - '1');
-        if (number < finding.values.size()) {
-            const Finding::Value& value = finding.values[number];
-            message += isColumn ? Widened(value.column) : value.text;
-        }
-        at = close + 1;
-    }
-    return message;
 }
 
 std::string FingerprintOf(const Finding& finding) {
@@ -90,9 +73,10 @@ std::string FingerprintOf(const Finding& finding) {
     return digits;
 }
 
-CheckResult CheckProject(ado::Connection& connection, const Severities& severities) {
+CheckResult CheckProject(ado::Connection& connection, const Severities& severities,
+                         const std::function<bool()>& goOn) {
     const ado::OneState state(connection);
-    Finder finder{severities};
+    Finder finder{severities, goOn};
     ReadFacts(connection, finder);
     CheckArchives(connection, finder);
     CheckGroups(finder);
@@ -106,6 +90,7 @@ CheckResult CheckProject(ado::Connection& connection, const Severities& severiti
     };
     std::stable_sort(finder.result.findings.begin(), finder.result.findings.end(),
                      [&](const Finding& a, const Finding& b) { return place(a) < place(b); });
+    NameOthers(connection, finder, finder.result);
     return std::move(finder.result);
 }
 

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -12,6 +14,14 @@
 
 /// The check of a whole project: what its rows say that cannot be meant.
 namespace project {
+
+/// A row as people know it.
+struct FoundRow {
+    std::string_view table;  // of the schema
+    std::int32_t id = 0;
+    std::u16string name{};
+    std::u16string archive{};  // the name of a trend's
+};
 
 /// Something that a rule has found in a row.
 struct Finding {
@@ -30,12 +40,13 @@ struct Finding {
     std::vector<Value> values;  // what it hangs on: with others it is another finding
     std::u16string name;        // of the row, for people
     std::u16string archive;     // the name of a trend's, for people
+    /// Rows that it is about as well, the first few of them: those with the same name or file, and
+    /// whose text it is.
+    std::vector<FoundRow> others{};
 };
 
 /// "TchrTrends/228/Maximum".
 [[nodiscard]] std::string PlaceOf(const Finding& finding);
-/// An English sentence about the row, which it names.
-[[nodiscard]] std::u16string MessageOf(const Finding& finding);
 /// Sixteen hexadecimal digits that are the same as long as rule, row, column and values are,
 /// wherever the row lies and whatever it is called.
 [[nodiscard]] std::string FingerprintOf(const Finding& finding);
@@ -48,9 +59,17 @@ struct CheckResult {
     std::vector<std::pair<std::string_view, std::size_t>> unread;
 };
 
+/// A check that was told to stop.
+class CheckStopped : public std::runtime_error {
+public:
+    CheckStopped() : std::runtime_error("the check has been stopped") {}
+};
+
 /// Looks at all rows, each table once, in one committed state of the file. Throws ado::AdoError
 /// when the file has no archives or trends, or cannot be read. `connection` is borrowed and open.
+/// `goOn` is asked every few hundred rows, and throws CheckStopped by giving false; may be empty.
 [[nodiscard]] CheckResult CheckProject(ado::Connection& connection,
-                                       const Severities& severities = {});
+                                       const Severities& severities = {},
+                                       const std::function<bool()>& goOn = {});
 
 }  // namespace project

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 
 /// The rules of the project check, each fact about them once.
@@ -43,11 +44,6 @@ struct RuleInfo {
     Rule rule;
     std::string_view id;  // stored beside projects and read by other programs: never another one
     Severity severity;    // where the project sets none
-    std::string_view meaning;  // what is wrong where it is found, in English
-    std::string_view advice;   // what to do
-    /// What is said of the row: {1} is the first value of the finding, {c1} its column.
-    std::string_view message;
-    std::string_view messageIfEmpty{};  // the same where the first value is nothing
 };
 
 /// In the order of Rule.
@@ -55,6 +51,11 @@ struct RuleInfo {
 [[nodiscard]] const RuleInfo& InfoOf(Rule rule);
 /// Null when there is no rule of that id.
 [[nodiscard]] const RuleInfo* FindRule(std::string_view id);
+
+/// What texts call a rule, after its id: "ArchiveWithoutGroup". "RuleMeaning." before it is the key
+/// of what the rule means, "RuleAdvice." of what to do; see FindingText.h for what is said of a
+/// row.
+[[nodiscard]] std::string TextKeyOf(Rule rule);
 
 /// "off", "note", "warning", "error".
 [[nodiscard]] std::string_view SeverityName(Severity severity);

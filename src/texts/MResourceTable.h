@@ -816,4 +816,112 @@ enum class Studio : int {
 };
 Q_ENUM_NS(Studio)
 
+/// What the project check says of a row, by the rule, and where the first value is nothing.
+enum class Finding : int {
+    ArchiveWithoutGroup = 15001,
+    ArchiveWithSeveralGroups,
+    ArchiveWithoutText,
+    ArchiveWithoutTextIfEmpty,
+    NameEmpty,
+    NameDouble,
+    CodeUnknown,
+    VariableMissing,
+    VariableUnknown,
+    ScanTimeMissing,
+    ScanTimeMissingIfEmpty,
+    FileMissing,
+    FileShared,
+    PathInvalid,
+    PathInvalidIfEmpty,
+    Unlimited,
+    TrendWithoutArchive,
+    TrendWithoutArchiveIfEmpty,
+    TrendWithoutText,
+    TrendWithoutTextIfEmpty,
+    RangeInverted,
+    FactorZero,
+    HysteresisIncomplete,
+    HysteresisIncompleteIfEmpty,
+    TextShared,
+    TextWithoutOwner,
+    TextMissing,
+    GroupWithoutArchive,
+    RootGroupMissing,
+    LengthLimit,
+};
+Q_ENUM_NS(Finding)
+
+/// The row that a finding is about.
+enum class FindingRow : int {
+    Archive = 15101,
+    Trend,
+    Text,
+    Group,
+    Project,
+    ThisArchive,
+    ThisTrend,
+    ThisText,
+    ThisGroup,
+    ThisProject,
+};
+Q_ENUM_NS(FindingRow)
+
+/// What a rule means.
+enum class RuleMeaning : int {
+    ArchiveWithoutGroup = 15201,
+    ArchiveWithSeveralGroups,
+    ArchiveWithoutText,
+    NameEmpty,
+    NameDouble,
+    CodeUnknown,
+    VariableMissing,
+    VariableUnknown,
+    ScanTimeMissing,
+    FileMissing,
+    FileShared,
+    PathInvalid,
+    Unlimited,
+    TrendWithoutArchive,
+    TrendWithoutText,
+    RangeInverted,
+    FactorZero,
+    HysteresisIncomplete,
+    TextShared,
+    TextWithoutOwner,
+    TextMissing,
+    GroupWithoutArchive,
+    RootGroupMissing,
+    LengthLimit,
+};
+Q_ENUM_NS(RuleMeaning)
+
+/// What to do about a finding of a rule.
+enum class RuleAdvice : int {
+    ArchiveWithoutGroup = 15301,
+    ArchiveWithSeveralGroups,
+    ArchiveWithoutText,
+    NameEmpty,
+    NameDouble,
+    CodeUnknown,
+    VariableMissing,
+    VariableUnknown,
+    ScanTimeMissing,
+    FileMissing,
+    FileShared,
+    PathInvalid,
+    Unlimited,
+    TrendWithoutArchive,
+    TrendWithoutText,
+    RangeInverted,
+    FactorZero,
+    HysteresisIncomplete,
+    TextShared,
+    TextWithoutOwner,
+    TextMissing,
+    GroupWithoutArchive,
+    RootGroupMissing,
+    LengthLimit,
+};
+Q_ENUM_NS(RuleAdvice)
+
 }  // namespace MResourceTable

@@ -1,7 +1,6 @@
 #include "words/Words.h"
 
 #include <algorithm>
-#include <charconv>
 #include <vector>
 
 #include "unicode/Unicode.h"
@@ -29,18 +28,22 @@ Language::Language(std::string_view name, std::string_view file) : name_(name) {
         const std::size_t end = std::min(file.find('\n'), file.size());
         const std::string_view line = file.substr(0, end);
         file.remove_prefix(std::min(end + 1, file.size()));
-        // A key that is a number; the other texts are the windows' own.
-        int number = 0;
-        const auto read = std::from_chars(line.data(), line.data() + line.size(), number);
         const std::size_t sign = line.find('=');
-        if (read.ec != std::errc() || sign == std::string_view::npos) continue;
-        texts_[number] = WithoutAccessKeys(Trimmed(line.substr(sign + 1)));
+        if (sign == std::string_view::npos || line.starts_with('#')) continue;
+        texts_[std::string(Trimmed(line.substr(0, sign)))] =
+            WithoutAccessKeys(Trimmed(line.substr(sign + 1)));
     }
 }
 
 std::u16string Language::Text(int number) const {
-    const auto found = texts_.find(number);
-    return found != texts_.end() ? found->second : unicode::ToUtf16(std::to_string(number));
+    const std::string key = std::to_string(number);
+    const auto found = texts_.find(key);
+    return found != texts_.end() ? found->second : unicode::ToUtf16(key);
+}
+
+std::u16string Language::Text(std::string_view key) const {
+    const auto found = texts_.find(std::string(key));
+    return found != texts_.end() ? found->second : std::u16string();
 }
 
 std::span<const Language> Languages() {

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <unordered_map>
 
-/// The interface's texts that have a number, for what runs without Qt. They are those of the files
-/// in src/texts/data, built in.
+/// The interface's texts, for what runs without Qt. They are those of the files in src/texts/data,
+/// built in.
 namespace words {
 
 class Language {
@@ -17,10 +17,13 @@ public:
     [[nodiscard]] std::string_view Name() const noexcept { return name_; }
     /// The text of that number without access keys; the number itself where there is none.
     [[nodiscard]] std::u16string Text(int number) const;
+    /// The text of a key as the files have it, without access keys; escapes stay as they are. Empty
+    /// where there is none.
+    [[nodiscard]] std::u16string Text(std::string_view key) const;
 
 private:
     std::string_view name_;
-    std::unordered_map<int, std::u16string> texts_;
+    std::unordered_map<std::string, std::u16string> texts_;
 };
 
 /// German, then English.

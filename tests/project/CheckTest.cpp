@@ -11,8 +11,11 @@
 #include <sstream>
 #include <tuple>
 
+#include "project/FindingText.h"
 #include "project/Schema.h"
 #include "ProjectTesting.h"
+#include "unicode/Unicode.h"
+#include "words/Words.h"
 
 namespace project {
 namespace {
@@ -209,10 +212,55 @@ TEST(CheckTest, AMessageNamesTheRowAndWhatIsWrong) {
                  {kTrendTable, 2, "ArchiveID", ado::Null()}});
     const CheckResult result = CheckProject(project.connection);
     ASSERT_EQ(result.findings.size(), 2U);
+    const FindingWords english{
+        [](std::string_view key) { return words::FindLanguage("en")->Text(key); }};
     EXPECT_EQ(
-        MessageOf(result.findings[0]),
+        MessageOf(result.findings[0], english),
         u"trend \"A\" of archive \"Öfen\" has the Minimum 0,5, which lies above the Maximum 0");
-    EXPECT_EQ(MessageOf(result.findings[1]), u"trend \"B\" belongs to no archive");
+    EXPECT_EQ(MessageOf(result.findings[1], english), u"trend \"B\" belongs to no archive");
+    const FindingWords german{
+        [](std::string_view key) { return words::FindLanguage("de")->Text(key); },
+        [](std::string_view, std::string_view column) {
+            return column == "Minimum" ? std::u16string(u"Kleinstwert") : std::u16string();
+        }};
+    EXPECT_EQ(MessageOf(result.findings[0], german, Subject::This),
+              u"Der Trend hat als „Kleinstwert“ 0,5, mehr als 0 („Maximum“)");
+}
+
+TEST(CheckTest, WhatIsSharedIsToldByIdsOrByNames) {
+    TestProject project;
+    project.AddInOrder();
+    project.Set({{kTrendTable, 2, "TextID", 3}});
+    const Finding shared = CheckProject(project.connection).findings.at(0);
+    FindingWords words{[](std::string_view key) { return words::FindLanguage("en")->Text(key); }};
+    EXPECT_EQ(MessageOf(shared, words, Subject::This),
+              u"The text belongs to several: trend \"A\" of archive \"Öfen\", trend \"B\" of "
+              u"archive \"Öfen\"");
+    words.tellsIds = true;
+    EXPECT_EQ(MessageOf(shared, words, Subject::This),
+              u"The text belongs to several: trend 1, trend 2");
+}
+
+// The rules of the table of texts and of the page, none of them forgotten.
+TEST(CheckTest, EachRuleHasItsTextsInEachLanguage) {
+    for (const words::Language& language : words::Languages()) {
+        for (const RuleInfo& rule : Rules()) {
+            for (const char* list : {"Finding.", "RuleMeaning.", "RuleAdvice."}) {
+                EXPECT_FALSE(language.Text(list + TextKeyOf(rule.rule)).empty())
+                    << language.Name() << ' ' << list << TextKeyOf(rule.rule);
+            }
+        }
+    }
+}
+
+TEST(CheckTest, ACheckStopsWhenItIsToldTo) {
+    ado::Connection connection;
+    connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" KV_TEST_DATA
+                    "/Stadtwerke.kvs;Mode=Read|Share Deny None;");
+    int left = 3;
+    EXPECT_THROW(std::ignore = CheckProject(connection, {}, [&] { return --left > 0; }),
+                 CheckStopped);
+    EXPECT_EQ(left, 0);
 }
 
 TEST(CheckTest, EachRuleHasAnIdOfItsOwnAndStandsAmongTheDocuments) {
@@ -222,8 +270,15 @@ TEST(CheckTest, EachRuleHasAnIdOfItsOwnAndStandsAmongTheDocuments) {
     for (const RuleInfo& rule : Rules()) {
         EXPECT_EQ(&InfoOf(rule.rule), &rule) << rule.id;
         EXPECT_TRUE(ids.insert(rule.id).second) << rule.id;
-        const std::string row =
+        std::string row =
             "| `" + std::string(rule.id) + "` | " + std::string(SeverityName(rule.severity)) + " |";
+        for (const char* list : {"RuleMeaning.", "RuleAdvice."}) {
+            std::string text =
+                unicode::ToUtf8(words::FindLanguage("en")->Text(list + TextKeyOf(rule.rule)));
+            // No tag to those who read the page.
+            if (const auto at = text.find('<'); at != text.npos) text.insert(at, "\\");
+            row += ' ' + text + " |";
+        }
         EXPECT_NE(page.find(row), page.npos) << row;
     }
 }

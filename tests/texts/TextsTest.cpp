@@ -106,10 +106,12 @@ TEST_F(TextsTest, TheFilesHoldNothingElseAndNothingTwice) {
     }
 }
 
-/// The names of texts in the sources of a folder: kText... as they are, others as "Text::Name".
+/// The names of texts in the sources of a folder: kText... as they are, others as "Text::Name";
+/// those of the project check as its rules, "Rule::Name", or their keys.
 std::set<std::string> NamesUsed(const char* folder) {
     namespace fs = std::filesystem;
-    static const QRegularExpression use(u"\\b(kText\\w+|(Text|Reason|Check)::\\w+)"_s);
+    static const QRegularExpression use(
+        u"\\b(kText\\w+|(Text|Reason|Check|Rule)::\\w+|FindingRow\\.\\w+)"_s);
     std::set<std::string> used;
     for (const fs::path& path : fs::recursive_directory_iterator(fs::path(KV_SOURCES) / folder)) {
         const std::string extension = path.extension().string();
@@ -136,8 +138,17 @@ TEST_F(TextsTest, EveryOwnTextIsUsed) {
         const std::set<std::string>& used = list == "Report"   ? byReport
                                             : list == "Studio" ? byStudio
                                                                : bySrc;
-        const std::string use =
-            list.empty() ? name.cpp : (isAlias ? "Text" : list) + "::" + name.cpp;
+        const bool isRules = list == "Finding" || list == "RuleMeaning" || list == "RuleAdvice";
+        std::string use = name.cpp;
+        if (list == "FindingRow") {
+            // The rest of the key is the kind of the row.
+            use =
+                used.contains(name.key.toStdString()) ? name.key.toStdString() : "FindingRow.This";
+        } else if (isRules) {
+            use = "Rule::" + name.cpp.substr(0, name.cpp.find("IfEmpty"));
+        } else if (!list.empty()) {
+            use = (isAlias ? "Text" : list) + "::" + name.cpp;
+        }
         EXPECT_TRUE(used.contains(use)) << use;
     }
 }

@@ -49,12 +49,12 @@ public:
     }
 
     void Run() {
-        const std::size_t unread = scan_.Run([&](const ScannedRow& row) { Check(row); });
-        if (unread > 0) finder_.result.unread.emplace_back(kArchiveTable, unread);
+        finder_.Run(scan_, kArchiveTable, [&](const ScannedRow& row) { Check(row); });
         names_.ForEachDouble(
             [&](const NameList::Entry& entry, const std::vector<std::int32_t>& others) {
                 finder_.Add(Rule::NameDouble, At(entry.id), "Name",
-                            {{"Name", entry.name}, {"", u"archive " + ListOf(others)}});
+                            {{"Name", entry.name}, {"", u"archive " + ListOf(others)}},
+                            SomeOf(kArchiveTable, others));
             });
         for (const auto& [key, users] : files_) TellShared(users);
     }
@@ -187,7 +187,8 @@ private:
             if (others.empty()) continue;
             const bool isMain = user.column == "FilePath";
             finder_.Add(Rule::FileShared, At(user.id), isMain ? "FileName" : user.column,
-                        {{"FileName", user.path}, {"", u"archive " + ListOf(others)}});
+                        {{"FileName", user.path}, {"", u"archive " + ListOf(others)}},
+                        SomeOf(kArchiveTable, others));
         }
     }
 

@@ -33,12 +33,11 @@ void ReadGroups(ado::Connection& connection, Finder& finder) {
     const ScanPlace name = scan.Find("Name");
     const ScanPlace type = scan.Find("Type");
     const ScanPlace archive = scan.Find("Parameter");
-    const std::size_t unread = scan.Run([&](const ScannedRow& row) {
+    finder.Run(scan, kGroupTable, [&](const ScannedRow& row) {
         if (row.Long(type) != kArchiveGroup) return;
         finder.groups.push_back({row.Id(), row.Long(parent).value_or(0),
                                  row.Long(archive).value_or(0), std::u16string(row.Text(name))});
     });
-    if (unread > 0) finder.result.unread.emplace_back(kGroupTable, unread);
     std::sort(finder.groups.begin(), finder.groups.end(),
               [](const TextGroup& a, const TextGroup& b) { return a.id < b.id; });
     finder.hasGroups = true;
@@ -48,9 +47,9 @@ void ReadVariables(ado::Connection& connection, Finder& finder) {
     if (Has(connection, kVariableTable)) {
         const TableScan scan(connection, TableOf(kVariableTable));
         const ScanPlace name = scan.Find("Name");
-        const std::size_t unread = scan.Run(
-            [&](const ScannedRow& row) { finder.variables.insert(ado::FoldName(row.Text(name))); });
-        if (unread > 0) finder.result.unread.emplace_back(kVariableTable, unread);
+        finder.Run(scan, kVariableTable, [&](const ScannedRow& row) {
+            finder.variables.insert(ado::FoldName(row.Text(name)));
+        });
     }
 }
 

@@ -27,21 +27,34 @@ std::u16string_view VariableIn(const Column& column, std::u16string_view text) {
 }  // namespace
 
 void Finder::Add(Rule rule, const FoundAt& at, std::string_view column,
-                 std::vector<Finding::Value> values) {
+                 std::vector<Finding::Value> values, std::vector<FoundRow> others) {
     if (!Looks(rule)) return;
     result.findings.push_back({rule, severities[rule], at.table, at.id, std::string(column),
                                std::move(values), std::u16string(at.name),
-                               std::u16string(at.archive)});
+                               std::u16string(at.archive), std::move(others)});
 }
 
-void Finder::CheckLengths(const TableScan& scan, const ScannedRow& row, const FoundAt& at) {
+void Finder::Run(const TableScan& scan, std::string_view table,
+                 const std::function<void(const ScannedRow& row)>& look) {
+    constexpr unsigned kBetweenQuestions = 256;  // rows
+    unsigned count = 0;
+    const std::size_t unread = scan.Run([&](const ScannedRow& row) {
+        if (goOn && ++count % kBetweenQuestions == 0 && !goOn()) throw CheckStopped();
+        look(row);
+    });
+    if (unread > 0) result.unread.emplace_back(table, unread);
+}
+
+void Finder::CheckLengths(const TableScan& scan, const ScannedRow& row, const FoundAt& at,
+                          const std::vector<FoundRow>& others) {
     for (std::size_t place = 1; place < scan.Columns().size(); ++place) {
         const ScannedColumn& column = scan.Columns()[place];
         if (column.limit == 0) continue;
         const auto* text = std::get_if<std::u16string>(&row.At(place));
         if (text == nullptr || text->size() < column.limit) continue;
         Add(Rule::LengthLimit, at, column.name,
-            {{column.name, *text}, {"", DigitsOf(static_cast<std::int32_t>(column.limit))}});
+            {{column.name, *text}, {"", DigitsOf(static_cast<std::int32_t>(column.limit))}},
+            others);
     }
 }
 
@@ -96,6 +109,14 @@ void NameList::ForEachDouble(
         }
         begin = end;
     }
+}
+
+std::vector<FoundRow> SomeOf(std::string_view table, const std::vector<std::int32_t>& ids) {
+    std::vector<FoundRow> rows;
+    for (std::size_t i = 0; i < std::min(ids.size(), kMostOthers); ++i) {
+        rows.push_back({table, ids[i]});
+    }
+    return rows;
 }
 
 std::u16string ListOf(const std::vector<std::int32_t>& numbers) {

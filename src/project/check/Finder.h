@@ -42,6 +42,7 @@ struct TextGroup {
 /// What the check knows of the project while it goes from table to table, and what it has found.
 struct Finder {
     const Severities& severities;
+    const std::function<bool()>& goOn;  // see CheckProject
     CheckResult result{};
 
     std::vector<std::int32_t> textKeys{};                         // ascending
@@ -56,10 +57,14 @@ struct Finder {
 
     [[nodiscard]] bool Looks(Rule rule) const { return severities[rule] != Severity::Off; }
     void Add(Rule rule, const FoundAt& at, std::string_view column,
-             std::vector<Finding::Value> values = {});
+             std::vector<Finding::Value> values = {}, std::vector<FoundRow> others = {});
+    /// Goes through a table.
+    void Run(const TableScan& scan, std::string_view table,
+             const std::function<void(const ScannedRow& row)>& look);
 
     /// Texts that fill their columns.
-    void CheckLengths(const TableScan& scan, const ScannedRow& row, const FoundAt& at);
+    void CheckLengths(const TableScan& scan, const ScannedRow& row, const FoundAt& at,
+                      const std::vector<FoundRow>& others = {});
     /// What columns hold that is not in their lists, and variables that are not there.
     void CheckKnownColumns(const TableScan& scan, const ScannedRow& row, const FoundAt& at);
     /// The row's TextID; adds the row to the owners.
@@ -85,6 +90,11 @@ private:
     std::vector<Entry> entries_;
 };
 
+/// The first few of these rows of a table.
+[[nodiscard]] std::vector<FoundRow> SomeOf(std::string_view table,
+                                           const std::vector<std::int32_t>& ids);
+/// As many other rows as a finding names.
+inline constexpr std::size_t kMostOthers = 5;
 /// "34, 56"
 [[nodiscard]] std::u16string ListOf(const std::vector<std::int32_t>& numbers);
 [[nodiscard]] std::u16string DigitsOf(std::optional<std::int32_t> number);

@@ -17,8 +17,7 @@ public:
     }
 
     void Run() {
-        const std::size_t unread = scan_.Run([&](const ScannedRow& row) { Check(row); });
-        if (unread > 0) finder_.result.unread.emplace_back(kTextTable, unread);
+        finder_.Run(scan_, kTextTable, [&](const ScannedRow& row) { Check(row); });
     }
 
 private:
@@ -34,12 +33,13 @@ private:
             return;
         }
         if (last - first > 1) TellShared(at, first, last);
+        const std::vector<FoundRow> owners = SomeOwners(first, last);
         for (const ScanPlace language : languages_) {
             if (!row.Text(language).empty()) continue;
             const std::string& column = scan_.Columns()[*language].name;
-            finder_.Add(Rule::TextMissing, at, column, {{column, u""}});
+            finder_.Add(Rule::TextMissing, at, column, {{column, u""}}, owners);
         }
-        finder_.CheckLengths(scan_, row, at);
+        finder_.CheckLengths(scan_, row, at, owners);
     }
 
     using Owner = std::vector<TextOwner>::const_iterator;
@@ -49,7 +49,15 @@ private:
             if (!list.empty()) list += u", ";
             list += (owner->isTrend ? u"trend " : u"archive ") + DigitsOf(owner->id);
         }
-        finder_.Add(Rule::TextShared, at, "", {{"", list}});
+        finder_.Add(Rule::TextShared, at, "", {{"", list}}, SomeOwners(first, last));
+    }
+
+    static std::vector<FoundRow> SomeOwners(Owner first, Owner last) {
+        std::vector<FoundRow> owners;
+        for (; first != last && owners.size() < kMostOthers; ++first) {
+            owners.push_back({first->isTrend ? kTrendTable : kArchiveTable, first->id});
+        }
+        return owners;
     }
 
     Finder& finder_;

@@ -10,13 +10,13 @@ public:
         : finder_(finder), scan_(connection, TableOf(kTrendTable)) {}
 
     void Run() {
-        const std::size_t unread = scan_.Run([&](const ScannedRow& row) { Check(row); });
-        if (unread > 0) finder_.result.unread.emplace_back(kTrendTable, unread);
+        finder_.Run(scan_, kTrendTable, [&](const ScannedRow& row) { Check(row); });
         names_.ForEachDouble(
             [&](const NameList::Entry& entry, const std::vector<std::int32_t>& others) {
                 finder_.Add(Rule::NameDouble,
                             {kTrendTable, entry.id, entry.name, NameOfArchive(entry.scope)}, "Name",
-                            {{"Name", entry.name}, {"", u"trend " + ListOf(others)}});
+                            {{"Name", entry.name}, {"", u"trend " + ListOf(others)}},
+                            SomeOf(kTrendTable, others));
             });
     }
 
