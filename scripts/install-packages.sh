@@ -7,7 +7,7 @@
 # Nothing missing: no word, no apt call. Works as root or through sudo.
 set -euo pipefail
 
-groups=(build run wayland test clang format tidy bench package package-test)
+groups=(build run wayland test format tidy bench package package-test)
 declare -A packages=(
     # Compiler, linker, build tools, libraries with their headers (the presets build tests and
     # benchmarks).
@@ -18,11 +18,9 @@ declare -A packages=(
     [run]="fonts-dejavu-core qt6-translations-l10n"
     # Qt's platform for a desktop that offers Wayland and no X.
     [wayland]="qt6-wayland"
-    # The second opinion on every dumped table, and clang with its fuzzing run-time; llvm has the
-    # symbolizer that puts function names into its reports.
-    [test]="mdbtools python3 clang libclang-rt-14-dev llvm"
-    # A second compiler.
-    [clang]="clang-16"
+    # The second opinion on every dumped table, and the second compiler with its run-times for
+    # sanitizers and fuzzing; llvm has the symbolizer that puts function names into their reports.
+    [test]="mdbtools python3 clang-16 libclang-rt-16-dev llvm"
     [format]="clang-format"
     [tidy]="clang-tidy python3"
     [bench]="mdbtools time"

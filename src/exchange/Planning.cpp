@@ -39,8 +39,7 @@ private:
 class Planner {
 public:
     Planner(ado::Connection& connection, Input& input, const PlanOptions& options)
-        : connection_(connection),
-          options_(options),
+        : options_(options),
           input_(connection, input, options.kind),
           sheet_(input_.Columns()),
           archives_(connection),
@@ -366,7 +365,6 @@ private:
         return meant_->contains(id);
     }
 
-    ado::Connection& connection_;
     const PlanOptions& options_;
     InputRows input_;
     const Sheet& sheet_;

@@ -40,7 +40,7 @@ private:
 
 // Of a text with the characters that tell the modes apart, what each mode lets through.
 TEST(KeyFilterTest, EachModePassesItsCharacters) {
-    const LocaleGuard locale(QLocale(QLocale::English));
+    const LocaleGuard locale(QLocale{QLocale::English});
     const QString all = u"09afgAFGzZ_ eE+-.,\"#\\/:*?<>|ßÄ'"_s;
     const QString expected[] = {
         u"09afgAFGzZ_ eE+-.,\\/:*?<>|ßÄ'"_s,
@@ -74,7 +74,7 @@ TEST(KeyFilterTest, CodesThatAreNoCharacterAreInNoList) {
 }
 
 TEST(KeyFilterTest, DecimalSeparatorIsTheUsers) {
-    const LocaleGuard locale(QLocale(QLocale::German));
+    const LocaleGuard locale(QLocale{QLocale::German});
     EXPECT_EQ(MResources::KeyFilter(kFloat, ','), ',');
     EXPECT_EQ(MResources::KeyFilter(kFloat, '.'), 0);
 }

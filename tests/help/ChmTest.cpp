@@ -68,11 +68,11 @@ TEST(ChmReaderTest, DamagedFilesAreHarmless) {
     std::mt19937 random(7);
     for (int round = 0; round < 60; ++round) {
         QByteArray bytes = good;
-        if (round % 5 == 0) bytes.truncate(static_cast<qsizetype>(random() % good.size()));
+        if (round % 5 == 0) bytes.truncate(static_cast<qsizetype>(random()) % good.size());
         for (int i = 0; i < 1 + round % 12 && !bytes.isEmpty(); ++i) {
             // Most of what a reader trusts lies in the first part.
             const auto range = round % 2 == 0 ? bytes.size() : qMin<qsizetype>(bytes.size(), 400);
-            bytes[static_cast<qsizetype>(random() % range)] = static_cast<char>(random());
+            bytes[static_cast<qsizetype>(random()) % range] = static_cast<char>(random());
         }
         QFile file(path);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));

@@ -71,10 +71,10 @@ TEST_F(BookkeepingTest, NothingStaysBehindOfWhatHasBeenReplaced) {
         ASSERT_OK(writer.Update(row, value));
     };
     // From one place to the next, with a value in the row, in a row of its own and in several.
-    for (const std::size_t size : {100, 200, 255, 10, 255}) {
+    for (const std::size_t size : {100U, 200U, 255U, 10U, 255U}) {
         for (std::size_t i = 0; i < rows.size(); i += 3) set(rows[i], 1, size);
     }
-    for (const std::size_t size : {20, 1000, 9000, 2100, 0}) {
+    for (const std::size_t size : {20U, 1000U, 9000U, 2100U, 0U}) {
         for (std::size_t i = 0; i < rows.size(); i += 10) set(rows[i], 2, size);
         ASSERT_OK(database_->Commit());
         ExpectSound();

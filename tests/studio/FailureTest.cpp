@@ -227,7 +227,7 @@ TEST_F(FailureTest, AFullDiskStopsEveryCommandAndLeavesTheEditorUsable) {
         SCOPED_TRACE(command.name);
         const Content before = ReadContent(file_.toStdString());
         // With the second, the disk is full in the middle of a change.
-        for (const rlim_t bytes : {0, 6000}) {
+        for (const rlim_t bytes : {0U, 6000U}) {
             command.prepare();
             std::ignore = TakeMessages();
             {

@@ -303,8 +303,7 @@ class JoinStream final : public KeyStream {
 public:
     JoinStream(const RowSet& rows, const JoinOn& on, RowReader& reader,
                std::unique_ptr<KeyStream> outer)
-        : rows_(rows),
-          on_(on),
+        : on_(on),
           reader_(reader),
           outer_(std::move(outer)),
           inner_(rows.Table(1 - on.outer), rows.File(), on.innerColumn) {}
@@ -327,7 +326,6 @@ public:
     }
 
 private:
-    const RowSet& rows_;
     JoinOn on_;
     RowReader& reader_;
     std::unique_ptr<KeyStream> outer_;

@@ -96,10 +96,11 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                                                      : option.fontMetrics.elidedText(
                                                            shown, Qt::ElideRight, rect.width());
         painter->setFont(option.font);
-        painter->drawText(rect,
-                          (right ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter |
-                              Qt::TextSingleLine | Qt::TextDontClip,
-                          fitting);
+        painter->drawText(
+            rect,
+            static_cast<int>((right ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter) |
+                Qt::TextSingleLine | Qt::TextDontClip,
+            fitting);
     }
     if (!currentCell) return;
     if (choosable) PaintButton(painter, option, column);

@@ -23,7 +23,6 @@ namespace help {
 namespace {
 
 constexpr rlim_t kCpuSeconds = 15;
-constexpr rlim_t kMemory = rlim_t(1) << 30;
 
 struct Job {
     int pipe;
@@ -82,6 +81,7 @@ void RunChmChild(const char* path, int pipe) {
     Limit(RLIMIT_FSIZE, 0);
 #if !defined(KV_SANITIZED)
     // The address sanitizer reserves terabytes of addresses.
+    constexpr rlim_t kMemory = rlim_t(1) << 30;
     Limit(RLIMIT_AS, kMemory);
 #endif
     chmFile* archive = chm_open(path);

@@ -8,7 +8,6 @@ namespace jet {
 namespace {
 
 constexpr std::size_t kMostDepth = 24;
-constexpr std::size_t kRowSize = 4;  // of an entry, behind its key
 // More restarts than this would mean that splitting makes no room.
 constexpr int kMostRounds = 1000;
 
