@@ -47,6 +47,9 @@ constexpr Key kSelectAllKeys[] = {{Place::Trends, Qt::CTRL | Qt::Key_A}};
 constexpr Key kFindKeys[] = {{Place::Tree, Qt::CTRL | Qt::Key_F},
                              {Place::Archives, Qt::CTRL | Qt::Key_F},
                              {Place::Trends, Qt::CTRL | Qt::Key_F}};
+constexpr Key kProjectTableKeys[] = {{Place::Tree, Qt::CTRL | Qt::SHIFT | Qt::Key_T},
+                                     {Place::Archives, Qt::CTRL | Qt::SHIFT | Qt::Key_T},
+                                     {Place::Trends, Qt::CTRL | Qt::SHIFT | Qt::Key_T}};
 constexpr Key kHelpKeys[] = {
     {Place::Tree, Qt::Key_F1}, {Place::Archives, Qt::Key_F1}, {Place::Trends, Qt::Key_F1}};
 
@@ -69,6 +72,8 @@ constexpr Command kCommands[] = {
     {Report, u"mnuExtra(1)", kTextReport, kTextMenuExtras, kNone, u"report", 0, {}},
     {Refresh, u"mnuExtra(2)", kTextActualizeConnection, kTextMenuExtras, kNone, u"refresh", 0, {}},
     {Options, u"mnuExtra(4)", kTextOptions, kTextMenuExtras, kNone, u"options", 0, {}},
+    {ProjectTable, u"mnuExtra(6)", kTextProjectTable, kNone, kTextKeyProjectTable, u"", 0,
+     kProjectTableKeys},
     {Undo, u"mnuUndo", kTextUndo, kNone, kTextKeyUndo, u"undo", kDone | kWriting, kUndoKeys},
     {Redo, u"mnuRedo", kTextRedo, kNone, kTextKeyRedo, u"redo", kUndone | kWriting, kRedoKeys},
     {Copy, u"mnuCopy", kTextCopy, kNone, kTextKeyCopy, u"copy", 0, kCopyKeys},
@@ -95,7 +100,8 @@ constexpr Id kTrendMenu[] = {NewTrend, EditTrend, DeleteTrend};
 constexpr Id kEditMenu[] = {Undo,      Redo,       Separator, Copy,         Paste,
                             Duplicate, EditTrends, Fill,      FillCounting, Clear,
                             Separator, SelectAll,  Find};
-constexpr Id kExtrasMenu[] = {Statistic, Report, Refresh, Separator, Options};
+constexpr Id kExtrasMenu[] = {Statistic, Report,    Refresh,     Separator,
+                              Options,   Separator, ProjectTable};
 constexpr Menu kMenus[] = {
     {u"mnuArchive", kTextMenuArchive, u"mnuArchiv", kArchiveMenu},
     {u"mnuTrends", kTextMenuTrends, u"mnuTrend", kTrendMenu},

@@ -26,6 +26,7 @@ enum class Id : std::uint8_t {
     Report,
     Refresh,
     Options,
+    ProjectTable,
     Undo,
     Redo,
     Copy,

@@ -14,3 +14,11 @@ bool GridSource::setData(const QModelIndex& index, const QVariant& value, int ro
     return CommitCell(IdAt(index.row()), index.column(), value).outcome ==
            GridCommit::Outcome::Stored;
 }
+
+bool GridSource::SortRows(int /*column*/, Qt::SortOrder /*order*/, bool /*further*/) {
+    return false;
+}
+
+std::optional<Qt::SortOrder> GridSource::OrderOf(int /*column*/) const {
+    return std::nullopt;
+}

@@ -31,6 +31,9 @@ inline constexpr int kStored = Qt::UserRole + 1;
 inline constexpr int kField = Qt::UserRole + 2;
 /// headerData(), horizontal: a GridKind as int. Text when missing.
 inline constexpr int kKind = Qt::UserRole + 3;
+/// data(): the value to be written again elsewhere, where that is more than kStored shows; else the
+/// same.
+inline constexpr int kExact = Qt::UserRole + 5;
 /// data(): the number that the text of a cell is as a whole; an invalid QVariant when it is none.
 inline constexpr int kNumber = Qt::UserRole + 4;
 }  // namespace GridRole
@@ -117,6 +120,14 @@ public:
     /// Writes several cells, each named once, all of them or none; as CommitCell. A source that
     /// cannot do that refuses.
     virtual GridCommit CommitCells(const QList<GridCell>& cells);
+
+    /// Puts the rows into the order of a column, where the source can do that better than the grid;
+    /// -1: into its own order. `further`: only rows that are equal in the order that there is. The
+    /// source tells nobody: the grid reads its rows anew then, and whenever they are reset. False:
+    /// the grid sorts them.
+    virtual bool SortRows(int column, Qt::SortOrder order, bool further);
+    /// How such an order goes by the column; nothing where it does not.
+    [[nodiscard]] virtual std::optional<Qt::SortOrder> OrderOf(int column) const;
 
     /// Goes through CommitCell. Returns whether the value is stored.
     bool setData(const QModelIndex& index, const QVariant& value, int role) override;

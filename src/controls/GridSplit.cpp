@@ -1,6 +1,7 @@
 #include "controls/GridSplit.h"
 
 #include <algorithm>
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QScopedValueRollback>
 #include <QTimer>
@@ -298,8 +299,9 @@ void GridSplit::Sort(QStringView field, Qt::SortOrder order) {
 
 void GridSplit::SortByColumn(int column) {
     if (ColumnAt(column) == nullptr || !CommitPendingEdit()) return;
-    const bool upwards = rows_->SortColumn() == column && rows_->Order() == Qt::AscendingOrder;
-    rows_->Sort(column, upwards ? Qt::DescendingOrder : Qt::AscendingOrder);
+    const bool upwards = rows_->OrderOf(column) == Qt::AscendingOrder;
+    const bool further = QGuiApplication::keyboardModifiers().testFlag(Qt::ShiftModifier);
+    rows_->Sort(column, upwards ? Qt::DescendingOrder : Qt::AscendingOrder, further);
 }
 
 void GridSplit::ClearSort() {
@@ -313,6 +315,27 @@ QString GridSplit::SortField() const {
 
 Qt::SortOrder GridSplit::SortOrder() const {
     return rows_->Order();
+}
+
+void GridSplit::SetFilterRow(bool show) {
+    view_.ShowFilters(show);
+}
+
+QString GridSplit::ColumnFilter(int column) const {
+    const GridColumn* shown = ColumnAt(column);
+    return shown == nullptr ? QString() : filters_.value(shown->DataField());
+}
+
+void GridSplit::SetColumnFilter(int column, const QString& text) {
+    const GridColumn* shown = ColumnAt(column);
+    if (shown == nullptr || ColumnFilter(column) == text) return;
+    filters_[shown->DataField()] = text;
+    view_.FiltersChanged();
+    emit ColumnFilterChanged(column, text);
+}
+
+bool GridSplit::FocusFilter(int column) {
+    return view_.FocusFilter(column);
 }
 
 void GridSplit::SetFilterText(const QString& text) {

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -164,6 +165,15 @@ public:
     /// Empty: all. A row with a pending edit stays.
     void SetFilterText(const QString& text);
     [[nodiscard]] QString FilterText() const;
+    /// A line of fields under the headings, one for each column, into which the user types what he
+    /// looks for. The grid keeps the texts and leaves to the source's owner what they mean
+    /// (ColumnFilterChanged).
+    void SetFilterRow(bool show);
+    [[nodiscard]] QString ColumnFilter(int column) const;
+    /// Raises ColumnFilterChanged when it is another text.
+    void SetColumnFilter(int column, const QString& text);
+    /// Leads the keyboard into the field of a column. False when it is not shown.
+    bool FocusFilter(int column);
     /// Rows that are shown, as far as they have been fetched.
     [[nodiscard]] int RowCount() const;
 
@@ -193,6 +203,9 @@ signals:
     void TextRefused(int column, const QString& text);
     /// A row disappeared while `text` was being typed into it.
     void EditDiscarded(GridRowId row, int column, const QString& text);
+    void ColumnFilterChanged(int column, const QString& text);
+    /// The choice of filters for a column is wanted.
+    void ColumnFilterMenu(int column, const QPoint& globalPosition);
     /// Also after a reset, which may bring other rows.
     void FilterChanged();
     /// Columns were moved, resized, shown or hidden, by the user or by property.
@@ -230,6 +243,7 @@ private:
     std::unique_ptr<RowMemory> memory_;
     std::unique_ptr<CellEdit> edit_;
     QString caption_;
+    QHash<QString, QString> filters_;    // of columns, by field
     GridRowId currentRow_ = kNoGridRow;  // as last raised by RowColChange
     int currentColumn_ = -1;
     bool locked_ = false;

@@ -7,4 +7,6 @@ enum class GridText {
     Choose,
     CurrentRow,
     EditedRow,
+    Filter,         // what a field under a heading is
+    FilterChoices,  // and the button in it
 };

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <QLocale>
 
-#include "editor/CellText.h"
+#include "cells/CellText.h"
 #include "project/Schema.h"
 #include "projectdb/Text.h"
 #include "texts/MResourceTable.h"

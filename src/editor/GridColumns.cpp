@@ -5,6 +5,7 @@
 
 #include "ado/AdoError.h"
 #include "ado/Recordset.h"
+#include "cells/TrendColumns.h"
 #include "project/Schema.h"
 #include "projectdb/Text.h"
 #include "texts/MResourceTable.h"
@@ -15,8 +16,6 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr QStringView kUnitTable = u"Units";  // what follows the prefix of the table's kind
-
-const QString kGeneralNumber = u"General Number"_s;
 
 constexpr double kArchiveWidth = 3000;  // twips
 
@@ -46,24 +45,12 @@ void SetUpTrends(GridSplit& trends, const MResources::TextTable& texts) {
     trends.SetDoubleClickEdits(false);
     for (int i = 0; i < trends.ColumnCount(); ++i) {
         GridColumn* column = trends.ColumnAt(i);
-        if (!TrendFields().contains(column->DataField())) column->SetVisible(false);
-        if (column->Kind() == GridKind::Number || column->Kind() == GridKind::Integer) {
-            column->SetNumberFormat(kGeneralNumber);
-        }
-    }
-    for (const project::Column& known : project::TrendColumns()) {
-        GridColumn* column = trends.Column(projectdb::ToQString(known.name));
-        if (column == nullptr || known.caption == 0) continue;
-        if (known.kind == project::Kind::Limit) column->SetNumberFormat(kGeneralNumber);
-        column->SetCaption(texts.GetText(known.caption));
-        GridValueItems items;
-        for (const project::Code& code : known.codes) {
-            items.append({code.code, texts.GetText(code.text)});
-        }
-        if (!items.isEmpty()) column->SetValueItems(items);
-        const bool chosen =
-            known.kind == project::Kind::Colour || known.kind == project::Kind::Variable;
-        if (chosen) column->SetButton(true);
+        const bool isSetting = IsForUser(*column);
+        if (!isSetting) column->SetVisible(false);
+        TrendColumns::SetUp(
+            *column,
+            isSetting ? project::FindTrendColumn(projectdb::ToUtf8(column->DataField())) : nullptr,
+            texts);
     }
 }
 
@@ -98,18 +85,7 @@ void SetUpUnits(GridSplit& trends, ado::Connection& project) {
 }
 
 bool IsForUser(const GridColumn& column) {
-    return TrendFields().contains(column.DataField());
-}
-
-QList<QString> TrendFields() {
-    static const QList<QString> fields = [] {
-        QList<QString> names;
-        for (const project::Column& column : project::TrendColumns()) {
-            if (column.caption != 0) names.append(projectdb::ToQString(column.name));
-        }
-        return names;
-    }();
-    return fields;
+    return TrendColumns::Fields().contains(column.DataField());
 }
 
 QString FormatOrders(const QList<int>& columns) {

@@ -29,9 +29,6 @@ void SetUpUnits(GridSplit& trends, ado::Connection& project);
 /// none.
 [[nodiscard]] bool IsForUser(const GridColumn& column);
 
-/// Fields of a trend in the order of their captions' numbers.
-[[nodiscard]] QList<QString> TrendFields();
-
 /// A column order as the settings hold it: a comma, so that it is taken for a text, then the
 /// 0-based positions of all columns in the order shown, separated by commas.
 [[nodiscard]] QString FormatOrders(const QList<int>& columns);

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 
-#include "editor/CellInput.h"
-#include "editor/CellText.h"
+#include "cells/CellInput.h"
+#include "cells/CellText.h"
+#include "cells/CellValue.h"
 #include "guard/Guard.h"
 #include "project/Colour.h"
 #include "project/FieldText.h"
@@ -90,28 +91,6 @@ const ado::Field& RecordsetModel::FieldAt(int column) const {
     return recordset_->Fields()[fields_.at(static_cast<std::size_t>(column))];
 }
 
-QVariant RecordsetModel::Exact(const ado::Value& value) {
-    const auto* text = std::get_if<std::u16string>(&value);
-    return text != nullptr ? QVariant(projectdb::ToQString(*text)) : Stored(value);
-}
-
-QVariant RecordsetModel::Stored(const ado::Value& value) {
-    if (ado::IsNull(value)) return {};
-    if (const auto* text = std::get_if<std::u16string>(&value))
-        return projectdb::ToQString(project::ValueText(*text));
-    if (const auto* flag = std::get_if<bool>(&value)) return *flag ? 1 : 0;
-    if (const auto* number = std::get_if<std::int32_t>(&value)) return *number;
-    // As it is: its double would show places that a single does not have.
-    if (const auto* single = std::get_if<float>(&value)) return *single;
-    if (const auto* number = std::get_if<double>(&value)) return *number;
-    if (const auto* date = std::get_if<ado::Date>(&value)) return date->days;
-    if (std::holds_alternative<ado::Binary>(value)) return {};
-    const QString text = projectdb::ToQString(ado::ToText(value));
-    bool isNumber = false;
-    const double number = text.toDouble(&isNumber);
-    return isNumber ? QVariant(number) : QVariant(text);
-}
-
 void RecordsetModel::MoveTo(int row) {
     recordset_->SetBookmark(rows_.at(static_cast<std::size_t>(row)).bookmark);
 }
@@ -131,7 +110,7 @@ std::optional<QVariant> RecordsetModel::ReadCell(int column, const QString& text
     // A text that is too long is the field's to refuse, which tells why.
     if (read.problem == project::Problem::TooLong) return text;
     if (read.problem != project::Problem::None) return std::nullopt;
-    return Stored(read.value);
+    return StoredValue(read.value);
 }
 
 GridCommit RecordsetModel::CommitCell(GridRowId /*row*/, int /*column*/,
@@ -167,7 +146,9 @@ QVariant RecordsetModel::data(const QModelIndex& index, int role) const {
             return read.whole && !read.tooLarge ? QVariant(read.number) : QVariant();
         }
         case GridRole::kStored:
-            return Stored(ValueAt(index.row(), index.column()));
+            return StoredValue(ValueAt(index.row(), index.column()));
+        case GridRole::kExact:
+            return ExactValue(ValueAt(index.row(), index.column()));
         default:
             return {};
     }

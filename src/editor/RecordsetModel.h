@@ -52,12 +52,6 @@ public:
     [[nodiscard]] const ado::Value& ValueAt(int row, int column) const;
     [[nodiscard]] const ado::Field& FieldAt(int column) const;
 
-    /// A value as the grid holds it (GridRole::kStored); invalid: Null.
-    [[nodiscard]] static QVariant Stored(const ado::Value& value);
-    /// The same, but for the mark of an empty text, which stays: what is written with it is the
-    /// same value again.
-    [[nodiscard]] static QVariant Exact(const ado::Value& value);
-
     /// Makes the row the recordset's current one, freshly read.
     void MoveTo(int row);
     /// Takes the values of the recordset's current row over into `row`.

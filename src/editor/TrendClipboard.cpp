@@ -2,9 +2,10 @@
 
 #include <algorithm>
 
-#include "editor/CellInput.h"
-#include "editor/CellText.h"
-#include "editor/TabText.h"
+#include "cells/CellBlock.h"
+#include "cells/CellInput.h"
+#include "cells/CellText.h"
+#include "cells/TabText.h"
 #include "projectdb/Text.h"
 #include "texts/MResourceTable.h"
 
@@ -69,12 +70,6 @@ std::optional<ado::Value> ReadCell(const QString& text, int column, const Reader
         CellInput(text, reader.rows.FieldAt(column), reader.locale, reader.texts, reader.asStored);
     if (read.problem != project::Problem::None) return std::nullopt;
     return read.value;
-}
-
-QString Refusal(const MResources::TextTable& texts, std::size_t row, const QString& column,
-                const QString& cell) {
-    return texts.GetText(MResourceTable::kTextPasteInvalid,
-                         {{u"row", QString::number(row)}, {u"column", column}, {u"text", cell}});
 }
 
 QString Copy(const GridSplit& split, const QList<GridRowId>& rows) {
@@ -149,10 +144,10 @@ std::optional<Pasted> Parse(const QString& text, const Reader& reader) {
             const bool headed = i < columns.size();
             if (!headed && cell.isEmpty()) continue;
             if (headed && TakeCell(cell, columns[i], reader, trend)) continue;
-            pasted.refusal = Refusal(
-                reader.texts, static_cast<std::size_t>(row),
+            pasted.refusal = CellBlock::PasteRefusal(
+                row,
                 headed ? reader.trends.ColumnAt(columns[i])->Caption() : QString::number(i + 1),
-                cell);
+                cell, reader.texts);
             return pasted;
         }
         pasted.trends.push_back(std::move(trend));

@@ -48,14 +48,11 @@ struct Reader {
 [[nodiscard]] std::optional<Pasted> Parse(const QMimeData& data, const Reader& reader);
 [[nodiscard]] std::optional<Pasted> Parse(const QString& text, const Reader& reader);
 
-/// The text of a single cell as spreadsheets give it, without quotes and line end.
-[[nodiscard]] QString SingleCell(const QString& text);
-
 /// One cell of a column; nullopt when the text is no value for it.
 [[nodiscard]] std::optional<ado::Value> ReadCell(const QString& text, int column,
                                                  const Reader& reader);
-/// Says which cell is no valid value. Rows count from 1.
-[[nodiscard]] QString Refusal(const MResources::TextTable& texts, std::size_t row,
-                              const QString& column, const QString& cell);
+
+/// The text of a single cell as spreadsheets give it, without quotes and line end.
+[[nodiscard]] QString SingleCell(const QString& text);
 
 }  // namespace TrendClipboard

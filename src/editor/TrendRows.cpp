@@ -4,6 +4,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "cells/CellValue.h"
 #include "project/Rows.h"
 #include "project/Transaction.h"
 #include "projectdb/Failure.h"
@@ -24,39 +25,6 @@ bool IsSettingField(const ado::Field& field) {
     if (field.baseTable != project::kTrendTable) return false;
     const project::Column* column = KnownColumn(field);
     return column != nullptr ? column->caption != 0 : field.baseColumn != project::kKeyColumn;
-}
-
-GridKind KindOf(const ado::Field& field) {
-    using ado::DataType;
-    const project::Column* known = KnownColumn(field);
-    if (known != nullptr && known->kind == project::Kind::Colour) return GridKind::Colour;
-    switch (field.type) {
-        case DataType::SmallInt:
-        case DataType::Integer:
-        case DataType::UnsignedTinyInt:
-            return GridKind::Integer;
-        case DataType::Single:
-        case DataType::Double:
-        case DataType::Currency:
-        case DataType::Numeric:
-            return GridKind::Number;
-        default:
-            return GridKind::Text;
-    }
-}
-
-ado::Value ToValue(const QVariant& value) {
-    switch (value.typeId()) {
-        case QMetaType::UnknownType:
-            return ado::Null{};
-        case QMetaType::QString:
-            return projectdb::ToUtf16(value.toString());
-        case QMetaType::Int:
-            return static_cast<std::int32_t>(value.toInt());
-        default:
-            // The field takes what fits into it and refuses the rest.
-            return value.toDouble();
-    }
 }
 
 /// New names of trends, taken as a set: one that another of them gives up is free. Unless they are
@@ -149,7 +117,7 @@ std::vector<TrendRows::RowCells> TrendRows::ByRow(const QList<GridCell>& cells) 
     for (const GridCell& cell : cells) {
         const auto [place, isNew] = places.try_emplace(cell.row, rows.size());
         if (isNew) rows.push_back({RowOf(cell.row), {}});
-        rows[place->second].cells.emplace_back(cell.column, ToValue(cell.value));
+        rows[place->second].cells.emplace_back(cell.column, FieldValue(cell.value));
     }
     return rows;
 }

@@ -21,9 +21,13 @@
 class CDBLanguages;
 class CInit;
 class EditorHistory;
+class frmProjectTable;
 class EditorKeys;
 class EditorLayout;
 class EditorMenus;
+namespace CellBlock {
+struct Result;
+}
 namespace drafts {
 class DraftKeeper;
 struct Draft;
@@ -152,6 +156,7 @@ public:
     [[nodiscard]] ado::Connection& Connection() override;
     [[nodiscard]] bool MayStore() override;
     bool RunStep(const std::function<void()>& change) override;
+    void GoStep(bool back) override;
     bool ShowPlace(const projectdb::Place& place) override;
     [[nodiscard]] std::optional<QString> ChooseVariable(QWidget* owner,
                                                         const QString& current) override;
@@ -237,7 +242,6 @@ private:
     /// Key of the archive that comes after one in the list or tree that the user works in, or
     /// before it when it is the last; the root's when there is none.
     [[nodiscard]] QString ArchiveBeside(const QString& nodeKey);
-    void PasteCell(const QString& text);
     void PasteBlock(const QList<QStringList>& lines);
     void PasteRows(const std::vector<project::NewTrend>& pasted, const QList<GridCell>& cells);
     [[nodiscard]] QList<GridCell> CellsThatDiffer(int row, const project::NewTrend& trend,
@@ -246,11 +250,13 @@ private:
     /// wants that, and become cells of it. False when he gives up.
     [[nodiscard]] bool TakeUpdates(std::vector<project::NewTrend>& pasted, QList<GridCell>& cells);
     void FillDown(bool counting);
+    void WriteBlock(const CellBlock::Result& block);
     void EditSelected();
     void WriteColumn(int column, const QVariant& value);
     void ShowCells();
     void ShowTrends(const std::vector<std::int32_t>& ids);
     void ChooseColour(int column, const QVariant& stored);
+    void ShowProjectTable();
     void ShowReport();
     void ShowOptions();
     [[nodiscard]] DialogServices Services();
@@ -276,14 +282,15 @@ private:
     std::array<QLabel*, 3> panels_{};
     RecordsetModel* archives_ = nullptr;
     TrendRows* trends_ = nullptr;
-    projectdb::RowFailures unreadable_;  // trends whose names are not known
-    QPointer<QObject> report_;           // belongs to its library; null before it is first wanted
-    QString nodeKey_;                    // the node that the menus stand for
-    bool marking_ = false;               // the selection in split 0 follows the tree just now
-    int narrowed_ = 1;                   // the split that the find field narrows
-    bool narrowedToNothing_ = false;     // which is said in the status bar
-    bool busy_ = false;                  // a command runs
-    bool active_ = false;                // the keyboard is in the window
-    std::uint64_t shownContent_ = 0;     // of the file, when Activate has read it; 0: never
+    projectdb::RowFailures unreadable_;       // trends whose names are not known
+    QPointer<frmProjectTable> projectTable_;  // null before it is first wanted
+    QPointer<QObject> report_;        // belongs to its library; null before it is first wanted
+    QString nodeKey_;                 // the node that the menus stand for
+    bool marking_ = false;            // the selection in split 0 follows the tree just now
+    int narrowed_ = 1;                // the split that the find field narrows
+    bool narrowedToNothing_ = false;  // which is said in the status bar
+    bool busy_ = false;               // a command runs
+    bool active_ = false;             // the keyboard is in the window
+    std::uint64_t shownContent_ = 0;  // of the file, when Activate has read it; 0: never
     bool columnsSetUp_ = false;
 };

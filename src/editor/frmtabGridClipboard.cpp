@@ -7,11 +7,12 @@
 #include <QScopedValueRollback>
 #include <QScopeGuard>
 
+#include "cells/CellValue.h"
+#include "cells/TabText.h"
 #include "commands/PasteCommands.h"
 #include "controls/TDBGrid.h"
 #include "editor/frmtabGrid.h"
 #include "editor/RowProgress.h"
-#include "editor/TabText.h"
 #include "editor/TrendClipboard.h"
 #include "editor/TrendRows.h"
 #include "guard/Guard.h"
@@ -57,7 +58,7 @@ void frmtabGrid::Paste() {
     }
     const TrendClipboard::Reader reader{tdbA->SplitAt(1), *trends_, texts_, QLocale()};
     auto pasted = TrendClipboard::Parse(*held, reader);
-    if (!pasted) return PasteCell(TrendClipboard::SingleCell(held->text()));
+    if (!pasted) return PasteBlock({{TrendClipboard::SingleCell(held->text())}});
     if (pasted->isBlock) return PasteBlock(TabText::Parse(held->text()));
     if (!pasted->refusal.isEmpty()) return Tell(pasted->refusal);
     QList<GridCell> cells;
@@ -115,12 +116,12 @@ QList<GridCell> frmtabGrid::CellsThatDiffer(int row, const project::NewTrend& tr
         const int column = trends_->ColumnOf(field);
         const GridColumn* shown = trends.ColumnAt(column);
         if (shown == nullptr || trends_->ValueAt(row, column) == value) continue;
-        const QVariant stored = RecordsetModel::Stored(value);
+        const QVariant stored = StoredValue(value);
         const QString text = shown->ValueText(stored);
         changes.append(u"%1: %2: '%3' \u2192 '%4'"_s.arg(
             projectdb::ToQString(trend.name), shown->Caption(), trends.CellText(id, column),
             text.isEmpty() ? stored.toString() : text));
-        cells.append({id, column, RecordsetModel::Exact(value)});
+        cells.append({id, column, ExactValue(value)});
     }
     return cells;
 }
@@ -163,24 +164,4 @@ bool frmtabGrid::TakeUpdates(std::vector<project::NewTrend>& pasted, QList<GridC
         cells.clear();
     }
     return answer != messages::MessageResult::Cancel;
-}
-
-void frmtabGrid::PasteCell(const QString& text) {
-    GridSplit& trends = tdbA->SplitAt(1);
-    const GridSplit::Cells selected = trends.SelectedCells();
-    if (selected.rows.isEmpty()) return Hint(MResourceTable::kTextHintCellLocked);
-    QList<GridCell> cells;
-    for (const int column : selected.columns) {
-        const auto value =
-            TrendClipboard::ReadCell(text, column, {trends, *trends_, texts_, QLocale()});
-        for (const GridRowId row : selected.rows) {
-            if (!trends.CanEdit(row, column)) return Hint(MResourceTable::kTextHintCellLocked);
-            if (value) cells.append({row, column, RecordsetModel::Stored(*value)});
-        }
-        if (!value) {
-            return Tell(
-                TrendClipboard::Refusal(texts_, 1, trends.ColumnAt(column)->Caption(), text));
-        }
-    }
-    trends.WriteCells(cells);
 }

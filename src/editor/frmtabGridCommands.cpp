@@ -5,14 +5,13 @@
 #include <QMenu>
 #include <QScopedValueRollback>
 #include <QStatusBar>
-#include <QTableView>
 
+#include "cells/HeadingMenu.h"
 #include "commands/DuplicateCommands.h"
 #include "commands/Statistic.h"
 #include "commands/TrendCommands.h"
-#include "controls/KVColorSelect.h"
 #include "controls/TDBGrid.h"
-#include "dialogs/ColourTexts.h"
+#include "dialogs/CellColour.h"
 #include "dialogs/MConfigeditor.h"
 #include "drafts/DraftKeeper.h"
 #include "editor/EditorHistory.h"
@@ -20,7 +19,6 @@
 #include "editor/EditorMenus.h"
 #include "editor/frmtabGrid.h"
 #include "editor/GridColumns.h"
-#include "editor/HeadingMenu.h"
 #include "editor/RowProgress.h"
 #include "editor/TrendRows.h"
 #include "guard/Guard.h"
@@ -132,6 +130,8 @@ void frmtabGrid::Run(commandset::Id id) {
             return mnuExtra_Click(kRefresh);
         case Id::Options:
             return mnuExtra_Click(kOptions);
+        case Id::ProjectTable:
+            return ShowProjectTable();
         case Id::Undo:
         case Id::Redo:
             return GoSteps(id, 1);
@@ -345,24 +345,10 @@ void frmtabGrid::ChooseForCell(GridRowId row, int column) {
     if (variable) WriteColumn(column, *variable);
 }
 
-/// Opens the palette of a colour selector that stands over the cell until it closes.
 void frmtabGrid::ChooseColour(int column, const QVariant& stored) {
-    QTableView* view = tdbA->SplitAt(1).View();
-    auto* selector = new KVColorSelect(view->viewport());
-    selector->setObjectName(u"clrCell"_s);
-    selector->SetTexts(ColourTexts(texts_));
-    selector->setGeometry(view->visualRect(view->currentIndex()));
-    if (stored.isValid()) {
-        selector->SetColor(stored.toInt());
-    } else {
-        selector->ClearColor();
-    }
-    connect(selector, &KVColorSelect::ColorChanged, this, [=, this](int color) {
+    ChooseCellColour(tdbA->SplitAt(1), stored, texts_, [=, this](int color) {
         Guard(u"frmtabGrid: tdbA"_s, [&] { WriteColumn(column, color); });
     });
-    connect(selector, &KVColorSelect::ChoiceEnded, selector, &QObject::deleteLater);
-    selector->show();
-    selector->OpenPalette();
 }
 
 void frmtabGrid::ShowDataError(int number, const QString& text, const QString& details) {
@@ -387,13 +373,13 @@ void frmtabGrid::OpenContextMenu(int split, const QPoint& position) {
     menus_->FillContextMenu(menu, Place(split));
     GridSplit& grid = tdbA->SplitAt(split);
     QMenu* column = menu.addMenu(texts_.GetText(MResourceTable::kTextColumnMenu));
-    HeadingMenu::Fill(*column, grid, grid.CurrentColumn(), texts_);
+    HeadingMenu::Fill(*column, grid, grid.CurrentColumn(), texts_, GridColumns::IsForUser);
     menu.exec(position);
 }
 
 void frmtabGrid::OpenHeadingMenu(int split, int column, const QPoint& position) {
     QMenu menu(this);
     menu.setObjectName(u"mnuHead"_s);
-    HeadingMenu::Fill(menu, tdbA->SplitAt(split), column, texts_);
+    HeadingMenu::Fill(menu, tdbA->SplitAt(split), column, texts_, GridColumns::IsForUser);
     menu.exec(position);
 }

@@ -8,6 +8,7 @@
 #include <QStatusBar>
 #include <QToolBar>
 
+#include "cells/GridTexts.h"
 #include "controls/TDBGrid.h"
 #include "editor/EditorHistory.h"
 #include "editor/EditorKeys.h"
@@ -26,22 +27,6 @@ using guard::Guard;
 constexpr std::array kPanelTexts = {MResourceTable::kTextFunctionPanel,
                                     MResourceTable::kTextArchivesPanel,
                                     MResourceTable::kTextTrendsPanel};
-
-MResourceTable::Number TextOf(GridText text) {
-    switch (text) {
-        case GridText::SortedUpwards:
-            return MResourceTable::kTextSortedUpwards;
-        case GridText::SortedDownwards:
-            return MResourceTable::kTextSortedDownwards;
-        case GridText::Choose:
-            return MResourceTable::kTextChoose;
-        case GridText::CurrentRow:
-            return MResourceTable::kTextCurrentRow;
-        case GridText::EditedRow:
-            return MResourceTable::kTextEditedRow;
-    }
-    return MResourceTable::kTextTrendBlank;
-}
 
 constexpr int kFindWidth = 32;              // average characters
 constexpr int kSmallestLanguageWidth = 14;  // likewise
@@ -118,7 +103,7 @@ QLayout* frmtabGrid::BuildTopRow() {
 void frmtabGrid::BuildGrid() {
     tdbA = new TDBGrid(this);
     tdbA->setObjectName(u"tdbA"_s);
-    tdbA->SetTexts([this](GridText text) { return texts_.GetText(TextOf(text)); });
+    tdbA->SetTexts(GridTexts(texts_));
     tdbA->Splitter()->handle(1)->setObjectName(u"pctTrdTabSplit"_s);
     archives_ = new RecordsetModel(texts_, this);
     trends_ = new TrendRows(

@@ -11,6 +11,7 @@
 #include "projectdb/NodeKey.h"
 #include "projectdb/ProjectRows.h"
 #include "projectdb/Text.h"
+#include "projecttable/frmProjectTable.h"
 #include "texts/MResourceTable.h"
 
 namespace {
@@ -78,6 +79,10 @@ bool frmtabGrid::RunStep(const std::function<void()>& change) {
     return true;
 }
 
+void frmtabGrid::GoStep(bool back) {
+    GoSteps(back ? commandset::Id::Undo : commandset::Id::Redo, 1);
+}
+
 bool frmtabGrid::ShowPlace(const projectdb::Place& place) {
     if (busy_ || !CommitPendingEdit()) return false;
     Owner owner;
@@ -99,6 +104,12 @@ bool frmtabGrid::ShowPlace(const projectdb::Place& place) {
     if (grid.SetCurrentCell(row, column)) return true;
     txtFind->clear();  // what narrows the split may hide it
     return grid.SetCurrentCell(row, column);
+}
+
+void frmtabGrid::ShowProjectTable() {
+    if (!CommitPendingEdit()) return;
+    if (!projectTable_) projectTable_ = new frmProjectTable(texts_, *this, this);
+    projectTable_->Open();
 }
 
 std::optional<QString> frmtabGrid::ChooseVariable(QWidget* owner, const QString& current) {

@@ -39,6 +39,7 @@ constexpr Topic kTopics[] = {
     {platform::kHelpReport, "report.html"},
     {platform::kHelpRefresh, "window.html#refresh"},
     {platform::kHelpKeys, "keys.html"},
+    {platform::kHelpProjectTable, "project-table.html"},
     {platform::kHelpOptionsCommon, "options.html#common"},
     {platform::kHelpOptionsTrendTable, "options.html#columns"},
     {platform::kHelpArchiveStandard, "archive-dialog.html#standard"},
@@ -69,7 +70,7 @@ constexpr Chapter kChapters[] = {
     {1, "trend-dialog.html"},   {1, "hysteresis.html"},    {1, "filter.html"},
     {1, "tolerance.html"},      {1, "draw-modes.html"},    {0, "backups.html"},
     {0, "window.html"},         {1, "languages.html"},     {1, "report.html"},
-    {1, "options.html"},        {1, "keys.html"},
+    {1, "project-table.html"},  {1, "options.html"},       {1, "keys.html"},
 };
 
 // Where a page lists the keys of the commands.

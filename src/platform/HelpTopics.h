@@ -19,6 +19,7 @@ inline constexpr int kHelpStatistic = 30006;
 inline constexpr int kHelpReport = 30007;  // also the report's own window
 inline constexpr int kHelpRefresh = 30008;
 inline constexpr int kHelpKeys = 30009;  // all keys on one page
+inline constexpr int kHelpProjectTable = 30016;
 
 // Options dialog, a number for each page
 inline constexpr int kHelpOptionsCommon = 30010;

@@ -34,6 +34,8 @@ public:
     /// being edited in the editor window is stored first. Afterwards, also when `change` throws,
     /// tree, lists and rows show what the file has. False: not run, and the user knows why.
     virtual bool RunStep(const std::function<void()>& change) = 0;
+    /// Takes the user's last step back, or does again what has been taken back last.
+    virtual void GoStep(bool back) = 0;
     /// Opens the archive of a row and makes its cell the current one; of a text, the row that names
     /// it. The keyboard goes to the editor window. False when the row is not there, or an edit
     /// that is pending is refused.

@@ -14,7 +14,7 @@
 #include "addin/MKVSGlobalEditors.h"
 #include "ado/AdoError.h"
 #include "ado/TrendQuery.h"
-#include "editor/CellText.h"
+#include "cells/CellText.h"
 #include "editor/GridColumns.h"
 #include "editor/RowProgress.h"
 #include "guard/Guard.h"

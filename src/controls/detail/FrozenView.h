@@ -15,6 +15,7 @@ public:
 
     /// After the grid's columns or fonts have changed; in the order shown. None hides the strip.
     void ShowColumns(const std::vector<int>& columns);
+    [[nodiscard]] CaptionHeader& Captions() const { return *captions_; }
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;

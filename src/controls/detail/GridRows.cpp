@@ -98,7 +98,7 @@ int GridRows::RowOf(GridRowId id) const {
 }
 
 int GridRows::PlaceOf(int sourceRow) const {
-    const auto place = sortColumn_ < 0 ? std::lower_bound(shown_.begin(), shown_.end(), sourceRow)
+    const auto place = InSourceOrder() ? std::lower_bound(shown_.begin(), shown_.end(), sourceRow)
                                        : std::find(shown_.begin(), shown_.end(), sourceRow);
     if (place == shown_.end() || *place != sourceRow) return -1;
     return static_cast<int>(place - shown_.begin());
@@ -131,10 +131,16 @@ void GridRows::Rebuild(const std::function<void()>& change) {
     emit Rebuilt(false);
 }
 
-void GridRows::Sort(int column, Qt::SortOrder order) {
+std::optional<Qt::SortOrder> GridRows::OrderOf(int column) const {
+    if (sourceSorts_ && source_ != nullptr) return source_->OrderOf(column);
+    return column == sortColumn_ ? std::optional(order_) : std::nullopt;
+}
+
+void GridRows::Sort(int column, Qt::SortOrder order, bool further) {
     Rebuild([&] {
         sortColumn_ = column;
         order_ = order;
+        sourceSorts_ = source_ != nullptr && source_->SortRows(column, order, further);
     });
     if (columnCount() > 0) emit headerDataChanged(Qt::Horizontal, 0, columnCount() - 1);
 }
@@ -149,7 +155,7 @@ void GridRows::Compute() {
     if (source_ == nullptr) return;
     locale_ = QLocale();
     if (sortColumn_ >= source_->columnCount()) sortColumn_ = -1;
-    if (sortColumn_ >= 0 || !filter_.isEmpty()) FetchAll();
+    if (!InSourceOrder() || !filter_.isEmpty()) FetchAll();
     const int count = source_->rowCount();
     if (filter_.isEmpty()) {
         shown_.resize(static_cast<std::size_t>(count));
@@ -160,7 +166,7 @@ void GridRows::Compute() {
             if (Matches(row, matcher)) shown_.push_back(row);
         }
     }
-    if (sortColumn_ >= 0) SortShown();
+    if (!InSourceOrder()) SortShown();
 }
 
 void GridRows::SortShown() {
@@ -226,7 +232,7 @@ void GridRows::SourceInserted(int first, int last) {
     }
     if (added.empty()) return;
     const auto place =
-        sortColumn_ < 0 ? std::lower_bound(shown_.begin(), shown_.end(), first) : shown_.end();
+        InSourceOrder() ? std::lower_bound(shown_.begin(), shown_.end(), first) : shown_.end();
     const int at = static_cast<int>(place - shown_.begin());
     beginInsertRows({}, at, at + static_cast<int>(added.size()) - 1);
     shown_.insert(place, added.begin(), added.end());
@@ -340,8 +346,8 @@ QVariant GridRows::headerData(int section, Qt::Orientation orientation, int role
     if (caption.isEmpty() && source_ != nullptr) {
         caption = source_->headerData(section, orientation, Qt::DisplayRole).toString();
     }
-    if (role == Qt::AccessibleTextRole && section == sortColumn_) {
-        caption += u", "_s + Text(order_ == Qt::AscendingOrder ? GridText::SortedUpwards
+    if (const auto order = OrderOf(section); role == Qt::AccessibleTextRole && order) {
+        caption += u", "_s + Text(*order == Qt::AscendingOrder ? GridText::SortedUpwards
                                                                : GridText::SortedDownwards);
     }
     return caption;

@@ -33,7 +33,10 @@ public:
     /// Tells views that captions or texts of all rows are others.
     void Refresh();
 
-    void Sort(int column, Qt::SortOrder order);  // -1: the source's order
+    /// -1: the source's order. `further`: see GridSource::SortRows.
+    void Sort(int column, Qt::SortOrder order, bool further = false);
+    /// How the rows are ordered by a column; nothing where they are not.
+    [[nodiscard]] std::optional<Qt::SortOrder> OrderOf(int column) const;
     [[nodiscard]] int SortColumn() const noexcept { return sortColumn_; }
     [[nodiscard]] Qt::SortOrder Order() const noexcept { return order_; }
     void SetFilterText(const QString& text);
@@ -67,6 +70,8 @@ private:
     /// What the cell counts as where numbers go before texts; nothing where it is none.
     [[nodiscard]] std::optional<double> NumberAt(int sourceRow, int column) const;
     [[nodiscard]] bool Matches(int sourceRow, const QStringMatcher& matcher) const;
+    /// Whether the rows stand as the source has them.
+    [[nodiscard]] bool InSourceOrder() const { return sortColumn_ < 0 || sourceSorts_; }
     [[nodiscard]] int PlaceOf(int sourceRow) const;
     void SourceInserted(int first, int last);
     void SourceAboutToRemove(int first, int last);
@@ -82,5 +87,6 @@ private:
     QString filter_;
     GridRowId pinned_ = kNoGridRow;
     QLocale locale_;
+    bool sourceSorts_ = false;
     bool rebuilding_ = false;
 };

@@ -12,6 +12,7 @@
 
 #include "controls/detail/CellDelegate.h"
 #include "controls/detail/CellEdit.h"
+#include "controls/detail/FilterRow.h"
 #include "controls/detail/FrozenView.h"
 #include "controls/detail/GridRows.h"
 #include "controls/detail/Headers.h"
@@ -382,6 +383,24 @@ void GridView::scrollTo(const QModelIndex& index, ScrollHint hint) {
     if (hidden > 0) horizontalScrollBar()->setValue(horizontalScrollBar()->value() - hidden);
 }
 
+void GridView::ShowFilters(bool show) {
+    captions_->ShowFilters(show);
+    frozen_->Captions().ShowFilters(show);
+    updateGeometries();
+}
+
+void GridView::FiltersChanged() {
+    for (CaptionHeader* header : {captions_, &frozen_->Captions()}) {
+        if (header->Filters() != nullptr) header->Filters()->Update();
+    }
+}
+
+bool GridView::FocusFilter(int column) {
+    CaptionHeader& header = InStrip(column) ? frozen_->Captions() : *captions_;
+    if (!InStrip(column) && rows_->rowCount() > 0) scrollTo(rows_->index(0, column));
+    return header.Filters() != nullptr && header.Filters()->Focus(column);
+}
+
 void GridView::FitColumn(int column) {
     const int wide = std::max(sizeHintForColumn(column), captions_->sectionSizeHint(column));
     captions_->resizeSection(column, std::min(wide, std::max(viewport()->width() * 3 / 4, 1)));
@@ -438,6 +457,8 @@ void GridView::PlaceFrozen() {
     frozen_->horizontalHeader()->setFixedHeight(captions_->height());
     frozen_->setGeometry(viewport()->x(), captions_->y(), std::min(width, room), height);
     frozen_->verticalScrollBar()->setValue(verticalScrollBar()->value());
+    captions_->PlaceFilters();
+    frozen_->Captions().PlaceFilters();
 }
 
 QWidget* GridView::ViewportOf(const QModelIndex& cell) const {
@@ -452,6 +473,7 @@ QRect GridView::CellRect(const QModelIndex& cell) const {
 
 void GridView::scrollContentsBy(int dx, int dy) {
     QTableView::scrollContentsBy(dx, dy);
+    if (dx != 0) captions_->PlaceFilters();
     emit Scrolled();
 }
 

@@ -68,6 +68,11 @@ public:
     /// The columns that stay in view, in the order shown; as many of them as leave a part of the
     /// others in view, but at least one.
     void SetFrozen(std::vector<int> columns);
+    void ShowFilters(bool show);
+    void FiltersChanged();
+    bool FocusFilter(int column);
+    /// Whether the column stands in the strip that stays in view.
+    [[nodiscard]] bool InStrip(int column) const;
     void FitColumn(int column);
     [[nodiscard]] bool ButtonHit(const QModelIndex& cell, const QRect& rect, QPoint at) const;
     /// Where the cell is shown: the frozen strip's viewport or the view's own, and its place there.
@@ -120,7 +125,6 @@ private:
     void PressRecordSelector(int row);
     void DragRecordSelector(int row);
     void PlaceFrozen();
-    [[nodiscard]] bool InStrip(int column) const;
     [[nodiscard]] int StripWidth() const;
 
     GridSplit* split_ = nullptr;

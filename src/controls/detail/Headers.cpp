@@ -7,6 +7,7 @@
 #include <QStyleOptionHeader>
 #include <QToolTip>
 
+#include "controls/detail/FilterRow.h"
 #include "controls/detail/GridRows.h"
 #include "controls/detail/GridView.h"
 #include "controls/GridSplit.h"
@@ -35,6 +36,32 @@ CaptionHeader::CaptionHeader(GridView& grid, QWidget* parent)
     setTextElideMode(Qt::ElideRight);
     setMinimumSectionSize(1);
     setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    connect(this, &QHeaderView::sectionResized, this, &CaptionHeader::PlaceFilters);
+    connect(this, &QHeaderView::sectionMoved, this, &CaptionHeader::PlaceFilters);
+    connect(this, &QHeaderView::sectionCountChanged, this, &CaptionHeader::PlaceFilters);
+}
+
+CaptionHeader::~CaptionHeader() = default;
+
+void CaptionHeader::ShowFilters(bool show) {
+    filters_ = show ? std::make_unique<FilterRow>(*this, grid_) : nullptr;
+    updateGeometries();
+    emit geometriesChanged();
+}
+
+void CaptionHeader::PlaceFilters() {
+    if (filters_) filters_->Place();
+}
+
+QSize CaptionHeader::sizeHint() const {
+    const QSize size = QHeaderView::sizeHint();
+    return filters_ ? size + QSize(0, filters_->Height()) : size;
+}
+
+void CaptionHeader::updateGeometries() {
+    setViewportMargins(0, 0, 0, filters_ ? filters_->Height() : 0);
+    QHeaderView::updateGeometries();
+    PlaceFilters();
 }
 
 void CaptionHeader::contextMenuEvent(QContextMenuEvent* event) {
@@ -43,11 +70,11 @@ void CaptionHeader::contextMenuEvent(QContextMenuEvent* event) {
 
 void CaptionHeader::initStyleOptionForIndex(QStyleOptionHeader* option, int logicalIndex) const {
     QHeaderView::initStyleOptionForIndex(option, logicalIndex);
-    if (grid_.Rows().SortColumn() != logicalIndex) return;
+    const auto order = grid_.Rows().OrderOf(logicalIndex);
+    if (!order) return;
     // Qt's arrows are named by the way that lists grow, not by where they point.
-    option->sortIndicator = grid_.Rows().Order() == Qt::AscendingOrder
-                                ? QStyleOptionHeader::SortDown
-                                : QStyleOptionHeader::SortUp;
+    option->sortIndicator =
+        *order == Qt::AscendingOrder ? QStyleOptionHeader::SortDown : QStyleOptionHeader::SortUp;
 }
 
 RecordHeader::RecordHeader(GridView& grid) : QHeaderView(Qt::Vertical, &grid), grid_(grid) {

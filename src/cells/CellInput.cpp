@@ -1,4 +1,4 @@
-#include "editor/CellInput.h"
+#include "cells/CellInput.h"
 
 #include <optional>
 #include <QDateTime>

@@ -1,4 +1,4 @@
-#include "editor/TabText.h"
+#include "cells/TabText.h"
 
 namespace TabText {
 namespace {

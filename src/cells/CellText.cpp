@@ -1,4 +1,4 @@
-#include "editor/CellText.h"
+#include "cells/CellText.h"
 
 #include <QDateTime>
 

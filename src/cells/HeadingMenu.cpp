@@ -1,8 +1,7 @@
-#include "editor/HeadingMenu.h"
+#include "cells/HeadingMenu.h"
 
 #include <QMenu>
 
-#include "editor/GridColumns.h"
 #include "texts/MResourceTable.h"
 
 namespace HeadingMenu {
@@ -55,7 +54,8 @@ void Show(GridSplit& split, int column, int neighbour) {
     split.SetColumnOrders(order);
 }
 
-void AddVisibility(QMenu& menu, GridSplit& split, int column, const MResources::TextTable& texts) {
+void AddVisibility(QMenu& menu, GridSplit& split, int column, const MResources::TextTable& texts,
+                   const IsForUser& isForUser) {
     if (column >= 0) {
         QAction* hide = menu.addAction(texts.GetText(MResourceTable::kTextHideColumn), &split,
                                        [&split, column] {
@@ -68,9 +68,7 @@ void AddVisibility(QMenu& menu, GridSplit& split, int column, const MResources::
     QMenu* show = menu.addMenu(texts.GetText(MResourceTable::kTextShowColumn));
     show->setObjectName(u"mnuHeadShow"_s);
     for (const int hidden : split.ColumnOrders()) {
-        if (split.ColumnAt(hidden)->Visible() || !GridColumns::IsForUser(*split.ColumnAt(hidden))) {
-            continue;
-        }
+        if (split.ColumnAt(hidden)->Visible() || !isForUser(*split.ColumnAt(hidden))) continue;
         QAction* action =
             show->addAction(CaptionOf(split, hidden), &split,
                             [&split, hidden, column] { Show(split, hidden, column); });
@@ -105,13 +103,14 @@ void AddFreezing(QMenu& menu, GridSplit& split, int column, const MResources::Te
 
 }  // namespace
 
-void Fill(QMenu& menu, GridSplit& split, int column, const MResources::TextTable& texts) {
+void Fill(QMenu& menu, GridSplit& split, int column, const MResources::TextTable& texts,
+          const IsForUser& isForUser) {
     if (split.ColumnAt(column) == nullptr) column = -1;
     if (column >= 0) {
         AddSorting(menu, split, column, texts);
         menu.addSeparator();
     }
-    AddVisibility(menu, split, column, texts);
+    AddVisibility(menu, split, column, texts, isForUser);
     AddWidths(menu, split, column, texts);
     menu.addSeparator();
     AddFreezing(menu, split, column, texts);

@@ -1,0 +1,193 @@
+#include <gmock/gmock.h>
+
+#include <QClipboard>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+
+#include "addin/EditorTest.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+/// The table over all archives, opened from the editor by its key.
+class EditorProjectTableTest : public EditorTest {
+protected:
+    void OpenTable(bool english = true) {
+        Open(u"ARCH1"_s, english);
+        Key(Qt::Key_T, Qt::ControlModifier | Qt::ShiftModifier);
+        ASSERT_NE(Table(), nullptr);
+        WaitForRows();
+    }
+    [[nodiscard]] QWidget* Table() { return Editor()->findChild<QWidget*>(u"frmProjectTable"_s); }
+    [[nodiscard]] QTableView* Rows(int split = 1) {
+        const QObject* grid = Table()->findChild<QObject*>(u"tdbTable"_s);
+        return grid->findChild<QTableView*>(u"tdbTable.Splits(%1)"_s.arg(split));
+    }
+    void WaitForRows() {
+        ASSERT_TRUE(QTest::qWaitFor([this] { return Rows()->model()->rowCount() > 0; }));
+        // The count is told when everything stands.
+        ASSERT_TRUE(QTest::qWaitFor([this] { return Count().contains(u" of "_s); }));
+    }
+    [[nodiscard]] QString Count() { return Table()->findChild<QLabel*>(u"lblCount"_s)->text(); }
+    [[nodiscard]] QLineEdit* Filter(const QString& field) {
+        for (QLineEdit* edit : Table()->findChildren<QLineEdit*>(u"txtFilter_"_s + field)) {
+            if (!edit->isHidden()) return edit;
+        }
+        ADD_FAILURE() << field.toStdString();
+        return nullptr;
+    }
+    [[nodiscard]] int ColumnOf(const QString& caption) {
+        for (int column = 0; column < Rows()->model()->columnCount(); ++column) {
+            if (Rows()->model()->headerData(column, Qt::Horizontal).toString() == caption) {
+                return column;
+            }
+        }
+        ADD_FAILURE() << caption.toStdString();
+        return 0;
+    }
+    [[nodiscard]] QString At(int row, const QString& caption) {
+        return Rows()->model()->index(row, ColumnOf(caption)).data().toString();
+    }
+    void GoTo(int row, const QString& caption) {
+        Rows()->selectionModel()->setCurrentIndex(Rows()->model()->index(row, ColumnOf(caption)),
+                                                  QItemSelectionModel::NoUpdate);
+    }
+    void Press(Qt::Key key, Qt::KeyboardModifiers held = Qt::NoModifier) {
+        QTest::keyClick(Rows(), key, held);
+    }
+    /// The first key opens the cell's editor, which gets the others.
+    void TypeInto(const QString& text) {
+        QTest::keyClicks(Rows(), text.left(1));
+        QTest::keyClicks(QApplication::focusWidget(), text.mid(1));
+    }
+    void Trigger(const QString& action) { Table()->findChild<QAction*>(action)->trigger(); }
+};
+
+TEST_F(EditorProjectTableTest, AllTrendsStandThereAndAreNarrowedByColumn) {
+    OpenTable();
+    const int all = Rows()->model()->rowCount();
+    EXPECT_GT(all, RowCount(1)) << "more than the open archive's";
+    Filter(u"Unit"_s)->setText(u"=bar"_s);
+    const int bars = Rows()->model()->rowCount();
+    EXPECT_GT(bars, 0);
+    EXPECT_LT(bars, all);
+    for (int row = 0; row < bars; ++row) EXPECT_EQ(At(row, u"Unit"_s), u"bar"_s);
+    // The archives beside it count what is left, and narrow further.
+    int counted = 0;
+    for (int row = 1; row < Rows(0)->model()->rowCount(); ++row) {
+        counted += Rows(0)->model()->index(row, 1).data().toInt();
+    }
+    EXPECT_EQ(counted, bars);
+    Rows(0)->selectionModel()->setCurrentIndex(Rows(0)->model()->index(1, 0),
+                                               QItemSelectionModel::NoUpdate);
+    EXPECT_EQ(Rows()->model()->rowCount(), Rows(0)->model()->index(1, 1).data().toInt());
+    Trigger(u"mnuReset"_s);
+    EXPECT_EQ(Rows()->model()->rowCount(), all);
+    EXPECT_EQ(Filter(u"Unit"_s)->text(), QString());
+}
+
+TEST_F(EditorProjectTableTest, WhatIsTypedIsAStepThatTheEditorShowsToo) {
+    OpenTable();
+    Filter(u"Name"_s)->setText(u"="_s + Text(0, u"Name"_s));
+    ASSERT_EQ(Rows()->model()->rowCount(), 1);
+    const QString name = Text(0, u"Name"_s);
+    const QString before = Stored(name, "Unit");
+    GoTo(0, u"Unit"_s);
+    TypeInto(u"mbar"_s);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(Stored(name, "Unit"), u"mbar"_s);
+    EXPECT_EQ(At(0, u"Unit"_s), u"mbar"_s);
+    EXPECT_EQ(Text(0, u"Unit"_s), u"mbar"_s) << "in the editor";
+    Trigger(u"mnuUndo"_s);
+    EXPECT_EQ(Stored(name, "Unit"), before);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return At(0, u"Unit"_s) == before; }));
+}
+
+/// Rows that are filtered away are never written; a refusal leaves everything as it was.
+TEST_F(EditorProjectTableTest, ABlockGoesIntoTheRowsThatAreShown) {
+    OpenTable();
+    const int all = Rows()->model()->rowCount();
+    Filter(u"Unit"_s)->setText(u"=bar"_s);
+    const int bars = Rows()->model()->rowCount();
+    ASSERT_GE(bars, 3);
+    GoTo(0, u"Comment"_s);
+    Press(Qt::Key_Down, Qt::ShiftModifier);
+    Press(Qt::Key_Down, Qt::ShiftModifier);
+    QApplication::clipboard()->setText(u"checked"_s);
+    Trigger(u"mnuPaste"_s);
+    Trigger(u"mnuReset"_s);
+    ASSERT_EQ(Rows()->model()->rowCount(), all);
+    int written = 0;
+    for (int row = 0; row < all; ++row) {
+        if (At(row, u"Comment"_s) == u"checked"_s) {
+            ++written;
+            EXPECT_EQ(At(row, u"Unit"_s), u"bar"_s);
+        }
+    }
+    EXPECT_EQ(written, 3);
+
+    // Two trends of an archive under one name.
+    const QString first = At(0, u"Runtime Name"_s);
+    GoTo(1, u"Runtime Name"_s);
+    QApplication::clipboard()->setText(first);
+    messages_.clear();
+    Trigger(u"mnuPaste"_s);
+    ASSERT_EQ(messages_.size(), 1);
+    EXPECT_NE(At(1, u"Runtime Name"_s), first);
+}
+
+TEST_F(EditorProjectTableTest, WhatAnotherProgramWritesIsShownOnReturn) {
+    OpenTable();
+    const QString name = Text(0, u"Name"_s);
+    Filter(u"Name"_s)->setText(u"="_s + name);
+    Elsewhere([&](projectdb::ProjectRows& rows) {
+        rows.Trends().Find("Name = '" + name.toStdString() + "'");
+        rows.Trends().Set("Unit", std::u16string(u"theirs"));
+        rows.Trends().Update();
+    });
+    // Written over what has not been seen: refused, and shown.
+    GoTo(0, u"Unit"_s);
+    messages_.clear();
+    TypeInto(u"mine"_s);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(messages_.size(), 1);
+    EXPECT_EQ(Stored(name, "Unit"), u"theirs"_s);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    EXPECT_EQ(At(0, u"Unit"_s), u"theirs"_s);
+    Elsewhere([&](projectdb::ProjectRows& rows) {
+        rows.Trends().Find("Name = '" + name.toStdString() + "'");
+        rows.Trends().Set("Unit", std::u16string(u"later"));
+        rows.Trends().Update();
+    });
+    QEvent activated(QEvent::WindowActivate);
+    QApplication::sendEvent(Table(), &activated);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return At(0, u"Unit"_s) == u"later"_s; }));
+    EXPECT_EQ(Rows()->model()->rowCount(), 1) << "still narrowed";
+}
+
+TEST_F(EditorProjectTableTest, AViewIsKeptAndATrendFoundInTheEditor) {
+    OpenTable();
+    auto* views = Table()->findChild<QComboBox*>(u"cmbView"_s);
+    EXPECT_GE(views->findText(u"Unknown variables"_s), 0);
+    Filter(u"Unit"_s)->setText(u"=bar"_s);
+    AnswerDialog([this] { Trigger(u"mnuKeepView"_s); },
+                 [](QDialog& dialog) {
+                     dialog.findChild<QLineEdit*>()->setText(u"Pressures"_s);
+                     dialog.accept();
+                 });
+    const int bars = Rows()->model()->rowCount();
+    Trigger(u"mnuReset"_s);
+    ASSERT_GE(views->findText(u"Pressures"_s), 0);
+    views->setCurrentIndex(views->findText(u"Pressures"_s));
+    emit views->activated(views->currentIndex());
+    EXPECT_EQ(Rows()->model()->rowCount(), bars);
+
+    GoTo(bars - 1, u"Unit"_s);
+    const QString name = At(bars - 1, u"Runtime Name"_s);
+    Trigger(u"mnuGoTo"_s);
+    EXPECT_EQ(CurrentName(), name);
+}
+
+}  // namespace
