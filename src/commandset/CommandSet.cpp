@@ -50,6 +50,14 @@ constexpr Key kFindKeys[] = {{Place::Tree, Qt::CTRL | Qt::Key_F},
 constexpr Key kProjectTableKeys[] = {{Place::Tree, Qt::CTRL | Qt::SHIFT | Qt::Key_T},
                                      {Place::Archives, Qt::CTRL | Qt::SHIFT | Qt::Key_T},
                                      {Place::Trends, Qt::CTRL | Qt::SHIFT | Qt::Key_T}};
+constexpr Key kFindInProjectKeys[] = {{Place::Tree, Qt::CTRL | Qt::SHIFT | Qt::Key_F},
+                                      {Place::Archives, Qt::CTRL | Qt::SHIFT | Qt::Key_F},
+                                      {Place::Trends, Qt::CTRL | Qt::SHIFT | Qt::Key_F}};
+constexpr Key kReplaceInProjectKeys[] = {{Place::Tree, Qt::CTRL | Qt::Key_H},
+                                         {Place::Archives, Qt::CTRL | Qt::Key_H},
+                                         {Place::Trends, Qt::CTRL | Qt::Key_H}};
+constexpr Key kWhereUsedKeys[] = {{Place::Trends, Qt::CTRL | Qt::SHIFT | Qt::Key_U}};
+constexpr Key kTrendsByPatternKeys[] = {{Place::Trends, Qt::CTRL | Qt::Key_F8}};
 constexpr Key kHelpKeys[] = {
     {Place::Tree, Qt::Key_F1}, {Place::Archives, Qt::Key_F1}, {Place::Trends, Qt::Key_F1}};
 
@@ -91,15 +99,23 @@ constexpr Command kCommands[] = {
     {SelectAll, u"mnuSelectAll", kTextSelectAll, kNone, kNone, u"", kArchive, kSelectAllKeys},
     {FreezeName, u"mnuFreeze", kTextFreezeName, kNone, kNone, u"", 0, {}},
     {Find, u"mnuFind", kTextFind, kNone, kTextKeyFind, u"", 0, kFindKeys},
+    {FindInProject, u"mnuFindInProject", kTextFindInProject, kNone, kTextKeyFindInProject, u"", 0,
+     kFindInProjectKeys},
+    {ReplaceInProject, u"mnuReplaceInProject", kTextReplaceInProject, kNone,
+     kTextKeyReplaceInProject, u"", 0, kReplaceInProjectKeys},
+    {WhereUsed, u"mnuWhereUsed", kTextWhereUsed, kNone, kTextKeyWhereUsed, u"", kArchive | kTrend,
+     kWhereUsedKeys},
+    {TrendsByPattern, u"mnuTrend(3)", kTextTrendsByPattern, kTextMenuTrends,
+     kTextKeyTrendsByPattern, u"", kArchive | kWriting, kTrendsByPatternKeys},
     {Help, u"mnuHelp", kNone, kNone, kTextKeyHelp, u"", 0, kHelpKeys},
 };
 static_assert(std::size(kCommands) == static_cast<std::size_t>(Separator));
 
 constexpr Id kArchiveMenu[] = {NewArchive, EditArchive, DeleteArchive, Separator, ShowEditor};
-constexpr Id kTrendMenu[] = {NewTrend, EditTrend, DeleteTrend};
-constexpr Id kEditMenu[] = {Undo,      Redo,       Separator, Copy,         Paste,
-                            Duplicate, EditTrends, Fill,      FillCounting, Clear,
-                            Separator, SelectAll,  Find};
+constexpr Id kTrendMenu[] = {NewTrend, EditTrend, DeleteTrend, TrendsByPattern};
+constexpr Id kEditMenu[] = {Undo,      Redo,       Separator, Copy,          Paste,
+                            Duplicate, EditTrends, Fill,      FillCounting,  Clear,
+                            Separator, SelectAll,  Find,      FindInProject, ReplaceInProject};
 constexpr Id kExtrasMenu[] = {Statistic, Report,    Refresh,     Separator,
                               Options,   Separator, ProjectTable};
 constexpr Menu kMenus[] = {
@@ -117,7 +133,7 @@ constexpr Id kArchiveContext[] = {NewArchive, EditArchive, DeleteArchive, Separa
 constexpr Id kTrendContext[] = {NewTrend,  EditTrend, EditTrends,   DeleteTrend, Separator,
                                 Undo,      Redo,      Separator,    Copy,        Paste,
                                 Duplicate, Fill,      FillCounting, Clear,       Separator,
-                                SelectAll, Find,      Separator,    FreezeName};
+                                SelectAll, Find,      WhereUsed,    Separator,   FreezeName};
 
 /// The key stands in given texts behind many blanks.
 qsizetype GivenKeyAt(const QString& text) {

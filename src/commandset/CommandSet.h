@@ -39,6 +39,10 @@ enum class Id : std::uint8_t {
     SelectAll,
     FreezeName,
     Find,
+    FindInProject,
+    ReplaceInProject,
+    WhereUsed,
+    TrendsByPattern,
     Help,
     Separator,  // no command: a line between them
 };

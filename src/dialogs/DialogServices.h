@@ -60,6 +60,8 @@ struct DialogServices {
     std::function<std::optional<std::vector<bool>>(const std::vector<project::Conflict>& conflicts,
                                                    QWidget* owner)>
         settle{};
+    /// Shows where a variable is used, over `owner`.
+    std::function<void(QWidget* owner, const QString& variable)> showUses{};
     /// Keeps what stands in a dialog until it is closed. Null: nothing is kept.
     drafts::DraftKeeper* drafts = nullptr;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QComboBox>
 #include <QKeyEvent>
@@ -290,6 +291,19 @@ void PropertyDialog::ConnectVariablePicker(QPushButton* button, QLineEdit* field
         if (chosen && Fits(*chosen, *field)) field->setText(*chosen);
         field->setFocus();
     });
+    // In the menu of the button, and by its key in the field.
+    auto* uses = new QAction(Text(MResourceTable::kTextWhereUsed), this);
+    uses->setObjectName(QStringLiteral("mnuUses"));
+    uses->setShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_U);
+    uses->setShortcutContext(Qt::WidgetShortcut);
+    connect(uses, &QAction::triggered, this, [this, field] {
+        if (services_.showUses && !field->text().isEmpty()) {
+            services_.showUses(this, field->text());
+        }
+    });
+    field->addAction(uses);
+    button->addAction(uses);
+    button->setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
 void PropertyDialog::ConnectFolderPicker(QPushButton* button, QComboBox* field, int title) {

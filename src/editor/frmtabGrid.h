@@ -25,6 +25,7 @@ class frmProjectTable;
 class EditorKeys;
 class EditorLayout;
 class EditorMenus;
+class FReplace;
 namespace CellBlock {
 struct Result;
 }
@@ -208,6 +209,11 @@ private:
     [[nodiscard]] bool CanWrite();
     [[nodiscard]] commandset::Place Place(int split) const;
     void ShowHelp();
+    void FindInProject(bool replacing);
+    [[nodiscard]] FReplace& ReplaceWindow();
+    void ShowUsesOfCell();
+    void ShowUsesOver(QWidget* owner, const QString& variable);
+    void MakeTrendsByPattern();
     /// Says something in the status bar for a while; nobody has to answer.
     void Hint(int text);
     void Hint(const QString& text);
@@ -279,6 +285,7 @@ private:
     std::unique_ptr<drafts::DraftKeeper> drafts_;
     EditorMenus* menus_ = nullptr;
     std::unique_ptr<EditorKeys> keys_;
+    FReplace* replace_ = nullptr;  // null before it is first wanted
     std::array<QLabel*, 3> panels_{};
     RecordsetModel* archives_ = nullptr;
     TrendRows* trends_ = nullptr;

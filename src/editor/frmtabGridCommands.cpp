@@ -82,6 +82,9 @@ DialogServices frmtabGrid::Services() {
         return history_->Ask(conflicts, {}, owner);
     };
     services.drafts = drafts_.get();
+    services.showUses = [this](QWidget* owner, const QString& variable) {
+        ShowUsesOver(owner, variable);
+    };
     return services;
 }
 
@@ -155,6 +158,14 @@ void frmtabGrid::Run(commandset::Id id) {
             return FreezeName(menus_->Action(id)->isChecked());
         case Id::Find:
             return Find(tdbA->Split());
+        case Id::FindInProject:
+            return FindInProject(false);
+        case Id::ReplaceInProject:
+            return FindInProject(true);
+        case Id::WhereUsed:
+            return ShowUsesOfCell();
+        case Id::TrendsByPattern:
+            return MakeTrendsByPattern();
         case Id::Help:
             return ShowHelp();
         case Id::Separator:

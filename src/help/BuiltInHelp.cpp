@@ -40,6 +40,8 @@ constexpr Topic kTopics[] = {
     {platform::kHelpRefresh, "window.html#refresh"},
     {platform::kHelpKeys, "keys.html"},
     {platform::kHelpProjectTable, "project-table.html"},
+    {platform::kHelpReplace, "replace.html"},
+    {platform::kHelpPatterns, "patterns.html"},
     {platform::kHelpOptionsCommon, "options.html#common"},
     {platform::kHelpOptionsTrendTable, "options.html#columns"},
     {platform::kHelpArchiveStandard, "archive-dialog.html#standard"},
@@ -67,10 +69,11 @@ constexpr Chapter kChapters[] = {
     {0, "index.html"},          {0, "archives.html"},      {1, "archive.html"},
     {1, "archive-dialog.html"}, {1, "archive-types.html"}, {1, "sample-modes.html"},
     {1, "file-change.html"},    {0, "trend.html"},         {1, "grid.html"},
-    {1, "trend-dialog.html"},   {1, "hysteresis.html"},    {1, "filter.html"},
-    {1, "tolerance.html"},      {1, "draw-modes.html"},    {0, "backups.html"},
-    {0, "window.html"},         {1, "languages.html"},     {1, "report.html"},
-    {1, "project-table.html"},  {1, "options.html"},       {1, "keys.html"},
+    {1, "patterns.html"},       {1, "trend-dialog.html"},  {1, "hysteresis.html"},
+    {1, "filter.html"},         {1, "tolerance.html"},     {1, "draw-modes.html"},
+    {0, "backups.html"},        {0, "window.html"},        {1, "languages.html"},
+    {1, "report.html"},         {1, "project-table.html"}, {1, "replace.html"},
+    {1, "options.html"},        {1, "keys.html"},
 };
 
 // Where a page lists the keys of the commands.

@@ -20,6 +20,8 @@ inline constexpr int kHelpReport = 30007;  // also the report's own window
 inline constexpr int kHelpRefresh = 30008;
 inline constexpr int kHelpKeys = 30009;  // all keys on one page
 inline constexpr int kHelpProjectTable = 30016;
+inline constexpr int kHelpReplace = 30022;   // find and replace over the project
+inline constexpr int kHelpPatterns = 30023;  // new trends by patterns
 
 // Options dialog, a number for each page
 inline constexpr int kHelpOptionsCommon = 30010;

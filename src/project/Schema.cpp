@@ -269,6 +269,20 @@ bool IsSound(const Column& column, const ado::Value& value) {
                        [&](const Code& each) { return each.code == *number; });
 }
 
+bool NamesVariable(const Column& column, std::u16string_view text) {
+    if (text.find_first_not_of(u'\0') == text.npos) return false;  // what stands for an empty text
+    switch (column.kind) {
+        case Variable:
+            return true;
+        case Limit:
+            return !ado::ToNumber(text);
+        case FileEvent:
+            return !FindClockEvent(text);
+        default:
+            return false;
+    }
+}
+
 std::span<const Code> ArchiveKinds() {
     return kArchiveKinds;
 }

@@ -120,6 +120,10 @@ inline constexpr std::string_view kParamNames = "ParamNames";
 /// Whether a value is one that the column is meant to hold. A stored one may be otherwise.
 [[nodiscard]] bool IsSound(const Column& column, const ado::Value& value);
 
+/// Whether a text in the column is the name of a variable, rather than a number, an event of the
+/// clock or nothing.
+[[nodiscard]] bool NamesVariable(const Column& column, std::u16string_view text);
+
 /// The bits of an archive's `Type`, as they are stored.
 namespace ArchiveType {
 inline constexpr std::int32_t kKindMask = 7;

@@ -1,0 +1,52 @@
+// The windows over the project that the editor window opens: find and replace, patterns.
+
+#include "controls/TDBGrid.h"
+#include "editor/frmtabGrid.h"
+#include "editor/TrendRows.h"
+#include "guard/Guard.h"
+#include "patterns/FPatterns.h"
+#include "project/Schema.h"
+#include "projectdb/NodeKey.h"
+#include "projectdb/Text.h"
+#include "replace/FReplace.h"
+#include "texts/MResourceTable.h"
+
+FReplace& frmtabGrid::ReplaceWindow() {
+    if (replace_ == nullptr) replace_ = new FReplace(*this, texts_, this);
+    return *replace_;
+}
+
+void frmtabGrid::FindInProject(bool replacing) {
+    if (!CommitPendingEdit()) return;
+    ReplaceWindow().Open(replacing);
+}
+
+/// Where the variable of the current cell is used.
+void frmtabGrid::ShowUsesOfCell() {
+    if (!CommitPendingEdit()) return;
+    GridSplit& trends = tdbA->SplitAt(1);
+    const int place = trends_->RowOf(trends.CurrentRow());
+    const GridColumn* shown = trends.ColumnAt(trends.CurrentColumn());
+    if (place < 0 || shown == nullptr) return Hint(MResourceTable::kTextHintNoVariable);
+    const std::string field = projectdb::ToUtf8(shown->DataField());
+    const project::Column* column = project::FindTrendColumn(field);
+    const std::u16string text = ado::ToText(trends_->ValueAt(place, trends_->ColumnOf(field)));
+    if (column == nullptr || !project::NamesVariable(*column, text)) {
+        return Hint(MResourceTable::kTextHintNoVariable);
+    }
+    ReplaceWindow().ShowUses(projectdb::ToQString(text));
+}
+
+void frmtabGrid::ShowUsesOver(QWidget* owner, const QString& variable) {
+    guard::Guard(QStringLiteral("frmtabGrid: mnuWhereUsed_Click"), [&] {
+        FReplace uses(*this, texts_, owner);
+        uses.LookAtUses(variable);
+    });
+}
+
+void frmtabGrid::MakeTrendsByPattern() {
+    if (busy_) return Hint(MResourceTable::kTextHintBusy);
+    if (!MayStore() || !CommitPendingEdit() || !IsThere(project_.currentNodeKey)) return;
+    FPatterns patterns(*this, texts_, projectdb::NodeId(project_.currentNodeKey), this);
+    if (patterns.exec() == QDialog::Accepted) ShowTrends(patterns.Made());
+}

@@ -1,0 +1,357 @@
+#include "patterns/FPatterns.h"
+
+#include <chrono>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QTableView>
+#include <QTableWidget>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "guard/Guard.h"
+#include "messages/MessageBox.h"
+#include "messages/PlainTexts.h"
+#include "paths/NativePath.h"
+#include "patterns/KeptPatterns.h"
+#include "platform/HelpTopics.h"
+#include "platform/Locale.h"
+#include "project/Schema.h"
+#include "projectdb/Text.h"
+#include "texts/MResourceTable.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using guard::Guard;
+using MResourceTable::Number;
+using projectdb::ToQString;
+using projectdb::ToUtf16;
+using Text = MResourceTable::Patterns;
+
+constexpr std::chrono::milliseconds kTypingPause(200);
+constexpr int kShowProgressAfter = 500;  // milliseconds
+constexpr int kWidest = 1000;            // of a pattern, characters
+constexpr int kEntriesShown = 5;         // lines
+constexpr int kWidth = 120;              // average characters
+constexpr int kHeight = 38;              // lines
+
+enum EntryColumn { kEntry, kUnit, kSmallest, kLargest, kColour, kEntryColumns };
+
+QString Count(std::size_t number) {
+    return QLocale().toString(static_cast<qulonglong>(number));
+}
+
+}  // namespace
+
+FPatterns::FPatterns(projectdb::IProjectWork& work, const MResources::TextTable& texts,
+                     std::int32_t archive, QWidget* owner)
+    : QDialog(owner), work_(work), texts_(texts), archive_(archive) {
+    ReadLanguages();
+    known_ = patterns::ReadArchive(work_.Connection(), archive_);
+    keptFile_ = patterns::kept::FileOf(
+        ToQString(std::string_view(paths::ToNative(work_.Connection().DataSource()))));
+    kept_ = patterns::kept::Load(keptFile_);
+    Build();
+    typing_.setSingleShot(true);
+    typing_.setInterval(kTypingPause);
+    connect(&typing_, &QTimer::timeout, this,
+            [this] { Guard(u"FPatterns: Expand"_s, [this] { Expand(); }); });
+    connect(&model_, &patterns::PlanModel::Corrected, this,
+            [this] { Guard(u"FPatterns: Check"_s, [this] { Check(); }); });
+    if (!kept_.isEmpty()) TakeKept(0);
+    Expand();
+}
+
+void FPatterns::ReadLanguages() {
+    ado::Recordset rows;
+    rows.Open(project::kTextTable, work_.Connection(), ado::CommandType::Table);
+    for (const ado::Field& field : rows.Fields()) {
+        if (!project::IsLanguageColumn(field.name) || !project::IsText(field.type)) continue;
+        const auto lcid = ToQString(field.name).mid(1).toUInt();
+        const QString language = platform::LanguageName(lcid, texts_.Language().lcid);
+        columns_.push_back(field.name);
+        languages_ += language.isEmpty() ? QString::number(lcid) : language;
+    }
+}
+
+void FPatterns::Build() {
+    setObjectName(u"FPatterns"_s);
+    messages::KeepTextsPlain(*this);
+    setWindowTitle(texts_.GetText(Text::Title));
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(BuildPatterns());
+    BuildEntries();
+    layout->addWidget(tblEntries_);
+    BuildPreview();
+    layout->addWidget(tblPlan_, 1);
+    layout->addLayout(BuildButtons());
+    resize(kWidth * fontMetrics().averageCharWidth(), kHeight * fontMetrics().lineSpacing());
+    txtName_->setFocus();
+}
+
+QLineEdit* FPatterns::AddLine(QFormLayout& form, const QString& name, const QString& label) {
+    auto* line = new QLineEdit(this);
+    line->setObjectName(name);
+    line->setMaxLength(kWidest);
+    line->setAccessibleName(QString(label).remove(u'&'));
+    connect(line, &QLineEdit::textChanged, this, [this] {
+        typing_.start();
+        ShowState();
+    });
+    form.addRow(label, line);
+    return line;
+}
+
+QLayout* FPatterns::BuildPatterns() {
+    auto* form = new QFormLayout;
+    cmbKept_ = new QComboBox(this);
+    cmbKept_->setObjectName(u"cmbKept"_s);
+    cmbKept_->setAccessibleName(texts_.GetText(Text::Kept).remove(u'&'));
+    for (const patterns::TrendPatterns& each : kept_) cmbKept_->addItem(ToQString(each.name));
+    cmbKept_->setEnabled(!kept_.isEmpty());
+    connect(cmbKept_, &QComboBox::activated, this, [this](int number) { TakeKept(number); });
+    form->addRow(texts_.GetText(Text::Kept), cmbKept_);
+    txtName_ = AddLine(*form, u"txtName"_s, texts_.GetText(Text::Name));
+    txtName_->setPlaceholderText(texts_.GetText(Text::Example));
+    txtVariable_ = AddLine(*form, u"txtVariable"_s, texts_.GetText(Text::Variable));
+    QAction* choose = txtVariable_->addAction(QString(), QLineEdit::TrailingPosition);
+    choose->setObjectName(u"cmdChoose"_s);
+    choose->setText(texts_.GetText(Number::kTextChoose));
+    choose->setIcon(style()->standardIcon(QStyle::SP_FileDialogListView));
+    choose->setShortcut(Qt::Key_F4);
+    choose->setShortcutContext(Qt::WidgetShortcut);
+    choose->setToolTip(texts_.GetText(Number::kTextChoose));
+    connect(choose, &QAction::triggered, this,
+            [this] { Guard(u"FPatterns: cmdChoose_Click"_s, [this] { ChooseVariable(); }); });
+    for (qsizetype i = 0; i < languages_.size(); ++i) {
+        txtTexts_ += AddLine(*form, u"txtText(%1)"_s.arg(i),
+                             texts_.GetText(Text::TextIn, {{u"language", languages_[i]}}));
+    }
+    return form;
+}
+
+void FPatterns::BuildEntries() {
+    tblEntries_ = new QTableWidget(0, kEntryColumns, this);
+    tblEntries_->setObjectName(u"tblEntries"_s);
+    tblEntries_->setAccessibleName(texts_.GetText(Text::Entry));
+    tblEntries_->setHorizontalHeaderLabels(
+        {texts_.GetText(Text::Entry), texts_.GetText(Number::kTextUnit),
+         texts_.GetText(Number::kTextVMin), texts_.GetText(Number::kTextVMax),
+         texts_.GetText(Number::kTextVLineColor)});
+    tblEntries_->verticalHeader()->hide();
+    tblEntries_->horizontalHeader()->setStretchLastSection(true);
+    tblEntries_->setTabKeyNavigation(false);
+    tblEntries_->setFixedHeight((kEntriesShown + 1) *
+                                (tblEntries_->verticalHeader()->defaultSectionSize() + 1));
+    connect(tblEntries_, &QTableWidget::itemChanged, this, [this] { typing_.start(); });
+}
+
+void FPatterns::BuildPreview() {
+    tblPlan_ = new QTableView(this);
+    tblPlan_->setObjectName(u"tblPlan"_s);
+    tblPlan_->setAccessibleName(texts_.GetText(Text::Preview));
+    tblPlan_->setModel(&model_);
+    tblPlan_->setTabKeyNavigation(false);
+    tblPlan_->setWordWrap(false);
+    tblPlan_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    tblPlan_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+    tblPlan_->horizontalHeader()->setStretchLastSection(true);
+    model_.Reset(languages_);
+    const int letter = fontMetrics().averageCharWidth();
+    for (int column = 0; column < model_.columnCount(); ++column) {
+        const bool isText = column < static_cast<int>(plan_.UnitColumn()) ||
+                            column < static_cast<int>(patterns::TrendPlan::kFirstText) +
+                                         static_cast<int>(columns_.size());
+        tblPlan_->setColumnWidth(column, (isText ? 26 : 12) * letter);
+    }
+}
+
+QLayout* FPatterns::BuildButtons() {
+    lblState_ = new QLabel(this);
+    lblState_->setObjectName(u"lblState"_s);
+    lblState_->setTextFormat(Qt::PlainText);
+    lblState_->setWordWrap(true);
+    cmdMake_ = new QPushButton(this);
+    cmdMake_->setObjectName(u"cmdMake"_s);
+    cmdMake_->setAutoDefault(false);
+    connect(cmdMake_, &QPushButton::clicked, this,
+            [this] { Guard(u"FPatterns: cmdMake_Click"_s, [this] { Make(); }); });
+    auto* cancel = new QPushButton(texts_.GetText(Number::kTextCancel), this);
+    cancel->setObjectName(u"cmdCancel"_s);
+    cancel->setAutoDefault(false);
+    connect(cancel, &QPushButton::clicked, this, &FPatterns::reject);
+    auto* layout = new QHBoxLayout;
+    layout->addWidget(lblState_, 1);
+    layout->addWidget(cmdMake_);
+    layout->addWidget(cancel);
+    return layout;
+}
+
+void FPatterns::keyPressEvent(QKeyEvent* event) {
+    if (event->keyCombination() == QKeyCombination(Qt::Key_F1)) {
+        return work_.ShowHelpTopic(platform::kHelpPatterns, this);
+    }
+    // Enter belongs to the field or cell.
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
+        QDialog::keyPressEvent(event);
+    }
+}
+
+patterns::TrendPatterns FPatterns::Typed() const {
+    patterns::TrendPatterns typed;
+    typed.name = ToUtf16(txtName_->text());
+    typed.variable = ToUtf16(txtVariable_->text());
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        typed.texts.emplace_back(columns_[i],
+                                 ToUtf16(txtTexts_[static_cast<qsizetype>(i)]->text()));
+    }
+    for (std::size_t row = 0; row < entries_.size(); ++row) {
+        const auto cell = [&](int column) {
+            return ToUtf16(tblEntries_->item(static_cast<int>(row), column)->text().trimmed());
+        };
+        typed.entries[entries_[row]] = {cell(kUnit), cell(kSmallest), cell(kLargest),
+                                        cell(kColour)};
+    }
+    return typed;
+}
+
+void FPatterns::Expand() {
+    typing_.stop();
+    plan_.Set(Typed());
+    ShowEntries();
+    model_.Reset(languages_);
+    Check();
+}
+
+/// A line for each entry of the lists; what stands in those that stay is kept.
+void FPatterns::ShowEntries() {
+    std::vector<std::pair<std::size_t, std::size_t>> wanted;
+    const auto braces = plan_.Name().Braces();
+    for (std::size_t brace = 0; brace < braces.size() && !plan_.Wrong(); ++brace) {
+        if (!braces[brace].isList) continue;
+        for (std::size_t i = 0; i < braces[brace].entries.size(); ++i)
+            wanted.emplace_back(brace, i);
+    }
+    tblEntries_->setVisible(!wanted.empty());
+    const patterns::TrendPatterns& typed = plan_.Patterns();
+    const QSignalBlocker blocker(tblEntries_);
+    entries_ = wanted;
+    tblEntries_->setRowCount(static_cast<int>(wanted.size()));
+    for (std::size_t row = 0; row < wanted.size(); ++row) {
+        const auto known = typed.entries.find(wanted[row]);
+        const patterns::EntrySettings settings =
+            known != typed.entries.end() ? known->second : patterns::EntrySettings();
+        const auto& [brace, entry] = wanted[row];
+        const std::u16string* cells[] = {&braces[brace].entries[entry], &settings.unit,
+                                         &settings.smallest, &settings.largest, &settings.colour};
+        for (int column = 0; column < kEntryColumns; ++column) {
+            auto* item = new QTableWidgetItem(ToQString(*cells[column]));
+            if (column == kEntry) item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
+            if (column == kColour) item->setToolTip(texts_.GetText(Text::ColourHint));
+            tblEntries_->setItem(static_cast<int>(row), column, item);
+        }
+    }
+}
+
+void FPatterns::Check() {
+    plan_.Check(known_);
+    model_.ShowProblems();
+    ShowState();
+}
+
+QString FPatterns::StateText() const {
+    if (const auto& wrong = plan_.Wrong()) {
+        using Cause = project::PatternFault::Cause;
+        const auto text = [&] {
+            switch (wrong->fault.cause) {
+                case Cause::NotClosed:
+                    return Text::NotClosed;
+                case Cause::Empty:
+                    return Text::Empty;
+                case Cause::TooMany:
+                    return Text::TooMany;
+                case Cause::NoSuchBrace:
+                    return Text::NoSuchBrace;
+                case Cause::EntriesDiffer:
+                    return Text::EntriesDiffer;
+            }
+            return Text::NotClosed;
+        }();
+        const QLineEdit* field = wrong->column == patterns::TrendPlan::kName ? txtName_
+                                 : wrong->column == patterns::TrendPlan::kVariable
+                                     ? txtVariable_
+                                     : txtTexts_[static_cast<qsizetype>(
+                                           wrong->column - patterns::TrendPlan::kFirstText)];
+        return texts_.GetText(text, {{u"field", field->accessibleName().remove(u':')},
+                                     {u"at", QString::number(wrong->fault.at + 1)},
+                                     {u"most", Count(project::kMostPatternTexts)}});
+    }
+    if (plan_.ProblemCount() > 0) {
+        return texts_.GetText(Text::Problems, {{u"n", Count(plan_.ProblemCount())}});
+    }
+    return plan_.Rows() == 0 ? texts_.GetText(Text::Hint) : QString();
+}
+
+void FPatterns::ShowState() {
+    lblState_->setText(StateText());
+    const std::size_t count = typing_.isActive() ? 0 : plan_.Count();
+    cmdMake_->setEnabled(count > 0 && plan_.ProblemCount() == 0);
+    cmdMake_->setText(count == 1 ? texts_.GetText(Text::MakeOne)
+                                 : texts_.GetText(Text::MakeMany, {{u"n", Count(count)}}));
+}
+
+void FPatterns::TakeKept(int number) {
+    const patterns::TrendPatterns patterns = kept_.value(number);
+    txtName_->setText(ToQString(patterns.name));
+    txtVariable_->setText(ToQString(patterns.variable));
+    for (const auto& [column, text] : patterns.texts) {
+        for (std::size_t i = 0; i < columns_.size(); ++i) {
+            if (columns_[i] == column) {
+                txtTexts_[static_cast<qsizetype>(i)]->setText(ToQString(text));
+            }
+        }
+    }
+    plan_.Set(patterns);
+    ShowEntries();
+    Expand();
+}
+
+void FPatterns::ChooseVariable() {
+    const auto variable = work_.ChooseVariable(this, txtVariable_->text());
+    if (variable) txtVariable_->setText(*variable);
+}
+
+void FPatterns::Make() {
+    const std::vector<project::NewTrend> trends = plan_.Trends();
+    QProgressDialog progress(texts_.GetText(Text::Making), texts_.GetText(Number::kTextCancel), 0,
+                             static_cast<int>(trends.size()), this);
+    progress.setObjectName(u"dlgProgress"_s);
+    progress.setWindowTitle(windowTitle());
+    progress.setWindowModality(Qt::WindowModal);
+    progress.setMinimumDuration(kShowProgressAfter);
+    patterns::Made made;
+    const bool run = work_.RunStep([&] {
+        made = patterns::MakeTrends(work_.Connection(), archive_, trends, [&](std::size_t done) {
+            progress.setValue(static_cast<int>(done));
+            return !progress.wasCanceled();
+        });
+    });
+    progress.reset();
+    if (!run) return;
+    if (made.isDone) {
+        patterns::kept::Keep(keptFile_, plan_.Patterns());
+        made_ = made.ids;
+        return accept();
+    }
+    // Others have given names meanwhile; they are marked now.
+    known_ = patterns::ReadArchive(work_.Connection(), archive_);
+    Check();
+}
