@@ -48,17 +48,22 @@ Result Hint(QString text) {
 
 }  // namespace
 
-Result FillDown(const GridSplit& split, bool counting, const MResources::TextTable& texts) {
+Result FillDown(const GridSplit& split, bool counting, const MResources::TextTable& texts,
+                int sources) {
     const GridSplit::Cells selected = split.SelectedCells();
-    if (selected.rows.size() < 2) return Hint(texts.GetText(MResourceTable::kTextHintNoCells));
+    const qsizetype given = std::max(sources, 1);
+    if (selected.rows.size() <= given) return Hint(texts.GetText(MResourceTable::kTextHintNoCells));
     Result result;
     for (const int column : selected.columns) {
         const GridColumn& shown = *split.ColumnAt(column);
-        QVariant value = ExactAt(split, selected.rows.front(), column);
+        QVariant value = ExactAt(split, selected.rows[given - 1], column);
         const bool counts =
             counting && shown.ValueItems().isEmpty() && shown.Kind() != GridKind::Colour;
-        const double step = counts ? StepOf(value, ExactAt(split, selected.rows[1], column)) : 0;
-        for (qsizetype row = 1; row < selected.rows.size(); ++row) {
+        const double step = counts && sources != 1
+                                ? StepOf(ExactAt(split, selected.rows[0], column),
+                                         ExactAt(split, selected.rows[1], column))
+                                : 1;
+        for (qsizetype row = given; row < selected.rows.size(); ++row) {
             if (!split.CanEdit(selected.rows[row], column)) {
                 return Hint(texts.GetText(MResourceTable::kTextHintCellLocked));
             }
@@ -71,6 +76,8 @@ Result FillDown(const GridSplit& split, bool counting, const MResources::TextTab
                                        {u"text", split.CellText(selected.rows.front(), column)}}));
                 }
                 value = *next;
+            } else {
+                value = ExactAt(split, selected.rows[row % given], column);
             }
             result.cells.append({selected.rows[row], column, value});
         }

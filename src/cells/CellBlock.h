@@ -19,10 +19,11 @@ struct Result {
     QString refusal{};  // why there are none; to be told
 };
 
-/// The selected cells get what stands in the first of their column; `counting`: each what follows
-/// the one above it.
+/// The selected cells get what stands in the first rows of them, `sources` of them over and over;
+/// `counting`: each what follows the one above it, by the step from the first source to the second,
+/// else 1. 0: what stands in the first row, and a step that the first two show.
 [[nodiscard]] Result FillDown(const GridSplit& split, bool counting,
-                              const MResources::TextTable& texts);
+                              const MResources::TextTable& texts, int sources = 0);
 
 /// What a text means in a column; nothing where it is no value for it.
 using Reader = std::function<std::optional<QVariant>(const QString& text, int column)>;

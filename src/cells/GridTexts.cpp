@@ -18,6 +18,8 @@ MResourceTable::Number NumberOf(GridText text) {
             return MResourceTable::kTextEditedRow;
         case GridText::Filter:
             return MResourceTable::kTextColumnFilter;
+        case GridText::FillHandle:
+            return MResourceTable::kTextFillHandle;
         case GridText::FilterChoices:
             return MResourceTable::kTextColumnFilterChoices;
     }

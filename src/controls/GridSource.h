@@ -34,6 +34,8 @@ inline constexpr int kKind = Qt::UserRole + 3;
 /// data(): the value to be written again elsewhere, where that is more than kStored shows; else the
 /// same.
 inline constexpr int kExact = Qt::UserRole + 5;
+/// data(): true where something should stand in an empty cell; it is hatched then.
+inline constexpr int kMissing = Qt::UserRole + 6;
 /// data(): the number that the text of a cell is as a whole; an invalid QVariant when it is none.
 inline constexpr int kNumber = Qt::UserRole + 4;
 }  // namespace GridRole

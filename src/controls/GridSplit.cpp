@@ -40,6 +40,10 @@ GridSplit::GridSplit(GridView& view, QObject* parent)
     });
     connect(&view_, &GridView::Scrolled, edit_.get(), &CellEdit::Place);
     connect(this, &GridSplit::HeadClick, this, &GridSplit::SortByColumn);
+    connect(this, &GridSplit::CellsChange, &view_, &GridView::PlaceFillHandle);
+    connect(this, &GridSplit::RowColChange, &view_, &GridView::PlaceFillHandle);
+    connect(this, &GridSplit::LayoutChanged, &view_, &GridView::PlaceFillHandle);
+    connect(&view_, &GridView::Scrolled, &view_, &GridView::PlaceFillHandle);
 }
 
 GridSplit::~GridSplit() {
@@ -315,6 +319,15 @@ QString GridSplit::SortField() const {
 
 Qt::SortOrder GridSplit::SortOrder() const {
     return rows_->Order();
+}
+
+void GridSplit::SetFillsByMouse(bool fills) {
+    fillsByMouse_ = fills;
+    view_.PlaceFillHandle();
+}
+
+void GridSplit::SetEmptyText(const QString& text) {
+    view_.SetEmptyText(text);
 }
 
 void GridSplit::SetFilterRow(bool show) {

@@ -66,6 +66,8 @@ public:
     /// What assistive tools call the split ("Trends").
     [[nodiscard]] QString Caption() const;
     void SetCaption(const QString& caption);
+    /// What stands in the view while there are no rows: why, and what to do.
+    void SetEmptyText(const QString& text);
     [[nodiscard]] bool RecordSelectors() const;
     void SetRecordSelectors(bool show);
     [[nodiscard]] bool AllowColMove() const;
@@ -112,6 +114,9 @@ public:
     /// Whether cells have been selected, as by dragging over them or with Shift and the arrow keys,
     /// rather than rows as such by their record selectors.
     [[nodiscard]] bool AreCellsSelected() const;
+    /// Whether the corner of the selected cells can be dragged to fill those below (FillWanted).
+    [[nodiscard]] bool FillsByMouse() const noexcept { return fillsByMouse_; }
+    void SetFillsByMouse(bool fills);
     /// Writes cells, all or none, and raises AfterColUpdate once. False when that was refused or
     /// has failed.
     bool WriteCells(const QList<GridCell>& cells);
@@ -187,6 +192,9 @@ signals:
     void SelChange();
     /// SelectedCells may be others.
     void CellsChange();
+    /// The selected cells shall be filled with what stands in their first rows, `sources` of them;
+    /// `counting`: with what follows it.
+    void FillWanted(int sources, bool counting);
     /// The chooser of a column with a Button is wanted.
     void ButtonClick(GridRowId row, int column);
     void DblClick(GridRowId row, int column);
@@ -249,6 +257,7 @@ private:
     bool locked_ = false;
     bool doubleClickEdits_ = true;
     bool alwaysCurrent_ = false;
+    bool fillsByMouse_ = false;
     bool storing_ = false;
     bool rebuilding_ = false;
     bool refused_ = false;

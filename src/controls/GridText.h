@@ -8,5 +8,6 @@ enum class GridText {
     CurrentRow,
     EditedRow,
     Filter,         // what a field under a heading is
+    FillHandle,     // what dragging the corner of the selected cells does
     FilterChoices,  // and the button in it
 };

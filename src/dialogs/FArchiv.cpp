@@ -165,7 +165,7 @@ void FArchiv::ConnectControls() {
 }
 
 void FArchiv::ConnectPickers() {
-    ConnectTextEditor(cmdEditRuntimeName, txtTextID);
+    ConnectTextsEditor(cmdEditRuntimeName, txtTextID);
     ConnectTextEditor(cmdEditFileName, txtFileName);
     ConnectFolderPicker(cmdChoosePath[0], cboFilePath, kTextArchiveChooseFilePath);
     ConnectFolderPicker(cmdChoosePath[1], cboRedundancyFilePath,

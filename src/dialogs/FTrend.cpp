@@ -153,7 +153,7 @@ void FTrend::ConnectControls() {
 }
 
 void FTrend::ConnectPickers() {
-    ConnectTextEditor(cmdEditText, txtTextID);
+    ConnectTextsEditor(cmdEditText, txtTextID);
     const std::array<QLineEdit*, 7> fields = {txtTrendVar,     txtMaximum,      txtMinimum,
                                               txtSurrogateMax, txtSurrogateMin, txtErrorValue,
                                               txtHysteresis};

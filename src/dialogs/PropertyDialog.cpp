@@ -319,8 +319,20 @@ void PropertyDialog::ConnectFolderPicker(QPushButton* button, QComboBox* field, 
 void PropertyDialog::ConnectTextEditor(QPushButton* button, QLineEdit* field) {
     AddPicker(button, field, MResourceTable::kTextEditText);
     connect(button, &QPushButton::clicked, this, [this, field] {
-        TextDialog editor(services_.texts, *field, this);
+        TextDialog editor(services_.texts, *field, {}, {}, this);
         if (editor.exec() == QDialog::Accepted) field->setText(editor.Text());
+        field->setFocus();
+    });
+}
+
+void PropertyDialog::ConnectTextsEditor(QPushButton* button, QLineEdit* field) {
+    AddPicker(button, field, MResourceTable::kTextEditText);
+    connect(button, &QPushButton::clicked, this, [this, field] {
+        TextDialog editor(services_.texts, *field, textLanguage_, otherTexts_, this);
+        if (editor.exec() == QDialog::Accepted) {
+            field->setText(editor.Text());
+            otherTexts_ = editor.Others();
+        }
         field->setFocus();
     });
 }

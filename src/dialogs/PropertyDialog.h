@@ -11,6 +11,7 @@
 #include <span>
 
 #include "dialogs/DialogServices.h"
+#include "dialogs/TextDialog.h"
 #include "drafts/Draft.h"
 #include "project/FieldText.h"
 #include "project/Schema.h"
@@ -74,6 +75,14 @@ public:
     }
     void SetIndexTextParamNames(std::optional<QString> names);
 
+    /// The record's text in the project's other languages, edited beside the one shown; `language`
+    /// names that one's.
+    void SetOtherTexts(const QString& language, QList<LanguageText> others) {
+        textLanguage_ = language;
+        otherTexts_ = std::move(others);
+    }
+    [[nodiscard]] const QList<LanguageText>& OtherTexts() const noexcept { return otherTexts_; }
+
 protected:
     /// The controls that every property dialog has. They belong to the derived dialog.
     struct Frame {
@@ -127,6 +136,8 @@ protected:
     /// `title`: number of the text that names what is chosen.
     void ConnectFolderPicker(QPushButton* button, QComboBox* field, int title);
     void ConnectTextEditor(QPushButton* button, QLineEdit* field);
+    /// The same for the record's text, which has other languages beside it.
+    void ConnectTextsEditor(QPushButton* button, QLineEdit* field);
 
     void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
@@ -169,6 +180,8 @@ private:
     ManyRecords* many_ = nullptr;  // null: the dialog is that of one record
     QString openedName_;
     std::optional<QString> indexTextParamNames_;
+    QString textLanguage_;
+    QList<LanguageText> otherTexts_;
     bool cancelled_ = true;
     bool loaded_ = false;
     bool painting_ = false;

@@ -81,6 +81,9 @@ QToolBar* EditorMenus::MakeToolBar() {
             bar->addSeparator();
         } else {
             bar->addAction(Action(id));
+            // The text of the action has an access key, and its key behind blanks.
+            bar->widgetForAction(Action(id))
+                ->setAccessibleName(commandset::ToolTip(commandset::CommandOf(id), texts_));
         }
     }
     AddStepList(*bar, Id::Undo);

@@ -228,6 +228,7 @@ private:
     /// The user wants the find field, to narrow this split.
     void Find(int split);
     void ShowNarrowing();
+    void ShowEmptiness();
     void OpenContextMenu(int split, const QPoint& position);
     void Copy();
     void Paste();
@@ -255,7 +256,7 @@ private:
     /// Of pasted rows those that bear the name of a trend that is there are taken out when the user
     /// wants that, and become cells of it. False when he gives up.
     [[nodiscard]] bool TakeUpdates(std::vector<project::NewTrend>& pasted, QList<GridCell>& cells);
-    void FillDown(bool counting);
+    void FillDown(bool counting, int sources = 0);
     void WriteBlock(const CellBlock::Result& block);
     void EditSelected();
     void WriteColumn(int column, const QVariant& value);

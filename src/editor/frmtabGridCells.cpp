@@ -18,12 +18,12 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-void frmtabGrid::FillDown(bool counting) {
+void frmtabGrid::FillDown(bool counting, int sources) {
     if (busy_) return Hint(MResourceTable::kTextHintBusy);
     if (!MayStore()) return;
     const QScopedValueRollback busy(busy_, true);
     if (!CommitPendingEdit()) return;
-    WriteBlock(CellBlock::FillDown(tdbA->SplitAt(1), counting, texts_));
+    WriteBlock(CellBlock::FillDown(tdbA->SplitAt(1), counting, texts_, sources));
 }
 
 void frmtabGrid::WriteBlock(const CellBlock::Result& block) {

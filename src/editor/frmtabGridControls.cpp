@@ -133,6 +133,10 @@ void frmtabGrid::BuildGrid() {
     connect(&trends, &GridSplit::SelChange, this, &frmtabGrid::UpdateCommands);
     connect(&trends, &GridSplit::RowColChange, this, &frmtabGrid::UpdateCommands);
     connect(&trends, &GridSplit::CellsChange, this, &frmtabGrid::ShowCells);
+    trends.SetFillsByMouse(true);
+    connect(&trends, &GridSplit::FillWanted, this, [this, guarded](int sources, bool counting) {
+        guarded([&] { FillDown(counting, sources); });
+    });
     connect(&trends, &GridSplit::ButtonClick, this, [this, guarded](GridRowId row, int column) {
         guarded([&] { ChooseForCell(row, column); });
     });

@@ -1,6 +1,7 @@
 // What the user sees of the rows in the editor window and where he is: narrowing, frozen columns,
 // and the place that another window goes on from.
 
+#include <array>
 #include <QLabel>
 #include <QLineEdit>
 #include <QScopedValueRollback>
@@ -11,6 +12,7 @@
 #include "editor/EditorLayout.h"
 #include "editor/EditorMenus.h"
 #include "editor/frmtabGrid.h"
+#include "projectdb/NodeKey.h"
 #include "texts/MResourceTable.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -57,7 +59,22 @@ void frmtabGrid::FindArchives() {
     Find(0);
 }
 
+/// What stands in a split that has nothing to show.
+void frmtabGrid::ShowEmptiness() {
+    const bool isArchive = projectdb::NodeKind(project_.currentNodeKey) == projectdb::kArchiveKind;
+    const std::array<int, TDBGrid::kSplitCount> texts = {
+        MResourceTable::kTextNoArchives,
+        isArchive ? MResourceTable::kTextNoTrends : MResourceTable::kTextNoArchiveOpen};
+    for (int split = 0; split < TDBGrid::kSplitCount; ++split) {
+        GridSplit& grid = tdbA->SplitAt(split);
+        const bool isNarrowed = !grid.FilterText().isEmpty();
+        grid.SetEmptyText(texts_.GetText(isNarrowed ? int{MResourceTable::kTextNoHit}
+                                                    : texts.at(static_cast<std::size_t>(split))));
+    }
+}
+
 void frmtabGrid::ShowNarrowing() {
+    ShowEmptiness();
     const auto what = [&](const QString& key) {
         return texts_.GetText(narrowed_ == 0 ? MResourceTable::kTextNarrowArchives
                                              : MResourceTable::kTextNarrowTrends,

@@ -137,13 +137,14 @@ std::vector<TrendTableModel::Archive> TrendTableModel::Archives() {
         if (!isNew) continue;
         const QString& name = order_->TextOf(0, table_->NumberAt(row, 0));
         const auto count = rows_.byArchive.find(id);
-        place->second = {id, name.isEmpty() ? QString::number(id) : name,
+        place->second = {id, name.isEmpty() ? u"(%1)"_s.arg(id) : name,
                          count == rows_.byArchive.end() ? 0 : count->second};
     }
     std::vector<Archive> archives;
     for (auto& [id, archive] : byId) archives.push_back(std::move(archive));
     QCollator collator;
     collator.setCaseSensitivity(Qt::CaseInsensitive);
+    collator.setNumericMode(true);  // "Well 9" before "Well 10"
     std::stable_sort(archives.begin(), archives.end(), [&](const Archive& a, const Archive& b) {
         return collator.compare(a.name, b.name) < 0;
     });
@@ -311,6 +312,12 @@ int TrendTableModel::columnCount(const QModelIndex& parent) const {
     return parent.isValid() || table_ == nullptr ? 0 : static_cast<int>(table_->Columns().size());
 }
 
+/// A text that is to be translated yet.
+bool TrendTableModel::IsMissing(std::size_t row, std::size_t column) const {
+    return table_->Columns()[column].field.baseTable == project::kTextTable &&
+           order_->TextOf(column, table_->NumberAt(row, column)).trimmed().isEmpty();
+}
+
 QVariant TrendTableModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) return {};
     const std::size_t row = rows_.shown[static_cast<std::size_t>(index.row())];
@@ -320,6 +327,12 @@ QVariant TrendTableModel::data(const QModelIndex& index, int role) const {
             return order_->TextOf(column, table_->NumberAt(row, column));
         case GridRole::kStored:
             return StoredValue(table_->ValueAt(row, column));
+        case GridRole::kMissing:
+            return IsMissing(row, column);
+        case Qt::ToolTipRole:
+            return IsMissing(row, column)
+                       ? QVariant(texts_.GetText(MResourceTable::kTextTableMissing))
+                       : QVariant();
         case GridRole::kExact:
             return ExactValue(table_->ValueAt(row, column));
         case GridRole::kNumber: {

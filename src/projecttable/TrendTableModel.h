@@ -80,6 +80,7 @@ signals:
     void Narrowed();
 
 private:
+    [[nodiscard]] bool IsMissing(std::size_t row, std::size_t column) const;
     void ApplyNarrowing();
     void Compute();
     [[nodiscard]] const TrendTable::Column& ColumnAt(int column) const;

@@ -35,9 +35,13 @@ namespace {
 
 const QString kProcedure = u"frmProjectTable"_s;
 constexpr QSize kFirstSize(1100, 640);
-constexpr double kArchivesWidth = 3300;  // twips
-constexpr int kFindWidth = 32;           // average characters
-constexpr int kHintTime = 8000;          // ms
+// Twips.
+constexpr double kArchivesWidth = 3900;
+constexpr double kArchiveNameWidth = 2400;
+constexpr double kCountWidth = 900;
+constexpr double kTextWidth = 2600;
+constexpr int kFindWidth = 32;   // average characters
+constexpr int kHintTime = 8000;  // ms
 
 }  // namespace
 
@@ -206,16 +210,25 @@ void frmProjectTable::BuildGrid() {
     archives.SetLocked(true);
     archives.SetAlwaysCurrent(true);
     archives.SetCaption(texts_.GetText(MResourceTable::kTextArchivesNode));
+    archives.Column(u"Name")->SetWidth(kArchiveNameWidth);
+    archives.Column(u"Trends")->SetWidth(kCountWidth);
     tdbTable->SetSplitWidth(kArchivesWidth);
     trends.SetSource(trends_);
     trends.SetAlwaysCurrent(true);
     trends.SetDoubleClickEdits(false);
     trends.SetCaption(texts_.GetText(MResourceTable::kTextTrends));
     trends.SetFilterRow(true);
+    trends.SetEmptyText(texts_.GetText(MResourceTable::kTextTableReading));
     const auto guarded = [](auto body) { Guard(kProcedure, body); };
     connect(trends_, &TrendTableModel::Narrowed, this, &frmProjectTable::ShowCounts);
     connect(&archives, &GridSplit::RowColChange, this, &frmProjectTable::PickArchives);
     connect(&archives, &GridSplit::SelChange, this, &frmProjectTable::PickArchives);
+    trends.SetFillsByMouse(true);
+    connect(&trends, &GridSplit::FillWanted, this, [this, guarded](int sources, bool counting) {
+        guarded([&] {
+            WriteBlock(CellBlock::FillDown(tdbTable->SplitAt(1), counting, texts_, sources));
+        });
+    });
     connect(&trends, &GridSplit::ColumnFilterChanged, this, &frmProjectTable::Narrow);
     connect(&trends, &GridSplit::ColumnFilterMenu, this,
             [this, guarded](int column, const QPoint& position) {
@@ -261,6 +274,10 @@ void frmProjectTable::SetUpColumns() {
         GridColumn* column = trends.ColumnAt(i);
         const TrendTable::Column& of = trends_->Table().Columns()[static_cast<std::size_t>(i)];
         TrendColumns::SetUp(*column, of.known, texts_);
+        if (of.known == nullptr || of.known->kind == project::Kind::Variable ||
+            of.field.baseColumn == "Name") {
+            column->SetWidth(kTextWidth);
+        }
         if (of.isArchive) column->SetCaption(texts_.GetText(MResourceTable::kTextTableArchive));
         if (of.known == nullptr && !of.isArchive)
             column->SetCaption(TextCaption(column->DataField()));
@@ -309,6 +326,7 @@ void frmProjectTable::RowsRead() {
     trends_->SetTable(std::move(*read_->table));
     read_.reset();
     if (!columnsSetUp_) SetUpColumns();
+    tdbTable->SplitAt(1).SetEmptyText(texts_.GetText(MResourceTable::kTextTableNoHit));
     ShowArchives();
     FillViews(cmbView->currentText());
     // Read only projects are looked at.

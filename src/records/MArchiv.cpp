@@ -15,6 +15,7 @@
 #include "projectdb/Text.h"
 #include "records/EditSession.h"
 #include "records/MDialogs.h"
+#include "texts/Language.h"
 #include "texts/MResources.h"
 #include "texts/MResourceTable.h"
 
@@ -157,6 +158,9 @@ private:
             const std::size_t index = texts.FieldIndex(column);
             BindToField(dialog_, *dialog_.txtTextID, texts.Fields().at(index));
             MDialogs::FieldToText(texts, index, *dialog_.txtTextID);
+            dialog_.SetOtherTexts(
+                platform::LanguageName(rows_.language, texts::InterfaceLanguage()),
+                MDialogs::OtherTexts(texts, rows_.language));
         }
         dialog_.SetDisplayTextAvailable(available);
     }
@@ -211,6 +215,7 @@ void StoreDisplayText(ado::Recordset& texts, const ado::Value& textId, platform:
     if (dialog.Touched(*dialog.txtTextID) && project::HasField(texts, column)) {
         texts.Set(column, ValueOf(dialog.txtTextID->text()));
     }
+    MDialogs::AssignTexts(texts, dialog.OtherTexts());
     if (project::HasField(texts, kParamNames)) {
         AssignIfOther(texts, kParamNames, dialog.IndexTextParamNames());
     }

@@ -1,11 +1,14 @@
 #pragma once
 
 #include <optional>
+#include <QList>
 #include <QString>
 #include <span>
 #include <string_view>
 
 #include "ado/Recordset.h"
+#include "dialogs/TextDialog.h"
+#include "platform/Locale.h"
 
 class QComboBox;
 class QLineEdit;
@@ -13,6 +16,11 @@ class QLineEdit;
 /// Moves one field of a record's row to or from one control of its dialog. Columns are positions
 /// in Fields(). Failures are ado::AdoError.
 namespace MDialogs {
+
+/// The texts of a row in the languages that it has columns for, but for one of them: a dialog's.
+[[nodiscard]] QList<LanguageText> OtherTexts(const ado::Recordset& row, platform::Lcid language);
+/// Assigns those that the user has touched.
+void AssignTexts(ado::Recordset& row, const QList<LanguageText>& texts);
 
 /// Entry of a combo box that stands for a code.
 struct ComboEntry {

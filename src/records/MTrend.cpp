@@ -14,6 +14,8 @@
 #include "projectdb/Hierarchy.h"
 #include "projectdb/Text.h"
 #include "records/EditSession.h"
+#include "records/MDialogs.h"
+#include "texts/Language.h"
 #include "texts/MResources.h"
 #include "texts/MResourceTable.h"
 
@@ -70,6 +72,8 @@ void Load(const ado::Recordset& trend, FTrend& dialog, platform::Lcid language) 
             ado::IsNull(value) ? color->ClearColor() : color->SetColor(ado::ToLong(value));
         }
     }
+    dialog.SetOtherTexts(platform::LanguageName(language, texts::InterfaceLanguage()),
+                         MDialogs::OtherTexts(trend, language));
     dialog.cmbHysteresisMode->setCurrentIndex(project::HysteresisMode(!hysteresis.isEmpty(), mode));
     dialog.txtHysteresis->setText(hysteresis);
     dialog.SetOpenedName(dialog.txtName->text());
@@ -122,6 +126,7 @@ void Assign(ado::Recordset& trend, const FTrend& dialog, platform::Lcid language
     for (const auto& [field, value] : ValuesOf(trend.Fields(), dialog, language)) {
         trend.Set(field, value);
     }
+    MDialogs::AssignTexts(trend, dialog.OtherTexts());
     if (project::HasField(trend, kParamNames)) {
         const std::optional<QString>& names = dialog.IndexTextParamNames();
         const ado::Value kept =
@@ -173,6 +178,7 @@ bool EditTrends(const ado::Recordset& trend, const Many& many, platform::Lcid la
         TellNotLoaded(dialog, services.texts, MResourceTable::kTextTrendInitFailed, *unread, owner);
         return false;
     }
+    dialog.SetOtherTexts({}, {});  // they are the first trend's
     ShowMany(trend.Fields(), many, dialog, language);
     dialog.SetStore([&] {
         const Values values = ValuesOf(trend.Fields(), dialog, language);

@@ -244,4 +244,37 @@ TEST_F(EditorCellsTest, DraggedOverAndChangedElsewhere) {
     EXPECT_EQ(StoredIn("Comment", 3), QStringList({u"mine"_s, u"mine"_s, u"theirs"_s}));
 }
 
+/// The corner of the selected cells is dragged over the rows below.
+TEST_F(EditorCellsTest, TheCornerFillsByMouse) {
+    Open();
+    Column(1, u"Comment"_s)->setProperty("Visible", true);
+    const auto drag = [&](int fromRow, int rows, int toRow, Qt::KeyboardModifiers held) {
+        ClickCell(fromRow, u"Comment"_s);
+        for (int i = 1; i < rows; ++i) Key(Qt::Key_Down, Qt::ShiftModifier);
+        auto* handle = Split(1)->findChild<QWidget*>(u"fillHandle"_s);
+        ASSERT_TRUE(handle->isVisible());
+        const QRect target =
+            Split(1)->visualRect(Split(1)->model()->index(toRow, ColumnNumber(1, u"Comment"_s)));
+        const QPoint to = handle->mapFromGlobal(Split(1)->viewport()->mapToGlobal(target.center()));
+        QTest::mousePress(handle, Qt::LeftButton, held);
+        QTest::mouseMove(handle, to);
+        QMouseEvent move(QEvent::MouseMove, to, handle->mapToGlobal(to), Qt::NoButton,
+                         Qt::LeftButton, held);
+        QApplication::sendEvent(handle, &move);
+        QTest::mouseRelease(handle, Qt::LeftButton, held, to);
+    };
+    const auto comment = [&](int row) { return Text(row, u"Comment"_s); };
+    ClickCell(0, u"Comment"_s);
+    Type(u"No 8"_s);
+    Key(Qt::Key_Return);
+    drag(0, 1, 3, Qt::ControlModifier);
+    EXPECT_EQ((QStringList{comment(0), comment(1), comment(2), comment(3)}),
+              (QStringList{u"No 8"_s, u"No 9"_s, u"No 10"_s, u"No 11"_s}));
+    drag(0, 2, 4, {});
+    EXPECT_EQ((QStringList{comment(0), comment(1), comment(2), comment(3), comment(4)}),
+              (QStringList{u"No 8"_s, u"No 9"_s, u"No 8"_s, u"No 9"_s, u"No 8"_s}));
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(comment(3), u"No 11"_s) << "one step";
+}
+
 }  // namespace

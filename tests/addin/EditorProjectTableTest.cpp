@@ -51,8 +51,11 @@ protected:
         return Rows()->model()->index(row, ColumnOf(caption)).data().toString();
     }
     void GoTo(int row, const QString& caption) {
-        Rows()->selectionModel()->setCurrentIndex(Rows()->model()->index(row, ColumnOf(caption)),
-                                                  QItemSelectionModel::NoUpdate);
+        const QModelIndex cell = Rows()->model()->index(row, ColumnOf(caption));
+        Rows()->scrollTo(cell);
+        QTest::mouseClick(Rows()->viewport(), Qt::LeftButton, {},
+                          Rows()->visualRect(cell).center());
+        ASSERT_EQ(Rows()->currentIndex(), cell);
     }
     void Press(Qt::Key key, Qt::KeyboardModifiers held = Qt::NoModifier) {
         QTest::keyClick(Rows(), key, held);
@@ -127,6 +130,17 @@ TEST_F(EditorProjectTableTest, ABlockGoesIntoTheRowsThatAreShown) {
         }
     }
     EXPECT_EQ(written, 3);
+
+    // Filled down and counted on, over what is sorted.
+    GoTo(0, u"Comment"_s);
+    Press(Qt::Key_Down, Qt::ShiftModifier);
+    QApplication::clipboard()->setText(u"No 09"_s);
+    Trigger(u"mnuPaste"_s);
+    Trigger(u"mnuFillCounting"_s);
+    EXPECT_EQ(At(0, u"Comment"_s), u"No 09"_s);
+    EXPECT_EQ(At(1, u"Comment"_s), u"No 10"_s);
+    Trigger(u"mnuFill"_s);
+    EXPECT_EQ(At(1, u"Comment"_s), u"No 09"_s);
 
     // Two trends of an archive under one name.
     const QString first = At(0, u"Runtime Name"_s);

@@ -4,6 +4,8 @@
 #include <limits>
 #include <QApplication>
 #include <QComboBox>
+#include <QDialog>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
@@ -271,6 +273,32 @@ TEST_F(MTrendTest, DisplayTextIsThatOfTheLanguage) {
     GoTo("Balken2");
     EXPECT_EQ(trends_.Get("L1031"), Text(u"Säulen"));
     EXPECT_EQ(around_.names.changed.last(), u"Trd Balken>Balken2");
+}
+
+TEST_F(MTrendTest, TheTextInOtherLanguagesIsWrittenWhereItWasTyped) {
+    GoTo("Balken");
+    const QString english = projectdb::ToQString(ado::ToText(trends_.Get("L1033")));
+    const auto type = [&](const QString& text, const char* button) {
+        return Edit([&](FTrend& dialog) {
+            QTimer::singleShot(0, &dialog, [&] {
+                auto* editor = dialog.findChild<QDialog*>(u"TextDialog"_s);
+                auto* field = editor->findChild<QLineEdit*>(u"txtL1033"_s);
+                EXPECT_TRUE(field->accessibleName().contains(u"Engl"_s));
+                field->setText(text);
+                editor->findChild<QPushButton*>(QString::fromLatin1(button))->click();
+            });
+            dialog.cmdEditText->click();
+            EXPECT_FALSE(dialog.Touched(*dialog.txtTextID));
+        });
+    };
+    EXPECT_TRUE(type(u"given up"_s, "cmdCancel"));
+    GoTo("Balken");
+    EXPECT_EQ(projectdb::ToQString(ado::ToText(trends_.Get("L1033"))), english);
+    const ado::Value german = trends_.Get("L1031");
+    EXPECT_TRUE(type(u"Bars"_s, "cmdOk"));
+    GoTo("Balken");
+    EXPECT_EQ(trends_.Get("L1033"), Text(u"Bars"));
+    EXPECT_EQ(trends_.Get("L1031"), german);
 }
 
 TEST_F(MTrendTest, TheNameOfTheIndexTextFollowsWhereItIsMadeOfTheTrends) {

@@ -15,11 +15,12 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kPadding = 4;          // pixels between a cell's edge and its text
-constexpr int kSpaceAroundRow = 6;   // pixels, above and below together
-constexpr qreal kRowTint = 0.22;     // how much of the highlight the current row shows
-constexpr qreal kBesideTint = 0.35;  // and a selected row beside the cells that are selected
-constexpr int kFrame = 2;            // pixels
+constexpr int kPadding = 4;           // pixels between a cell's edge and its text
+constexpr int kSpaceAroundRow = 6;    // pixels, above and below together
+constexpr qreal kRowTint = 0.22;      // how much of the highlight the current row shows
+constexpr qreal kBesideTint = 0.35;   // and a selected row beside the cells that are selected
+constexpr qreal kMissingTint = 0.45;  // how dark the hatching is
+constexpr int kFrame = 2;             // pixels
 
 QColor Blend(const QColor& below, const QColor& above, qreal part) {
     const auto mix = [part](int a, int b) { return qRound(a + (b - a) * part); };
@@ -88,6 +89,10 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         }
     }
     const QString shown = index.data(Qt::DisplayRole).toString();
+    if (shown.isEmpty() && !selected && index.data(GridRole::kMissing).toBool()) {
+        const QColor base = option.palette.color(group, QPalette::Base);
+        painter->fillRect(option.rect, QBrush(Blend(base, text, kMissingTint), Qt::BDiagPattern));
+    }
     if (!shown.isEmpty() && rect.width() > 0) {
         const int wide = option.fontMetrics.horizontalAdvance(shown);
         painter->setPen(text);

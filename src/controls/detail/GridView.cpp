@@ -6,12 +6,14 @@
 #include <QContextMenuEvent>
 #include <QHelpEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScrollBar>
 #include <QToolTip>
 #include <utility>
 
 #include "controls/detail/CellDelegate.h"
 #include "controls/detail/CellEdit.h"
+#include "controls/detail/FillHandle.h"
 #include "controls/detail/FilterRow.h"
 #include "controls/detail/FrozenView.h"
 #include "controls/detail/GridRows.h"
@@ -59,6 +61,7 @@ void GridView::Bind(GridSplit& split, GridRows& rows) {
     rows_ = &rows;
     setModel(&rows);
     frozen_ = new FrozenView(*this);
+    fillHandle_ = new FillHandle(*this, split);
     connect(captions_, &QHeaderView::sectionClicked, &split, &GridSplit::HeadClick);
     connect(captions_, &QHeaderView::sectionResized, this, &GridView::PlaceFrozen);
 }
@@ -154,6 +157,16 @@ void GridView::SelectRange(int fromRow, int toRow) {
 void GridView::ToggleRow(int row) {
     const QItemSelection one(rows_->index(row, 0), rows_->index(row, rows_->columnCount() - 1));
     selectionModel()->select(one, QItemSelectionModel::Toggle);
+}
+
+void GridView::SelectBlock(int fromRow, int toRow) {
+    anchor_ = rows_->IdAt(fromRow);
+    SetWholeRows(false);
+    SelectRange(fromRow, toRow);
+}
+
+void GridView::PlaceFillHandle() {
+    if (fillHandle_ != nullptr) fillHandle_->Place();
 }
 
 bool GridView::IsRowSelected(int row) const {
@@ -475,6 +488,22 @@ void GridView::scrollContentsBy(int dx, int dy) {
     QTableView::scrollContentsBy(dx, dy);
     if (dx != 0) captions_->PlaceFilters();
     emit Scrolled();
+}
+
+void GridView::SetEmptyText(const QString& text) {
+    if (std::exchange(emptyText_, text) == text) return;
+    setAccessibleDescription(text);
+    viewport()->update();
+}
+
+void GridView::paintEvent(QPaintEvent* event) {
+    QTableView::paintEvent(event);
+    if (emptyText_.isEmpty() || rows_ == nullptr || rows_->rowCount() > 0) return;
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::Text));
+    const int space = fontMetrics().height();
+    painter.drawText(viewport()->rect().adjusted(space, space, -space, -space),
+                     Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, emptyText_);
 }
 
 void GridView::resizeEvent(QResizeEvent* event) {

@@ -8,6 +8,7 @@
 #include "controls/GridSource.h"
 
 class CaptionHeader;
+class FillHandle;
 class FrozenView;
 class GridRows;
 class GridSplit;
@@ -56,6 +57,9 @@ public:
     [[nodiscard]] GridRowId Anchor() const { return anchor_; }
     void SetAnchor(GridRowId row) { anchor_ = row; }
     [[nodiscard]] bool IsRowSelected(int row) const;
+    /// Some cells of these rows, in the columns that are meant already.
+    void SelectBlock(int fromRow, int toRow);
+    void PlaceFillHandle();
     /// Rows have been selected as such, not some of their cells.
     [[nodiscard]] bool SelectsWholeRows() const { return wholeRows_; }
     void SetWholeRows(bool whole);
@@ -78,6 +82,7 @@ public:
     /// Where the cell is shown: the frozen strip's viewport or the view's own, and its place there.
     [[nodiscard]] QWidget* ViewportOf(const QModelIndex& cell) const;
     [[nodiscard]] QRect CellRect(const QModelIndex& cell) const;
+    void SetEmptyText(const QString& text);
     void UpdateMarks();
     void LayOutNow();
 
@@ -107,6 +112,7 @@ protected:
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
+    void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void updateGeometries() override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
@@ -132,10 +138,12 @@ private:
     CaptionHeader* captions_ = nullptr;
     RecordHeader* records_ = nullptr;
     FrozenView* frozen_ = nullptr;
+    FillHandle* fillHandle_ = nullptr;
     std::vector<int> frozenColumns_;  // that are wanted in the strip
     std::vector<int> strip_;          // those of them that there is room for
     GridRowId anchor_ = kNoGridRow;   // where a row selection began
     int anchorColumn_ = -1;           // and a widening over columns; -1: there is none
     bool wholeRows_ = true;
+    QString emptyText_;
     QPersistentModelIndex pressed_;  // the cell that the left button has gone down on
 };
