@@ -25,7 +25,7 @@ picture_tests trend_dialog_test '*Look*'
 picture_tests options_dialog_test '*NoTextIsCutOff*'
 picture_tests help_test 'HelpWindowTest.*'
 picture_tests report_test 'ReportTest.*'
-picture_tests alone/addin_test 'EditorLayoutTest.Looks*'
+picture_tests alone/addin_test 'EditorLayoutTest.Looks*:EditorProjectTableTest.Looks*'
 
 for language in de:1031 en:1033; do
     registry=$folder/${language%:*}.reg
