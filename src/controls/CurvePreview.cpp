@@ -10,6 +10,7 @@
 
 namespace {
 
+constexpr qsizetype kMostOthers = 11;  // curves that can be told apart
 constexpr int kSamples = 36;
 constexpr int kGridLines = 4;
 constexpr int kMaxWidth = 40;  // pixels; a wider line would hide the picture
@@ -140,6 +141,19 @@ void DrawCurve(QPainter& painter, const Scale& scale, const CurveLook& look) {
     drawBetween(look.lowerColor, std::max(lower, upper), below);
 }
 
+/// Further curves, behind the first one, each a step lower.
+void DrawOthers(QPainter& painter, const Scale& scale, const CurveLook& look) {
+    painter.setRenderHint(QPainter::Antialiasing);
+    const qsizetype count = std::min(look.others.size(), kMostOthers);
+    const double step = scale.area.height() / static_cast<double>(2 * (kMostOthers + 1));
+    QPainterPath curve = SampleCurve(scale.area, look.mode);
+    for (qsizetype i = 0; i < count; ++i) {
+        curve.translate(0, step);
+        painter.strokePath(curve, QPen(look.others[i], std::clamp(look.width, 1, kMaxWidth),
+                                       PenStyleOf(look.style)));
+    }
+}
+
 }  // namespace
 
 CurvePreview::CurvePreview(QWidget* parent) : QWidget(parent) {
@@ -165,6 +179,7 @@ void CurvePreview::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     const Scale scale = DrawGround(painter, *this, look_);
     painter.setClipRect(scale.area);
+    DrawOthers(painter, scale, look_);
     DrawCurve(painter, scale, look_);
     painter.setClipping(false);
     painter.setRenderHint(QPainter::Antialiasing, false);

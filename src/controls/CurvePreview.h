@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <QColor>
+#include <QList>
 #include <QWidget>
 
 /// How a curve is drawn, as far as it can be seen. Codes are those that trends store.
@@ -15,7 +16,8 @@ struct CurveLook {
     };
 
     QColor line;
-    int width = 1;  // pixels
+    QList<QColor> others{};  // further curves beside it, a colour each; the first ones are drawn
+    int width = 1;           // pixels
     Style style = Style::Line;
     Mode mode = Mode::Lines;
     std::optional<double> displayMaximum, displayMinimum;
@@ -28,8 +30,9 @@ struct CurveLook {
 };
 
 /// A picture of a sample curve, always the same one, that runs through the whole display range and
-/// out of the tolerance band on both sides where there is one. Only a picture: it takes no focus
-/// and no input. Draws when it is visible and something has changed, and does nothing otherwise.
+/// out of the tolerance band on both sides where there is one; further colours are drawn as the
+/// same curve in steps below it. Only a picture: it takes no focus and no input. Draws when it is
+/// visible and something has changed, and does nothing otherwise.
 class CurvePreview final : public QWidget {
     Q_OBJECT
 public:

@@ -182,12 +182,23 @@ void FTrend::txtName_Change() {
     cmdOk->setEnabled(!name.trimmed().isEmpty() || name == OpenedName());
 }
 
+void FTrend::SetCurveColours(QList<int> colours) {
+    curveColours_ = std::move(colours);
+    ShowCurve();
+}
+
 void FTrend::ShowCurve() {
     const auto colorOf = [](const KVColorSelect& selector) {
         return selector.HasColor() ? selector.ShownColor() : selector.palette().text().color();
     };
     CurveLook look;
     look.line = colorOf(*clrVLineColor);
+    if (!curveColours_.isEmpty() && !Touched(*clrVLineColor)) {
+        for (const int colour : curveColours_) {
+            look.others.append(KVColorSelect::Shown(colour, palette()));
+        }
+        look.line = look.others.takeFirst();
+    }
     look.upperColor = colorOf(*clrVUpperColor);
     look.lowerColor = colorOf(*clrVLowerColor);
     look.width = static_cast<int>(std::clamp(NumberIn(*txtVLineWidth).value_or(1), 1.0, 1000.0));

@@ -21,6 +21,9 @@ public:
     void SetDisplayTextAvailable(bool available);
     /// The dialog stands for several trends, each with a name of its own, which cannot be edited.
     void ShowNoName(std::size_t trends);
+    /// The colours that the curves of several trends have, each once; shown until one is chosen for
+    /// all.
+    void SetCurveColours(QList<int> colours);
     /// As PropertyDialog's; call it when the controls have been filled.
     void SetOpenedName(const QString& name);
 
@@ -52,5 +55,6 @@ private:
     void ConnectControls();
     void ConnectPickers();
 
-    QString keptName_;  // the name before the latest change; txtName_Change compares with it
+    QList<int> curveColours_;  // of several trends that differ
+    QString keptName_;         // the name before the latest change; txtName_Change compares with it
 };

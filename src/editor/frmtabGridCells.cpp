@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QLocale>
 #include <QScopedValueRollback>
+#include <set>
 #include <tuple>
 
 #include "cells/CellBlock.h"
@@ -51,6 +52,17 @@ void frmtabGrid::EditSelected() {
             return trends_->ValueAt(trends_->RowOf(id), column) != first;
         });
     };
+    if (const int colour = trends_->ColumnOf("VLineColor"); colour >= 0) {
+        std::set<int> colours;
+        for (const GridRowId id : ids) {
+            const ado::Value& value = trends_->ValueAt(trends_->RowOf(id), colour);
+            const auto* number = std::get_if<std::int32_t>(&value);
+            if (number != nullptr && colours.insert(*number).second) {
+                many.colours.push_back(*number);
+            }
+        }
+        if (many.colours.size() < 2) many.colours.clear();
+    }
     many.store = [&](const MTrend::Values& values) {
         QList<GridCell> cells;
         for (const GridRowId id : ids) {

@@ -153,6 +153,7 @@ void ShowMany(std::span<const ado::Field> fields, const Many& many, FTrend& dial
         shown.Add(*control, many.differs(field.name) || (isMode && many.differs(kHysteresis)));
     }
     dialog.ShowNoName(many.count);
+    dialog.SetCurveColours({many.colours.begin(), many.colours.end()});
 }
 
 void Store(ado::Recordset& trend, const FTrend& dialog, platform::Lcid language) {

@@ -32,6 +32,8 @@ struct Many {
     std::size_t count = 0;
     /// Whether they do not all hold the same in a field.
     std::function<bool(std::string_view field)> differs;
+    /// The colours of their curves, each once; empty where they have the same.
+    std::vector<int> colours{};
     /// Writes the values into all of them. False, having told the user why, when it has written
     /// none.
     std::function<bool(const Values& values)> store;

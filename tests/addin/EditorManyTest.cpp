@@ -108,6 +108,29 @@ TEST_F(EditorManyTest, WhatIsChangedGoesIntoAllAndBackInOneStep) {
     EXPECT_EQ(StoredIn("Unit", 3), QStringList(3, QString(QChar(0)))) << "as a dialog stores it";
 }
 
+/// The picture has the colours of all until one is chosen for all.
+TEST_F(EditorManyTest, TheCurvesOfAllAreShown) {
+    Open();
+    const QStringList stored = StoredIn("VLineColor", 3);
+    ASSERT_EQ(QSet<QString>(stored.begin(), stored.end()).size(), 3);
+    Edit(3, [&](QDialog& dialog) {
+        auto* picture = dialog.findChild<QWidget*>(u"picCurve"_s);
+        const auto has = [&](const QString& colour) {
+            const int bits = colour.toInt();
+            const QColor wanted(bits & 0xFF, bits >> 8 & 0xFF, bits >> 16 & 0xFF);
+            const QImage image = picture->grab().toImage();
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x) {
+                    if (image.pixelColor(x, y).rgb() == wanted.rgb()) return true;
+                }
+            }
+            return false;
+        };
+        for (const QString& colour : stored) EXPECT_TRUE(has(colour)) << colour.toStdString();
+        dialog.reject();
+    });
+}
+
 /// Each field by itself writes itself alone, and its partner where the two are one setting.
 TEST_F(EditorManyTest, AFieldWritesItselfAlone) {
     Open();
