@@ -63,14 +63,14 @@ void FTrend::SetOpenedName(const QString& name) {
     PropertyDialog::SetOpenedName(name);
 }
 
-void FTrend::ShowNoName(std::size_t trends) {
+void FTrend::ShowCount(std::size_t trends) {
     setWindowTitle(windowTitle() + QStringLiteral(": ") +
                    Services().texts.GetText(MResourceTable::kTextStepTrends,
                                             {{u"n", QString::number(trends)}}));
     SetOpenedName({});
-    txtName->setPlaceholderText(Text(MResourceTable::kTextDifferent));
-    txtName->clear();
-    SetUsable(txtName, false);
+    for (QLineEdit* field : {txtName, txtTextID, txtTrendVar, txtComment, txtUnit}) {
+        field->setToolTip(Text(MResourceTable::kTextManyPattern));
+    }
 }
 
 QWidget* FTrend::FieldOf(std::string_view column) const {
@@ -172,7 +172,7 @@ void FTrend::cmbFilter_Click() {
 
 void FTrend::txtName_Change() {
     const QString name = txtName->text();
-    if (!Loaded()) return;
+    if (!Loaded() || IsOfMany()) return;
     // A display text that was never edited apart from the name is renamed with it.
     if (name != keptName_ && txtTextID->isEnabledTo(this) && txtTextID->text() == keptName_) {
         txtTextID->setText(name);

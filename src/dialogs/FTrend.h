@@ -19,8 +19,8 @@ public:
 
     /// A trend without a text column in the current language has no display text to edit.
     void SetDisplayTextAvailable(bool available);
-    /// The dialog stands for several trends, each with a name of its own, which cannot be edited.
-    void ShowNoName(std::size_t trends);
+    /// The dialog stands for several trends; names and texts are taken as patterns.
+    void ShowCount(std::size_t trends);
     /// The colours that the curves of several trends have, each once; shown until one is chosen for
     /// all.
     void SetCurveColours(QList<int> colours);

@@ -356,14 +356,15 @@ void PropertyDialog::AddPicker(QPushButton* button, QWidget* field, int toolTip)
 void PropertyDialog::cmdOk_Click() {
     const QString name = frame_.txtName->text();
     // Another spelling of the own name is no second use of it.
-    if (!services_.names.IsSameName(name, openedName_) &&
+    // The names of several are theirs who store them.
+    if (!IsOfMany() && !services_.names.IsSameName(name, openedName_) &&
         services_.names.TestNameInGroup(nameGroup_, name)) {
         return Refuse({frame_.txtName, Text(MResourceTable::kTextDoubleName)});
     }
     if (const auto number = NumberThatDoesNotFit()) return Refuse(*number);
     if (const auto missing = WhatIsMissing()) return Refuse(*missing);
     if (store_ && !store_()) return;
-    services_.names.ChangeNameInGroup(nameGroup_, openedName_, name);
+    if (!IsOfMany()) services_.names.ChangeNameInGroup(nameGroup_, openedName_, name);
     cancelled_ = false;
     accept();
 }

@@ -113,6 +113,8 @@ protected:
 
     [[nodiscard]] const DialogServices& Services() const noexcept { return services_; }
     [[nodiscard]] QString Text(int id) const;
+    /// See ShowMany.
+    [[nodiscard]] bool IsOfMany() const noexcept { return many_ != nullptr; }
     /// True once SetOpenedName has been called.
     [[nodiscard]] bool Loaded() const noexcept { return loaded_; }
 

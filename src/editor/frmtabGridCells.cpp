@@ -14,6 +14,8 @@
 #include "editor/frmtabGrid.h"
 #include "editor/TrendClipboard.h"
 #include "editor/TrendRows.h"
+#include "project/Pattern.h"
+#include "projectdb/Text.h"
 #include "records/MTrend.h"
 #include "texts/MResourceTable.h"
 
@@ -32,6 +34,24 @@ void frmtabGrid::WriteBlock(const CellBlock::Result& block) {
     if (!block.refusal.isEmpty()) return Tell(block.refusal);
     tdbA->SplitAt(1).WriteCells(block.cells);
 }
+
+namespace {
+
+/// The texts of a value that is a pattern; nothing where it is none.
+std::optional<QStringList> PatternTexts(const QVariant& value) {
+    if (value.typeId() != QMetaType::QString) return std::nullopt;
+    const project::Pattern pattern(projectdb::ToUtf16(value.toString()));
+    if (pattern.Wrong() || pattern.WrongBeside(pattern) || pattern.Braces().empty()) {
+        return std::nullopt;
+    }
+    QStringList texts;
+    for (std::size_t i = 0; i < pattern.Count(); ++i) {
+        texts.append(projectdb::ToQString(pattern.Text(pattern, pattern.Combination(i))));
+    }
+    return texts;
+}
+
+}  // namespace
 
 /// All trends that are selected, in one dialog.
 void frmtabGrid::EditSelected() {
@@ -65,9 +85,19 @@ void frmtabGrid::EditSelected() {
     }
     many.store = [&](const MTrend::Values& values) {
         QList<GridCell> cells;
-        for (const GridRowId id : ids) {
-            for (const auto& [field, value] : values) {
-                cells.append({id, trends_->ColumnOf(field), ExactValue(value)});
+        for (const auto& [field, value] : values) {
+            const int column = trends_->ColumnOf(field);
+            const QVariant shown = ExactValue(value);
+            const auto each = PatternTexts(shown);
+            if (each && each->size() != ids.size()) {
+                Tell(texts_.GetText(MResourceTable::kTextManyPatternCount,
+                                    {{u"text", shown.toString()},
+                                     {u"n", QString::number(each->size())},
+                                     {u"trends", QString::number(ids.size())}}));
+                return false;
+            }
+            for (qsizetype i = 0; i < ids.size(); ++i) {
+                cells.append({ids[i], column, each ? QVariant(each->at(i)) : shown});
             }
         }
         return trends.WriteCells(cells);

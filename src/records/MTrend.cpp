@@ -147,12 +147,12 @@ void ShowMany(std::span<const ado::Field> fields, const Many& many, FTrend& dial
     for (const ado::Field& field : fields) {
         QWidget* control =
             field.name == languageColumn ? dialog.txtTextID : dialog.FieldOf(field.name);
-        if (control == nullptr || control == dialog.txtName) continue;
+        if (control == nullptr) continue;
         // A mode means nothing without its amount.
         const bool isMode = field.name == kHysteresisMode;
         shown.Add(*control, many.differs(field.name) || (isMode && many.differs(kHysteresis)));
     }
-    dialog.ShowNoName(many.count);
+    dialog.ShowCount(many.count);
     dialog.SetCurveColours({many.colours.begin(), many.colours.end()});
 }
 

@@ -38,7 +38,7 @@ struct Many {
     /// none.
     std::function<bool(const Values& values)> store;
 };
-/// Lets the user edit all of them, names excepted. `trend` stands on one of them. True when he has
+/// Lets the user edit all of them. `trend` stands on one of them. True when he has
 /// accepted; without a change nothing is stored then. Throws nothing.
 [[nodiscard]] bool EditTrends(const ado::Recordset& trend, const Many& many,
                               platform::Lcid language, const DialogServices& services,

@@ -415,6 +415,8 @@ enum Number : int {
     kTextPasteUpdates,
     kTextDifferent,
     kTextFillHandle,
+    kTextManyPattern,
+    kTextManyPatternCount,
     kTextNoHit,
     kTextTableNoHit,
     kTextNoTrends,

@@ -51,7 +51,6 @@ TEST_F(EditorManyTest, WithoutAChangeNotAByteIsWritten) {
     const QByteArray before = Bytes();
     Edit(static_cast<int>(Names().size()), [](QDialog& dialog) {
         EXPECT_EQ(dialog.objectName(), u"FTrend"_s);
-        EXPECT_FALSE(Field(dialog, u"txtName"_s).isEnabled());
         EXPECT_EQ(Field(dialog, u"txtUnit"_s).placeholderText(), u"(different)"_s);
         EXPECT_EQ(Field(dialog, u"txtUnit"_s).text(), QString());
         EXPECT_EQ(Ok(dialog).text(), u"OK"_s);
@@ -106,6 +105,37 @@ TEST_F(EditorManyTest, WhatIsChangedGoesIntoAllAndBackInOneStep) {
         Ok(dialog).click();
     });
     EXPECT_EQ(StoredIn("Unit", 3), QStringList(3, QString(QChar(0)))) << "as a dialog stores it";
+}
+
+/// Each trend its own, in the order in which they stand.
+TEST_F(EditorManyTest, NamesAndTextsTakeAPattern) {
+    Open();
+    const QStringList before = Names();
+    Edit(3, [&](QDialog& dialog) {
+        TypeOver(Field(dialog, u"txtName"_s), u"P{08..10}"_s);
+        TypeOver(Field(dialog, u"txtComment"_s), u"{A|B}"_s);
+        messages_.clear();
+        Ok(dialog).click();
+        EXPECT_EQ(messages_.size(), 1) << "two texts for three trends";
+        EXPECT_TRUE(dialog.isVisible());
+        TypeOver(Field(dialog, u"txtComment"_s), u"{A|B|C}"_s);
+        EXPECT_EQ(Ok(dialog).text(), u"Change 2 fields in 3 trends"_s);
+        Ok(dialog).click();
+    });
+    EXPECT_EQ(Names().mid(0, 4), QStringList({u"P08"_s, u"P09"_s, u"P10"_s, before[3]}));
+    EXPECT_EQ(StoredIn("Comment", 3), QStringList({u"A"_s, u"B"_s, u"C"_s}));
+    EXPECT_EQ(Stored(u"P09"_s, "ID") == u"(no row)"_s, false);
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Names(), before);
+    // A name for all of them is a double.
+    Edit(2, [&](QDialog& dialog) {
+        TypeOver(Field(dialog, u"txtName"_s), u"Same"_s);
+        messages_.clear();
+        Ok(dialog).click();
+        EXPECT_EQ(messages_.size(), 1);
+        dialog.reject();
+    });
+    EXPECT_EQ(Names(), before);
 }
 
 /// The picture has the colours of all until one is chosen for all.
