@@ -58,10 +58,15 @@ struct LintOptions {
     std::string reason;
     std::string by;     // empty: the user's name
     std::string until;  // the last day; empty: for ever
+    // To cure findings instead.
+    enum class Cure { None, Safe, All };
+    Cure cure = Cure::None;
+    bool isDryRun = false;  // what a cure would do is told and not done
 };
 
 /// What the rules find in a project but for what is accepted beside it (see
-/// project::CheckSettings), or accepts findings and writes how many. kFailure when a finding is as
+/// project::CheckSettings), or accepts findings and writes how many, or cures them and writes what
+/// it does. kFailure when a finding is as
 /// severe as `failOn`, or rows cannot be read; kUsage for a rule that there is not, or an
 /// acceptance without a reason.
 [[nodiscard]] ExitStatus Lint(const std::string& file, const LintOptions& options, std::FILE* out,

@@ -6,9 +6,12 @@
 #include "ado/Connection.h"
 #include "paths/NativePath.h"
 #include "project/CheckSettings.h"
+#include "project/Cure.h"
+#include "project/FieldText.h"
 #include "tools/Commands.h"
 #include "tools/FindingWriter.h"
 #include "tools/Messages.h"
+#include "unicode/Unicode.h"
 
 namespace tools {
 namespace {
@@ -58,6 +61,11 @@ void TellWhatIsNotKnown(const std::string& file, const project::CheckResult& res
     }
 }
 
+std::string ConnectionString(const std::string& file, bool isForReading) {
+    return "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file +
+           (isForReading ? ";Mode=Read|Share Deny None;" : ";Mode=Read|Write|Share Deny None;");
+}
+
 std::string Today() {
     const std::time_t now = std::time(nullptr);
     std::tm day{};
@@ -84,8 +92,12 @@ void TellOfAcceptances(const std::string& file, const project::Judgement& judgem
     }
 }
 
-/// What is wrong with the wish to accept; empty when nothing is.
+/// What is wrong with the wish to accept or to cure; empty when nothing is.
 std::string WrongWish(const LintOptions& options) {
+    const bool isCure = options.cure != LintOptions::Cure::None;
+    if (options.isDryRun && !isCure) return "--dry-run is for --cure";
+    if (isCure && !options.accept.empty()) return "--cure and --accept do not go together";
+    if (isCure && options.format != FindingFormat::Text) return "--cure writes lines";
     if (options.accept.empty()) {
         const bool isLost =
             !options.reason.empty() || !options.by.empty() || !options.until.empty();
@@ -130,6 +142,62 @@ ExitStatus Accept(const std::string& file, const std::string& settingsFile,
     return std::fflush(out) == 0 ? kSuccess : kFailure;
 }
 
+/// "TchrTrends/269/VMin: 500 -> 10"
+std::string TextOf(const project::CureStep& step) {
+    using Kind = project::CureStep::Kind;
+    const auto value = [](const ado::Value& stored) {
+        return ado::IsNull(stored) ? "nothing" : unicode::ToUtf8(project::ValueText(stored));
+    };
+    project::Finding place;
+    place.table = step.table;
+    place.id = step.id;
+    place.column = step.column;
+    const std::string text = project::PlaceOf(place) + ": ";
+    switch (step.kind) {
+        case Kind::Set:
+            return text + value(step.was) + " -> " + value(step.is);
+        case Kind::AddText:
+            return text + "gets a text";
+        case Kind::CopyText:
+            return text + "gets a text of its own";
+        case Kind::AddGroup:
+            return text + (step.id == 0 ? "the root group is made" : "gets a text group");
+        case Kind::Remove:
+            return text + "is deleted";
+    }
+    return text;
+}
+
+ExitStatus Cure(const std::string& file, const LintOptions& options,
+                const project::Judgement& judgement, std::FILE* out, std::FILE* err) {
+    std::vector<project::Finding> curable;
+    for (const project::Finding& finding : judgement.open) {
+        const project::CureKind kind = project::CureOf(finding);
+        const bool isWanted =
+            kind == project::CureKind::Safe ||
+            (kind == project::CureKind::ToBeLookedAt && options.cure == LintOptions::Cure::All);
+        if (isWanted) curable.push_back(finding);
+    }
+    ado::Connection connection;
+    connection.Open(ConnectionString(file, options.isDryRun));
+    Messages(err, file).Warn(connection.TakeNotices());
+    const std::vector<project::PlannedCure> cures = project::PlanCures(connection, curable);
+    if (!options.isDryRun && !project::ApplyCures(connection, cures)) {
+        std::fprintf(err, "kvs: %s: another program has changed it meanwhile; nothing is done\n",
+                     file.c_str());
+        return kFailure;
+    }
+    TextBuffer output(out);
+    for (const project::PlannedCure& cure : cures) {
+        const std::string_view rule = project::InfoOf(curable[cure.finding].rule).id;
+        for (const project::CureStep& step : cure.steps) {
+            output.Append(TextOf(step));
+            output.Append(" [" + std::string(rule) + "]\n");
+        }
+    }
+    return Messages(err, file).Finish(output);
+}
+
 struct Checked {
     project::CheckResult result;
     project::Judgement judgement;
@@ -145,8 +213,7 @@ Checked CheckFile(const std::string& file, const std::string& settingsFile,
         if (chosen[rule.rule] == Severity::Off) checked.severities.Set(rule.rule, Severity::Off);
     }
     ado::Connection connection;
-    connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file +
-                    ";Mode=Read|Share Deny None;");
+    connection.Open(ConnectionString(file, true));
     Messages(err, file).Warn(connection.TakeNotices());
     checked.result = project::CheckProject(connection, checked.severities);
     checked.judgement = settings.Judge(checked.result.findings, Today());
@@ -169,6 +236,9 @@ ExitStatus Lint(const std::string& file, const LintOptions& options, std::FILE* 
         const project::Judgement& judgement = checked.judgement;
         if (!options.accept.empty()) {
             return Accept(file, settingsFile, options, judgement, out, err);
+        }
+        if (options.cure != LintOptions::Cure::None) {
+            return Cure(file, options, judgement, out, err);
         }
         TextBuffer output(out);
         WriteFindings(options.format, file, judgement, output);

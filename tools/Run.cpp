@@ -128,6 +128,9 @@ ExitStatus RunLint(const Call& call, std::FILE* out, std::FILE* err) {
     options.reason = call.Value("reason");
     options.by = call.Value("by");
     options.until = call.Value("until");
+    using Cure = LintOptions::Cure;
+    if (call.Has("cure")) options.cure = call.Value("cure") == "all" ? Cure::All : Cure::Safe;
+    options.isDryRun = call.Has("dry-run");
     return Lint(call.words[0], options, out, err);
 }
 
@@ -209,7 +212,11 @@ const std::vector<Row>& Rows() {
             "rule"},
            {"reason", "TEXT", "why they are accepted"},
            {"by", "NAME", "who accepts them (default: the user)"},
-           {"until", "DAY", "the last day, such as 2027-01-31 (default: for ever)"}}},
+           {"until", "DAY", "the last day, such as 2027-01-31 (default: for ever)"},
+           {"cure", "safe|all",
+            "do away with findings, all or none of them, and write what is done: where nothing is "
+            "lost, or wherever there is a cure"},
+           kDryRun}},
          RunLint},
         {{"compact", "FILE",
           "rewrite the file without the room that nothing uses (Jet 4); refused while other "

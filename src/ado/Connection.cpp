@@ -212,6 +212,11 @@ std::uint64_t Connection::ContentNumber() {
     return Check(rep_->database->ContentNumber(), rep_->source);
 }
 
+bool Connection::IsWriterWaiting() const {
+    RequireOpen(*this);
+    return rep_->database->IsWriterWaiting();
+}
+
 const std::string& Connection::DataSource() const noexcept {
     return rep_->source;
 }

@@ -60,6 +60,9 @@ public:
     [[nodiscard]] bool IsWritable() const;
     /// As long as it is the same number, nobody has changed the file, this program included.
     [[nodiscard]] std::uint64_t ContentNumber();
+    /// Whether somebody waits to write his changes, such as for the end of a OneState: who reads
+    /// for nobody's sake gives way. Another connection of this program may be the one.
+    [[nodiscard]] bool IsWriterWaiting() const;
     /// The data source as the connection string gave it; empty while closed.
     [[nodiscard]] const std::string& DataSource() const noexcept;
     /// What the user should know about the file since the last call, a sentence each; see

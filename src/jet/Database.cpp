@@ -78,6 +78,10 @@ ReadScope Database::Hold() {
     return ReadScope(rep_->cache, ReadScope::Length::Long);
 }
 
+bool Database::IsWriterWaiting() const {
+    return rep_->locks && rep_->locks->IsWriterWaiting();
+}
+
 Status Database::WhileQuiet(const std::function<Status(File&)>& action) {
     const ReadScope scope = Hold();
     JET_TRY(scope.GetStatus());

@@ -76,6 +76,8 @@ public:
     /// While it is there, every table shows the same committed state: for several rows that are one
     /// answer. See ReadScope for its cost to others. No transaction begins or ends meanwhile.
     [[nodiscard]] ReadScope Hold();
+    /// Whether somebody waits for that scope's end to write his changes.
+    [[nodiscard]] bool IsWriterWaiting() const;
     /// Runs `action` while no other program writes the file.
     Status WhileQuiet(const std::function<Status(File&)>& action);
     /// Computer names of the other programs that have the file open.

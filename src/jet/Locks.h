@@ -36,6 +36,8 @@ public:
     /// For who is about to read for long, before it locks the pages: returns when no program waits
     /// to write its changes. Several such readers, one behind the other, would leave it no gap.
     virtual Status LetWriterFirst(std::chrono::milliseconds wait) = 0;
+    /// Whether a program waits to write its changes just now: who reads for long may give way.
+    [[nodiscard]] virtual bool IsWriterWaiting() const { return false; }
 
     /// This program's slot, 1..255.
     [[nodiscard]] virtual int User() const = 0;

@@ -2,6 +2,7 @@
 
 #include <set>
 
+#include "project/Names.h"
 #include "project/Rows.h"
 #include "project/Schema.h"
 
@@ -57,7 +58,7 @@ void CreateProject(const std::string& path, std::span<const std::uint32_t> lcids
     ado::CreateFile(path, ProjectTables(lcids), [&](ado::Connection& connection) {
         Rows rows(connection);
         // Without it the group of the first archive would become it, and go with that archive.
-        rows.AddGroup(0, u"Archive");
+        rows.AddGroup(0, kRootGroupName);
         for (const std::uint32_t lcid : lcids) rows.AddLanguage(lcid);
     });
 }

@@ -11,6 +11,9 @@ namespace project {
 /// Under this name a row is stored first, before it gets its own.
 inline constexpr std::u16string_view kPlaceholder = u"@New@";
 
+/// The group of texts above all archives' groups.
+inline constexpr std::u16string_view kRootGroupName = u"Archive";
+
 /// The name of an archive's index text, and of a trend's.
 [[nodiscard]] std::u16string ArchiveTextName(std::u16string_view archive);
 [[nodiscard]] std::u16string TrendTextName(std::u16string_view trend);

@@ -224,6 +224,7 @@ TEST_F(ProcessTest, OneStateIsReadWhileAWriterWaitsAndTheWriterComesNext) {
     {
         const ReadScope scope = reader->Hold();
         ASSERT_OK(scope.GetStatus());
+        EXPECT_FALSE(reader->IsWriterWaiting());
         writer = std::thread([&] {
             auto database = Open(OpenMode::ReadWrite);
             auto rows = Must(database->OpenTable("TchrArchives"));
@@ -239,6 +240,7 @@ TEST_F(ProcessTest, OneStateIsReadWhileAWriterWaitsAndTheWriterComesNext) {
             std::this_thread::yield();
         }
         EXPECT_EQ(NumberIn(*table, row), start_);
+        EXPECT_TRUE(reader->IsWriterWaiting());
     }
     writer.join();
     EXPECT_TRUE(committed.IsOk()) << committed.Text();

@@ -138,6 +138,44 @@ TEST(LintTest, WhatIsAcceptedIsLeftOutAndMarked) {
     EXPECT_EQ(lint({"--rules", "unlimited"}).err, "");
 }
 
+TEST(LintTest, CuresDoAwayWithFindingsAndLeaveTheFileSound) {
+    const ProjectCopy copy(kFaulty);
+    const auto lint = [&](std::vector<std::string> words) {
+        words.insert(words.begin(), "lint");
+        words.push_back(copy.Path());
+        return RunTool(words);
+    };
+    EXPECT_EQ(lint({"--cure", "some"}).status, kUsage);
+    EXPECT_EQ(lint({"--dry-run"}).status, kUsage);
+    EXPECT_EQ(lint({"--cure", "safe", "--format", "json"}).status, kUsage);
+    EXPECT_EQ(lint({"--cure", "safe", "--accept", "unlimited", "--reason", "x"}).status, kUsage);
+
+    ASSERT_EQ(lint({"--accept", "factor-zero", "--reason", "spare"}).status, kSuccess);
+    const Outcome shown = lint({"--cure", "all", "--dry-run"});
+    EXPECT_EQ(shown.status, kSuccess);
+    EXPECT_THAT(shown.out, AllOf(HasSubstr("TchrTrends/269/VMin: 500 -> 10 [range-inverted]\n"),
+                                 HasSubstr("TchrTrends/1416: gets a text [trend-without-text]\n"),
+                                 testing::Not(HasSubstr("factor-zero"))));
+    ASSERT_EQ(RunTool({"lint", "--rules", "-factor-zero", copy.Path()}).out,
+              RunTool({"lint", "--rules", "-factor-zero", kFaulty}).out)
+        << "a dry run has written";
+
+    const Outcome safe = lint({"--cure", "safe"});
+    EXPECT_EQ(safe.status, kSuccess) << safe.err;
+    EXPECT_THAT(safe.out, AllOf(HasSubstr("[text-shared]"), HasSubstr("[file-missing]"),
+                                testing::Not(HasSubstr("[range-inverted]"))));
+    EXPECT_EQ(lint({"--cure", "safe"}).out, "") << "nothing is left for it";
+    EXPECT_EQ(lint({"--cure", "all"}).status, kSuccess);
+    const Outcome left = lint({});
+    EXPECT_THAT(left.out, HasSubstr("[variable-unknown]"));
+    EXPECT_EQ(Count(left.out, "\n"),
+              Count(left.out, "[variable-") + Count(left.out, "[unlimited]"));
+    EXPECT_THAT(lint({"--rules", "factor-zero"}).out, "") << "accepted";
+    const Outcome check = RunTool({"check", copy.Path()});
+    EXPECT_EQ(check.status, kSuccess);
+    EXPECT_EQ(Count(check.out, "\n"), Count(RunTool({"check", kFaulty}).out, "\n")) << check.out;
+}
+
 // Compacting puts rows elsewhere; a row that is stored anew is the last one of its table.
 TEST(LintTest, FindingsAreTheSameInAnyOrderOfRows) {
     const ProjectCopy copy(kFaulty);

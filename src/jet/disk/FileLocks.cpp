@@ -60,6 +60,10 @@ public:
         return {};
     }
 
+    bool IsWriterWaiting() const override {
+        return isLockable_ && locks_->IsHeldByOthers(kTurnLock, 1);
+    }
+
     Status LockPages(std::span<const PageNo> changed, std::chrono::milliseconds wait) override {
         JET_TRY(OpenForWriting());
         // The other programs first: while they let this one wait, everybody can go on reading.

@@ -10,23 +10,6 @@ bool Has(const ado::Connection& connection, std::string_view table) {
     return std::find(names.begin(), names.end(), table) != names.end();
 }
 
-/// The columns of texts in the languages that the project lists; in all where it lists none.
-void ReadLanguages(ado::Connection& connection, const TableScan& texts, Finder& finder) {
-    std::vector<std::string> listed;
-    if (Has(connection, kLanguageTable)) {
-        const TableScan languages(connection, TableOf(kLanguageTable));
-        const ScanPlace lcid = languages.Find("LCID");
-        languages.Run([&](const ScannedRow& row) {
-            if (const auto number = row.Long(lcid)) listed.push_back(LanguageColumn(*number));
-        });
-    }
-    for (const ScannedColumn& column : texts.Columns()) {
-        if (!IsLanguageColumn(column.name)) continue;
-        const bool isListed = std::find(listed.begin(), listed.end(), column.name) != listed.end();
-        if (listed.empty() || isListed) finder.languages.push_back(column.name);
-    }
-}
-
 void ReadGroups(ado::Connection& connection, Finder& finder) {
     const TableScan scan(connection, TableOf(kGroupTable));
     const ScanPlace parent = scan.Find("ParentID");
@@ -55,12 +38,30 @@ void ReadVariables(ado::Connection& connection, Finder& finder) {
 
 }  // namespace
 
+std::vector<std::string> LanguagesOf(ado::Connection& connection, const TableScan& texts) {
+    std::vector<std::string> listed;
+    if (Has(connection, kLanguageTable)) {
+        const TableScan languages(connection, TableOf(kLanguageTable));
+        const ScanPlace lcid = languages.Find("LCID");
+        languages.Run([&](const ScannedRow& row) {
+            if (const auto number = row.Long(lcid)) listed.push_back(LanguageColumn(*number));
+        });
+    }
+    std::vector<std::string> columns;
+    for (const ScannedColumn& column : texts.Columns()) {
+        if (!IsLanguageColumn(column.name)) continue;
+        const bool isListed = std::find(listed.begin(), listed.end(), column.name) != listed.end();
+        if (listed.empty() || isListed) columns.push_back(column.name);
+    }
+    return columns;
+}
+
 void ReadFacts(ado::Connection& connection, Finder& finder) {
     if (Has(connection, kTextTable)) {
         const TableScan texts(connection, TableOf(kTextTable));
         finder.textKeys = texts.Keys();
         finder.hasTexts = true;
-        ReadLanguages(connection, texts, finder);
+        finder.languages = LanguagesOf(connection, texts);
     }
     if (Has(connection, kGroupTable)) ReadGroups(connection, finder);
     if (Has(connection, kVariableTable)) ReadVariables(connection, finder);

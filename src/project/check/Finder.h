@@ -99,6 +99,10 @@ inline constexpr std::size_t kMostOthers = 5;
 [[nodiscard]] std::u16string ListOf(const std::vector<std::int32_t>& numbers);
 [[nodiscard]] std::u16string DigitsOf(std::optional<std::int32_t> number);
 
+/// The columns of texts in the languages that the project lists; in all where it lists none.
+[[nodiscard]] std::vector<std::string> LanguagesOf(ado::Connection& connection,
+                                                   const TableScan& texts);
+
 // The steps of the check, in their order: each needs what those before it have read.
 void ReadFacts(ado::Connection& connection, Finder& finder);
 void CheckArchives(ado::Connection& connection, Finder& finder);
