@@ -21,20 +21,6 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-void frmtabGrid::FillDown(bool counting, int sources) {
-    if (busy_) return Hint(MResourceTable::kTextHintBusy);
-    if (!MayStore()) return;
-    const QScopedValueRollback busy(busy_, true);
-    if (!CommitPendingEdit()) return;
-    WriteBlock(CellBlock::FillDown(tdbA->SplitAt(1), counting, texts_, sources));
-}
-
-void frmtabGrid::WriteBlock(const CellBlock::Result& block) {
-    if (!block.hint.isEmpty()) return Hint(block.hint);
-    if (!block.refusal.isEmpty()) return Tell(block.refusal);
-    tdbA->SplitAt(1).WriteCells(block.cells);
-}
-
 namespace {
 
 /// The texts of a value that is a pattern; nothing where it is none.
@@ -52,6 +38,20 @@ std::optional<QStringList> PatternTexts(const QVariant& value) {
 }
 
 }  // namespace
+
+void frmtabGrid::FillDown(bool counting, int sources) {
+    if (busy_) return Hint(MResourceTable::kTextHintBusy);
+    if (!MayStore()) return;
+    const QScopedValueRollback busy(busy_, true);
+    if (!CommitPendingEdit()) return;
+    WriteBlock(CellBlock::FillDown(tdbA->SplitAt(1), counting, texts_, sources));
+}
+
+void frmtabGrid::WriteBlock(const CellBlock::Result& block) {
+    if (!block.hint.isEmpty()) return Hint(block.hint);
+    if (!block.refusal.isEmpty()) return Tell(block.refusal);
+    tdbA->SplitAt(1).WriteCells(block.cells);
+}
 
 /// All trends that are selected, in one dialog.
 void frmtabGrid::EditSelected() {

@@ -49,10 +49,12 @@ TrendTable TrendTable::Read(ado::Connection& connection) {
 TrendTable::ValueNumber TrendTable::NumberOf(std::size_t column, const ado::Value& value) {
     if (ado::IsNull(value)) return 0;
     std::vector<ado::Value>& values = columns_[column].values;
+    // Most rows have in most columns what the row before had.
+    if (values[last_[column]] == value) return last_[column];
     const auto [place, isNew] =
         numbers_[column].try_emplace(value, static_cast<ValueNumber>(values.size()));
     if (isNew) values.push_back(value);
-    return place->second;
+    return last_[column] = place->second;
 }
 
 void TrendTable::ReadTrends(ado::Connection& connection) {
@@ -83,6 +85,7 @@ void TrendTable::ReadTrends(ado::Connection& connection) {
         columns_.push_back({*field, &known, false, {ado::Null()}, {}});
     }
     numbers_.resize(columns_.size());
+    last_.resize(columns_.size(), 0);
     unread_ = trends.Scan(fields, [&](const std::vector<ado::Value>& row) {
         rows_.try_emplace(LongOf(row[0]), static_cast<std::uint32_t>(ids_.size()));
         ids_.push_back(LongOf(row[0]));
@@ -111,6 +114,7 @@ void TrendTable::ReadTexts(ado::Connection& connection) {
         columns_.back().cells.resize(ids_.size(), 0);
     }
     numbers_.resize(columns_.size());
+    last_.resize(columns_.size(), 0);
 
     owners_.reserve(ids_.size());
     for (std::uint32_t row = 0; row < texts_.size(); ++row) {

@@ -77,7 +77,8 @@ private:
     void ReadVariables(ado::Connection& connection);
 
     std::vector<Column> columns_;
-    std::vector<Numbers> numbers_;  // of each column's values
+    std::vector<Numbers> numbers_;   // of each column's values
+    std::vector<ValueNumber> last_;  // looked up in each column
     std::vector<std::int32_t> ids_;
     std::vector<std::int32_t> archives_;
     std::vector<std::int32_t> texts_;                              // rows of texts; 0: none
