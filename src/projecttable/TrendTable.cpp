@@ -16,6 +16,13 @@ std::int32_t LongOf(const ado::Value& value) {
     return number != nullptr ? *number : 0;
 }
 
+std::vector<ado::Value> ValuesOf(const ado::Recordset& rows,
+                                 const std::vector<std::size_t>& fields) {
+    std::vector<ado::Value> values;
+    for (const std::size_t field : fields) values.push_back(rows.Get(field));
+    return values;
+}
+
 }  // namespace
 
 std::size_t TrendTable::ValueHash::operator()(const ado::Value& value) const {
@@ -36,12 +43,12 @@ std::size_t TrendTable::ValueHash::operator()(const ado::Value& value) const {
     return std::visit(hash, value) * 31 + value.index();
 }
 
-TrendTable TrendTable::Read(ado::Connection& connection) {
+TrendTable TrendTable::Read(ado::Connection& connection, std::size_t most) {
     const ado::OneState state(connection);
     TrendTable table;
     table.contentNumber_ = connection.ContentNumber();
-    table.ReadTrends(connection);
-    table.ReadTexts(connection);
+    table.ReadTrends(connection, most);
+    table.ReadTexts(connection, most);
     table.ReadVariables(connection);
     return table;
 }
@@ -57,7 +64,7 @@ TrendTable::ValueNumber TrendTable::NumberOf(std::size_t column, const ado::Valu
     return last_[column] = place->second;
 }
 
-void TrendTable::ReadTrends(ado::Connection& connection) {
+void TrendTable::ReadTrends(ado::Connection& connection, std::size_t most) {
     std::unordered_map<std::int32_t, ado::Value> archiveNames;
     ado::Recordset archives;
     archives.Open(project::kArchiveTable, connection, ado::CommandType::Table);
@@ -86,7 +93,7 @@ void TrendTable::ReadTrends(ado::Connection& connection) {
     }
     numbers_.resize(columns_.size());
     last_.resize(columns_.size(), 0);
-    unread_ = trends.Scan(fields, [&](const std::vector<ado::Value>& row) {
+    const auto take = [&](const std::vector<ado::Value>& row) {
         rows_.try_emplace(LongOf(row[0]), static_cast<std::uint32_t>(ids_.size()));
         ids_.push_back(LongOf(row[0]));
         archives_.push_back(LongOf(row[1]));
@@ -98,10 +105,15 @@ void TrendTable::ReadTrends(ado::Connection& connection) {
             const std::size_t column = i - firstSetting + 1;
             columns_[column].cells.push_back(NumberOf(column, row[i]));
         }
-    });
+    };
+    if (most == kAll) {
+        unread_ = trends.Scan(fields, take);
+        return;
+    }
+    for (; !trends.IsEOF() && ids_.size() < most; trends.MoveNext()) take(ValuesOf(trends, fields));
 }
 
-void TrendTable::ReadTexts(ado::Connection& connection) {
+void TrendTable::ReadTexts(ado::Connection& connection, std::size_t most) {
     firstText_ = columns_.size();
     ado::Recordset texts;
     texts.Open(project::kTextTable, connection, ado::CommandType::Table);
@@ -121,7 +133,7 @@ void TrendTable::ReadTexts(ado::Connection& connection) {
         if (texts_[row] != 0) owners_.emplace(texts_[row], row);
     }
     std::vector<bool> hasText(ids_.size(), false);
-    texts.Scan(fields, [&](const std::vector<ado::Value>& row) {
+    const auto take = [&](const std::vector<ado::Value>& row) {
         const auto [first, last] = owners_.equal_range(LongOf(row[0]));
         for (auto owner = first; owner != last; ++owner) {
             hasText[owner->second] = true;
@@ -130,7 +142,15 @@ void TrendTable::ReadTexts(ado::Connection& connection) {
                 columns_[column].cells[owner->second] = NumberOf(column, row[i]);
             }
         }
-    });
+    };
+    if (most == kAll) {
+        texts.Scan(fields, take);
+    } else {
+        for (const std::int32_t text : texts_) {
+            texts.SetFilter("ID = " + std::to_string(text));
+            if (!texts.IsEOF()) take(ValuesOf(texts, fields));
+        }
+    }
     for (std::size_t row = 0; row < texts_.size(); ++row) {
         if (!hasText[row]) texts_[row] = 0;
     }

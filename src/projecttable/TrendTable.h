@@ -33,8 +33,10 @@ public:
     /// Reads all trends in one committed state of the file. The columns are the archive's name, the
     /// settings of trends that the file has, in the order of the grid, and the languages of its
     /// texts. Rows that cannot be read are left out. Throws ado::AdoError. `connection` is borrowed
-    /// while it reads.
-    [[nodiscard]] static TrendTable Read(ado::Connection& connection);
+    /// while it reads. `most`: the first rows only, to be shown while the others are read; then a
+    /// row that cannot be read throws.
+    static constexpr std::size_t kAll = static_cast<std::size_t>(-1);
+    [[nodiscard]] static TrendTable Read(ado::Connection& connection, std::size_t most = kAll);
 
     [[nodiscard]] std::size_t RowCount() const { return ids_.size(); }
     [[nodiscard]] std::span<const Column> Columns() const { return columns_; }
@@ -72,8 +74,8 @@ private:
     using Numbers = std::unordered_map<ado::Value, ValueNumber, ValueHash>;
 
     ValueNumber NumberOf(std::size_t column, const ado::Value& value);
-    void ReadTexts(ado::Connection& connection);
-    void ReadTrends(ado::Connection& connection);
+    void ReadTexts(ado::Connection& connection, std::size_t most);
+    void ReadTrends(ado::Connection& connection, std::size_t most);
     void ReadVariables(ado::Connection& connection);
 
     std::vector<Column> columns_;

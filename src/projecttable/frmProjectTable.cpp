@@ -40,8 +40,19 @@ constexpr double kArchivesWidth = 3900;
 constexpr double kArchiveNameWidth = 2400;
 constexpr double kCountWidth = 900;
 constexpr double kTextWidth = 2600;
-constexpr int kFindWidth = 32;   // average characters
-constexpr int kHintTime = 8000;  // ms
+constexpr int kFindWidth = 32;           // average characters
+constexpr std::size_t kFirstRows = 400;  // that fill the largest screen
+constexpr int kHintTime = 8000;          // ms
+
+/// The first rows, where there are more; null else.
+std::shared_ptr<TrendTable> FirstRows(ado::Connection& connection) {
+    try {
+        auto first = std::make_shared<TrendTable>(TrendTable::Read(connection, kFirstRows));
+        return first->RowCount() == kFirstRows ? first : nullptr;
+    } catch (const ado::AdoError&) {
+        return nullptr;  // a damaged row among them is left out when all are read
+    }
+}
 
 }  // namespace
 
@@ -303,10 +314,14 @@ void frmProjectTable::ReadRows() {
         "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + work_.Connection().DataSource() +
         ";Mode=Read|Share Deny None;";
     lblCount->setText(texts_.GetText(MResourceTable::kTextTableReading));
-    reader_ = QThread::create([source, read = read_] {
+    const bool isFirst = !trends_->HasTable();
+    reader_ = QThread::create([this, isFirst, source, read = read_] {
         try {
             ado::Connection connection;
             connection.Open(source);
+            if (const auto first = isFirst ? FirstRows(connection) : nullptr) {
+                QMetaObject::invokeMethod(this, [this, first] { FirstRowsRead(*first); });
+            }
             read->table = TrendTable::Read(connection);
         } catch (...) {
             read->failure = projectdb::Failure::Current().Text();
@@ -314,6 +329,15 @@ void frmProjectTable::ReadRows() {
     });
     connect(reader_, &QThread::finished, this, &frmProjectTable::RowsRead);
     reader_->start();
+}
+
+/// To be looked at, until the others are there.
+void frmProjectTable::FirstRowsRead(TrendTable table) {
+    if (trends_->HasTable()) return;
+    tdbTable->SplitAt(1).SetLocked(true);
+    trends_->SetTable(std::move(table));
+    SetUpColumns();
+    lblCount->setText(texts_.GetText(MResourceTable::kTextTableReading));
 }
 
 void frmProjectTable::RowsRead() {

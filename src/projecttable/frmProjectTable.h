@@ -63,6 +63,7 @@ private:
     [[nodiscard]] QString TextCaption(const QString& field) const;
 
     void ReadRows();
+    void FirstRowsRead(TrendTable table);
     void RowsRead();
     void ReadAnewIfChanged();
     void Narrow();

@@ -68,6 +68,18 @@ TEST_F(TrendTableTest, EachCellIsWhatTheFileHas) {
     EXPECT_GT(withoutText, 0U) << "the project has some";
 }
 
+TEST_F(TrendTableTest, TheFirstRowsAreAsAmongAll) {
+    const TrendTable first = TrendTable::Read(connection_, 50);
+    ASSERT_EQ(first.RowCount(), 50U);
+    ASSERT_EQ(first.Columns().size(), table_.Columns().size());
+    for (std::size_t row = 0; row < first.RowCount(); ++row) {
+        const auto same = static_cast<std::size_t>(table_.RowOf(first.IdOf(row)));
+        for (std::size_t column = 0; column < first.Columns().size(); ++column) {
+            EXPECT_EQ(first.ValueAt(row, column), table_.ValueAt(same, column)) << row;
+        }
+    }
+}
+
 TEST_F(TrendTableTest, ASharedTextIsChangedForAllWhoShowIt) {
     const std::size_t column = Column("L1031");
     std::vector<std::size_t> rows;
