@@ -7,6 +7,7 @@
 #include "csv/Encoding.h"
 #include "project/CheckRules.h"
 #include "tools/FindingWriter.h"
+#include "words/Words.h"
 
 namespace tools {
 
@@ -119,10 +120,14 @@ struct LoadWish {
 /// Forms of what is told of several files.
 enum class TextFormat { Text, Json };
 
+struct DiffWish {
+    TextFormat format = TextFormat::Text;
+    const words::Language* language = nullptr;  // of captions and codes in sentences
+};
 /// Writes how two project files differ, by ID and whatever the order in which their rows are
 /// stored. kDiffers when they do, kTrouble when one of them cannot be read.
 [[nodiscard]] ExitStatus Diff(const std::string& before, const std::string& after,
-                              TextFormat format, std::FILE* out, std::FILE* err);
+                              const DiffWish& wish, std::FILE* out, std::FILE* err);
 
 struct MergeFiles {
     std::string base;  // an empty file: they have none in common

@@ -8,8 +8,8 @@ namespace tools {
 namespace {
 
 void Open(ado::Connection& connection, const std::string& file, std::FILE* err) {
-    connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file + ";Mode=Read;");
-    Messages(err, file).Warn(connection.TakeNotices());
+    Messages messages(err, file);
+    Connect(connection, file, messages);
 }
 
 /// How git names a file that one side does not have.
@@ -27,7 +27,7 @@ project::Differences CompareOpened(ado::Connection& before, ado::Connection& aft
 
 }  // namespace
 
-ExitStatus Diff(const std::string& before, const std::string& after, TextFormat format,
+ExitStatus Diff(const std::string& before, const std::string& after, const DiffWish& wish,
                 std::FILE* out, std::FILE* err) {
     project::Differences differences;
     const std::string* file = &before;  // of which a failure tells that names none
@@ -44,10 +44,10 @@ ExitStatus Diff(const std::string& before, const std::string& after, TextFormat 
         return kTrouble;
     }
     TextBuffer output(out);
-    if (format == TextFormat::Json) {
+    if (wish.format == TextFormat::Json) {
         AppendJson(differences, output);
     } else {
-        AppendDifferences(differences, output);
+        AppendDifferences(differences, *wish.language, output);
     }
     if (Messages(err, after).Finish(output) != kSuccess) return kTrouble;
     return differences.IsEmpty() ? kSuccess : kDiffers;

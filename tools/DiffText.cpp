@@ -6,6 +6,7 @@
 
 #include "project/Changes.h"
 #include "project/Schema.h"
+#include "tools/FieldWords.h"
 #include "tools/JsonText.h"
 #include "tools/TableChange.h"
 
@@ -78,8 +79,9 @@ bool IsMoved(const ado::RowChange& row) {
 
 class Writer {
 public:
-    Writer(const project::Differences& differences, TextBuffer& out)
-        : differences_(differences), out_(out) {}
+    Writer(const project::Differences& differences, const words::Language& language,
+           TextBuffer& out)
+        : differences_(differences), language_(language), out_(out) {}
 
     void Write() {
         for (const TableDifference& table : differences_.tables) WriteTable(table);
@@ -149,13 +151,25 @@ private:
         }
         const std::string& name = (*row.columns)[column];
         const std::string_view target = project::TargetOf(row, name);
-        out_.Append("  " + name + ": ");
-        if (!isNew) {
-            AppendReference(target, row.before[column], false);
-            out_.Append(" -> ");
+        for (const FieldPart& part : PartsOf(row.table, name, language_)) {
+            const ado::Value after = PartOf(part, row.after[column]);
+            const ado::Value before = isNew ? ado::Value() : PartOf(part, row.before[column]);
+            const bool isNothing = part.mask != 0 && part.codes.empty() && after == ado::Value(0);
+            if (isNew ? isNothing : project::IsSame(before, after)) continue;
+            out_.Append("  " + part.caption + ": ");
+            if (!isNew) {
+                AppendPart(part, target, before, false);
+                out_.Append(" -> ");
+            }
+            AppendPart(part, target, after, true);
+            out_.Append('\n');
         }
-        AppendReference(target, row.after[column], true);
-        out_.Append('\n');
+    }
+    void AppendPart(const FieldPart& part, std::string_view target, const ado::Value& value,
+                    bool isLater) {
+        const std::string word = WordOf(part, value, language_);
+        if (word.empty()) return AppendReference(target, value, isLater);
+        out_.Append(word);
     }
     /// A value and, when it is the ID of a row, how that is called.
     void AppendReference(std::string_view table, const ado::Value& value, bool isLater) {
@@ -170,6 +184,7 @@ private:
     }
 
     const project::Differences& differences_;
+    const words::Language& language_;
     TextBuffer& out_;
 };
 
@@ -218,8 +233,9 @@ void AppendRow(const std::string& table, const ado::Value& id, const ado::Value&
     }
 }
 
-void AppendDifferences(const project::Differences& differences, TextBuffer& out) {
-    Writer(differences, out).Write();
+void AppendDifferences(const project::Differences& differences, const words::Language& language,
+                       TextBuffer& out) {
+    Writer(differences, language, out).Write();
 }
 
 void AppendJson(const project::Differences& differences, TextBuffer& out) {

@@ -148,9 +148,7 @@ void DumpChosen(const std::string& file, const std::string& name, const DumpWish
         sort = *key;
     }
     ado::Connection connection;
-    connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file +
-                    ";Mode=Read|Share Deny None;");
-    messages.Warn(connection.TakeNotices());
+    Connect(connection, file, messages);
     const ado::OneState state(connection);
     ado::Recordset rows;
     rows.Open(name, connection, ado::CommandType::Table);

@@ -3,6 +3,7 @@
 
 #include "ado/AdoError.h"
 #include "exchange/Export.h"
+#include "exchange/Workbook.h"
 #include "tools/Exchange.h"
 #include "tools/Messages.h"
 #include "tools/OutputFile.h"
@@ -12,6 +13,8 @@
 
 namespace tools {
 namespace {
+
+using exchange::SheetKind;
 
 /// What the environment says for a category of the locale.
 std::string LocaleOf(const char* category) {
@@ -27,9 +30,23 @@ void WriteSheet(ado::Connection& connection, const ExportWish& wish, TextBuffer&
     for (const std::string& name : wish.archives) {
         selection.archives.push_back(unicode::ToUtf16(name));
     }
-    exchange::CsvSheetWriter writer(wish.form.csv,
-                                    [&](std::string_view text) { output.Append(text); });
-    exchange::Export(connection, wish.sheet, selection, *wish.form.language, writer);
+    const auto put = [&](std::string_view text) { output.Append(text); };
+    if (wish.format == ExchangeFormat::Csv) {
+        exchange::CsvSheetWriter writer(wish.form.csv, put);
+        exchange::Export(connection, wish.sheet.value_or(SheetKind::Trends), selection,
+                         *wish.form.language, writer);
+        return;
+    }
+    exchange::WorkbookSheets writer(*wish.form.language);
+    {
+        // Both sheets are of one state.
+        const ado::OneState state(connection);
+        for (const SheetKind kind : {SheetKind::Archives, SheetKind::Trends}) {
+            if (wish.sheet && kind != *wish.sheet) continue;
+            exchange::Export(connection, kind, selection, *wish.form.language, writer);
+        }
+    }
+    writer.Finish(put);
 }
 
 }  // namespace
@@ -45,10 +62,8 @@ ExitStatus Export(const std::string& file, const ExportWish& wish, std::FILE* ou
     if (what.empty()) {
         try {
             ado::Connection connection;
-            connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file +
-                            ";Mode=Read|Share Deny None;");
             Messages messages(err, file);
-            messages.Warn(connection.TakeNotices());
+            Connect(connection, file, messages);
             TextBuffer output(target.Stream());
             if (wish.format == ExchangeFormat::Json) {
                 WriteProjectJson(connection, output);

@@ -23,6 +23,8 @@ public:
     /// Reads all of it, into memory or, beyond kMostInMemory, a temporary file. To be called once.
     jet::Status Collect();
 
+    /// The first bytes of what has been collected: all of it up to kMostInMemory.
+    [[nodiscard]] std::string_view Beginning() const { return memory_; }
     /// The next bytes of what has been collected.
     [[nodiscard]] std::string_view Next() override;
     [[nodiscard]] const std::string& Error() const override { return error_; }

@@ -61,11 +61,6 @@ void TellWhatIsNotKnown(const std::string& file, const project::CheckResult& res
     }
 }
 
-std::string ConnectionString(const std::string& file, bool isForReading) {
-    return "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file +
-           (isForReading ? ";Mode=Read|Share Deny None;" : ";Mode=Read|Write|Share Deny None;");
-}
-
 std::string Today() {
     const std::time_t now = std::time(nullptr);
     std::tm day{};
@@ -179,8 +174,8 @@ ExitStatus Cure(const std::string& file, const LintOptions& options,
         if (isWanted) curable.push_back(finding);
     }
     ado::Connection connection;
-    connection.Open(ConnectionString(file, options.isDryRun));
-    Messages(err, file).Warn(connection.TakeNotices());
+    Messages messages(err, file);
+    Connect(connection, file, messages);
     const std::vector<project::PlannedCure> cures = project::PlanCures(connection, curable);
     if (!options.isDryRun && !project::ApplyCures(connection, cures)) {
         std::fprintf(err, "kvs: %s: another program has changed it meanwhile; nothing is done\n",
@@ -213,8 +208,8 @@ Checked CheckFile(const std::string& file, const std::string& settingsFile,
         if (chosen[rule.rule] == Severity::Off) checked.severities.Set(rule.rule, Severity::Off);
     }
     ado::Connection connection;
-    connection.Open(ConnectionString(file, true));
-    Messages(err, file).Warn(connection.TakeNotices());
+    Messages messages(err, file);
+    Connect(connection, file, messages);
     checked.result = project::CheckProject(connection, checked.severities);
     checked.judgement = settings.Judge(checked.result.findings, Today());
     return checked;

@@ -102,8 +102,8 @@ bool IsEmptyFile(const std::string& path) {
 }
 
 void Open(ado::Connection& connection, const std::string& file, std::FILE* err) {
-    connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file + ";");
-    Messages(err, file).Warn(connection.TakeNotices());
+    Messages messages(err, file);
+    Connect(connection, file, messages);
 }
 
 project::Merged MergeInto(const std::string& draft, const MergeFiles& files, std::FILE* err) {

@@ -51,6 +51,15 @@ ExitStatus Fail(const std::string& file, const ado::AdoError& error, std::FILE* 
     return kFailure;
 }
 
+void Connect(ado::Connection& connection, const std::string& file, Messages& messages) {
+    Connect(connection, file);
+    messages.Warn(connection.TakeNotices());
+}
+
+void Connect(ado::Connection& connection, const std::string& file) {
+    connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file + ";");
+}
+
 jet::Result<std::unique_ptr<jet::Database>> OpenFile(const std::string& file) {
     return jet::Database::Open(paths::ToNative(file));
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "ado/AdoError.h"
+#include "ado/Connection.h"
 #include "jet/Database.h"
 #include "tools/Commands.h"
 #include "tools/TextBuffer.h"
@@ -39,6 +40,12 @@ private:
 
 /// Says at once why a command on the file has failed, and gives the status with which it ends.
 ExitStatus Fail(const std::string& file, const ado::AdoError& error, std::FILE* err);
+
+/// Opens the file that the user named for its rows; what he should know of it is told. Throws
+/// ado::AdoError.
+void Connect(ado::Connection& connection, const std::string& file, Messages& messages);
+/// The same without a word.
+void Connect(ado::Connection& connection, const std::string& file);
 
 /// Opens the project file that the user named, in either form of path. The messages name the file.
 [[nodiscard]] jet::Result<std::unique_ptr<jet::Database>> OpenFile(const std::string& file);

@@ -1,5 +1,6 @@
 #include "tools/PlanText.h"
 
+#include "spreadsheet/Cell.h"
 #include "unicode/Unicode.h"
 
 namespace tools {
@@ -26,6 +27,18 @@ std::string NameOf(const Plan& plan, const PlannedRow& row) {
     return text;
 }
 
+/// "line 5"; of a workbook "sheet "Trends", row 5".
+std::string PlaceOf(const Plan& plan, std::size_t line) {
+    if (plan.sheet.empty()) return "line " + std::to_string(line);
+    return "sheet " + Quoted(plan.sheet) + ", row " + std::to_string(line);
+}
+
+/// " (cell C5)" of a workbook.
+std::string CellOf(const Plan& plan, const PlannedRow& row, std::optional<std::size_t> column) {
+    if (plan.sheet.empty() || !column || !plan.places[*column]) return {};
+    return " (cell " + spreadsheet::CellName(*plan.places[*column], row.line) + ")";
+}
+
 std::string HeadingOf(const FieldChange& change, const Sheet& sheet,
                       const words::Language& language) {
     if (change.sheetColumn) return unicode::ToUtf8(sheet.Heading(*change.sheetColumn, language));
@@ -50,6 +63,8 @@ const char* TextOf(exchange::Suspicion suspicion) {
             return " (has a spreadsheet made a date of it?)";
         case exchange::Suspicion::Rounded:
             return " (has a spreadsheet rounded it?)";
+        case exchange::Suspicion::NoText:
+            return " (a spreadsheet keeps it as a number, not as a text)";
         default:
             return "";
     }
@@ -75,14 +90,17 @@ const char* TextOf(project::Problem problem) {
     }
 }
 
-std::string Reason(const PlannedRow& row, const Sheet& sheet, const words::Language& language) {
+std::string Reason(const Plan& plan, const PlannedRow& row, const Sheet& sheet,
+                   const words::Language& language) {
     const auto cell = [&] {
-        return "\"" + unicode::ToUtf8(sheet.Heading(row.column, language)) +
-               "\": " + Quoted(row.given);
+        return "\"" + unicode::ToUtf8(sheet.Heading(row.column, language)) + "\"" +
+               CellOf(plan, row, row.column) + ": " + Quoted(row.given);
     };
     switch (row.cause) {
         case Cause::BadCell:
-            return cell() + ": " + TextOf(row.problem);
+            return cell() + ": " + TextOf(row.problem) + TextOf(row.suspicion);
+        case Cause::NoResult:
+            return cell() + ": it is an error, or a formula whose result the file does not have";
         case Cause::NoName:
             return "the row has no name";
         case Cause::NoArchive:
@@ -96,7 +114,7 @@ std::string Reason(const PlannedRow& row, const Sheet& sheet, const words::Langu
             return "the ID is another row's, of another name; --update id goes by the ID alone, "
                    "--update name by the names";
         case Cause::GivenTwice:
-            return "line " + std::to_string(row.other) + " means the same row";
+            return PlaceOf(plan, row.other) + " means the same row";
         case Cause::NameInUse:
             return "another row would have the same name";
         case Cause::TooManyCells:
@@ -125,16 +143,29 @@ std::string WhatOf(const Plan& plan, const PlannedRow& row) {
 
 std::string TextOf(const Plan& plan, const PlannedRow& row, const Sheet& sheet,
                    const words::Language& language) {
-    std::string text = row.line > 0 ? "line " + std::to_string(row.line) + ": " : std::string();
+    std::string text = row.line > 0 ? PlaceOf(plan, row.line) + ": " : std::string();
     if (row.cause != Cause::None) {
         const char* state = row.state == State::Ambiguous ? ": ambiguous: " : ": refused: ";
-        return text + NameOf(plan, row) + state + Reason(row, sheet, language) + "\n";
+        return text + NameOf(plan, row) + state + Reason(plan, row, sheet, language) + "\n";
     }
     text += WhatOf(plan, row) + "\n";
     for (const FieldChange& change : row.changes) {
-        text += "    " + HeadingOf(change, sheet, language) + ": ";
+        text += "    " + HeadingOf(change, sheet, language) +
+                CellOf(plan, row, change.sheetColumn) + ": ";
         if (row.state != State::New) text += ValueOf(change, change.was, sheet, language) + " -> ";
         text += ValueOf(change, change.is, sheet, language) + TextOf(change.suspicion) + "\n";
+    }
+    return text;
+}
+
+std::string DoubtsOf(const Plan& plan, const PlannedRow& row, const Sheet& sheet,
+                     const words::Language& language) {
+    std::string text;
+    for (const FieldChange& change : row.changes) {
+        if (change.suspicion == exchange::Suspicion::None) continue;
+        text += PlaceOf(plan, row.line) + ": \"" + HeadingOf(change, sheet, language) + "\"" +
+                CellOf(plan, row, change.sheetColumn) + ": " +
+                ValueOf(change, change.is, sheet, language) + TextOf(change.suspicion) + "\n";
     }
     return text;
 }

@@ -61,7 +61,8 @@ ExitStatus RunSet(const Call& call, std::FILE* out, std::FILE* err) {
 // What both directions of the exchange with spreadsheets take.
 constexpr commandline::Option kSheet = {
     "sheet", "trends|archives",
-    "which rows a CSV file holds (default: trends; import: by its headings)"};
+    "which rows a CSV file holds (default: trends; import: by its headings), or a single sheet of "
+    "a workbook"};
 constexpr commandline::Option kSeparator = {
     "separator", "comma|semicolon|tab",
     "between the values (default: the locale's; import, load: found out)"};
@@ -89,13 +90,15 @@ SheetForm FormOf(const Call& call) {
 ExitStatus RunExport(const Call& call, std::FILE* out, std::FILE* err) {
     ExportWish wish;
     wish.archives = call.Values("archives");
-    wish.sheet = SheetOf(call);
+    if (call.Has("sheet")) wish.sheet = SheetOf(call);
     wish.form = FormOf(call);
     wish.to = call.Value("output");
-    const bool isJson =
-        call.Has("format") ? call.Value("format") == "json" : wish.to.ends_with(".json");
-    wish.format = isJson ? ExchangeFormat::Json : ExchangeFormat::Csv;
-    if (isJson && !wish.archives.empty()) {
+    const auto isFormat = [&](const std::string& name) {
+        return call.Has("format") ? call.Value("format") == name : wish.to.ends_with("." + name);
+    };
+    if (isFormat("xlsx")) wish.format = ExchangeFormat::Xlsx;
+    if (isFormat("json")) wish.format = ExchangeFormat::Json;
+    if (wish.format == ExchangeFormat::Json && !wish.archives.empty()) {
         std::fputs("kvs: export: JSON holds the whole project, --archives is for sheets\n", err);
         return kUsage;
     }
@@ -172,7 +175,9 @@ const std::vector<Row>& Rows() {
           "archives or trends for a spreadsheet, or all of the project as text; its rows, headings "
           "and codes in words",
           {{"archives", "NAME", "only this archive and its trends; once for each archive"},
-           {"format", "csv|json", "CSV (default) or JSON, a field a line, for comparing"},
+           {"format", "csv|xlsx|json",
+            "CSV, a workbook with a sheet each for archives and trends, or JSON, a field a line, "
+            "for comparing (default: as OUT ends, else csv)"},
            {"output", "OUT", "the file that is written (default: standard output)", 'o'},
            kSheet,
            kLanguage,
@@ -183,7 +188,9 @@ const std::vector<Row>& Rows() {
          RunExport},
         {{"import",
           "FILE INPUT",
-          "change a project after a CSV file as export writes it; - is standard input; rows are "
+          "change a project after a CSV file or a workbook (.xlsx) as export writes it; - is "
+          "standard "
+          "input; rows are "
           "known by ID, held against archive and name, or else by these",
           {{"update", "id|name", "go by the ID alone, or by archive and name alone"},
            {"delete-missing", "", "delete rows that INPUT does not have"},
@@ -260,9 +267,10 @@ const std::vector<Row>& Rows() {
           "A B",
           "how B differs from A: archives, trends, texts and groups by ID, field by field; exit "
           "status 0 the same, 1 different, 2 trouble",
-          {kTextFormat}},
+          {kTextFormat, kLanguage}},
          [](const Call& call, std::FILE* out, std::FILE* err) {
-             return Diff(call.words[0], call.words[1], TextFormatOf(call), out, err);
+             return Diff(call.words[0], call.words[1], {TextFormatOf(call), FormOf(call).language},
+                         out, err);
          }},
         {{"merge",
           "BASE MINE THEIRS",

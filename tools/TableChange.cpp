@@ -9,10 +9,8 @@ ExitStatus Edit(const std::string& file, const std::string& table, Mode mode, st
                 std::FILE* err, const TableChange& change) {
     try {
         ado::Connection connection;
-        connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file +
-                        ";Mode=Read|Write|Share Deny None;");
         Messages messages(err, file);
-        messages.Warn(connection.TakeNotices());
+        Connect(connection, file, messages);
         ado::Recordset rows;
         rows.Open(table, connection, ado::CommandType::Table);
         change.prepare(rows);

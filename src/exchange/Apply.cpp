@@ -8,6 +8,7 @@
 #include "project/Names.h"
 #include "project/Rows.h"
 #include "project/Transaction.h"
+#include "unicode/Unicode.h"
 
 namespace exchange {
 namespace {
@@ -16,6 +17,8 @@ using State = PlannedRow::State;
 
 /// The project is not what it was when the plan was made.
 struct Stale {};
+/// The user has thought better of it.
+struct GivenUp {};
 
 void Require(bool isSo) {
     if (!isSo) throw Stale();
@@ -23,19 +26,24 @@ void Require(bool isSo) {
 
 class Applier {
 public:
-    explicit Applier(ado::Connection& connection, const Plan& plan)
-        : plan_(plan), rows_(connection) {}
+    Applier(ado::Connection& connection, const Plan& plan, std::function<void()> tellOfRow)
+        : plan_(plan), rows_(connection), tellOfRow_(std::move(tellOfRow)) {}
 
     void Run() {
         // Names that are given up come first, as those that are taken may be the same.
         if (plan_.deleteMissing) Remove();
         for (const PlannedRow& row : plan_.rows) {
-            if (row.cause != PlannedRow::Cause::None) continue;
+            if (row.cause != PlannedRow::Cause::None || row.state == State::Missing) continue;
             try {
                 if (row.state == State::Changed) Change(row);
                 if (row.state == State::New) Add(row);
+                tellOfRow_();
             } catch (const ado::AdoError& error) {
-                const std::string where = "Line " + std::to_string(row.line) + ": ";
+                const std::string line = std::to_string(row.line) + ": ";
+                const std::string where =
+                    plan_.sheet.empty()
+                        ? "Line " + line
+                        : "Sheet \"" + unicode::ToUtf8(plan_.sheet) + "\", row " + line;
                 throw ado::AdoError(error.Number(), where + error.Description());
             }
         }
@@ -48,11 +56,28 @@ private:
 
     void Change(const PlannedRow& row) {
         Require(Seek(row.id));
+        RequireTarget(row);
         Write(Own(), row, TableOf(plan_.kind));
         if (Has(row, project::kTextTable)) ChangeText(row);
         if (Has(row, project::kGroupTable)) {
             Require(rows_.SeekGroup(row.id));
             Write(rows_.Groups(), row, project::kGroupTable);
+        }
+    }
+
+    /// Where a trend moves to may have been given its numbers in the same import: they have to be
+    /// those of the plan.
+    void RequireTarget(const PlannedRow& row) {
+        if (row.target.empty()) return;
+        std::int32_t archive = 0;
+        for (const FieldChange& change : row.changes) {
+            if (change.column == "ArchiveID") {
+                archive = ado::ToLong(change.is);
+                Require(rows_.SeekArchive(archive) &&
+                        project::NameOf(rows_.Archives()) == row.target);
+            } else if (change.column == "ParentID") {
+                Require(change.is == ado::Value(rows_.GroupOfTrends(archive)));
+            }
         }
     }
 
@@ -174,10 +199,11 @@ private:
     void Remove() {
         rows_.BeginRemoving();
         for (const PlannedRow& row : plan_.rows) {
-            if (row.state != State::Missing) continue;
+            if (row.state != State::Missing || row.cause != PlannedRow::Cause::None) continue;
             Require(Seek(row.id) && project::NameOf(Own()) == row.name);
             if (!IsTrends()) RemoveTrendsOf(row);
             Require(IsTrends() ? rows_.RemoveTrend(row.id) : rows_.RemoveArchive(row.id));
+            tellOfRow_();
         }
     }
 
@@ -194,18 +220,31 @@ private:
     const Plan& plan_;
     project::Rows rows_;
     std::map<std::int32_t, project::CurveColours> colours_;  // by archive
+    std::function<void()> tellOfRow_;
 };
 
 }  // namespace
 
 bool Apply(ado::Connection& connection, const Plan& plan) {
+    return Apply(connection, std::span(&plan, 1), {}) == Outcome::Done;
+}
+
+Outcome Apply(ado::Connection& connection, std::span<const Plan> plans,
+              const std::function<bool(std::size_t rows)>& goOn) {
+    std::size_t rows = 0;
+    const auto tellOfRow = [&] {
+        ++rows;
+        if (goOn && !goOn(rows)) throw GivenUp();
+    };
     try {
         project::Transaction transaction(connection);
-        Applier(connection, plan).Run();
+        for (const Plan& plan : plans) Applier(connection, plan, tellOfRow).Run();
         transaction.Commit();
-        return true;
+        return Outcome::Done;
     } catch (const Stale&) {
-        return false;
+        return Outcome::Stale;
+    } catch (const GivenUp&) {
+        return Outcome::GivenUp;
     }
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <span>
-#include <string>
 
 #include "ado/Connection.h"
 #include "exchange/Plan.h"
@@ -17,5 +19,15 @@ namespace exchange {
 /// `connection` is borrowed; it may be in a transaction already, which is the caller's to take back
 /// then.
 [[nodiscard]] bool Apply(ado::Connection& connection, const Plan& plan);
+
+enum class Outcome : std::uint8_t {
+    Done,
+    Stale,    // the import is to be planned anew
+    GivenUp,  // by `goOn`
+};
+/// The same for the plans of sheets that come in together; only with Done something is changed.
+/// `goOn` hears how many rows are done and gives it up with false; it may be empty.
+[[nodiscard]] Outcome Apply(ado::Connection& connection, std::span<const Plan> plans,
+                            const std::function<bool(std::size_t rows)>& goOn);
 
 }  // namespace exchange

@@ -127,6 +127,28 @@ bool LooksLikeDate(std::u16string_view text) {
     return separators >= 1 && (isMonth || isDay) && (IsDigit(text.front()) || isMonth);
 }
 
+/// The same number in fewer digits, or without its zeros in front.
+bool LostDigits(std::u16string_view old, std::u16string_view given) {
+    const project::NumberText before = project::ReadNumber(old);
+    const project::NumberText now = project::ReadNumber(given);
+    if (!before.whole || !now.whole || given.size() >= old.size()) return false;
+    const double distance = before.number - now.number;
+    const double scale = std::max(before.number, -before.number);
+    const bool isNear = distance <= scale * 1e-3 && -distance <= scale * 1e-3;
+    constexpr std::size_t kMostDigits = 11;  // that a cell of usual width shows
+    const bool canLose =
+        old.front() == u'0' || old.find(u'.') != old.npos || old.size() > kMostDigits;
+    return isNear && canLose;
+}
+
+/// To the digits that a spreadsheet has.
+bool IsSameNumber(std::u16string_view old, std::u16string_view given) {
+    const project::NumberText before = project::ReadNumber(old);
+    const project::NumberText now = project::ReadNumber(given);
+    return before.whole && now.whole &&
+           project::FormatNumber(before.number) == project::FormatNumber(now.number);
+}
+
 }  // namespace
 
 void WriteCell(const SheetColumn& column, const ado::Value& value, const words::Language& language,
@@ -144,6 +166,7 @@ void WriteCell(const SheetColumn& column, const ado::Value& value, const words::
 
 bool IsSame(const SheetColumn& column, const ado::Value& stored, const Cell& written,
             const CellView& given) {
+    if (given.kind == CellKind::Unknown) return false;
     const bool isNull = given.kind == CellKind::Null || (!column.IsText() && given.text.empty());
     if (isNull || ado::IsNull(stored)) return isNull && ado::IsNull(stored);
     if (given.text == written.text) return true;
@@ -158,7 +181,12 @@ bool IsSame(const SheetColumn& column, const ado::Value& stored, const Cell& wri
     const project::Reading read = ReadCell(column, given);
     if (read.problem != Problem::None) return false;
     if (column.mask != 0) return NumberIn(column, stored) == NumberIn(column, read.value);
-    return stored == read.value || HasSameNumber(stored, read.value);
+    if (stored == read.value || HasSameNumber(stored, read.value)) return true;
+    const auto* before = std::get_if<double>(&stored);
+    const auto* now = std::get_if<double>(&read.value);
+    // What workbooks keep is not always the last digit.
+    return given.kind == CellKind::Number && before != nullptr && now != nullptr &&
+           project::FormatNumber(*before) == project::FormatNumber(*now);
 }
 
 project::Reading ReadCell(const SheetColumn& column, const CellView& cell) {
@@ -182,19 +210,11 @@ Suspicion SuspicionOf(const SheetColumn& column, const ado::Value& was, const Ce
     const bool wasDate = old != nullptr && !old->empty() && LooksLikeDate(*old);
     if (given.kind == CellKind::Date) return Suspicion::Date;
     if (!wasDate && LooksLikeDate(given.text)) return Suspicion::Date;
-    if (old == nullptr) return Suspicion::None;
-    // The same number in fewer digits, or without its zeros in front.
-    const project::NumberText before = project::ReadNumber(*old);
-    const project::NumberText now = project::ReadNumber(given.text);
-    if (!before.whole || !now.whole || old->size() == given.text.size()) return Suspicion::None;
-    const double distance = before.number - now.number;
-    const double scale = std::max(before.number, -before.number);
-    const bool isNear = distance <= scale * 1e-3 && -distance <= scale * 1e-3;
-    constexpr std::size_t kMostDigits = 11;  // that a cell of usual width shows
-    const bool canLose =
-        old->front() == u'0' || old->find(u'.') != old->npos || old->size() > kMostDigits;
-    return isNear && canLose && given.text.size() < old->size() ? Suspicion::Rounded
-                                                                : Suspicion::None;
+    const bool isNumber = given.kind == CellKind::Number;
+    const bool isLost = old != nullptr &&
+                        (isNumber ? IsSameNumber(*old, given.text) : LostDigits(*old, given.text));
+    if (isLost) return Suspicion::Rounded;
+    return isNumber || given.kind == CellKind::Boolean ? Suspicion::NoText : Suspicion::None;
 }
 
 }  // namespace exchange

@@ -16,7 +16,10 @@ enum class CellKind : std::uint8_t {
     Text,    // words of codes are texts too; an empty one is not Null
     Number,  // with '.', to all of its digits
     Colour,  // "#RRGGBB"
-    Date,    // what a spreadsheet has made one; no sheet of ours has any
+    // What spreadsheets have besides; no sheet of ours has any.
+    Date,     // as its text says it
+    Boolean,  // "TRUE", "FALSE"
+    Unknown,  // an error, or a formula without its result
 };
 struct Cell {
     CellKind kind = CellKind::Null;
@@ -34,7 +37,7 @@ void WriteCell(const SheetColumn& column, const ado::Value& value, const words::
                Cell& cell);
 
 /// Whether a cell says what is stored already: as it would be written, or, of a number, as a
-/// spreadsheet keeps it, which is to 15 digits. `written` is the stored value's cell in any
+/// spreadsheet shows it, which is to 15 digits. `written` is the stored value's cell in any
 /// language.
 [[nodiscard]] bool IsSame(const SheetColumn& column, const ado::Value& stored, const Cell& written,
                           const CellView& given);
@@ -44,7 +47,12 @@ void WriteCell(const SheetColumn& column, const ado::Value& value, const words::
 [[nodiscard]] project::Reading ReadCell(const SheetColumn& column, const CellView& cell);
 
 /// What a spreadsheet does to texts that look like something else.
-enum class Suspicion : std::uint8_t { None, Date, Rounded };
+enum class Suspicion : std::uint8_t {
+    None,
+    Date,
+    Rounded,
+    NoText,  // it is a number, or a truth, where a text is meant
+};
 /// Whether a text may have become what it is by itself.
 [[nodiscard]] Suspicion SuspicionOf(const SheetColumn& column, const ado::Value& was,
                                     const CellView& given);

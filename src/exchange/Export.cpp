@@ -37,6 +37,8 @@ void Export(ado::Connection& connection, SheetKind kind, const Selection& select
     while (rows.Next()) {
         const auto archive = rows.Archive();
         if (!chosen.empty() && (!archive || !chosen.contains(*archive))) continue;
+        const bool isTrend = kind == SheetKind::Trends && !selection.trends.empty();
+        if (isTrend && !selection.trends.contains(rows.Id())) continue;
         for (std::size_t i = 0; i < cells.size(); ++i) {
             WriteCell(sheet.Columns()[i], rows.Get(i), language, cells[i]);
         }

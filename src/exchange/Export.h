@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "exchange/Cell.h"
@@ -24,7 +26,9 @@ public:
 
 /// What is exported: the archives of these names with their trends; all when there are none.
 struct Selection {
-    std::vector<std::u16string> archives;
+    std::vector<std::u16string> archives{};
+    std::unordered_set<std::int32_t>
+        trends{};  // only these; all of the archives when there are none
 };
 
 /// Writes a sheet: archives by their ID, trends by that of their archive, then by their own. All of

@@ -20,6 +20,8 @@ public:
     [[nodiscard]] virtual bool Next(std::vector<Cell>& record) = 0;
     /// Where the last record began, counted from 1.
     [[nodiscard]] virtual std::size_t Line() const = 0;
+    /// The name of the sheet, of an input that is one among several.
+    [[nodiscard]] virtual std::u16string Sheet() const { return {}; }
     /// What is wrong, and where; empty when nothing is.
     [[nodiscard]] virtual const std::string& Error() const = 0;
 };

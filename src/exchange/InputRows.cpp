@@ -10,7 +10,7 @@ namespace {
 
 using Role = SheetColumn::Role;
 
-[[noreturn]] void Fail(const std::string& what) {
+[[noreturn]] void FailWith(const std::string& what) {
     throw ado::AdoError(ado::ErrorNumber::kInvalidArgument, what);
 }
 
@@ -35,7 +35,7 @@ SheetKind KindOf(ado::Connection& connection, const std::vector<Cell>& heading) 
     const std::size_t asTrends = CountKnown(trends, heading);
     const std::size_t asArchives = CountKnown(archives, heading);
     if (!namesArchive && asTrends == asArchives) {
-        Fail("The headings fit archives and trends alike; it has to be said which they are.");
+        FailWith("The headings fit archives and trends alike; it has to be said which they are.");
     }
     return namesArchive || asTrends > asArchives ? SheetKind::Trends : SheetKind::Archives;
 }
@@ -43,11 +43,11 @@ SheetKind KindOf(ado::Connection& connection, const std::vector<Cell>& heading) 
 }  // namespace
 
 InputRows::InputRows(ado::Connection& connection, Input& input, std::optional<SheetKind> kind)
-    : ends_{0} {
+    : name_(input.Sheet()), ends_{0} {
     std::vector<Cell> record;
     const auto next = [&] {
         if (input.Next(record)) return true;
-        if (!input.Error().empty()) Fail(input.Error() + ".");
+        if (!input.Error().empty()) FailWith(input.Error() + ".");
         return false;
     };
     if (!next()) Fail("There is no heading row.");
@@ -56,6 +56,18 @@ InputRows::InputRows(ado::Connection& connection, Input& input, std::optional<Sh
     while (next()) {
         if (!std::all_of(record.begin(), record.end(), IsBlank)) Add(record, input.Line());
     }
+}
+
+void InputRows::Fail(const std::string& what) const {
+    FailWith(name_.empty() ? what : "Sheet \"" + unicode::ToUtf8(name_) + "\": " + what);
+}
+
+std::vector<std::optional<std::size_t>> InputRows::Places() const {
+    std::vector<std::optional<std::size_t>> places(places_.size());
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        if (places_[i]) places[i] = taken_[*places_[i]];
+    }
+    return places;
 }
 
 void InputRows::ReadHeading(const std::vector<Cell>& heading) {
@@ -69,7 +81,8 @@ void InputRows::ReadHeading(const std::vector<Cell>& heading) {
         if (places_[*column]) {
             Fail("The heading row: " + name + " names its column a second time.");
         }
-        places_[*column] = i;
+        places_[*column] = taken_.size();
+        taken_.push_back(i);
     }
     const auto has = [&](Role role) {
         const auto column = sheet_->FindRole(role);
@@ -85,7 +98,7 @@ void InputRows::ReadHeading(const std::vector<Cell>& heading) {
 
 void InputRows::Add(const std::vector<Cell>& record, std::size_t line) {
     static const Cell kNothing;
-    for (std::size_t i = 0; i < width_; ++i) {
+    for (const std::size_t i : taken_) {
         const Cell& cell = i < record.size() ? record[i] : kNothing;
         texts_ += cell.text;
         ends_.push_back(texts_.size());
@@ -100,7 +113,7 @@ void InputRows::Add(const std::vector<Cell>& record, std::size_t line) {
 
 std::optional<CellView> InputRows::Get(std::size_t row, std::size_t column) const {
     if (!places_[column]) return std::nullopt;
-    const std::size_t at = row * width_ + *places_[column];
+    const std::size_t at = row * taken_.size() + *places_[column];
     const std::size_t begin = ends_[at];
     return CellView{kinds_[at], std::u16string_view(texts_).substr(begin, ends_[at + 1] - begin)};
 }

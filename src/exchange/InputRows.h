@@ -18,6 +18,10 @@ public:
     InputRows(ado::Connection& connection, Input& input, std::optional<SheetKind> kind);
 
     [[nodiscard]] const Sheet& Columns() const noexcept { return *sheet_; }
+    /// Of an input that is one among several.
+    [[nodiscard]] const std::u16string& SheetName() const noexcept { return name_; }
+    /// Where each column of the sheet stood.
+    [[nodiscard]] std::vector<std::optional<std::size_t>> Places() const;
     [[nodiscard]] std::size_t Count() const noexcept { return lines_.size(); }
     /// Where a row stood.
     [[nodiscard]] std::size_t Line(std::size_t row) const { return lines_[row]; }
@@ -30,12 +34,15 @@ public:
 private:
     void ReadHeading(const std::vector<Cell>& heading);
     void Add(const std::vector<Cell>& record, std::size_t line);
+    [[noreturn]] void Fail(const std::string& what) const;
 
     std::optional<Sheet> sheet_;
-    std::vector<std::optional<std::size_t>> places_;  // by column of the sheet: in a record
-    std::size_t width_ = 0;
+    std::u16string name_;
+    std::vector<std::size_t> taken_;                  // the cells of a record that are kept
+    std::vector<std::optional<std::size_t>> places_;  // by column of the sheet: in taken_
+    std::size_t width_ = 0;                           // of the heading
     std::u16string texts_;
-    std::vector<std::size_t> ends_;  // in texts_, by row and place; one more in front
+    std::vector<std::size_t> ends_;  // in texts_, by row and kept cell; one more in front
     std::vector<CellKind> kinds_;
     std::vector<std::size_t> lines_;
     std::vector<bool> tooLong_;

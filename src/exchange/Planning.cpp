@@ -38,11 +38,12 @@ private:
 
 class Planner {
 public:
-    Planner(ado::Connection& connection, Input& input, const PlanOptions& options)
+    Planner(ado::Connection& connection, const InputRows& input, const PlanOptions& options,
+            const ArchiveNames* before)
         : options_(options),
-          input_(connection, input, options.kind),
+          input_(input),
           sheet_(input_.Columns()),
-          archives_(connection),
+          archives_(NamesOf(connection, before)),
           stored_(connection, sheet_, archives_),
           match_(stored_, archives_, input_, options.matchBy),
           textUse_(connection),
@@ -52,17 +53,25 @@ public:
 
     Plan Make() {
         plan_.kind = sheet_.Kind();
+        plan_.sheet = input_.SheetName();
+        plan_.places = input_.Places();
         plan_.deleteMissing = options_.deleteMissing;
         CompareStored();
         AddNewAndDoubtful();
         std::stable_sort(plan_.rows.begin(), plan_.rows.end(),
                          [](const auto& a, const auto& b) { return a.line < b.line; });
+        LeaveOut();
         RefuseDoubleNames();
         AddMissing();
         return std::move(plan_);
     }
 
 private:
+    static ArchiveNames NamesOf(ado::Connection& connection, const ArchiveNames* before) {
+        ArchiveNames names(connection);
+        if (before != nullptr) names.AddFormer(*before);
+        return names;
+    }
     [[nodiscard]] bool IsTrends() const { return plan_.kind == SheetKind::Trends; }
     [[nodiscard]] std::u16string ArchiveName(std::optional<std::int32_t> id) const {
         const std::u16string* name = id ? archives_.Find(*id) : nullptr;
@@ -95,6 +104,8 @@ private:
                 const ado::Value value = stored_.Get(i);
                 WriteCell(sheet_.Columns()[i], value, words::Languages().front(), written);
                 if (IsSame(sheet_.Columns()[i], value, written, *given)) continue;
+                const bool isArchive = archive_ == i && known.archive;
+                if (isArchive && archives_.IsNameOf(*known.archive, given->text)) continue;
                 if (!AddChange(row, i, value, *given)) break;
             }
             if (row.changes.empty() && row.cause == Cause::None) {
@@ -109,11 +120,16 @@ private:
     /// False when the row is refused.
     bool AddChange(PlannedRow& row, std::size_t i, const ado::Value& was, const CellView& given) {
         const SheetColumn& column = sheet_.Columns()[i];
+        if (given.kind == CellKind::Unknown) {
+            Refuse(row, Cause::NoResult, i, given.text);
+            return false;
+        }
         if (column.role == Role::Archive) return AddMove(row, i, given);
         const project::Reading read = ReadCell(column, given);
         if (read.problem != Problem::None) {
             Refuse(row, Cause::BadCell, i, given.text);
             row.problem = read.problem;
+            if (given.kind == CellKind::Date) row.suspicion = Suspicion::Date;
             return false;
         }
         if (i == name_ && project::WithoutBlanks(given.text).empty()) {
@@ -162,6 +178,7 @@ private:
     bool AddMove(PlannedRow& row, std::size_t i, const CellView& given) {
         const auto to = ArchiveOf(row, given);
         if (!to) return false;
+        row.target = ArchiveName(to);
         row.changes.push_back({.table = std::string(project::kTrendTable),
                                .column = sheet_.Columns()[i].field.name,
                                .sheetColumn = i,
@@ -263,6 +280,7 @@ private:
             if (sheet_.Columns()[i].role == Role::Archive) {
                 row.archiveId = ArchiveOf(row, *given);
                 if (!row.archiveId) return;
+                row.archive = ArchiveName(row.archiveId);
                 continue;
             }
             // A text that is Null is what a new row has anyway.
@@ -271,6 +289,14 @@ private:
             if (!isNothing && !AddChange(row, i, {}, *given)) return;
         }
         if (IsTrends() && !row.archiveId) Refuse(row, Cause::NoArchive, *archive_, u"");
+    }
+
+    void LeaveOut() {
+        for (PlannedRow& row : plan_.rows) {
+            const bool isIn = row.cause == Cause::None;
+            if (isIn && options_.leftOut.contains({plan_.kind, row.line}))
+                row.cause = Cause::LeftOut;
+        }
     }
 
     // Names are held against each other in any case of letters, within an archive.
@@ -347,6 +373,7 @@ private:
             if (!IsTrends() && rows_.SeekTrendsOf(stored.id)) {
                 row.trends = rows_.Trends().RecordCount();
             }
+            if (options_.kept.contains({plan_.kind, row.id})) row.cause = Cause::LeftOut;
             plan_.rows.push_back(std::move(row));
         }
     }
@@ -366,7 +393,7 @@ private:
     }
 
     const PlanOptions& options_;
-    InputRows input_;
+    const InputRows& input_;
     const Sheet& sheet_;
     ArchiveNames archives_;
     SheetRows stored_;
@@ -387,8 +414,20 @@ std::size_t Plan::Count(PlannedRow::State state) const {
         rows.begin(), rows.end(), [&](const PlannedRow& row) { return row.state == state; }));
 }
 
+bool Plan::HasWork() const {
+    return std::any_of(rows.begin(), rows.end(), [&](const PlannedRow& row) {
+        const bool isDone = row.state != State::Missing || deleteMissing;
+        return row.cause == Cause::None && isDone;
+    });
+}
+
 Plan MakePlan(ado::Connection& connection, Input& input, const PlanOptions& options) {
-    return Planner(connection, input, options).Make();
+    return MakePlan(connection, InputRows(connection, input, options.kind), options);
+}
+
+Plan MakePlan(ado::Connection& connection, const InputRows& input, const PlanOptions& options,
+              const ArchiveNames* before) {
+    return Planner(connection, input, options, before).Make();
 }
 
 }  // namespace exchange

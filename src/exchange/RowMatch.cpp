@@ -59,7 +59,10 @@ std::optional<std::u16string> RowMatch::KeyOf(std::size_t row) const {
     if (!isTrends_) return std::u16string(name->text);
     const auto archive = input_.Get(row, *archive_);
     if (!archive) return std::nullopt;
-    return std::u16string(archive->text) + kBetween + std::u16string(name->text);
+    std::u16string known(archive->text);
+    const auto& ids = archives_.Named(known);
+    if (ids.size() == 1) known = *archives_.Find(ids.front());
+    return known + kBetween + std::u16string(name->text);
 }
 
 void RowMatch::ReadStored(SheetRows& rows) {
@@ -107,8 +110,9 @@ bool RowMatch::IsOther(std::size_t row, const StoredRow& stored) const {
     if (!name || name->text == stored.name) return false;
     if (!isTrends_) return keys_.contains(std::u16string(name->text));
     const auto archive = input_.Get(row, *archive_);
-    const std::u16string* known = stored.archive ? archives_.Find(*stored.archive) : nullptr;
-    return archive && archive->text != (known != nullptr ? *known : std::u16string());
+    if (!archive) return false;
+    if (!stored.archive) return !archive->text.empty();
+    return !archives_.IsNameOf(*stored.archive, archive->text);
 }
 
 std::optional<std::size_t> RowMatch::FindByName(std::size_t row, Doubt& doubt) const {

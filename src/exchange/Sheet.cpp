@@ -21,12 +21,11 @@ constexpr Code kStorage[] = {{0, 204}, {ArchiveType::kMainMemory, 205}};
 constexpr Code kSaveSafe[] = {{0, kNo}, {ArchiveType::kSaveSafe, kYes}};
 constexpr Code kRedundancy[] = {{0, kNo}, {ArchiveType::kRedundancy, kYes}};
 
-/// What the number in `Type` of an archive is made of.
-struct TypeBits {
-    int caption;
-    std::int32_t mask;
-    std::span<const Code> codes;
-};
+std::u16string Widened(std::string_view ascii) {
+    return {ascii.begin(), ascii.end()};
+}
+
+}  // namespace
 
 std::vector<TypeBits> PartsOfType() {
     return {{209, ArchiveType::kKindMask, project::ArchiveKinds()},
@@ -34,12 +33,6 @@ std::vector<TypeBits> PartsOfType() {
             {207, ArchiveType::kSaveSafe, kSaveSafe},
             {208, ArchiveType::kRedundancy, kRedundancy}};
 }
-
-std::u16string Widened(std::string_view ascii) {
-    return {ascii.begin(), ascii.end()};
-}
-
-}  // namespace
 
 Sheet::Sheet(ado::Connection& connection, SheetKind kind) : kind_(kind) {
     project::Rows rows(connection);
@@ -125,6 +118,10 @@ std::optional<std::size_t> Sheet::FindField(std::string_view name) const {
     });
     if (found == columns_.end()) return std::nullopt;
     return static_cast<std::size_t>(found - columns_.begin());
+}
+
+std::u16string NameOf(SheetKind kind, const words::Language& language) {
+    return language.Text(kind == SheetKind::Trends ? "Exchange.Trends" : "Exchange.Archives");
 }
 
 std::string_view TableOf(SheetKind kind) {

@@ -18,6 +18,14 @@ namespace exchange {
 
 enum class SheetKind : std::uint8_t { Archives, Trends };
 
+/// A part of the number in `Type` of an archive.
+struct TypeBits {
+    int caption;  // number of the heading's text
+    std::int32_t mask;
+    std::span<const project::Code> codes;
+};
+[[nodiscard]] std::vector<TypeBits> PartsOfType();
+
 /// One column of a sheet, and where its values are stored.
 struct SheetColumn {
     enum class Role : std::uint8_t {
@@ -62,6 +70,8 @@ private:
     std::vector<SheetColumn> columns_;
 };
 
+/// What a sheet is called.
+[[nodiscard]] std::u16string NameOf(SheetKind kind, const words::Language& language);
 /// The table of a sheet's rows.
 [[nodiscard]] std::string_view TableOf(SheetKind kind);
 /// A text to be compared in any case of ASCII letters, without the blanks at its ends.

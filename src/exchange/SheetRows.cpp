@@ -16,6 +16,25 @@ ArchiveNames::ArchiveNames(ado::Connection& connection) {
     }
 }
 
+void ArchiveNames::AddFormer(const ArchiveNames& former) {
+    former_ = former.names_;
+    for (const auto& [name, ids] : former.ids_) {
+        const auto [entry, isFree] = ids_.try_emplace(name);
+        if (!isFree) continue;
+        for (const std::int32_t id : ids) {
+            if (names_.contains(id)) entry->second.push_back(id);
+        }
+    }
+}
+
+bool ArchiveNames::IsNameOf(std::int32_t id, std::u16string_view name) const {
+    const auto has = [&](const auto& names) {
+        const auto found = names.find(id);
+        return found != names.end() && found->second == name;
+    };
+    return has(names_) || has(former_);
+}
+
 const std::u16string* ArchiveNames::Find(std::int32_t id) const {
     const auto found = names_.find(id);
     return found != names_.end() ? &found->second : nullptr;

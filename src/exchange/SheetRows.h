@@ -16,13 +16,19 @@ class ArchiveNames {
 public:
     explicit ArchiveNames(ado::Connection& connection);
 
+    /// Lets archives be known by names that they had before, too, where no other has them now.
+    void AddFormer(const ArchiveNames& former);
+
     /// Null for no archive's ID.
     [[nodiscard]] const std::u16string* Find(std::int32_t id) const;
-    /// Those that have this very name.
+    /// Those that have this very name, else those that had it.
     [[nodiscard]] const std::vector<std::int32_t>& Named(const std::u16string& name) const;
+    /// Whether it is the archive's name, or was.
+    [[nodiscard]] bool IsNameOf(std::int32_t id, std::u16string_view name) const;
 
 private:
     std::unordered_map<std::int32_t, std::u16string> names_;
+    std::unordered_map<std::int32_t, std::u16string> former_;
     std::unordered_map<std::u16string, std::vector<std::int32_t>> ids_;
     std::vector<std::int32_t> none_;
 };

@@ -573,6 +573,16 @@ enum class Check : int {
 };
 Q_ENUM_NS(Check)
 
+/// The exchange with spreadsheets. What goes into files is asked for by the key of its text.
+enum class Exchange : int {
+    Archives = 17001,
+    Trends,
+    Lists,
+    FixedTitle,
+    FixedText,
+};
+Q_ENUM_NS(Exchange)
+
 /// The help viewer.
 enum class Help : int {
     WindowTitle = 12001,

@@ -1,65 +1,55 @@
 #include "spreadsheet/Archive.h"
 
-#include <gtest/gtest.h>
 #include <zip.h>
 
-#include <filesystem>
-#include <fstream>
-#include <sstream>
+#include <stdexcept>
 
 namespace spreadsheet {
 namespace {
 
-/// A name for a file that goes with the object.
-class TemporaryFile {
-public:
-    TemporaryFile() {
-        std::string pattern = std::filesystem::temp_directory_path() / "zip-XXXXXX";
-        folder_ = ::mkdtemp(pattern.data());
-    }
-    ~TemporaryFile() { std::filesystem::remove_all(folder_); }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    [[nodiscard]] std::string Name() const { return folder_ / "file.zip"; }
-
-private:
-    std::filesystem::path folder_;
-};
+void Require(bool isSo) {
+    if (!isSo) throw std::runtime_error("the archive of the test has failed");
+}
 
 }  // namespace
 
 std::string Zipped(const Parts& parts) {
-    const TemporaryFile file;
-    zip_t* zip = zip_open(file.Name().c_str(), ZIP_CREATE, nullptr);
-    EXPECT_NE(zip, nullptr);
+    zip_source_t* bytes = zip_source_buffer_create(nullptr, 0, 0, nullptr);
+    Require(bytes != nullptr);
+    zip_source_keep(bytes);
+    zip_t* zip = zip_open_from_source(bytes, ZIP_TRUNCATE, nullptr);
+    Require(zip != nullptr);
     for (const auto& [name, text] : parts) {
         zip_source_t* source = zip_source_buffer(zip, text.data(), text.size(), 0);
-        EXPECT_GE(zip_file_add(zip, name.c_str(), source, ZIP_FL_ENC_UTF_8), 0);
+        Require(zip_file_add(zip, name.c_str(), source, ZIP_FL_ENC_UTF_8) >= 0);
     }
-    EXPECT_EQ(zip_close(zip), 0);
-    std::ostringstream bytes;
-    bytes << std::ifstream(file.Name(), std::ios::binary).rdbuf();
-    return bytes.str();
+    Require(zip_close(zip) == 0);
+    zip_stat_t info;
+    Require(zip_source_stat(bytes, &info) == 0 && zip_source_open(bytes) == 0);
+    std::string out(info.size, '\0');
+    Require(zip_source_read(bytes, out.data(), out.size()) == static_cast<zip_int64_t>(out.size()));
+    zip_source_close(bytes);
+    zip_source_free(bytes);
+    return out;
 }
 
 Parts Unzipped(const std::string& bytes) {
     Parts parts;
     zip_source_t* source = zip_source_buffer_create(bytes.data(), bytes.size(), 0, nullptr);
     zip_t* zip = zip_open_from_source(source, ZIP_RDONLY, nullptr);
-    EXPECT_NE(zip, nullptr);
-    const zip_int64_t count = zip == nullptr ? 0 : zip_get_num_entries(zip, 0);
+    Require(zip != nullptr);
+    const zip_int64_t count = zip_get_num_entries(zip, 0);
     for (zip_int64_t i = 0; i < count; ++i) {
         zip_stat_t info;
         const auto index = static_cast<zip_uint64_t>(i);
-        EXPECT_EQ(zip_stat_index(zip, index, 0, &info), 0);
+        Require(zip_stat_index(zip, index, 0, &info) == 0);
         std::string& text = parts[info.name];
         text.resize(info.size);
         zip_file_t* part = zip_fopen_index(zip, index, 0);
-        EXPECT_EQ(zip_fread(part, text.data(), text.size()), static_cast<zip_int64_t>(text.size()));
+        Require(zip_fread(part, text.data(), text.size()) == static_cast<zip_int64_t>(text.size()));
         zip_fclose(part);
     }
-    if (zip != nullptr) zip_discard(zip);
+    zip_discard(zip);
     return parts;
 }
 

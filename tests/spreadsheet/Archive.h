@@ -8,6 +8,7 @@ namespace spreadsheet {
 /// Parts of a zip archive by their names.
 using Parts = std::map<std::string, std::string>;
 
+// Both throw std::runtime_error.
 [[nodiscard]] std::string Zipped(const Parts& parts);
 [[nodiscard]] Parts Unzipped(const std::string& bytes);
 

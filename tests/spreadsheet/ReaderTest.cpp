@@ -56,6 +56,8 @@ TEST(ReaderTest, CellsOfAllPrograms) {
         {"<row r='1'><c r='A1' t='str'><f>\"\"</f><v></v></c></row>", "A1 text:"},
         {"<row r='1'><c r='A1'><f>\"\"</f></c><c r='B1'><f>A2+1</f></c></row>",
          "A1 text:|B1 unknown:=A2+1"},
+        {"<row r='1'><c r='A1'><f>\"\"</f><v></v></c><c r='B1'><f>A2+1</f><v/></c></row>",
+         "A1 text:|B1 unknown:=A2+1"},
         {"<row r='1'><c r='A1' t='e'><v>#REF!</v></c><c r='B1' t='b'><v>1</v></c></row>",
          "A1 unknown:#REF!|B1 boolean:TRUE"},
         // Numbers, in whichever digits.

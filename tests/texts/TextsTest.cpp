@@ -107,11 +107,12 @@ TEST_F(TextsTest, TheFilesHoldNothingElseAndNothingTwice) {
 }
 
 /// The names of texts in the sources of a folder: kText... as they are, others as "Text::Name";
-/// those of the project check as its rules, "Rule::Name", or their keys.
+/// those of the project check as its rules, "Rule::Name", or their keys, and so what goes into
+/// files.
 std::set<std::string> NamesUsed(const char* folder) {
     namespace fs = std::filesystem;
     static const QRegularExpression use(
-        u"\\b(kText\\w+|(Text|Reason|Check|Rule)::\\w+|FindingRow\\.\\w+)"_s);
+        u"\\b(kText\\w+|(Text|Reason|Check|Rule)::\\w+|(FindingRow|Exchange)\\.\\w+)"_s);
     std::set<std::string> used;
     for (const fs::path& path : fs::recursive_directory_iterator(fs::path(KV_SOURCES) / folder)) {
         const std::string extension = path.extension().string();
@@ -135,7 +136,7 @@ TEST_F(TextsTest, EveryOwnTextIsUsed) {
         if (name.isGiven) continue;
         const std::string list = name.key.section(u'.', 0, -2).toStdString();
         const bool isAlias = list == "Help" || list == "Report" || list == "Replace" ||
-                             list == "Patterns" || list == "Studio";
+                             list == "Patterns" || list == "Studio" || list == "Exchange";
         const std::set<std::string>& used = list == "Report"   ? byReport
                                             : list == "Studio" ? byStudio
                                                                : bySrc;
@@ -145,6 +146,8 @@ TEST_F(TextsTest, EveryOwnTextIsUsed) {
             // The rest of the key is the kind of the row.
             use =
                 used.contains(name.key.toStdString()) ? name.key.toStdString() : "FindingRow.This";
+        } else if (list == "Exchange" && used.contains(name.key.toStdString())) {
+            use = name.key.toStdString();
         } else if (isRules) {
             use = "Rule::" + name.cpp.substr(0, name.cpp.find("IfEmpty"));
         } else if (!list.empty()) {

@@ -29,12 +29,12 @@ TEST(DiffTest, SaysInWordsHowProjectsDiffer) {
     EXPECT_EQ(outcome.status, kDiffers);
     EXPECT_EQ(outcome.out,
               R"(archive 4 "Lager": renamed from "Filtration"
-  ScanTime: 0 -> 5
+  Scan Time: 0 -> 5
 trend 5 "pH \"neu\"" in archive 2 "Gärkeller": renamed from "Maischbottich pH", moved from archive 1 "Sudhaus"
   Maximum: "14" -> "12.5"
 trend 200 "Kompressor 2 Druck" in archive 12 "Druckluft": gone
 text 7 "IdxMaischbottich Leitwert": changed
-  L1031: "Leitwert Maischbottich" -> "A\nB"
+  Display Text L1031: "Leitwert Maischbottich" -> "A\nB"
 table TalmClasses: 1 row gone, 1 row changed
 )");
     EXPECT_EQ(outcome.err, "");

@@ -122,7 +122,8 @@ void SheetScan::End(std::string_view name) {
 void SheetScan::EndCell() {
     isInCell_ = false;
     Cell cell{.column = cell_.column};
-    if (hasFormula_ && !hasValue_) {
+    // Some programs leave the result out, others leave it empty; that of a text says what it is.
+    if (hasFormula_ && (!hasValue_ || (value_.empty() && type_ != "str"))) {
         AddFormula(cell);
     } else if (type_ == "inlineStr") {
         if (!hasPieces_) return;
