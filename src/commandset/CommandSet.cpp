@@ -58,6 +58,8 @@ constexpr Key kReplaceInProjectKeys[] = {{Place::Tree, Qt::CTRL | Qt::Key_H},
                                          {Place::Trends, Qt::CTRL | Qt::Key_H}};
 constexpr Key kWhereUsedKeys[] = {{Place::Trends, Qt::CTRL | Qt::SHIFT | Qt::Key_U}};
 constexpr Key kTrendsByPatternKeys[] = {{Place::Trends, Qt::CTRL | Qt::Key_F8}};
+constexpr Key kFindingsKeys[] = {
+    {Place::Tree, Qt::Key_F4}, {Place::Archives, Qt::Key_F4}, {Place::Trends, Qt::Key_F4}};
 constexpr Key kHelpKeys[] = {
     {Place::Tree, Qt::Key_F1}, {Place::Archives, Qt::Key_F1}, {Place::Trends, Qt::Key_F1}};
 
@@ -107,6 +109,8 @@ constexpr Command kCommands[] = {
      kWhereUsedKeys},
     {TrendsByPattern, u"mnuTrend(3)", kTextTrendsByPattern, kTextMenuTrends,
      kTextKeyTrendsByPattern, u"", kArchive | kWriting, kTrendsByPatternKeys},
+    {Findings, u"mnuExtra(7)", kTextFindings, kTextMenuExtras, kTextKeyFindings, u"findings", 0,
+     kFindingsKeys},
     {Help, u"mnuHelp", kNone, kNone, kTextKeyHelp, u"", 0, kHelpKeys},
 };
 static_assert(std::size(kCommands) == static_cast<std::size_t>(Separator));
@@ -116,8 +120,8 @@ constexpr Id kTrendMenu[] = {NewTrend, EditTrend, DeleteTrend, TrendsByPattern};
 constexpr Id kEditMenu[] = {Undo,      Redo,       Separator, Copy,          Paste,
                             Duplicate, EditTrends, Fill,      FillCounting,  Clear,
                             Separator, SelectAll,  Find,      FindInProject, ReplaceInProject};
-constexpr Id kExtrasMenu[] = {Statistic, Report,    Refresh,     Separator,
-                              Options,   Separator, ProjectTable};
+constexpr Id kExtrasMenu[] = {Statistic, Report,    Refresh,      Separator,
+                              Options,   Separator, ProjectTable, Findings};
 constexpr Menu kMenus[] = {
     {u"mnuArchive", kTextMenuArchive, u"mnuArchiv", kArchiveMenu},
     {u"mnuTrends", kTextMenuTrends, u"mnuTrend", kTrendMenu},
@@ -125,9 +129,10 @@ constexpr Menu kMenus[] = {
     {u"mnuExtras", kTextMenuExtras, u"mnuExtra", kExtrasMenu},
 };
 
-constexpr Id kToolBar[] = {NewArchive,  EditArchive, DeleteArchive, Separator, NewTrend,  EditTrend,
-                           DeleteTrend, Separator,   Undo,          Redo,      Separator, Copy,
-                           Paste,       Duplicate,   Separator,     Report,    Refresh,   Options};
+constexpr Id kToolBar[] = {NewArchive, EditArchive, DeleteArchive, Separator, NewTrend,
+                           EditTrend,  DeleteTrend, Separator,     Undo,      Redo,
+                           Separator,  Copy,        Paste,         Duplicate, Separator,
+                           Findings,   Report,      Refresh,       Options};
 constexpr Id kArchiveContext[] = {NewArchive, EditArchive, DeleteArchive, Separator, Undo,
                                   Redo,       Separator,   Copy,          Duplicate, Find};
 constexpr Id kTrendContext[] = {NewTrend,  EditTrend, EditTrends,   DeleteTrend, Separator,

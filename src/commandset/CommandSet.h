@@ -43,6 +43,7 @@ enum class Id : std::uint8_t {
     ReplaceInProject,
     WhereUsed,
     TrendsByPattern,
+    Findings,
     Help,
     Separator,  // no command: a line between them
 };

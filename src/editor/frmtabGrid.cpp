@@ -23,6 +23,7 @@
 #include "editor/EditorMenus.h"
 #include "editor/GridColumns.h"
 #include "editor/TrendRows.h"
+#include "findings/FindingPane.h"
 #include "guard/Guard.h"
 #include "messages/MessageBox.h"
 #include "messages/PlainTexts.h"
@@ -63,7 +64,7 @@ frmtabGrid::frmtabGrid(projectdb::ProjectContext& project, const MResources::Tex
     layout->setSpacing(0);
     layout->setMenuBar(menus_->Bar());
     layout->addLayout(BuildTopRow());
-    layout->addWidget(tdbA, 1);
+    layout->addWidget(BuildFindings(), 1);
     layout->addWidget(sb);
     setFocusProxy(tdbA);
     MenuSwitcher({}, false);
@@ -97,11 +98,13 @@ void frmtabGrid::SetUpColumns() {
     layout_->ApplyColumnOrders();
     TrendsReloaded();
     KeepDrafts();
+    findings_->Watch();
 }
 
 void frmtabGrid::Unload() {
     const QScopedValueRollback marking(marking_, true);
     CommitPendingEdit();
+    findings_->Stop();
     const auto release = qScopeGuard([&] {
         archives_->Detach();
         trends_->Detach();
@@ -162,6 +165,7 @@ bool frmtabGrid::CommitPendingEdit() {
 void frmtabGrid::Activate() {
     active_ = true;
     MenuSwitcher(project_.currentNodeKey, false);
+    findings_->Look();
     // A command that runs brings the rows up to date itself.
     if (busy_ || trendCommands_->IsEditing()) return;
     const std::uint64_t content = project_.Environment().Connection().ContentNumber();

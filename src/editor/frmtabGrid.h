@@ -33,6 +33,9 @@ namespace drafts {
 class DraftKeeper;
 struct Draft;
 }  // namespace drafts
+namespace findings {
+class FindingPane;
+}
 namespace platform {
 class Registry;
 }
@@ -41,6 +44,7 @@ class QLabel;
 class QLineEdit;
 class QStatusBar;
 class QToolBar;
+class QToolButton;
 class RecordsetModel;
 class TDBGrid;
 class TrendCommands;
@@ -174,8 +178,9 @@ public:
     QLineEdit* txtFind = nullptr;
     QLabel* lblFound = nullptr;  // how many rows the find field leaves
     QStatusBar* sb = nullptr;
-    QLabel* lblCells = nullptr;         // several cells that are selected; hidden otherwise
-    QLabel* lblTextsMissing = nullptr;  // tells of trends that are not shown; hidden without any
+    QLabel* lblCells = nullptr;          // several cells that are selected; hidden otherwise
+    QToolButton* cmdFindings = nullptr;  // how many findings there are; shows them
+    QLabel* lblTextsMissing = nullptr;   // tells of trends that are not shown; hidden without any
     CDBLanguages* dblangs = nullptr;
 
 signals:
@@ -192,6 +197,11 @@ private:
     [[nodiscard]] QLayout* BuildTopRow();
     void BuildGrid();
     void BuildStatusBar();
+    [[nodiscard]] QWidget* BuildFindings();
+    void ShowFindingCount();
+    /// With the keyboard in the list.
+    void ShowFindings(bool show);
+    void ToggleFindings();
 
     void ArchiveRowChanged();
     /// What has been changed since the last call becomes one step to be taken back.
@@ -288,6 +298,7 @@ private:
     std::unique_ptr<EditorKeys> keys_;
     FReplace* replace_ = nullptr;  // null before it is first wanted
     std::array<QLabel*, 3> panels_{};
+    findings::FindingPane* findings_ = nullptr;
     RecordsetModel* archives_ = nullptr;
     TrendRows* trends_ = nullptr;
     projectdb::RowFailures unreadable_;       // trends whose names are not known

@@ -166,6 +166,8 @@ void frmtabGrid::Run(commandset::Id id) {
             return ShowUsesOfCell();
         case Id::TrendsByPattern:
             return MakeTrendsByPattern();
+        case Id::Findings:
+            return ToggleFindings();
         case Id::Help:
             return ShowHelp();
         case Id::Separator:

@@ -11,6 +11,7 @@
 #include "editor/EditorHistory.h"
 #include "editor/frmtabGrid.h"
 #include "editor/TrendRows.h"
+#include "findings/FindingPane.h"
 #include "guard/Guard.h"
 #include "project/Schema.h"
 #include "projectdb/NodeKey.h"
@@ -80,6 +81,7 @@ Shown PlaceOf(const project::ChangeSet& changes, projectdb::ProjectRows& rows) {
 void frmtabGrid::EndStep() {
     history_->EndStep();
     UpdateCommands();
+    findings_->Look();
 }
 
 void frmtabGrid::GoSteps(commandset::Id direction, int steps) {
@@ -101,6 +103,7 @@ void frmtabGrid::GoSteps(commandset::Id direction, int steps) {
         if (!last) return;
         guard::Guard(QStringLiteral("frmtabGrid"), [&] { ShowChanges(last->changes, beside); });
         UpdateCommands();
+        findings_->Look();
         Hint(
             texts_.GetText(back ? MResourceTable::kTextHintUndone : MResourceTable::kTextHintRedone,
                            {{u"step", last->step}}));

@@ -28,7 +28,7 @@ Q_LOGGING_CATEGORY(logTexts, "korvala.texts")
 constexpr const char* kInterfaceLanguage = "korvalaInterfaceLanguage";
 
 /// The keys of the files: a given number as it is, any other text by its name.
-QHash<QString, int> Keys() {
+QHash<QString, int> MakeKeys() {
     constexpr qsizetype kPrefix = 5;  // of "kText"
     QHash<QString, int> keys;
     const QMetaObject& names = MResourceTable::staticMetaObject;
@@ -46,6 +46,11 @@ QHash<QString, int> Keys() {
             keys.insert(key, number);
         }
     }
+    return keys;
+}
+
+const QHash<QString, int>& Keys() {
+    static const QHash<QString, int> keys = MakeKeys();
     return keys;
 }
 
@@ -157,18 +162,21 @@ Known& KnownLanguages() {
 }  // namespace
 
 Language ReadLanguage(const QString& content, QStringList& problems) {
-    static const QHash<QString, int> keys = Keys();
     Language language;
     int number = 0;
     for (const QStringView line : QStringView(content).split(u'\n')) {
         ++number;
         const QStringView trimmed = line.trimmed();
         if (trimmed.isEmpty() || trimmed.startsWith(u'#')) continue;
-        const QString problem = ReadLine(trimmed, keys, language);
+        const QString problem = ReadLine(trimmed, Keys(), language);
         if (!problem.isEmpty()) problems += u"line %1: %2"_s.arg(number).arg(problem);
     }
     if (language.lcid == 0) problems += u"no line says which language it is"_s;
     return language;
+}
+
+int NumberOf(const QString& key) {
+    return Keys().value(key);
 }
 
 const std::vector<const Language*>& Languages() {

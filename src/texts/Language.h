@@ -22,6 +22,9 @@ struct Language {
 /// in `problems` with its number, and skipped.
 [[nodiscard]] Language ReadLanguage(const QString& content, QStringList& problems);
 
+/// The number of the text that the files have under a key such as "Report.PageOf"; 0 for none.
+[[nodiscard]] int NumberOf(const QString& key);
+
 /// The languages there are: German first, then English, then what AddLanguages has brought. Those
 /// that are built in are read at the first call, together with those of the folder that the
 /// environment variable KV_TEXTS names. They stay where they are until the process ends. For the
