@@ -32,9 +32,7 @@ protected:
         EXPECT_TRUE(QTest::qWaitFor([&] { return Count() == count; }, 60'000))
             << Count().toStdString() << " instead of " << count.toStdString();
     }
-    [[nodiscard]] QTableView* List() {
-        return Editor()->findChild<QTableView*>(u"tblFindings"_s);
-    }
+    [[nodiscard]] QTableView* List() { return Editor()->findChild<QTableView*>(u"tblFindings"_s); }
     [[nodiscard]] QString ListText(int row, int column) {
         return List()->model()->index(row, column).data().toString();
     }
