@@ -47,7 +47,14 @@ QWidget* StudioHost::EditorParent() {
 }
 
 std::optional<QString> StudioHost::ChooseVariable(QWidget* owner, const QString& current) {
-    return variables_.Choose(owner, current);
+    const auto chosen = variables_.Choose(owner, {current});
+    if (!chosen) return std::nullopt;
+    return chosen->front();
+}
+
+std::optional<QStringList> StudioHost::ChooseVariables(QWidget* owner,
+                                                       const KV4AddIn::VariableChoice& choice) {
+    return variables_.Choose(owner, choice);
 }
 
 }  // namespace studio

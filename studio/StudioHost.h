@@ -11,7 +11,7 @@ class ProjectTreeModel;
 
 /// What the studio offers to its add-ins: the project tree, the editor area, the variables.
 /// Everything is borrowed and outlives the host object.
-class StudioHost final : public KV4AddIn::IHost {
+class StudioHost final : public KV4AddIn::IHost, public KV4AddIn::IVariableHost {
 public:
     StudioHost(ProjectTreeModel& model, ProjectTree& tree, EditorArea& editors,
                IVariableBrowser& variables) noexcept
@@ -31,6 +31,8 @@ public:
     [[nodiscard]] QWidget* EditorParent() override;
     [[nodiscard]] std::optional<QString> ChooseVariable(QWidget* owner,
                                                         const QString& current) override;
+    [[nodiscard]] std::optional<QStringList> ChooseVariables(
+        QWidget* owner, const KV4AddIn::VariableChoice& choice) override;
 
 private:
     ProjectTreeModel& model_;

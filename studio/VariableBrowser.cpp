@@ -15,16 +15,19 @@ void VariableBrowser::SetProject(const QString& nativePath) {
     catalog_.reset();
 }
 
-std::optional<QString> VariableBrowser::Choose(QWidget* owner, const QString& current) {
+std::optional<QStringList> VariableBrowser::Choose(QWidget* owner,
+                                                   const KV4AddIn::VariableChoice& choice) {
     if (project_.isEmpty()) return std::nullopt;
     Prepare();
     // Belongs to the call: nothing that happens while the dialog is open takes it away.
     std::unique_ptr<VariableCatalog> catalog = std::move(catalog_);
     const QString project = project_;
-    std::optional<QString> chosen;
+    std::optional<QStringList> chosen;
     {
-        VariableDialog dialog(*catalog, texts_, current, owner);
-        if (dialog.exec() == QDialog::Accepted) chosen = dialog.Chosen();
+        VariableDialog dialog(*catalog, texts_, choice.current, owner);
+        if (choice.several) dialog.OfferSeveral();
+        if (choice.showUses) dialog.OfferUses(choice.showUses);
+        if (dialog.exec() == QDialog::Accepted) chosen = dialog.AllChosen();
     }
     if (catalog->IsComplete() && catalog->Failure().isEmpty() && project == project_) {
         catalog_ = std::move(catalog);

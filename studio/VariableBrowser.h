@@ -4,6 +4,9 @@
 #include <optional>
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
+
+#include "KV4AddIn/KV4AddIn.h"
 
 class QWidget;
 
@@ -12,12 +15,13 @@ namespace studio {
 class StudioTexts;
 class VariableCatalog;
 
-/// Lets the user choose one process variable of the open project.
+/// Lets the user choose process variables of the open project.
 class IVariableBrowser {
 public:
     virtual ~IVariableBrowser() = default;
-    /// As KV4AddIn::IHost::ChooseVariable.
-    [[nodiscard]] virtual std::optional<QString> Choose(QWidget* owner, const QString& current) = 0;
+    /// As KV4AddIn::IVariableHost::ChooseVariables.
+    [[nodiscard]] virtual std::optional<QStringList> Choose(
+        QWidget* owner, const KV4AddIn::VariableChoice& choice) = 0;
 };
 
 /// The browser over the variables of the project file. Reads them when it is first used, and again
@@ -33,7 +37,8 @@ public:
     /// Native path of the open project's file; empty: no project, nothing to offer.
     void SetProject(const QString& nativePath);
 
-    [[nodiscard]] std::optional<QString> Choose(QWidget* owner, const QString& current) override;
+    [[nodiscard]] std::optional<QStringList> Choose(
+        QWidget* owner, const KV4AddIn::VariableChoice& choice) override;
 
 private:
     void Prepare();

@@ -1,5 +1,6 @@
 #include "studio/VariableDialog.h"
 
+#include <algorithm>
 #include <QApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -97,15 +98,15 @@ void VariableDialog::Build() {
     auto* search = new QHBoxLayout;
     search->addWidget(lblSearch);
     search->addWidget(txtSearch_);
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(lblState_, 1);
-    buttons->addWidget(cmdOk_);
-    buttons->addWidget(cmdCancel);
+    buttons_ = new QHBoxLayout;
+    buttons_->addWidget(lblState_, 1);
+    buttons_->addWidget(cmdOk_);
+    buttons_->addWidget(cmdCancel);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(search);
     layout->addWidget(trvVariables_);
     layout->addWidget(lblChosen_);
-    layout->addLayout(buttons);
+    layout->addLayout(buttons_);
     resize(112 * letter, 32 * fontMetrics().lineSpacing());
 
     connect(cmdOk_, &QPushButton::clicked, this, &VariableDialog::accept);
@@ -123,6 +124,8 @@ void VariableDialog::Build() {
     });
     connect(trvVariables_->selectionModel(), &QItemSelectionModel::currentChanged, this,
             &VariableDialog::ShowState);
+    connect(trvVariables_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &VariableDialog::ShowState);
     txtSearch_->setFocus();
 }
 
@@ -130,8 +133,35 @@ QString VariableDialog::Chosen() const {
     return model_.VariableName(trvVariables_->currentIndex());
 }
 
+QStringList VariableDialog::AllChosen() const {
+    QModelIndexList rows = trvVariables_->selectionModel()->selectedRows();
+    std::sort(rows.begin(), rows.end(), [](const QModelIndex& a, const QModelIndex& b) {
+        return std::pair(a.parent().row(), a.row()) < std::pair(b.parent().row(), b.row());
+    });
+    QStringList names;
+    for (const QModelIndex& row : rows) {
+        const QString name = model_.VariableName(row);
+        if (!name.isEmpty()) names += name;
+    }
+    return names;
+}
+
+void VariableDialog::OfferSeveral() {
+    trvVariables_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+}
+
+void VariableDialog::OfferUses(ShowUses showUses) {
+    cmdUses_ = new QPushButton(texts_(Text::VariablesUses), this);
+    cmdUses_->setObjectName(u"cmdUses"_s);
+    cmdUses_->setAutoDefault(false);
+    buttons_->insertWidget(1, cmdUses_);
+    connect(cmdUses_, &QPushButton::clicked, this,
+            [this, showUses = std::move(showUses)] { showUses(this, Chosen()); });
+    ShowState();
+}
+
 void VariableDialog::accept() {
-    if (!Chosen().isEmpty()) QDialog::accept();
+    if (!AllChosen().isEmpty()) QDialog::accept();
 }
 
 void VariableDialog::ReadOn() {
@@ -171,21 +201,26 @@ void VariableDialog::ApplyFilter() {
 
 void VariableDialog::ShowState() {
     const QString chosen = Chosen();
-    cmdOk_->setEnabled(!chosen.isEmpty());
-    lblChosen_->setText(chosen);
+    const QStringList all = AllChosen();
+    cmdOk_->setEnabled(!all.isEmpty());
+    if (cmdUses_ != nullptr) cmdUses_->setEnabled(!chosen.isEmpty());
+    lblChosen_->setText(all.size() < 2
+                            ? chosen
+                            : texts_(Text::VariablesCount, {{u"n", QString::number(all.size())}}));
 
-    const QString all = Number(catalog_.VariableCount());
+    const QString count = Number(catalog_.VariableCount());
     QString state;
     if (!catalog_.Failure().isEmpty()) {
         state = texts_(Text::VariablesFailed, {{u"cause", catalog_.Failure()}});
     } else if (!catalog_.IsComplete()) {
-        state = texts_(Text::VariablesReading, {{u"n", all}});
+        state = texts_(Text::VariablesReading, {{u"n", count}});
     } else if (catalog_.VariableCount() == 0) {
         state = texts_(Text::VariablesNone);
     } else if (model_.IsFiltered()) {
-        state = texts_(Text::VariablesFound, {{u"n", Number(model_.ShownCount())}, {u"all", all}});
+        state =
+            texts_(Text::VariablesFound, {{u"n", Number(model_.ShownCount())}, {u"all", count}});
     } else {
-        state = texts_(Text::VariablesCount, {{u"n", all}});
+        state = texts_(Text::VariablesCount, {{u"n", count}});
     }
     if (catalog_.UnreadableRows() > 0) {
         state += u'\n' + texts_(Text::VariablesUnreadable,

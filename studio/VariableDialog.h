@@ -1,12 +1,15 @@
 #pragma once
 
+#include <functional>
 #include <QDialog>
+#include <QStringList>
 #include <QTimer>
 
 #include "studio/VariableModel.h"
 
 class QLabel;
 class QLineEdit;
+class QHBoxLayout;
 class QPushButton;
 class QTreeView;
 
@@ -23,8 +26,16 @@ public:
     VariableDialog(VariableCatalog& catalog, const StudioTexts& texts, QString current,
                    QWidget* owner);
 
+    /// The user may choose several, with Ctrl and Shift.
+    void OfferSeveral();
+    /// A button that shows where the marked variable is used.
+    using ShowUses = std::function<void(QWidget* owner, const QString& variable)>;
+    void OfferUses(ShowUses showUses);
+
     /// Full name of the marked variable; empty when none is.
     [[nodiscard]] QString Chosen() const;
+    /// Those of all that are selected, from top to bottom.
+    [[nodiscard]] QStringList AllChosen() const;
 
 public slots:
     void accept() override;
@@ -52,6 +63,8 @@ private:
     QTreeView* trvVariables_ = nullptr;
     QLabel* lblChosen_ = nullptr;
     QLabel* lblState_ = nullptr;
+    QHBoxLayout* buttons_ = nullptr;
+    QPushButton* cmdUses_ = nullptr;  // null: not offered
     QPushButton* cmdOk_ = nullptr;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <QIcon>
 #include <QString>
@@ -94,6 +95,27 @@ public:
     /// host has no variables to offer.
     [[nodiscard]] virtual std::optional<QString> ChooseVariable(QWidget* owner,
                                                                 const QString& current) = 0;
+};
+
+/// What an add-in asks the variable browser for beyond the one variable of
+/// IHost::ChooseVariable.
+struct VariableChoice {
+    QString current;       // the name to start from, may be empty
+    bool several = false;  // the user may choose more than one
+    /// Shows where a variable is used, over `owner`, and returns when the user has seen it; empty:
+    /// nobody can say.
+    std::function<void(QWidget* owner, const QString& variable)> showUses{};
+};
+
+/// What a host may offer beside IHost: it derives from both then, and an add-in finds this by
+/// dynamic_cast. A host without it goes on working.
+class IVariableHost {
+public:
+    virtual ~IVariableHost() = default;
+
+    /// As IHost::ChooseVariable. Never an empty list.
+    [[nodiscard]] virtual std::optional<QStringList> ChooseVariables(
+        QWidget* owner, const VariableChoice& choice) = 0;
 };
 
 /// Sender and text of the one message of GetMessage that is the host's own: the project that is

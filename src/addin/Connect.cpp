@@ -473,8 +473,26 @@ QString Connect::SelectedNodeKey() const {
 }
 
 std::optional<QString> Connect::ChooseVariable(QWidget* owner, const QString& current) {
+    const auto chosen = Browse(owner, current, false);
+    if (!chosen) return std::nullopt;
+    return chosen->front();
+}
+
+std::optional<QStringList> Connect::ChooseVariables(QWidget* owner, const QString& current) {
+    return Browse(owner, current, true);
+}
+
+std::optional<QStringList> Connect::Browse(QWidget* owner, const QString& current, bool several) {
     if (host_ == nullptr) return std::nullopt;
-    return host_->ChooseVariable(owner, current);
+    if (auto* variables = dynamic_cast<KV4AddIn::IVariableHost*>(host_)) {
+        const auto showUses = [this](QWidget* over, const QString& variable) {
+            if (editor_) editor_->ShowUsesOver(over, variable);
+        };
+        return variables->ChooseVariables(owner, {current, several, showUses});
+    }
+    const auto chosen = host_->ChooseVariable(owner, current);
+    if (!chosen) return std::nullopt;
+    return QStringList{*chosen};
 }
 
 void Connect::AddArchiveNode(std::int32_t archiveId, const QString& name) {

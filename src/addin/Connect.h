@@ -62,6 +62,8 @@ public:
     [[nodiscard]] QString SelectedNodeKey() const override;
     [[nodiscard]] std::optional<QString> ChooseVariable(QWidget* owner,
                                                         const QString& current) override;
+    [[nodiscard]] std::optional<QStringList> ChooseVariables(QWidget* owner,
+                                                             const QString& current) override;
     void ShowHelpTopic(int topic, QWidget* owner) override;
     void AddArchiveNode(std::int32_t archiveId, const QString& name) override;
     void SetArchiveNodeText(std::int32_t archiveId, const QString& name) override;
@@ -72,6 +74,8 @@ public:
 
 private:
     void InitTreeView();
+    [[nodiscard]] std::optional<QStringList> Browse(QWidget* owner, const QString& current,
+                                                    bool several);
     void FindHelpFile();
     /// `node`: key of what the user has turned to.
     [[nodiscard]] bool DropForeignSteps();

@@ -31,6 +31,10 @@ public:
     [[nodiscard]] virtual std::optional<QString> ChooseVariable(QWidget* owner,
                                                                 const QString& current) = 0;
 
+    /// The same for several variables, where the host offers that; else for one.
+    [[nodiscard]] virtual std::optional<QStringList> ChooseVariables(QWidget* owner,
+                                                                     const QString& current) = 0;
+
     /// Shows a topic of the help by its context number.
     virtual void ShowHelpTopic(int topic, QWidget* owner) = 0;
 };

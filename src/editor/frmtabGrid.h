@@ -128,6 +128,8 @@ public:
     void mnuTrend_Click(int index);
     /// Runs an extra: 0 Statistic, 1 Report, 2 Refresh, 4 Options.
     void mnuExtra_Click(int index);
+    /// Shows where a variable is used, over a dialog; returns when the user has seen it.
+    void ShowUsesOver(QWidget* owner, const QString& variable);
     /// Another language of the project's texts has been chosen.
     void dblangs_LanguageChanged();
     /// Shows the archive menu at the pointer and returns when it is closed.
@@ -165,6 +167,8 @@ public:
     bool ShowPlace(const projectdb::Place& place) override;
     [[nodiscard]] std::optional<QString> ChooseVariable(QWidget* owner,
                                                         const QString& current) override;
+    [[nodiscard]] std::optional<QStringList> ChooseVariables(QWidget* owner,
+                                                             const QString& current) override;
     void ShowHelpTopic(int topic, QWidget* owner) override;
     // projectdb::IStatusPanels
     [[nodiscard]] QString PanelText(int panel) const override;
@@ -222,7 +226,6 @@ private:
     void FindInProject(bool replacing);
     [[nodiscard]] FReplace& ReplaceWindow();
     void ShowUsesOfCell();
-    void ShowUsesOver(QWidget* owner, const QString& variable);
     void MakeTrendsByPattern();
     /// Says something in the status bar for a while; nobody has to answer.
     void Hint(int text);

@@ -116,6 +116,10 @@ std::optional<QString> frmtabGrid::ChooseVariable(QWidget* owner, const QString&
     return addIn_.ChooseVariable(owner, current);
 }
 
+std::optional<QStringList> frmtabGrid::ChooseVariables(QWidget* owner, const QString& current) {
+    return addIn_.ChooseVariables(owner, current);
+}
+
 void frmtabGrid::ShowHelpTopic(int topic, QWidget* owner) {
     addIn_.ShowHelpTopic(topic, owner);
 }

@@ -10,6 +10,7 @@
 #include <QLocale>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QSet>
 #include <QSignalBlocker>
 #include <QTableView>
 #include <QTableWidget>
@@ -38,12 +39,17 @@ using Text = MResourceTable::Patterns;
 
 constexpr std::chrono::milliseconds kTypingPause(200);
 constexpr int kShowProgressAfter = 500;  // milliseconds
-constexpr int kWidest = 1000;            // of a pattern, characters
+constexpr int kWidest = 1'000'000;       // of a pattern, characters
+constexpr int kMostNameParts = 4;        // of a variable
 constexpr int kEntriesShown = 5;         // lines
 constexpr int kWidth = 120;              // average characters
 constexpr int kHeight = 38;              // lines
 
 enum EntryColumn { kEntry, kUnit, kSmallest, kLargest, kColour, kEntryColumns };
+
+QString ListOf(const QStringList& entries) {
+    return u'{' + entries.join(u'|') + u'}';
+}
 
 QString Count(std::size_t number) {
     return QLocale().toString(static_cast<qulonglong>(number));
@@ -130,7 +136,7 @@ QLayout* FPatterns::BuildPatterns() {
     choose->setShortcutContext(Qt::WidgetShortcut);
     choose->setToolTip(texts_.GetText(Number::kTextChoose));
     connect(choose, &QAction::triggered, this,
-            [this] { Guard(u"FPatterns: cmdChoose_Click"_s, [this] { ChooseVariable(); }); });
+            [this] { Guard(u"FPatterns: cmdChoose_Click"_s, [this] { ChooseVariables(); }); });
     for (qsizetype i = 0; i < languages_.size(); ++i) {
         txtTexts_ += AddLine(*form, u"txtText(%1)"_s.arg(i),
                              texts_.GetText(Text::TextIn, {{u"language", languages_[i]}}));
@@ -324,9 +330,30 @@ void FPatterns::TakeKept(int number) {
     Expand();
 }
 
-void FPatterns::ChooseVariable() {
-    const auto variable = work_.ChooseVariable(this, txtVariable_->text());
-    if (variable) txtVariable_->setText(*variable);
+void FPatterns::ChooseVariables() {
+    const auto chosen = work_.ChooseVariables(this, txtVariable_->text());
+    if (!chosen) return;
+    if (chosen->size() == 1) return txtVariable_->setText(chosen->front());
+    TakeVariables(*chosen);
+}
+
+/// A trend for each, called as the variable behind its last points, as many of them as tell the
+/// variables apart.
+void FPatterns::TakeVariables(const QStringList& variables) {
+    txtVariable_->setText(ListOf(variables));
+    const auto braces = plan_.Name().Braces();
+    const bool suits = braces.size() == 1 &&
+                       braces[0].entries.size() == static_cast<std::size_t>(variables.size());
+    if (suits && !txtName_->text().isEmpty()) return;
+    QStringList names;
+    for (int parts = 1; parts <= kMostNameParts; ++parts) {
+        names.clear();
+        for (const QString& variable : variables) {
+            names += variable.section(u'.', -parts).replace(u'.', u' ');
+        }
+        if (QSet<QString>(names.begin(), names.end()).size() == names.size()) break;
+    }
+    txtName_->setText(ListOf(names));
 }
 
 void FPatterns::Make() {

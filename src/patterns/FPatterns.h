@@ -51,7 +51,8 @@ private:
     void ShowState();
     [[nodiscard]] QString StateText() const;
     void TakeKept(int number);
-    void ChooseVariable();
+    void ChooseVariables();
+    void TakeVariables(const QStringList& variables);
     void Make();
     [[nodiscard]] patterns::TrendPatterns Typed() const;
 

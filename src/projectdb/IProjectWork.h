@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <QString>
+#include <QStringList>
 #include <string>
 
 #include "ado/Connection.h"
@@ -43,6 +44,9 @@ public:
     /// The host's variable browser, modal over `owner`; see IHost::ChooseVariable.
     [[nodiscard]] virtual std::optional<QString> ChooseVariable(QWidget* owner,
                                                                 const QString& current) = 0;
+    /// The same for several variables, where the host offers that.
+    [[nodiscard]] virtual std::optional<QStringList> ChooseVariables(QWidget* owner,
+                                                                     const QString& current) = 0;
     /// Shows a topic of the help by its context number.
     virtual void ShowHelpTopic(int topic, QWidget* owner) = 0;
 };

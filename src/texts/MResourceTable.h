@@ -910,6 +910,7 @@ enum class Studio : int {
     VariablesNone,
     VariablesFailed,
     VariablesUnreadable,
+    VariablesUses,
     BackupsTitle,
     BackupsHint,
     BackupDateColumn,

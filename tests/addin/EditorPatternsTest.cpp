@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <QAction>
 #include <QDialog>
 #include <QFile>
 #include <QLabel>
@@ -81,6 +82,20 @@ TEST_F(EditorPatternsTest, MakesWhatThePreviewShowsInOneStep) {
         dialog.reject();
     });
     EXPECT_EQ(RowCount(1), before);
+}
+
+TEST_F(EditorPatternsTest, VariablesThatAreChosenTogetherBecomeTrends) {
+    Open();
+    host_.variables = {u"A.Tank.p"_s, u"B.Tank.p"_s, u"B.Tank.T"_s};
+    InDialog([](QDialog& dialog) {
+        dialog.findChild<QAction*>(u"cmdChoose"_s)->trigger();
+        EXPECT_EQ(dialog.findChild<QLineEdit*>(u"txtName"_s)->text(),
+                  u"{A Tank p|B Tank p|B Tank T}"_s)
+            << "as much of them as tells them apart";
+        WaitFor(dialog, u"&Make 3 trends"_s);
+        Make(dialog).click();
+    });
+    EXPECT_EQ(Stored(u"B Tank T"_s, "TrendVar"), u"B.Tank.T"_s);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTimer>
 
 #include "addin/EditorTest.h"
 #include "projectdb/Text.h"
@@ -191,6 +192,37 @@ TEST_F(EditorReplaceTest, AVariableShowsItsUsesFromItsCell) {
     WaitFor(u"1 Stelle"_s);
     EXPECT_EQ(Hit(0, kOld), u"Sudhaus.Maischbottich.Grenze"_s);
     EXPECT_EQ(Hit(0, kField), Column(1, u"Maximum"_s)->property("Caption").toString());
+}
+
+TEST_F(EditorReplaceTest, DialogsAndTheBrowserShowUsesToo) {
+    Open();
+    QStringList seen;
+    // Over the dialog, which waits; `show` returns when the list has been looked at.
+    const auto look = [&](QWidget& over, const std::function<void()>& show) {
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, [&] {
+            auto* uses = over.findChild<QDialog*>(u"FReplace"_s);
+            const auto* list = uses != nullptr ? uses->findChild<QTableView*>() : nullptr;
+            if (list == nullptr || list->model()->rowCount() == 0) return;
+            seen += list->model()->index(0, kTrend).data().toString();
+            EXPECT_FALSE(uses->findChild<QPushButton*>(u"cmdReplace"_s)->isVisible());
+            uses->reject();
+        });
+        timer.start(1);
+        show();
+    };
+    host_.whileChoosing = [&](QWidget* owner, const KV4AddIn::VariableChoice& choice) {
+        look(*owner, [&] { choice.showUses(owner, u"Sudhaus.Whirlpool.pH"_s); });
+    };
+    ClickCell(2, u"Unit"_s);
+    AnswerDialog([this] { Key(Qt::Key_F9); },
+                 [&](QDialog& dialog) {
+                     auto* field = dialog.findChild<QLineEdit*>(u"txtMaximum"_s);
+                     look(dialog, [&] { field->actions().constFirst()->trigger(); });
+                     dialog.findChild<QPushButton*>(u"cmdChoose(0)"_s)->click();
+                     dialog.reject();
+                 });
+    EXPECT_EQ(seen, QStringList({u"Maischbottich Füllstand"_s, u"Whirlpool pH"_s}));
 }
 
 }  // namespace

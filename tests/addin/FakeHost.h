@@ -2,13 +2,14 @@
 
 #include <KV4AddIn/KV4AddIn.h>
 
+#include <functional>
 #include <QHash>
 #include <QList>
 #include <QStringList>
 #include <QWidget>
 
 /// A host that keeps its tree in a list and writes down what it is asked to do.
-class FakeHost final : public KV4AddIn::IHost {
+class FakeHost final : public KV4AddIn::IHost, public KV4AddIn::IVariableHost {
 public:
     struct Entry {
         KV4AddIn::Node node;
@@ -69,6 +70,14 @@ public:
         Note(u"choose", current);
         return variable;
     }
+    [[nodiscard]] std::optional<QStringList> ChooseVariables(
+        QWidget* owner, const KV4AddIn::VariableChoice& choice) override {
+        if (whileChoosing) whileChoosing(owner, choice);
+        if (choice.several && !variables.isEmpty()) return variables;
+        const auto chosen = ChooseVariable(owner, choice.current);
+        if (!chosen) return std::nullopt;
+        return QStringList{*chosen};
+    }
 
     [[nodiscard]] const Entry* Find(const QString& key) const {
         for (const Entry& entry : nodes) {
@@ -91,6 +100,8 @@ public:
     QWidget container;
     QWidget tree;                     // the host's own window beside the editor
     std::optional<QString> variable;  // what the user picks in the variable browser
+    QStringList variables;            // where he may pick several
+    std::function<void(QWidget* owner, const KV4AddIn::VariableChoice& choice)> whileChoosing;
 
 private:
     void Note(QStringView operation, const QString& key) {

@@ -259,6 +259,28 @@ TEST(VariableModelTest, FindsANameAmongManyVariables) {
     EXPECT_EQ(catalog.VariableCount(), 6000U);
 }
 
+// For whoever makes something of each: the keyboard stays in the search all the same.
+TEST_P(VariableDialogTest, SeveralAreChosenAndUsesAreShown) {
+    VariableCatalog catalog;
+    ReadAll(catalog, Small().Path());
+    VariableDialog dialog(catalog, texts_, u"Area1.Tank 7.Flow"_s, nullptr);
+    EXPECT_EQ(dialog.AllChosen(), QStringList{u"Area1.Tank 7.Flow"_s});
+    dialog.OfferSeveral();
+    QStringList shown;
+    dialog.OfferUses([&](QWidget*, const QString& variable) { shown += variable; });
+    dialog.show();
+    auto* search = Find<QLineEdit>(dialog, u"txtSearch"_s);
+    QTest::keyClick(search, Qt::Key_Down, Qt::ShiftModifier);
+    QTest::keyClick(search, Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(dialog.AllChosen(),
+              QStringList({u"Area1.Tank 7.Flow"_s, u"Area1.Tank 8.Temperature"_s,
+                           u"Area1.Tank 9.Pressure"_s}));
+    Find<QPushButton>(dialog, u"cmdUses"_s)->click();
+    EXPECT_EQ(shown, QStringList{u"Area1.Tank 9.Pressure"_s});
+    QTest::keyClick(search, Qt::Key_Return);
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+}
+
 TEST(VariableBrowserTest, ReturnsTheChosenNameAndNothingWhenCancelled) {
     StudioTexts texts(kEnglish);
     VariableBrowser browser(texts);
@@ -273,9 +295,9 @@ TEST(VariableBrowserTest, ReturnsTheChosenNameAndNothingWhenCancelled) {
             QTest::keyClick(dialog, key);
         });
         waiting.start(1);
-        return browser.Choose(nullptr, u"Area1.Tank 7.Flow"_s);
+        return browser.Choose(nullptr, {u"Area1.Tank 7.Flow"_s});
     };
-    EXPECT_EQ(choose(Qt::Key_Return), u"Area1.Tank 7.Flow"_s);
+    EXPECT_EQ(choose(Qt::Key_Return), QStringList{u"Area1.Tank 7.Flow"_s});
     EXPECT_EQ(choose(Qt::Key_Escape), std::nullopt);
 }
 
