@@ -60,6 +60,8 @@ constexpr Key kWhereUsedKeys[] = {{Place::Trends, Qt::CTRL | Qt::SHIFT | Qt::Key
 constexpr Key kTrendsByPatternKeys[] = {{Place::Trends, Qt::CTRL | Qt::Key_F8}};
 constexpr Key kFindingsKeys[] = {
     {Place::Tree, Qt::Key_F4}, {Place::Archives, Qt::Key_F4}, {Place::Trends, Qt::Key_F4}};
+constexpr Key kDuplicateByPatternKeys[] = {{Place::Tree, Qt::CTRL | Qt::Key_F8},
+                                           {Place::Archives, Qt::CTRL | Qt::Key_F8}};
 constexpr Key kHelpKeys[] = {
     {Place::Tree, Qt::Key_F1}, {Place::Archives, Qt::Key_F1}, {Place::Trends, Qt::Key_F1}};
 
@@ -111,15 +113,30 @@ constexpr Command kCommands[] = {
      kTextKeyTrendsByPattern, u"", kArchive | kWriting, kTrendsByPatternKeys},
     {Findings, u"mnuExtra(7)", kTextFindings, kTextMenuExtras, kTextKeyFindings, u"findings", 0,
      kFindingsKeys},
+    {DuplicateByPattern, u"mnuDuplicateByPattern", kTextDuplicateByPattern, kNone,
+     kTextKeyDuplicateByPattern, u"", kArchive | kWriting, kDuplicateByPatternKeys},
     {Help, u"mnuHelp", kNone, kNone, kTextKeyHelp, u"", 0, kHelpKeys},
 };
 static_assert(std::size(kCommands) == static_cast<std::size_t>(Separator));
 
 constexpr Id kArchiveMenu[] = {NewArchive, EditArchive, DeleteArchive, Separator, ShowEditor};
 constexpr Id kTrendMenu[] = {NewTrend, EditTrend, DeleteTrend, TrendsByPattern};
-constexpr Id kEditMenu[] = {Undo,      Redo,       Separator, Copy,          Paste,
-                            Duplicate, EditTrends, Fill,      FillCounting,  Clear,
-                            Separator, SelectAll,  Find,      FindInProject, ReplaceInProject};
+constexpr Id kEditMenu[] = {Undo,
+                            Redo,
+                            Separator,
+                            Copy,
+                            Paste,
+                            Duplicate,
+                            DuplicateByPattern,
+                            EditTrends,
+                            Fill,
+                            FillCounting,
+                            Clear,
+                            Separator,
+                            SelectAll,
+                            Find,
+                            FindInProject,
+                            ReplaceInProject};
 constexpr Id kExtrasMenu[] = {Statistic, Report,    Refresh,      Separator,
                               Options,   Separator, ProjectTable, Findings};
 constexpr Menu kMenus[] = {
@@ -133,8 +150,9 @@ constexpr Id kToolBar[] = {NewArchive, EditArchive, DeleteArchive, Separator, Ne
                            EditTrend,  DeleteTrend, Separator,     Undo,      Redo,
                            Separator,  Copy,        Paste,         Duplicate, Separator,
                            Findings,   Report,      Refresh,       Options};
-constexpr Id kArchiveContext[] = {NewArchive, EditArchive, DeleteArchive, Separator, Undo,
-                                  Redo,       Separator,   Copy,          Duplicate, Find};
+constexpr Id kArchiveContext[] = {
+    NewArchive, EditArchive, DeleteArchive, Separator,          Undo, Redo,
+    Separator,  Copy,        Duplicate,     DuplicateByPattern, Find};
 constexpr Id kTrendContext[] = {NewTrend,  EditTrend, EditTrends,   DeleteTrend, Separator,
                                 Undo,      Redo,      Separator,    Copy,        Paste,
                                 Duplicate, Fill,      FillCounting, Clear,       Separator,

@@ -44,6 +44,7 @@ enum class Id : std::uint8_t {
     WhereUsed,
     TrendsByPattern,
     Findings,
+    DuplicateByPattern,
     Help,
     Separator,  // no command: a line between them
 };

@@ -227,6 +227,7 @@ private:
     [[nodiscard]] FReplace& ReplaceWindow();
     void ShowUsesOfCell();
     void MakeTrendsByPattern();
+    void DuplicateArchiveByPattern();
     /// Says something in the status bar for a while; nobody has to answer.
     void Hint(int text);
     void Hint(const QString& text);

@@ -168,6 +168,8 @@ void frmtabGrid::Run(commandset::Id id) {
             return MakeTrendsByPattern();
         case Id::Findings:
             return ToggleFindings();
+        case Id::DuplicateByPattern:
+            return DuplicateArchiveByPattern();
         case Id::Help:
             return ShowHelp();
         case Id::Separator:

@@ -4,6 +4,7 @@
 #include "editor/frmtabGrid.h"
 #include "editor/TrendRows.h"
 #include "guard/Guard.h"
+#include "patterns/FArchivePatterns.h"
 #include "patterns/FPatterns.h"
 #include "project/Schema.h"
 #include "projectdb/NodeKey.h"
@@ -49,4 +50,19 @@ void frmtabGrid::MakeTrendsByPattern() {
     if (!MayStore() || !CommitPendingEdit() || !IsThere(project_.currentNodeKey)) return;
     FPatterns patterns(*this, texts_, projectdb::NodeId(project_.currentNodeKey), this);
     if (patterns.exec() == QDialog::Accepted) ShowTrends(patterns.Made());
+}
+
+/// The archive that is selected in the tree, or the one that is open.
+void frmtabGrid::DuplicateArchiveByPattern() {
+    if (busy_) return Hint(MResourceTable::kTextHintBusy);
+    if (!MayStore() || !CommitPendingEdit()) return;
+    const QString selected = addIn_.SelectedNodeKey();
+    const QString key = selected.isEmpty() ? project_.currentNodeKey : selected;
+    const std::int32_t archive = projectdb::NodeId(key);
+    auto original = patterns::ReadOriginal(Connection(), archive);
+    if (!original) return Hint(MResourceTable::kTextHintNoArchive);
+    FArchivePatterns patterns(*this, texts_, archive, ArchiveName(archive), std::move(*original),
+                              this);
+    if (patterns.exec() != QDialog::Accepted) return;
+    addIn_.SelectArchive(projectdb::ArchiveNodeKey(patterns.Made().front()));
 }

@@ -22,6 +22,7 @@
 #include "messages/PlainTexts.h"
 #include "paths/NativePath.h"
 #include "patterns/KeptPatterns.h"
+#include "patterns/PatternTexts.h"
 #include "platform/HelpTopics.h"
 #include "platform/Locale.h"
 #include "project/Schema.h"
@@ -42,7 +43,8 @@ constexpr int kShowProgressAfter = 500;  // milliseconds
 constexpr int kWidest = 1'000'000;       // of a pattern, characters
 constexpr int kMostNameParts = 4;        // of a variable
 constexpr int kEntriesShown = 5;         // lines
-constexpr int kWidth = 120;              // average characters
+constexpr int kRowMargin = 6;            // pixels
+constexpr int kWidth = 165;              // average characters
 constexpr int kHeight = 38;              // lines
 
 enum EntryColumn { kEntry, kUnit, kSmallest, kLargest, kColour, kEntryColumns };
@@ -128,10 +130,10 @@ QLayout* FPatterns::BuildPatterns() {
     txtName_ = AddLine(*form, u"txtName"_s, texts_.GetText(Text::Name));
     txtName_->setPlaceholderText(texts_.GetText(Text::Example));
     txtVariable_ = AddLine(*form, u"txtVariable"_s, texts_.GetText(Text::Variable));
-    QAction* choose = txtVariable_->addAction(QString(), QLineEdit::TrailingPosition);
+    QAction* choose = txtVariable_->addAction(
+        style()->standardIcon(QStyle::SP_FileDialogDetailedView), QLineEdit::TrailingPosition);
     choose->setObjectName(u"cmdChoose"_s);
     choose->setText(texts_.GetText(Number::kTextChoose));
-    choose->setIcon(style()->standardIcon(QStyle::SP_FileDialogListView));
     choose->setShortcut(Qt::Key_F4);
     choose->setShortcutContext(Qt::WidgetShortcut);
     choose->setToolTip(texts_.GetText(Number::kTextChoose));
@@ -153,6 +155,7 @@ void FPatterns::BuildEntries() {
          texts_.GetText(Number::kTextVMin), texts_.GetText(Number::kTextVMax),
          texts_.GetText(Number::kTextVLineColor)});
     tblEntries_->verticalHeader()->hide();
+    tblEntries_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowMargin);
     tblEntries_->horizontalHeader()->setStretchLastSection(true);
     tblEntries_->setTabKeyNavigation(false);
     tblEntries_->setFixedHeight((kEntriesShown + 1) *
@@ -168,7 +171,7 @@ void FPatterns::BuildPreview() {
     tblPlan_->setTabKeyNavigation(false);
     tblPlan_->setWordWrap(false);
     tblPlan_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    tblPlan_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+    tblPlan_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowMargin);
     tblPlan_->horizontalHeader()->setStretchLastSection(true);
     model_.Reset(languages_);
     const int letter = fontMetrics().averageCharWidth();
@@ -275,30 +278,12 @@ void FPatterns::Check() {
 
 QString FPatterns::StateText() const {
     if (const auto& wrong = plan_.Wrong()) {
-        using Cause = project::PatternFault::Cause;
-        const auto text = [&] {
-            switch (wrong->fault.cause) {
-                case Cause::NotClosed:
-                    return Text::NotClosed;
-                case Cause::Empty:
-                    return Text::Empty;
-                case Cause::TooMany:
-                    return Text::TooMany;
-                case Cause::NoSuchBrace:
-                    return Text::NoSuchBrace;
-                case Cause::EntriesDiffer:
-                    return Text::EntriesDiffer;
-            }
-            return Text::NotClosed;
-        }();
         const QLineEdit* field = wrong->column == patterns::TrendPlan::kName ? txtName_
                                  : wrong->column == patterns::TrendPlan::kVariable
                                      ? txtVariable_
                                      : txtTexts_[static_cast<qsizetype>(
                                            wrong->column - patterns::TrendPlan::kFirstText)];
-        return texts_.GetText(text, {{u"field", field->accessibleName().remove(u':')},
-                                     {u"at", QString::number(wrong->fault.at + 1)},
-                                     {u"most", Count(project::kMostPatternTexts)}});
+        return patterns::FaultText(wrong->fault, field->accessibleName(), texts_);
     }
     if (plan_.ProblemCount() > 0) {
         return texts_.GetText(Text::Problems, {{u"n", Count(plan_.ProblemCount())}});

@@ -498,6 +498,8 @@ enum Number : int {
     kTextKeyWhereUsed,
     kTextTrendsByPattern,
     kTextKeyTrendsByPattern,
+    kTextDuplicateByPattern,
+    kTextKeyDuplicateByPattern,
     kTextHintNoVariable,
     kTextKeyHelp,
     kTextKeyDel,
@@ -1124,6 +1126,16 @@ enum class Patterns : int {
     MakeOne,
     MakeMany,
     Making,
+    ArchivesTitle,
+    ArchivesExample,
+    FindInCopies,
+    By,
+    NewArchives,
+    TrendsDouble,
+    ArchiveProblems,
+    MakeOneArchive,
+    MakeArchives,
+    MakingArchives,
 };
 Q_ENUM_NS(Patterns)
 

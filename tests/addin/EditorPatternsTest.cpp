@@ -98,4 +98,26 @@ TEST_F(EditorPatternsTest, VariablesThatAreChosenTogetherBecomeTrends) {
     EXPECT_EQ(Stored(u"B Tank T"_s, "TrendVar"), u"B.Tank.T"_s);
 }
 
+TEST_F(EditorPatternsTest, AnArchiveIsDuplicatedByPattern) {
+    Open();
+    TurnTo(0);
+    const QStringList before = Names(0);
+    AnswerDialog([this] { Key(Qt::Key_F8, Qt::ControlModifier); },
+                 [](QDialog& dialog) {
+                     ASSERT_EQ(dialog.objectName(), u"FArchivePatterns"_s);
+                     TypeInto(dialog, u"txtName"_s, u"Brewery {1..2}"_s);
+                     TypeInto(dialog, u"txtFindInCopies"_s, u"Sudhaus."_s);
+                     TypeInto(dialog, u"txtBy"_s, u"Hall{7..8}."_s);
+                     WaitFor(dialog, u"&Make 2 archives"_s);
+                     Make(dialog).click();
+                 });
+    EXPECT_EQ(messages_.size(), 0);
+    EXPECT_EQ(Names(0), before + QStringList({u"Brewery 1"_s, u"Brewery 2"_s}));
+    EXPECT_EQ(host_.selected, host_.nodes.at(host_.nodes.size() - 2).node.key);
+    EXPECT_EQ(RowCount(1), 24);
+    EXPECT_EQ(Text(0, u"TrendVar"_s), u"Hall7.Maischbottich.Temperatur"_s);
+    Action(u"mnuUndo"_s)->trigger();
+    EXPECT_EQ(Names(0), before);
+}
+
 }  // namespace

@@ -1,8 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "patterns/ArchivePlan.h"
 #include "patterns/KeptPatterns.h"
 #include "patterns/TrendPlan.h"
+#include "project/Names.h"
 #include "project/ProjectTesting.h"
 
 namespace patterns {
@@ -140,6 +142,55 @@ TEST_F(PlanTest, PatternsAreKeptBesideTheProject) {
     EXPECT_EQ(found[0].entries, Tanks().entries);
     EXPECT_EQ(found[1].name, other.name);
     EXPECT_FALSE(kept::Keep(QStringLiteral("/nowhere/at/all"), other));
+}
+
+TEST_F(PlanTest, AnArchiveIsCopiedWithWhatStandsInIt) {
+    project_.Set({{project::kTrendTable, 1, "Name", u"T01 Druck"},
+                  {project::kTrendTable, 1, "TrendVar", u"PLC.T01.P/T01"},
+                  {project::kTextTable, 3, "L1031", u"Druck in T01"},
+                  {project::kArchiveTable, 1, "Trigger", u"PLC.T01.Go"},
+                  {project::kArchiveTable, 1, "FileName", u"ofen"}});
+    const auto original = ReadOriginal(project_.connection, 1);
+    ASSERT_TRUE(original);
+    ArchivePlan plan;
+    plan.Set({u"Tank {02..03}", u"T01", u"T{02..03}"}, *original);
+    ASSERT_FALSE(plan.Wrong());
+    EXPECT_EQ(plan.ProblemCount(), 0U);
+    const auto made = CopyArchives(project_.connection, 1, plan);
+    ASSERT_EQ(made.size(), 2U);
+    project::Rows rows(project_.connection);
+    ASSERT_TRUE(rows.SeekArchive(made[1]));
+    EXPECT_EQ(project::NameOf(rows.Archives()), u"Tank 03");
+    EXPECT_EQ(ado::ToText(rows.Archives().Get("Trigger")), u"PLC.T03.Go");
+    EXPECT_EQ(ado::ToText(rows.Archives().Get("FileName")), project::FileNameOf(u"Tank 03"));
+    ASSERT_TRUE(rows.SeekTextOf(rows.Archives()));
+    EXPECT_EQ(project::NameOf(rows.Texts()), u"archTank 03");
+    ASSERT_TRUE(rows.SeekTrendsOf(made[1]));
+    EXPECT_EQ(rows.Trends().RecordCount(), 2U);
+    EXPECT_EQ(project::NameOf(rows.Trends()), u"T03 Druck");
+    EXPECT_EQ(ado::ToText(rows.Trends().Get("TrendVar")), u"PLC.T03.P/T03");
+    ASSERT_TRUE(rows.SeekTextOf(rows.Trends()));
+    EXPECT_EQ(project::NameOf(rows.Texts()), u"IdxT03 Druck");
+    EXPECT_EQ(ado::ToText(rows.Texts().Get("L1031")), u"Druck in T03");
+
+    // What cannot be made.
+    using Trouble = ArchivePlan::Problem;
+    plan.Set({u"{Öfen|Halle|x|x| }", u"", u""}, *original);
+    const Trouble expected[] = {Trouble::NameDouble, Trouble::None, Trouble::NameDouble,
+                                Trouble::NameDouble, Trouble::NameEmpty};
+    for (std::size_t i = 0; i < std::size(expected); ++i) {
+        EXPECT_EQ(plan.ProblemOf(i), expected[i]) << i;
+    }
+    plan.Set({u"Halle", u"T01 Druck", u"b"}, *original);
+    EXPECT_EQ(plan.ProblemOf(0), Trouble::TrendsDouble);
+    plan.Set({u"Halle {1..2}", u"x", u"{1..3}"}, *original);
+    ASSERT_TRUE(plan.Wrong());
+    EXPECT_FALSE(plan.Wrong()->isName);
+    plan.Set({u"Halle {1..2}", u"", u""}, *original);
+    const auto stop = [](std::size_t archives) { return archives < 1; };
+    EXPECT_TRUE(CopyArchives(project_.connection, 1, plan, stop).empty());
+    rows.Archives().SetFilter("");
+    EXPECT_EQ(rows.Archives().RecordCount(), 4U);
 }
 
 }  // namespace
