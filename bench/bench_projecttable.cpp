@@ -27,6 +27,7 @@ public:
     void GoStep(bool) override {}
     bool ShowPlace(const projectdb::Place&) override { return false; }
     std::optional<QString> ChooseVariable(QWidget*, const QString&) override { return {}; }
+    std::optional<QStringList> ChooseVariables(QWidget*, const QString&) override { return {}; }
     void ShowHelpTopic(int, QWidget*) override {}
 
 private:
