@@ -43,7 +43,8 @@ GridSplit::GridSplit(GridView& view, QObject* parent)
     connect(this, &GridSplit::CellsChange, &view_, &GridView::PlaceFillHandle);
     connect(this, &GridSplit::RowColChange, &view_, &GridView::PlaceFillHandle);
     connect(this, &GridSplit::LayoutChanged, &view_, &GridView::PlaceFillHandle);
-    connect(&view_, &GridView::Scrolled, &view_, &GridView::PlaceFillHandle);
+    // The view outlives the split, whose cells the handle asks for.
+    connect(&view_, &GridView::Scrolled, this, [this] { view_.PlaceFillHandle(); });
 }
 
 GridSplit::~GridSplit() {

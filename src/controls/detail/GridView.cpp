@@ -166,7 +166,7 @@ void GridView::SelectBlock(int fromRow, int toRow) {
 }
 
 void GridView::PlaceFillHandle() {
-    if (fillHandle_ != nullptr) fillHandle_->Place();
+    if (fillHandle_) fillHandle_->Place();
 }
 
 bool GridView::IsRowSelected(int row) const {

@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QPersistentModelIndex>
+#include <QPointer>
 #include <QTableView>
 #include <vector>
 
@@ -138,11 +139,11 @@ private:
     CaptionHeader* captions_ = nullptr;
     RecordHeader* records_ = nullptr;
     FrozenView* frozen_ = nullptr;
-    FillHandle* fillHandle_ = nullptr;
-    std::vector<int> frozenColumns_;  // that are wanted in the strip
-    std::vector<int> strip_;          // those of them that there is room for
-    GridRowId anchor_ = kNoGridRow;   // where a row selection began
-    int anchorColumn_ = -1;           // and a widening over columns; -1: there is none
+    QPointer<FillHandle> fillHandle_;  // goes with the viewport, before the split does
+    std::vector<int> frozenColumns_;   // that are wanted in the strip
+    std::vector<int> strip_;           // those of them that there is room for
+    GridRowId anchor_ = kNoGridRow;    // where a row selection began
+    int anchorColumn_ = -1;            // and a widening over columns; -1: there is none
     bool wholeRows_ = true;
     QString emptyText_;
     QPersistentModelIndex pressed_;  // the cell that the left button has gone down on
