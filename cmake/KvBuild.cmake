@@ -65,7 +65,7 @@ endfunction()
 
 # kv_precompile(TARGET KIND): compiles the target after the headers of a kind: `test` GoogleTest's,
 # `qt` Qt's widgets, `qt_test` both. Each kind is precompiled once for all targets, whose further
-# definitions these headers do not read; those of Qt Test name a target's folder and are left out.
+# definitions these headers do not read.
 # Only builds with KV_PRECOMPILE do it: the others, the engine alone and clang-tidy's, see a missing
 # include. clang's do it for Qt alone, and so see one in the tests that need no Qt.
 set(KV_PRECOMPILED_test <gmock/gmock.h> <gtest/gtest.h> <chrono> <filesystem> <fstream> <functional>
@@ -115,7 +115,8 @@ endfunction()
 
 # kv_test(NAME LIBS lib... SOURCES source...): one GoogleTest program, registered with CTest as NAME.
 # Its label is the name of its folder; programs with Qt bear the label `qt` too and run on the
-# offscreen platform.
+# offscreen platform. A definition that names the build's folder belongs to the file that uses it
+# (COMPILE_DEFINITIONS of the source), so that no checkout compiles the others anew.
 function(kv_test name)
   cmake_parse_arguments(T "" "" "LIBS;SOURCES" ${ARGN})
   if(T_UNPARSED_ARGUMENTS)
@@ -125,8 +126,8 @@ function(kv_test name)
   target_link_libraries(${name} PRIVATE kv_flags GTest::gtest GTest::gmock ${T_LIBS})
   target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
   kv_optimise_no_test(${name})
-  target_compile_definitions(${name} PRIVATE KV_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data"
-    KV_EXAMPLES="${CMAKE_SOURCE_DIR}/examples")
+  # From the checkout's top, where CTest starts it: what is compiled is the same in every checkout.
+  target_compile_definitions(${name} PRIVATE KV_TEST_DATA="tests/data" KV_EXAMPLES="examples")
   get_filename_component(labels "${CMAKE_CURRENT_SOURCE_DIR}" NAME)
   if("${T_LIBS}" MATCHES "GTest::gtest_main")
     kv_precompile(${name} test)
@@ -135,7 +136,7 @@ function(kv_test name)
     kv_precompile(${name} qt_test)
     list(APPEND labels qt)
   endif()
-  add_test(NAME ${name} COMMAND ${name})
+  add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY "${CMAKE_SOURCE_DIR}")
   set_tests_properties(${name} PROPERTIES LABELS "${labels}" TIMEOUT 900
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
 endfunction()

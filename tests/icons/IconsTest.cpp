@@ -20,8 +20,7 @@ std::string Sources(const char* ending) {
     namespace fs = std::filesystem;
     std::ostringstream all;
     for (const char* folder : {"src", "studio", "report"}) {
-        for (const fs::path& path :
-             fs::recursive_directory_iterator(fs::path(KV_SOURCES) / folder)) {
+        for (const fs::path& path : fs::recursive_directory_iterator(fs::path(folder))) {
             if (path.extension() == ending) all << std::ifstream(path).rdbuf();
         }
     }
@@ -30,8 +29,7 @@ std::string Sources(const char* ending) {
 
 QStringList Names() {
     QStringList names;
-    for (const QString& file :
-         QDir(QStringLiteral(KV_SOURCES "/src/icons/svg")).entryList({u"*.svg"_s})) {
+    for (const QString& file : QDir(QStringLiteral("src/icons/svg")).entryList({u"*.svg"_s})) {
         names += file.chopped(4);
     }
     return names;

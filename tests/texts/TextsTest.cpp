@@ -114,7 +114,7 @@ std::set<std::string> NamesUsed(const char* folder) {
     static const QRegularExpression use(
         u"\\b(kText\\w+|(Text|Reason|Check|Rule)::\\w+|(FindingRow|Exchange)\\.\\w+)"_s);
     std::set<std::string> used;
-    for (const fs::path& path : fs::recursive_directory_iterator(fs::path(KV_SOURCES) / folder)) {
+    for (const fs::path& path : fs::recursive_directory_iterator(fs::path(folder))) {
         const std::string extension = path.extension().string();
         if (extension != ".cpp" && extension != ".h") continue;
         if (path.filename() == "MResourceTable.h") continue;
