@@ -34,6 +34,7 @@ struct ExportWish {
 
 struct ImportWish {
     exchange::PlanOptions plan;
+    exchange::ReadOptions reading;
     SheetForm form;
     bool isDryRun = false;
     bool leavesOut = false;  // what cannot be imported is no reason not to import the rest

@@ -87,7 +87,8 @@ std::vector<InputRows> ReadSheets(ado::Connection& connection, InputFile& in,
     if (!spreadsheet::LooksLikeWorkbook(in.Beginning())) {
         const char separator = wish.form.isSeparatorGiven ? wish.form.csv.separator : '\0';
         exchange::CsvInput rows(in, {wish.form.csv.encoding, separator});
-        sheets.emplace_back(connection, rows, wish.plan.kind);
+        sheets.emplace_back(connection, rows, wish.reading);
+        exchange::RequireChoices(sheets, wish.reading);
         return sheets;
     }
     std::string bytes;
@@ -98,7 +99,7 @@ std::vector<InputRows> ReadSheets(ado::Connection& connection, InputFile& in,
     if (!in.Error().empty()) fail(in.Error());
     spreadsheet::WorkbookReader workbook;
     if (!workbook.Open(std::move(bytes))) fail(in.Name() + ": " + workbook.GetFault().Text());
-    auto read = exchange::ReadWorkbook(connection, workbook, wish.plan.kind);
+    auto read = exchange::ReadWorkbook(connection, workbook, wish.reading);
     for (const std::string& name : read.passedOver) {
         notes += "kvs: " + in.Name() + ": sheet \"" + name + "\" is passed over\n";
     }

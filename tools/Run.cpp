@@ -3,6 +3,7 @@
 #include "commandline/CommandLine.h"
 #include "tools/Commands.h"
 #include "tools/Exchange.h"
+#include "unicode/Unicode.h"
 
 namespace tools {
 namespace {
@@ -108,7 +109,16 @@ ExitStatus RunExport(const Call& call, std::FILE* out, std::FILE* err) {
 ExitStatus RunImport(const Call& call, std::FILE* out, std::FILE* err) {
     ImportWish wish;
     wish.form = FormOf(call);
-    if (call.Has("sheet")) wish.plan.kind = SheetOf(call);
+    if (call.Has("sheet")) wish.reading.kind = SheetOf(call);
+    for (const std::string& choice : call.Values("column")) {
+        const std::size_t at = choice.rfind('=');
+        if (at == std::string::npos) {
+            std::fprintf(err, "kvs: import: --column HEADING=COLUMN, not %s\n", choice.c_str());
+            return kUsage;
+        }
+        wish.reading.columns.push_back(
+            {unicode::ToUtf16(choice.substr(0, at)), unicode::ToUtf16(choice.substr(at + 1))});
+    }
     const std::string update = call.Value("update");
     if (update == "id") wish.plan.matchBy = exchange::MatchBy::Id;
     if (update == "name") wish.plan.matchBy = exchange::MatchBy::Name;
@@ -195,6 +205,9 @@ const std::vector<Row>& Rows() {
           {{"update", "id|name", "go by the ID alone, or by archive and name alone"},
            {"delete-missing", "", "delete rows that INPUT does not have"},
            {"leave-out", "", "import the rest where rows are ambiguous or refused"},
+           {"column", "HEADING=COLUMN",
+            "take a heading of INPUT for this column, or with nothing behind = for none; once for "
+            "each heading"},
            kSheet,
            kLanguage,
            kSeparator,

@@ -131,7 +131,8 @@ bool Reader::Decode(std::string& text, std::size_t column, std::size_t line) {
         what += encoding_ == Encoding::Utf8
                     ? " is no UTF-8; --encoding windows-1252 reads what older spreadsheets write"
                     : " is no character of windows-1252";
-        Fail(line + CountLines(before), what);
+        bad_ = {line + CountLines(before), column + 1, CountCharacters(before, encoding_) + 1};
+        Fail(bad_->line, what);
         return false;
     }
     ToUtf8(text, encoding_);

@@ -19,6 +19,13 @@ struct Form {
 };
 inline constexpr std::string_view kSeparators = ",;\t";
 
+/// Where a byte stands that is no character of the encoding; all counted from 1.
+struct BadByte {
+    std::size_t line = 0;
+    std::size_t column = 0;
+    std::size_t character = 0;  // of the field
+};
+
 /// Reads CSV after RFC 4180, record by record; the first is the heading. Lines may end with LF
 /// alone. A mark of UTF-8 at the beginning is passed over.
 class Reader {
@@ -35,6 +42,8 @@ public:
     [[nodiscard]] char Separator() const { return separator_; }
     /// What is wrong, and where; empty when nothing is.
     [[nodiscard]] const std::string& Error() const { return error_; }
+    /// Of an error that is about the encoding.
+    [[nodiscard]] const std::optional<BadByte>& Bad() const { return bad_; }
 
 private:
     enum class End { Value, Record, Failure };
@@ -60,6 +69,7 @@ private:
     std::size_t line_ = 0;
     std::size_t nextLine_ = 1;
     std::string error_;
+    std::optional<BadByte> bad_;
 };
 
 }  // namespace csv

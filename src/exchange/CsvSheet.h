@@ -51,6 +51,7 @@ public:
     [[nodiscard]] bool Next(std::vector<Cell>& record) override;
     [[nodiscard]] std::size_t Line() const override { return reader_.Line(); }
     [[nodiscard]] const std::string& Error() const override { return reader_.Error(); }
+    [[nodiscard]] const std::optional<csv::BadByte>& Bad() const { return reader_.Bad(); }
 
 private:
     csv::Reader reader_;

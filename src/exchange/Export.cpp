@@ -11,7 +11,7 @@ namespace {
 
 std::unordered_set<std::int32_t> ChosenArchives(const Selection& selection,
                                                 const ArchiveNames& archives) {
-    std::unordered_set<std::int32_t> chosen;
+    std::unordered_set<std::int32_t> chosen = selection.archiveIds;
     for (const std::u16string& name : selection.archives) {
         const auto& named = archives.Named(name);
         if (named.empty()) {

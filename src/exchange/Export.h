@@ -24,11 +24,12 @@ public:
     virtual void Row(std::span<const Cell> cells) = 0;
 };
 
-/// What is exported: the archives of these names with their trends; all when there are none.
+/// What is exported: archives by their names or IDs, with their trends; all when there are none.
 struct Selection {
     std::vector<std::u16string> archives{};
-    std::unordered_set<std::int32_t>
-        trends{};  // only these; all of the archives when there are none
+    std::unordered_set<std::int32_t> archiveIds{};
+    // Only these; all of the archives when there are none.
+    std::unordered_set<std::int32_t> trends{};
 };
 
 /// Writes a sheet: archives by their ID, trends by that of their archive, then by their own. All of

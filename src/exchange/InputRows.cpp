@@ -18,31 +18,67 @@ bool IsBlank(const Cell& cell) {
     return Folded(cell.text).empty();
 }
 
-std::size_t CountKnown(const Sheet& sheet, const std::vector<Cell>& heading) {
+bool HasColumn(const Sheet& sheet, const ColumnChoice& choice) {
+    return Folded(choice.column).empty() || sheet.FindHeading(choice.column).has_value();
+}
+
+std::size_t CountKnown(const Sheet& sheet, std::span<const std::u16string> headings,
+                       const ReadOptions& options) {
     return static_cast<std::size_t>(
-        std::count_if(heading.begin(), heading.end(),
-                      [&](const Cell& cell) { return sheet.FindHeading(cell.text).has_value(); }));
+        std::count_if(headings.begin(), headings.end(), [&](const std::u16string& heading) {
+            return sheet.FindHeading(MeaningOf(sheet, heading, options)).has_value();
+        }));
 }
 
 /// The sheet whose headings these are.
-SheetKind KindOf(ado::Connection& connection, const std::vector<Cell>& heading) {
+SheetKind KindOf(ado::Connection& connection, std::span<const std::u16string> headings,
+                 const ReadOptions& options) {
     const Sheet archives(connection, SheetKind::Archives);
     const Sheet trends(connection, SheetKind::Trends);
     const auto archive = trends.FindRole(Role::Archive);
-    const bool namesArchive = std::any_of(heading.begin(), heading.end(), [&](const Cell& cell) {
-        return trends.FindHeading(cell.text) == archive;
-    });
-    const std::size_t asTrends = CountKnown(trends, heading);
-    const std::size_t asArchives = CountKnown(archives, heading);
-    if (!namesArchive && asTrends == asArchives) {
+    const bool namesArchive =
+        std::any_of(headings.begin(), headings.end(), [&](const std::u16string& heading) {
+            return trends.FindHeading(MeaningOf(trends, heading, options)) == archive;
+        });
+    const std::size_t asTrends = CountKnown(trends, headings, options);
+    const std::size_t asArchives = CountKnown(archives, headings, options);
+    if (!namesArchive && asTrends == asArchives && !options.isOpen) {
         FailWith("The headings fit archives and trends alike; it has to be said which they are.");
     }
-    return namesArchive || asTrends > asArchives ? SheetKind::Trends : SheetKind::Archives;
+    return namesArchive || asTrends >= asArchives ? SheetKind::Trends : SheetKind::Archives;
 }
 
 }  // namespace
 
-InputRows::InputRows(ado::Connection& connection, Input& input, std::optional<SheetKind> kind)
+std::u16string_view MeaningOf(const Sheet& sheet, std::u16string_view heading,
+                              const ReadOptions& options) {
+    for (const ColumnChoice& choice : options.columns) {
+        if (Folded(choice.heading) == Folded(heading) && HasColumn(sheet, choice)) {
+            return choice.column;
+        }
+    }
+    return heading;
+}
+
+void RequireChoices(std::span<const InputRows> sheets, const ReadOptions& options) {
+    for (const ColumnChoice& choice : options.columns) {
+        const bool isThere = std::any_of(sheets.begin(), sheets.end(), [&](const InputRows& rows) {
+            const auto has = [&](const std::u16string& heading) {
+                return Folded(heading) == Folded(choice.heading);
+            };
+            return HasColumn(rows.Columns(), choice) &&
+                   std::any_of(rows.Headings().begin(), rows.Headings().end(), has);
+        });
+        if (isThere) continue;
+        std::string what = "There is no heading \"" + unicode::ToUtf8(choice.heading) + "\"";
+        if (!choice.column.empty()) {
+            what += ", or no column \"" + unicode::ToUtf8(choice.column) + "\" for it";
+        }
+        FailWith(what + ".");
+    }
+}
+
+InputRows::InputRows(ado::Connection& connection, Input& input, const ReadOptions& options)
     : name_(input.Sheet()), ends_{0} {
     std::vector<Cell> record;
     const auto next = [&] {
@@ -51,8 +87,11 @@ InputRows::InputRows(ado::Connection& connection, Input& input, std::optional<Sh
         return false;
     };
     if (!next()) Fail("There is no heading row.");
-    sheet_.emplace(connection, kind ? *kind : KindOf(connection, record));
-    ReadHeading(record);
+    for (const Cell& cell : record) headings_.push_back(cell.text);
+    sheet_.emplace(connection,
+                   options.kind ? *options.kind : KindOf(connection, headings_, options));
+    TakeHeadings(options);
+    if (!options.isOpen) RequireKey();
     while (next()) {
         if (!std::all_of(record.begin(), record.end(), IsBlank)) Add(record, input.Line());
     }
@@ -62,43 +101,58 @@ void InputRows::Fail(const std::string& what) const {
     FailWith(name_.empty() ? what : "Sheet \"" + unicode::ToUtf8(name_) + "\": " + what);
 }
 
-std::vector<std::optional<std::size_t>> InputRows::Places() const {
-    std::vector<std::optional<std::size_t>> places(places_.size());
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        if (places_[i]) places[i] = taken_[*places_[i]];
+void InputRows::TakeHeadings(const ReadOptions& options) {
+    places_.assign(sheet_->Columns().size(), std::nullopt);
+    for (std::size_t i = 0; i < headings_.size(); ++i) {
+        const std::u16string_view meaning = MeaningOf(*sheet_, headings_[i], options);
+        if (Folded(meaning).empty()) continue;
+        const auto column = sheet_->FindHeading(meaning);
+        const bool isTaken = column && places_[*column];
+        if (column && !isTaken) {
+            places_[*column] = i;
+        } else if (!options.isOpen) {
+            const std::string name = "\"" + unicode::ToUtf8(std::u16string(meaning)) + "\"";
+            Fail(isTaken ? "The heading row: " + name + " names its column a second time."
+                         : "The heading row: no column is called " + name + ".");
+        }
     }
-    return places;
 }
 
-void InputRows::ReadHeading(const std::vector<Cell>& heading) {
-    width_ = heading.size();
-    places_.resize(sheet_->Columns().size());
-    for (std::size_t i = 0; i < heading.size(); ++i) {
-        if (IsBlank(heading[i])) continue;
-        const std::string name = "\"" + unicode::ToUtf8(heading[i].text) + "\"";
-        const auto column = sheet_->FindHeading(heading[i].text);
-        if (!column) Fail("The heading row: no column is called " + name + ".");
-        if (places_[*column]) {
-            Fail("The heading row: " + name + " names its column a second time.");
-        }
-        places_[*column] = taken_.size();
-        taken_.push_back(i);
-    }
+std::optional<std::size_t> InputRows::ColumnOf(std::size_t heading) const {
+    const auto found = std::find(places_.begin(), places_.end(), std::optional(heading));
+    if (found == places_.end()) return std::nullopt;
+    return static_cast<std::size_t>(found - places_.begin());
+}
+
+void InputRows::Assign(std::size_t heading, std::optional<std::size_t> column) {
+    if (const auto before = ColumnOf(heading)) places_[*before].reset();
+    if (column) places_[*column] = heading;
+}
+
+void InputRows::SetKind(ado::Connection& connection, SheetKind kind) {
+    sheet_.emplace(connection, kind);
+    TakeHeadings({.isOpen = true});
+}
+
+bool InputRows::HasKey() const {
     const auto has = [&](Role role) {
         const auto column = sheet_->FindRole(role);
         return !column || places_[*column].has_value();
     };
     const bool hasName = places_[*sheet_->FindField("Name")].has_value();
-    if (!has(Role::Id) && !(hasName && has(Role::Archive))) {
-        Fail(sheet_->Kind() == SheetKind::Trends
-                 ? "The heading row names neither the ID nor archive and name of the trends."
-                 : "The heading row names neither the ID nor the name of the archives.");
-    }
+    return has(Role::Id) || (hasName && has(Role::Archive));
+}
+
+void InputRows::RequireKey() const {
+    if (HasKey()) return;
+    Fail(sheet_->Kind() == SheetKind::Trends
+             ? "The heading row names neither the ID nor archive and name of the trends."
+             : "The heading row names neither the ID nor the name of the archives.");
 }
 
 void InputRows::Add(const std::vector<Cell>& record, std::size_t line) {
     static const Cell kNothing;
-    for (const std::size_t i : taken_) {
+    for (std::size_t i = 0; i < headings_.size(); ++i) {
         const Cell& cell = i < record.size() ? record[i] : kNothing;
         texts_ += cell.text;
         ends_.push_back(texts_.size());
@@ -106,16 +160,20 @@ void InputRows::Add(const std::vector<Cell>& record, std::size_t line) {
     }
     lines_.push_back(line);
     // Spreadsheets like to write separators behind the last column.
-    const std::size_t last = std::min(width_, record.size());
+    const std::size_t last = std::min(headings_.size(), record.size());
     tooLong_.push_back(std::any_of(record.begin() + static_cast<std::ptrdiff_t>(last), record.end(),
                                    [](const Cell& cell) { return !IsBlank(cell); }));
 }
 
 std::optional<CellView> InputRows::Get(std::size_t row, std::size_t column) const {
     if (!places_[column]) return std::nullopt;
-    const std::size_t at = row * taken_.size() + *places_[column];
+    return At(row, *places_[column]);
+}
+
+CellView InputRows::At(std::size_t row, std::size_t heading) const {
+    const std::size_t at = row * headings_.size() + heading;
     const std::size_t begin = ends_[at];
-    return CellView{kinds_[at], std::u16string_view(texts_).substr(begin, ends_[at + 1] - begin)};
+    return {kinds_[at], std::u16string_view(texts_).substr(begin, ends_[at + 1] - begin)};
 }
 
 }  // namespace exchange

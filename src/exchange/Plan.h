@@ -25,7 +25,6 @@ enum class MatchBy : std::uint8_t {
 struct PlanOptions {
     MatchBy matchBy = MatchBy::Both;
     bool deleteMissing = false;
-    std::optional<SheetKind> kind{};  // none: as the headings tell
     // Rows that are not wanted, by their sheet and their line, or the ID of a missing one.
     std::set<std::pair<SheetKind, std::size_t>> leftOut{};
     std::set<std::pair<SheetKind, std::int32_t>> kept{};
@@ -106,7 +105,8 @@ struct Plan {
 ///
 /// Nothing is written. Throws ado::AdoError for headings of which no sheet is made, and what the
 /// input itself is wrong with.
-[[nodiscard]] Plan MakePlan(ado::Connection& connection, Input& input, const PlanOptions& options);
+[[nodiscard]] Plan MakePlan(ado::Connection& connection, Input& input, const PlanOptions& options,
+                            const ReadOptions& reading = {});
 /// `before`: the archives' names of a moment ago; rows may still say them. May be null.
 [[nodiscard]] Plan MakePlan(ado::Connection& connection, const InputRows& input,
                             const PlanOptions& options, const ArchiveNames* before = nullptr);

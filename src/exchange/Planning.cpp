@@ -54,7 +54,7 @@ public:
     Plan Make() {
         plan_.kind = sheet_.Kind();
         plan_.sheet = input_.SheetName();
-        plan_.places = input_.Places();
+        plan_.places.assign(input_.Places().begin(), input_.Places().end());
         plan_.deleteMissing = options_.deleteMissing;
         CompareStored();
         AddNewAndDoubtful();
@@ -421,12 +421,14 @@ bool Plan::HasWork() const {
     });
 }
 
-Plan MakePlan(ado::Connection& connection, Input& input, const PlanOptions& options) {
-    return MakePlan(connection, InputRows(connection, input, options.kind), options);
+Plan MakePlan(ado::Connection& connection, Input& input, const PlanOptions& options,
+              const ReadOptions& reading) {
+    return MakePlan(connection, InputRows(connection, input, reading), options);
 }
 
 Plan MakePlan(ado::Connection& connection, const InputRows& input, const PlanOptions& options,
               const ArchiveNames* before) {
+    input.RequireKey();
     return Planner(connection, input, options, before).Make();
 }
 

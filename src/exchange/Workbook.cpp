@@ -115,7 +115,8 @@ public:
 
     /// By its name, else by its headings, of which more than half have to be a column's.
     [[nodiscard]] std::optional<SheetKind> Of(std::u16string_view name,
-                                              const std::vector<Cell>& heading) const {
+                                              const std::vector<Cell>& heading,
+                                              const ReadOptions& options) const {
         for (const Sheet& sheet : sheets_) {
             for (const words::Language& language : words::Languages()) {
                 if (Folded(NameOf(sheet.Kind(), language)) == Folded(name)) return sheet.Kind();
@@ -126,7 +127,7 @@ public:
         const auto all = static_cast<std::ptrdiff_t>(heading.size()) - blanks;
         const auto known = [&](const Sheet& sheet) {
             return std::count_if(heading.begin(), heading.end(), [&](const Cell& cell) {
-                return sheet.FindHeading(cell.text).has_value();
+                return sheet.FindHeading(MeaningOf(sheet, cell.text, options)).has_value();
             });
         };
         const auto archives = known(sheets_.front());
@@ -181,13 +182,15 @@ void WorkbookSheets::Finish(const std::function<void(std::string_view)>& put) {
 }
 
 WorkbookRows ReadWorkbook(ado::Connection& connection, spreadsheet::WorkbookReader& workbook,
-                          std::optional<SheetKind> kind) {
+                          const ReadOptions& options) {
     const Kinds kinds(connection);
     WorkbookRows rows;
     const auto find = [&](SheetKind wanted) {
         return std::find_if(rows.sheets.begin(), rows.sheets.end(),
                             [&](const InputRows& each) { return each.Columns().Kind() == wanted; });
     };
+    const auto shown = std::count_if(workbook.Sheets().begin(), workbook.Sheets().end(),
+                                     [](const auto& sheet) { return !sheet.isHidden; });
     for (std::size_t i = 0; i < workbook.Sheets().size(); ++i) {
         if (workbook.Sheets()[i].isHidden) continue;
         const std::string& name = workbook.Sheets()[i].name;
@@ -195,21 +198,26 @@ WorkbookRows ReadWorkbook(ado::Connection& connection, spreadsheet::WorkbookRead
         WorkbookInput first(workbook, i);
         const bool hasHeading = first.Next(heading);
         if (!first.Error().empty()) Fail(first.Error() + ".");
-        const auto known = kinds.Of(unicode::ToUtf16(name), heading);
+        const auto known = options.kind && shown == 1
+                               ? options.kind
+                               : kinds.Of(unicode::ToUtf16(name), heading, options);
         if (!hasHeading || !known) {
             rows.passedOver.push_back(name);
             continue;
         }
-        if (kind && known != kind) continue;
+        if (options.kind && known != options.kind) continue;
         const auto other = find(*known);
         if (other != rows.sheets.end()) {
             Fail("The sheets \"" + unicode::ToUtf8(other->SheetName()) + "\" and \"" + name +
                  "\" hold rows of the same kind.");
         }
         WorkbookInput input(workbook, i);
-        rows.sheets.push_back(InputRows(connection, input, known));
+        ReadOptions reading = options;
+        reading.kind = known;
+        rows.sheets.push_back(InputRows(connection, input, reading));
     }
     if (rows.sheets.empty()) Fail("No sheet of the workbook has headings of archives or trends.");
+    RequireChoices(rows.sheets, options);
     std::sort(rows.sheets.begin(), rows.sheets.end(),
               [](const auto& a, const auto& b) { return a.Columns().Kind() < b.Columns().Kind(); });
     return rows;

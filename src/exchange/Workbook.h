@@ -39,10 +39,11 @@ struct WorkbookRows {
     std::vector<std::string> passedOver{};  // names of visible sheets that hold something else
 };
 /// Reads the sheets of archives and of trends, known by their names in any language or by their
-/// headings; with a kind that one alone, without a word of the other. Hidden sheets are left out.
-/// Throws ado::AdoError when there are none, or two of a kind, or one cannot be read.
+/// headings; with a kind that one alone, without a word of the other: the only sheet is of that
+/// kind whatever it is called. Hidden sheets are left out. Throws ado::AdoError when there are
+/// none, or two of a kind, or one cannot be read, or a heading is chosen that no sheet has.
 [[nodiscard]] WorkbookRows ReadWorkbook(ado::Connection& connection,
                                         spreadsheet::WorkbookReader& workbook,
-                                        std::optional<SheetKind> kind);
+                                        const ReadOptions& options);
 
 }  // namespace exchange

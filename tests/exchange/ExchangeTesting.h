@@ -77,10 +77,11 @@ inline std::string Exported(ado::Connection& connection, SheetKind kind, CsvForm
 }
 
 inline Plan Planned(ado::Connection& connection, const std::string& text,
-                    const PlanOptions& options = {}, csv::Encoding encoding = csv::Encoding::Utf8) {
+                    const PlanOptions& options = {}, csv::Encoding encoding = csv::Encoding::Utf8,
+                    const ReadOptions& reading = {}) {
     Bytes bytes(text);
     CsvInput input(bytes, {encoding, 0});
-    return MakePlan(connection, input, options);
+    return MakePlan(connection, input, options, reading);
 }
 
 }  // namespace exchange

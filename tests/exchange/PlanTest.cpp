@@ -70,6 +70,37 @@ TEST(PlanTest, ARowIsKnownByItsIdAndItsNames) {
     }
 }
 
+// A window lets the user say what a file's columns are, without reading it again.
+TEST(PlanTest, HeadingsThatNobodyKnowsAreAssignedByHand) {
+    Project project(kBrewery);
+    Bytes bytes("Nr.,Kühlung,Einheit,Unit\n1,x,K,bar\n2,y,,\n");
+    CsvInput input(bytes, {csv::Encoding::Utf8, ','});
+    InputRows rows(project.connection, input, {.isOpen = true});
+    ASSERT_EQ(rows.Columns().Kind(), SheetKind::Trends);
+    ASSERT_EQ(rows.Headings().size(), 4U);
+    EXPECT_EQ(rows.ColumnOf(0), std::nullopt);
+    EXPECT_EQ(rows.ColumnOf(2), rows.Columns().FindField("Unit"));
+    EXPECT_EQ(rows.ColumnOf(3), std::nullopt) << "the first one has it";
+    EXPECT_FALSE(rows.HasKey());
+    EXPECT_THROW(MakePlan(project.connection, rows, {}), ado::AdoError);
+
+    rows.Assign(0, rows.Columns().FindRole(SheetColumn::Role::Id));
+    rows.Assign(3, rows.ColumnOf(2));
+    EXPECT_EQ(rows.ColumnOf(2), std::nullopt);
+    rows.Assign(1, rows.Columns().FindField("Comment"));
+    EXPECT_EQ(rows.At(0, 1).text, u"x");
+    const Plan plan = MakePlan(project.connection, rows, {});
+    ASSERT_EQ(plan.rows.front().changes.size(), 2U);
+    EXPECT_EQ(plan.rows.front().changes[0].is, ado::Value(u"bar"));
+    EXPECT_EQ(plan.rows.front().changes[1].is, ado::Value(u"x"));
+
+    rows.SetKind(project.connection, SheetKind::Archives);
+    EXPECT_EQ(rows.Columns().Kind(), SheetKind::Archives);
+    EXPECT_FALSE(rows.HasKey());
+    rows.Assign(0, rows.Columns().FindRole(SheetColumn::Role::Id));
+    EXPECT_EQ(MakePlan(project.connection, rows, {}).same, 2U);
+}
+
 TEST(PlanTest, ACellIsTakenWholeOrRefused) {
     const std::u16string empty(project::kEmptyText);
     const struct {
@@ -112,8 +143,8 @@ TEST(PlanTest, ACellIsTakenWholeOrRefused) {
     rows.Trends().Close();
     for (const auto& each : cases) {
         const Plan plan =
-            Planned(project.connection, std::string("ID;") + each.heading + "\n1;" + each.cell,
-                    {MatchBy::Both, false, SheetKind::Trends});
+            Planned(project.connection, std::string("ID;") + each.heading + "\n1;" + each.cell, {},
+                    csv::Encoding::Utf8, {SheetKind::Trends});
         ASSERT_FALSE(plan.rows.empty()) << each.heading << each.cell;
         const PlannedRow& row = plan.rows.front();
         EXPECT_EQ(row.problem, each.problem) << each.heading << each.cell;
@@ -252,8 +283,8 @@ TEST(PlanTest, ARowWhoseTextIsSharedGetsOneOfItsOwn) {
     ASSERT_TRUE(rows.SeekTrend(2));
     rows.Trends().Set("TextID", text);
     rows.Trends().Update();
-    const Plan plan = Planned(project.connection, "ID,L1031\n2,Eigener\n",
-                              {MatchBy::Both, false, SheetKind::Trends});
+    const Plan plan = Planned(project.connection, "ID,L1031\n2,Eigener\n", {}, csv::Encoding::Utf8,
+                              {SheetKind::Trends});
     EXPECT_TRUE(plan.rows.at(0).ownText);
     ASSERT_TRUE(Apply(project.connection, plan));
     ASSERT_TRUE(rows.SeekText(text));

@@ -347,7 +347,7 @@ TEST(WorkbookTest, SheetsAreKnownByNameOrHeadings) {
     ASSERT_EQ(both.sheets.size(), 2U);
     EXPECT_EQ(both.sheets[1].SheetName(), u"Tabelle1");
     EXPECT_EQ(both.passedOver, std::vector<std::string>{"Notizen"});
-    EXPECT_EQ(ReadWorkbook(project.connection, reader, SheetKind::Trends).sheets.size(), 1U);
+    EXPECT_EQ(ReadWorkbook(project.connection, reader, {SheetKind::Trends}).sheets.size(), 1U);
 
     grids[0] = grids[2];
     grids[0].name = "Kopie";

@@ -94,6 +94,29 @@ TEST(ExchangeTest, WhatCannotBeExportedLeavesTheOldFile) {
               kFailure);
 }
 
+TEST(ExchangeTest, HeadingsAreTakenAsItIsSaid) {
+    const ProjectCopy project(kBrewery);
+    const std::string csv = project.Path("in.csv");
+    Write(csv, "Nr.,Einheit,Seen by\n1,K,Meyer\n");
+    EXPECT_THAT(RunTool({"import", project.Path(), csv, "--sheet", "trends"}).err,
+                HasSubstr("no column is called \"Nr.\""));
+    const std::vector<std::string> import = {"import",   project.Path(), csv,
+                                             "--column", "nr.=ID",       "--column"};
+    const auto with = [&](std::initializer_list<std::string> words) {
+        std::vector<std::string> all = import;
+        all.insert(all.end(), words);
+        return RunTool(all);
+    };
+    EXPECT_EQ(with({"Seen by"}).status, kUsage);
+    EXPECT_THAT(with({"Seen by=Nobody"}).err, HasSubstr("no column is called \"Seen by\""));
+    EXPECT_THAT(with({"Seen by=", "--column", "Nobody=ID"}).err,
+                HasSubstr("There is no heading \"Nobody\""));
+    const Outcome done = with({"Seen by=Comment"});
+    EXPECT_EQ(done.status, kSuccess) << done.err;
+    EXPECT_THAT(done.out, StartsWith("0 new, 1 changed"));
+    EXPECT_THAT(RunTool({"dump", project.Path(), "TchrTrends"}).out, HasSubstr("Meyer"));
+}
+
 // Which of the forms a file has shows in its name when it is made, in its content when it is read.
 TEST(ExchangeTest, AWorkbookGoesOutAndComesBack) {
     const ProjectCopy project(kBrewery);
