@@ -4,11 +4,10 @@
 #include <QFile>
 #include <utility>
 
-#include "commandset/CommandSet.h"
 #include "help/detail/HtmlText.h"
+#include "help/detail/PageIndex.h"
+#include "help/detail/PageInserts.h"
 #include "platform/HelpTopics.h"
-#include "texts/Language.h"
-#include "texts/MResources.h"
 
 // Outside of any namespace, as Qt wants it: a static library's resources are not found by
 // themselves.
@@ -66,39 +65,24 @@ struct Chapter {
     const char* page;
 };
 constexpr Chapter kChapters[] = {
-    {0, "index.html"},          {0, "archives.html"},      {1, "archive.html"},
-    {1, "archive-dialog.html"}, {1, "archive-types.html"}, {1, "sample-modes.html"},
-    {1, "file-change.html"},    {0, "trend.html"},         {1, "grid.html"},
-    {1, "patterns.html"},       {1, "trend-dialog.html"},  {1, "hysteresis.html"},
-    {1, "filter.html"},         {1, "tolerance.html"},     {1, "draw-modes.html"},
-    {0, "backups.html"},        {0, "window.html"},        {1, "languages.html"},
-    {1, "report.html"},         {1, "project-table.html"}, {1, "replace.html"},
-    {1, "options.html"},        {1, "keys.html"},
+    {0, "index.html"},         {0, "tasks.html"},          {1, "task-list.html"},
+    {1, "task-unit.html"},     {1, "task-variables.html"}, {1, "task-many.html"},
+    {1, "task-handover.html"}, {1, "task-back.html"},      {0, "archives.html"},
+    {1, "archive.html"},       {1, "archive-dialog.html"}, {1, "archive-types.html"},
+    {1, "sample-modes.html"},  {1, "file-change.html"},    {0, "trend.html"},
+    {1, "grid.html"},          {1, "columns.html"},        {1, "patterns.html"},
+    {1, "trend-dialog.html"},  {1, "hysteresis.html"},     {1, "filter.html"},
+    {1, "tolerance.html"},     {1, "draw-modes.html"},     {0, "studio.html"},
+    {1, "backups.html"},       {0, "window.html"},         {1, "commands.html"},
+    {1, "languages.html"},     {1, "report.html"},         {1, "project-table.html"},
+    {1, "replace.html"},       {1, "findings.html"},       {1, "rules.html"},
+    {1, "options.html"},       {1, "keys.html"},           {1, "messages.html"},
+    {0, "kvs.html"},           {0, "words.html"},
 };
 
-// Where a page lists the keys of the commands.
-constexpr std::pair<QByteArrayView, commandset::Place> kKeyMarks[] = {
-    {"<!-- keys: tree -->", commandset::Place::Tree},
-    {"<!-- keys: archives -->", commandset::Place::Archives},
-    {"<!-- keys: trends -->", commandset::Place::Trends},
-    {"<!-- keys: cells -->", commandset::Place::Cells},
-};
-
-/// Rows of a table of keys, in the language of the pages of a folder.
-QByteArray KeyRows(QStringView folder, commandset::Place place) {
-    MResources::TextTable texts;
-    for (const texts::Language* language : texts::Languages()) {
-        if (language->help != folder) continue;
-        texts.SetLanguage(language->lcid);
-        break;
-    }
-    QString rows;
-    for (const commandset::KeyLine& line : commandset::KeyLines(place, texts)) {
-        rows += u"<tr><td><b>%1</b></td><td>%2</td></tr>\n"_s.arg(line.keys.toHtmlEscaped(),
-                                                                  line.description.toHtmlEscaped());
-    }
-    return rows.toUtf8();
-}
+// Where a page lists the words of all pages, its own left out.
+constexpr QByteArrayView kIndexMark = "<!-- index -->";
+constexpr QLatin1StringView kIndexPage = "/words.html"_L1;
 
 }  // namespace
 
@@ -144,15 +128,23 @@ QStringList BuiltInHelp::Pages() const {
     return pages;
 }
 
+QList<IndexEntry> BuiltInHelp::Index() const {
+    QList<IndexEntry> entries;
+    for (const QString& page : Pages()) {
+        if (page.endsWith(kIndexPage)) continue;
+        entries += TermsOf(Read(page).value_or(QByteArray()), page);
+    }
+    Sort(entries);
+    return entries;
+}
+
 std::optional<QByteArray> BuiltInHelp::Read(const QString& path) const {
     const QString clean = QDir::cleanPath(path);
     if (clean.startsWith(u".."_s) || clean.startsWith(u'/')) return std::nullopt;
     QFile file(kRoot + clean);
     if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
-    QByteArray page = file.readAll();
-    for (const auto& [mark, place] : kKeyMarks) {
-        if (page.contains(mark)) page.replace(mark, KeyRows(folder_, place));
-    }
+    QByteArray page = WithInserts(file.readAll(), folder_);
+    if (page.contains(kIndexMark)) page.replace(kIndexMark, IndexHtml(Index()).toUtf8());
     return page;
 }
 

@@ -18,6 +18,7 @@ public:
     [[nodiscard]] QString TopicPage(int topic) const override;
     [[nodiscard]] QList<ContentsEntry> Contents() const override;
     [[nodiscard]] QStringList Pages() const override;
+    [[nodiscard]] QList<IndexEntry> Index() const override;
     [[nodiscard]] std::optional<QByteArray> Read(const QString& path) const override;
     [[nodiscard]] bool IsBuiltIn() const override { return true; }
 

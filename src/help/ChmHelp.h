@@ -25,6 +25,7 @@ public:
     [[nodiscard]] QString TopicPage(int topic) const override;
     [[nodiscard]] QList<ContentsEntry> Contents() const override { return contents_; }
     [[nodiscard]] QStringList Pages() const override;
+    [[nodiscard]] QList<IndexEntry> Index() const override { return {}; }
     [[nodiscard]] std::optional<QByteArray> Read(const QString& path) const override;
     [[nodiscard]] bool IsBuiltIn() const override { return false; }
 

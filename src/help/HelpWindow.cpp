@@ -31,7 +31,6 @@ using Text = MResourceTable::Help;
 namespace {
 
 constexpr int kPageRole = Qt::UserRole;
-constexpr qsizetype kMaximumWords = 1 << 20;  // characters of one page that a search looks through
 
 /// Tells a file that has been replaced from the one that was read.
 QString Stamp(const QString& path) {
@@ -144,15 +143,12 @@ void HelpWindow::BuildBody() {
     setCentralWidget(splitter);
 
     connect(txtSearch_, &QLineEdit::textChanged, this, &HelpWindow::Search);
+    txtSearch_->installEventFilter(this);
     connect(txtSearch_, &QLineEdit::returnPressed, this, [this] {
-        if (lstMatches_->count() > 0) lstMatches_->setCurrentRow(0);
+        if (lstMatches_->currentRow() < 0) lstMatches_->setCurrentRow(0);
     });
     connect(tvwContents_, &QTreeWidget::currentItemChanged, this, &HelpWindow::OpenItem);
-    connect(lstMatches_, &QListWidget::currentItemChanged, this, [this](QListWidgetItem* item) {
-        if (item == nullptr) return;
-        txtPage_->ShowPage(item->data(kPageRole).toString());
-        txtPage_->find(txtSearch_->text().trimmed());
-    });
+    connect(lstMatches_, &QListWidget::currentItemChanged, this, &HelpWindow::OpenMatch);
     connect(txtPage_, &QTextBrowser::sourceChanged, this, &HelpWindow::SelectPage);
 }
 
@@ -162,11 +158,35 @@ void HelpWindow::OpenItem(QTreeWidgetItem* item) {
     if (!page.isEmpty()) txtPage_->ShowPage(page);
 }
 
+void HelpWindow::OpenMatch() {
+    const QListWidgetItem* item = lstMatches_->currentItem();
+    if (item == nullptr) return;
+    const QString page = item->data(kPageRole).toString();
+    txtPage_->ShowPage(page);
+    // A place in the page is what was looked for; else the first of the words is.
+    if (page.contains(u'#')) return;
+    const QString wanted = txtSearch_->text().simplified();
+    if (!txtPage_->find(wanted)) txtPage_->find(wanted.section(u' ', 0, 0));
+}
+
+bool HelpWindow::eventFilter(QObject* watched, QEvent* event) {
+    // The arrow keys go through what has been found while one goes on typing.
+    if (watched == txtSearch_ && event->type() == QEvent::KeyPress && lstMatches_->count() > 0) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Down || key == Qt::Key_Up) {
+            const int row = lstMatches_->currentRow() + (key == Qt::Key_Down ? 1 : -1);
+            lstMatches_->setCurrentRow(qBound(0, row, lstMatches_->count() - 1));
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
 void HelpWindow::Use(const IHelpSource& source) {
     if (source_ == &source) return;
     source_ = &source;
-    words_.clear();
     txtSearch_->clear();
+    search_.SetSource(source_);
     txtPage_->SetSource(source_);
     setWindowTitle(texts_.GetText(Text::WindowTitle, {{u"title", source_->Title()}}));
     const QSignalBlocker quiet(tvwContents_);
@@ -252,17 +272,9 @@ void HelpWindow::Search(const QString& words) {
     stkLeft_->setCurrentIndex(wanted.isEmpty() ? 0 : 1);
     lblState_->clear();
     if (wanted.isEmpty()) return;
-    for (const QString& page : source_->Pages()) {
-        auto text = words_.find(page);
-        if (text == words_.end()) {
-            const QByteArray bytes = source_->Read(page).value_or(QByteArray());
-            const QString title = HtmlTitle(bytes);
-            text = words_.insert(page, (title.isEmpty() ? page : title) + u'\n' +
-                                           HtmlToText(DecodeHtml(bytes)).left(kMaximumWords));
-        }
-        if (!text->contains(wanted, Qt::CaseInsensitive)) continue;
-        auto* item = new QListWidgetItem(text->section(u'\n', 0, 0), lstMatches_);
-        item->setData(kPageRole, page);
+    for (const PageSearch::Match& match : search_.Find(wanted)) {
+        auto* item = new QListWidgetItem(match.title, lstMatches_);
+        item->setData(kPageRole, match.page);
     }
     if (lstMatches_->count() == 0)
         lblState_->setText(texts_.GetText(Text::NoMatches, {{u"text", wanted}}));

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <memory>
-#include <QHash>
 #include <QMainWindow>
 
 #include "help/BuiltInHelp.h"
 #include "help/ChmHelp.h"
+#include "help/PageSearch.h"
 #include "texts/MResources.h"
 
 class QAction;
@@ -49,6 +49,7 @@ signals:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void BuildToolBar();
@@ -60,6 +61,7 @@ private:
     void Use(const IHelpSource& source);
     void SelectPage(const QUrl& address);
     void OpenItem(QTreeWidgetItem* item);
+    void OpenMatch();
 
     MResources::TextTable texts_;
     QString language_;
@@ -70,7 +72,7 @@ private:
     QString chmStamp_;  // of the file that has been read or tried
     int pendingTopic_ = 0;
     const IHelpSource* source_ = nullptr;
-    QHash<QString, QString> words_;  // of the pages of `source_`, for the search
+    PageSearch search_;
 
     HelpPage* txtPage_ = nullptr;
     QTreeWidget* tvwContents_ = nullptr;

@@ -14,6 +14,13 @@ struct ContentsEntry {
     QString page;  // empty: a heading without a page
 };
 
+/// A word under which a page is looked up.
+struct IndexEntry {
+    QString term;
+    QString title;  // of the page
+    QString page;   // may carry "#" and a place
+};
+
 /// The pages of one help. Paths name files inside it, without a slash in front; a page may carry
 /// "#" and the name of a place in it. What is read may be anything: it is checked where it is used.
 class IHelpSource {
@@ -28,6 +35,8 @@ public:
     [[nodiscard]] virtual QList<ContentsEntry> Contents() const = 0;
     /// All pages that a search looks through.
     [[nodiscard]] virtual QStringList Pages() const = 0;
+    /// In the order of the words; empty where a help has none.
+    [[nodiscard]] virtual QList<IndexEntry> Index() const = 0;
     /// A file; nullopt when there is none.
     [[nodiscard]] virtual std::optional<QByteArray> Read(const QString& path) const = 0;
     /// Our own pages, which may do what a stranger's may not: pictures as SVG, colours that

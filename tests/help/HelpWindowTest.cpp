@@ -99,6 +99,20 @@ TEST_F(HelpWindowTest, LinksHistoryAndSearch) {
     QTest::keyClick(field, Qt::Key_Return);
     EXPECT_EQ(page.ShownPage(), u"en/hysteresis.html"_s);
     EXPECT_EQ(page.textCursor().selectedText().toLower(), u"vacuum"_s);
+    // Words of the index come first, and the arrow keys go through them; several words may stand
+    // anywhere on a page.
+    field->setText(u"scan t"_s);
+    ASSERT_GT(matches->count(), 1);
+    EXPECT_EQ(matches->item(0)->text(), u"Scan Time – Archive dialog"_s);
+    QTest::keyClick(field, Qt::Key_Down);
+    EXPECT_EQ(page.ShownPage(), u"en/archive-dialog.html"_s);
+    QTest::keyClick(field, Qt::Key_Down);
+    EXPECT_EQ(matches->currentRow(), 1);
+    EXPECT_NE(page.ShownPage(), u"en/archive-dialog.html"_s);
+    QTest::keyClick(field, Qt::Key_Up);
+    EXPECT_EQ(page.ShownPage(), u"en/archive-dialog.html"_s);
+    field->setText(u"orders magnitude VACUUM"_s);
+    EXPECT_EQ(matches->count(), 1);
     field->setText(u"no such word anywhere"_s);
     EXPECT_EQ(matches->count(), 0);
     EXPECT_TRUE(window.findChild<QLabel*>(u"lblState"_s)->text().contains(u"no such word"_s));
