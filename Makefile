@@ -21,7 +21,7 @@ RUN_TARGETS := kvstudio KVArchivEditor kvs
 heading = @printf '\n== %s\n' "$(1)"
 
 .PHONY: help run build test test-release test-engine test-fuzz test-asan format check-format \
-	tidy pictures optimised bench install package test-package clean
+	tidy pictures manual optimised bench install package test-package clean
 
 help: ## Show the tasks
 	@echo "make TASK, where TASK is one of:"
@@ -93,10 +93,17 @@ tidy: ## Run clang-tidy over the product's code, changed files first
 	@scripts/tidy.sh build/clang
 
 pictures: ## Make the pictures in docs/images anew from the running program
-	@scripts/install-packages.sh build run
+	@scripts/install-packages.sh build run pictures
 	@cmake --preset release --log-level=WARNING
 	@cmake --build $(BUILD) --parallel $(JOBS)
 	@scripts/make-pictures.sh $(BUILD)
+
+manual: ## Write the manual as HTML and PDF, in build/manual
+	@scripts/install-packages.sh build run
+	@cmake --preset release --log-level=WARNING
+	@cmake --build $(BUILD) --parallel $(JOBS) --target kv_make_manual
+	@QT_QPA_PLATFORM=offscreen $(BUILD)/bin/kv_make_manual docs/images build/manual
+	@echo 'build/manual: html/index.html, manual-de.pdf, manual-en.pdf'
 
 optimised: ## Build what is installed and measured, in build/optimised
 	@scripts/install-packages.sh build
