@@ -7,7 +7,7 @@
 # Nothing missing: no word, no apt call. Works as root or through sudo.
 set -euo pipefail
 
-groups=(build run wayland test format tidy bench package package-test)
+groups=(build run wayland pictures test format tidy bench package package-test)
 declare -A packages=(
     # Compiler, linker, build tools, libraries with their headers (the presets build tests and
     # benchmarks).
@@ -18,6 +18,8 @@ declare -A packages=(
     [run]="fonts-dejavu-core qt6-translations-l10n"
     # Qt's platform for a desktop that offers Wayland and no X.
     [wayland]="qt6-wayland"
+    # A screen that nobody sees, and hands for it: the tutorial's pictures.
+    [pictures]="xvfb openbox xdotool imagemagick"
     # The second opinion on every dumped table, and the second compiler with its run-times for
     # sanitizers and fuzzing; llvm has the symbolizer that puts function names into their reports.
     [test]="mdbtools python3 clang-16 libclang-rt-16-dev llvm"

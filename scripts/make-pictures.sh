@@ -4,7 +4,8 @@
 #   scripts/make-pictures.sh BUILD_FOLDER
 #
 # The tests that look at windows keep what they see in the folder that KV_SCREENSHOTS names; the
-# studio leaves its own with --screenshot. A picture that nobody makes any more is an error.
+# studio leaves its own with --screenshot, and those of the tutorial are taken by walking through it.
+# A picture that nobody makes any more is an error.
 set -euo pipefail
 build=$(cd "${1:?usage: make-pictures.sh BUILD_FOLDER}" && pwd)
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -37,6 +38,8 @@ for language in de:1031 en:1033; do
     XDG_STATE_HOME=$folder "$build/bin/kvstudio" --registry "$registry" \
         --screenshot "$folder/studio-${language%:*}.png" examples/Brauerei.kvs 2>/dev/null
 done
+
+scripts/tutorial-pictures.sh "$build" "$folder"
 
 # What docs/images shows of all that.
 missing=0

@@ -52,12 +52,14 @@ QString WithDots(QString text) {
     return text.replace(kPlaceholders, u"…"_s).simplified();
 }
 
-/// As a label reads: without access key, without what behind many blanks is a key, and without
-/// what it says of a step only.
+/// As a label reads: without access key and colon, without what behind many blanks is a key, and
+/// without what it says of a step only.
 QString Label(int number, const TextTable& texts) {
     QString text = texts.GetText(number).remove(u'&');
     if (text.contains(u"<step>"_s)) text = texts::Fill(text, {{u"step", QString()}});
-    return WithDots(text.left(text.indexOf(u"  ")));
+    text = WithDots(text.left(text.indexOf(u"  ")));
+    if (text.endsWith(u':')) text.chop(1);
+    return text;
 }
 
 Inserted TextOf(QStringView key, const TextTable& texts) {
