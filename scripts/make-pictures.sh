@@ -4,7 +4,7 @@
 #   scripts/make-pictures.sh BUILD_FOLDER
 #
 # The tests that look at windows keep what they see in the folder that KV_SCREENSHOTS names; the
-# studio leaves its own with --screenshot, and those of the tutorial are taken by walking through it.
+# studio leaves its own with --screenshot; other windows and the tutorial are gone through by keys.
 # A picture that nobody makes any more is an error.
 set -euo pipefail
 build=$(cd "${1:?usage: make-pictures.sh BUILD_FOLDER}" && pwd)
@@ -39,6 +39,7 @@ for language in de:1031 en:1033; do
         --screenshot "$folder/studio-${language%:*}.png" examples/Brauerei.kvs 2>/dev/null
 done
 
+scripts/window-pictures.sh "$build" "$folder"
 scripts/tutorial-pictures.sh "$build" "$folder"
 
 # What docs/images shows of all that.
