@@ -132,7 +132,9 @@ QList<IndexEntry> BuiltInHelp::Index() const {
     QList<IndexEntry> entries;
     for (const QString& page : Pages()) {
         if (page.endsWith(kIndexPage)) continue;
-        entries += TermsOf(Read(page).value_or(QByteArray()), page);
+        const QList<IndexEntry> terms = TermsOf(Read(page).value_or(QByteArray()), page);
+        // The first page only names the others: its title is its one word.
+        entries += page == HomePage() ? terms.first(1) : terms;
     }
     Sort(entries);
     return entries;

@@ -44,15 +44,17 @@ QList<PageSearch::Match> PageSearch::Find(const QString& words) {
 
 QList<PageSearch::Match> PageSearch::FindInIndex(const QStringList& wanted) {
     if (!std::exchange(isIndexRead_, true)) index_ = source_->Index();
-    QList<Match> first;
-    QList<Match> then;
+    QList<Match> titles;
+    QList<Match> beginning;
+    QList<Match> others;
     for (const IndexEntry& entry : std::as_const(index_)) {
         if (!ContainsAll(entry.term, wanted)) continue;
         const bool isTitle = entry.term == entry.title;
-        const Match match{isTitle ? entry.title : entry.term + u" – "_s + entry.title, entry.page};
-        (entry.term.startsWith(wanted.front(), Qt::CaseInsensitive) ? first : then) += match;
+        const bool begins = entry.term.startsWith(wanted.front(), Qt::CaseInsensitive);
+        QList<Match>& matches = !begins ? others : isTitle ? titles : beginning;
+        matches += {isTitle ? entry.title : entry.term + u" – "_s + entry.title, entry.page};
     }
-    return first + then;
+    return titles + beginning + others;
 }
 
 const QString& PageSearch::TextOf(const QString& page) {

@@ -20,7 +20,7 @@ public:
     /// Borrowed; null: nothing is found.
     void SetSource(const IHelpSource* source);
 
-    /// Index words that begin so stand in front; none for blanks alone.
+    /// Pages whose titles begin so come first, then index words that do; nothing for blanks alone.
     [[nodiscard]] QList<Match> Find(const QString& words);
 
 private:

@@ -99,6 +99,8 @@ TEST_F(HelpWindowTest, LinksHistoryAndSearch) {
     QTest::keyClick(field, Qt::Key_Return);
     EXPECT_EQ(page.ShownPage(), u"en/hysteresis.html"_s);
     EXPECT_EQ(page.textCursor().selectedText().toLower(), u"vacuum"_s);
+    field->setText(u"hyst"_s);
+    EXPECT_EQ(matches->item(0)->text(), u"Hysteresis"_s) << "the page of that name comes first";
     // Words of the index come first, and the arrow keys go through them; several words may stand
     // anywhere on a page.
     field->setText(u"scan t"_s);

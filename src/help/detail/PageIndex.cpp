@@ -23,7 +23,7 @@ QString Plain(const QString& text) {
 }
 
 bool IsWord(const QString& term) {
-    static const QRegularExpression kKey(u"^F\\d+$|\\+\\S"_s);
+    static const QRegularExpression kKey(u"^F\\d+$|\\+\\S|\\|"_s);
     return term.size() > 2 && term.front().isLetter() && !kKey.match(term).hasMatch();
 }
 
@@ -75,7 +75,8 @@ private:
     }
 
     void Add(const QString& word, const QString& place) {
-        const QString term = word.simplified();
+        QString term = word.simplified();
+        if (term.endsWith(u"..."_s)) term.chop(3);  // of a command that asks first
         if (IsWord(term))
             entries_ += {term, title_, place.isEmpty() ? path_ : path_ + u'#' + place};
     }

@@ -12,7 +12,10 @@
         const holds = (text) => words.every((word) => text.toLowerCase().includes(word));
         const begins = (entry) => entry[0].toLowerCase().startsWith(words[0]);
         const terms = searchData.index.filter((entry) => holds(entry[0]));
-        const found = terms.filter(begins).concat(terms.filter((entry) => !begins(entry)))
+        const isTitle = (entry) => entry[0] === entry[1];
+        const found = terms.filter((entry) => begins(entry) && isTitle(entry))
+            .concat(terms.filter((entry) => begins(entry) && !isTitle(entry)))
+            .concat(terms.filter((entry) => !begins(entry)))
             .map(([term, title, page]) => [term === title ? term : term + " – " + title, page]);
         for (const [title, page, text] of searchData.pages) {
             if (holds(title + " " + text) && !found.some((match) => match[1] === page)) {
