@@ -14,6 +14,7 @@
 #include <QTextDocument>
 #include <stdexcept>
 
+#include "manual/PdfBookmarks.h"
 #include "texts/MResources.h"
 #include "texts/MResourceTable.h"
 
@@ -252,8 +253,15 @@ void WritePdf(const Manual& manual, const QString& pictures, const QString& file
     Document index(pictures);
     index.setHtml(Index(manual, places, before));
 
-    Printer printer(file, manual.title);
-    for (const Document* part : {&contents, &chapters, &index}) printer.Draw(*part);
+    {
+        Printer printer(file, manual.title);
+        for (const Document* part : {&contents, &chapters, &index}) printer.Draw(*part);
+    }
+    QList<Bookmark> bookmarks;
+    for (const Chapter& chapter : manual.chapters) {
+        bookmarks += {chapter.level, chapter.title, places.value(chapter.file) + before};
+    }
+    AddBookmarks(file, bookmarks);
 }
 
 }  // namespace manual

@@ -96,6 +96,23 @@ TEST_F(ManualTest, PaperHasAllChapters) {
     EXPECT_TRUE(pdf.startsWith("%PDF-"));
     // A page at least for each chapter, the contents and the index.
     EXPECT_GT(pdf.count("/Type /Page\n"), manuals_.back().chapters.size());
+
+    // Bookmarks: the last table of the file names the places of objects, and each is there.
+    EXPECT_EQ(pdf.count("/Title <FEFF"), manuals_.back().chapters.size());
+    const qsizetype table =
+        pdf.mid(pdf.lastIndexOf("startxref") + 9).simplified().split(' ').front().toLongLong();
+    ASSERT_TRUE(pdf.mid(table).startsWith("xref\n"));
+    int objects = 0;
+    int number = 0;
+    for (const QByteArray& line : pdf.mid(table, pdf.lastIndexOf("trailer") - table).split('\n')) {
+        const QList<QByteArray> words = line.simplified().split(' ');
+        if (words.size() == 2) number = words[0].toInt();
+        if (words.size() != 3) continue;
+        const QByteArray begins = QByteArray::number(number++) + " 0 obj";
+        EXPECT_TRUE(pdf.mid(words[0].toLongLong()).startsWith(begins)) << begins.toStdString();
+        ++objects;
+    }
+    EXPECT_EQ(objects, manuals_.back().chapters.size() + 2);
 }
 
 TEST_F(ManualTest, AMissingPictureIsNamed) {
