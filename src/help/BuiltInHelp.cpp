@@ -82,7 +82,7 @@ constexpr Chapter kChapters[] = {
 
 // Where a page lists the words of all pages, its own left out.
 constexpr QByteArrayView kIndexMark = "<!-- index -->";
-constexpr QLatin1StringView kIndexPage = "/words.html"_L1;
+constexpr QLatin1StringView kIndexPage = "words.html"_L1;
 
 }  // namespace
 
@@ -123,7 +123,9 @@ QList<ContentsEntry> BuiltInHelp::Contents() const {
 QStringList BuiltInHelp::Pages() const {
     QStringList pages;
     for (const Chapter& chapter : kChapters) {
-        pages += folder_ + u'/' + QLatin1StringView(chapter.page);
+        const QLatin1StringView page(chapter.page);
+        // The index holds every word, and explains none.
+        if (page != kIndexPage) pages += folder_ + u'/' + page;
     }
     return pages;
 }
@@ -131,7 +133,6 @@ QStringList BuiltInHelp::Pages() const {
 QList<IndexEntry> BuiltInHelp::Index() const {
     QList<IndexEntry> entries;
     for (const QString& page : Pages()) {
-        if (page.endsWith(kIndexPage)) continue;
         const QList<IndexEntry> terms = TermsOf(Read(page).value_or(QByteArray()), page);
         // The first page only names the others: its title is its one word.
         entries += page == HomePage() ? terms.first(1) : terms;

@@ -27,7 +27,7 @@ struct Manual {
     QString language;  // what it calls itself
     quint32 lcid = 0;
     QString title;
-    QList<Chapter> chapters;
+    QList<Chapter> chapters;        // the last one is the index
     QList<help::IndexEntry> index;  // pages without their folder
 };
 [[nodiscard]] Manual ReadManual(quint32 lcid);

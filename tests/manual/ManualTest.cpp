@@ -85,7 +85,8 @@ TEST_F(ManualTest, ABrowserFindsAllThatThePagesAskFor) {
     const QByteArray json =
         script.mid(script.indexOf('{'), script.lastIndexOf('}') + 1 - script.indexOf('{'));
     const QJsonObject data = QJsonDocument::fromJson(json).object();
-    EXPECT_EQ(data[u"pages"].toArray().size(), manuals_.back().chapters.size());
+    EXPECT_EQ(data[u"pages"].toArray().size(), manuals_.back().chapters.size() - 1)
+        << "all but the index";
     EXPECT_GT(data[u"index"].toArray().size(), 100);
 }
 
