@@ -5,10 +5,11 @@
 #include <span>
 
 #include "project/Changes.h"
+#include "project/FieldParts.h"
 #include "project/Schema.h"
-#include "tools/FieldWords.h"
 #include "tools/JsonText.h"
 #include "tools/TableChange.h"
+#include "unicode/Unicode.h"
 
 namespace tools {
 namespace {
@@ -48,6 +49,14 @@ Counts CountsOf(Rows rows) {
         ++(row.before.empty() ? counts.added : row.after.empty() ? counts.gone : counts.changed);
     }
     return counts;
+}
+
+/// What people call a part of a column.
+std::string CaptionOf(const project::FieldPart& part, const std::string& column,
+                      const words::Language& language) {
+    if (part.caption == 0) return column;
+    const std::string caption = unicode::ToUtf8(language.Text(part.caption));
+    return project::IsLanguageColumn(column) ? caption + ' ' + column : caption;
 }
 
 /// Calls `row` for each row of a project's tables and `rows` for all those of each other table.
@@ -151,12 +160,13 @@ private:
         }
         const std::string& name = (*row.columns)[column];
         const std::string_view target = project::TargetOf(row, name);
-        for (const FieldPart& part : PartsOf(row.table, name, language_)) {
-            const ado::Value after = PartOf(part, row.after[column]);
-            const ado::Value before = isNew ? ado::Value() : PartOf(part, row.before[column]);
+        for (const project::FieldPart& part : project::PartsOf(row.table, name)) {
+            const ado::Value after = project::PartOf(part, row.after[column]);
+            const ado::Value before =
+                isNew ? ado::Value() : project::PartOf(part, row.before[column]);
             const bool isNothing = part.mask != 0 && part.codes.empty() && after == ado::Value(0);
             if (isNew ? isNothing : project::IsSame(before, after)) continue;
-            out_.Append("  " + part.caption + ": ");
+            out_.Append("  " + CaptionOf(part, name, language_) + ": ");
             if (!isNew) {
                 AppendPart(part, target, before, false);
                 out_.Append(" -> ");
@@ -165,9 +175,10 @@ private:
             out_.Append('\n');
         }
     }
-    void AppendPart(const FieldPart& part, std::string_view target, const ado::Value& value,
-                    bool isLater) {
-        const std::string word = WordOf(part, value, language_);
+    void AppendPart(const project::FieldPart& part, std::string_view target,
+                    const ado::Value& value, bool isLater) {
+        const std::string word = unicode::ToUtf8(
+            project::WordOf(part, value, [this](int number) { return language_.Text(number); }));
         if (word.empty()) return AppendReference(target, value, isLater);
         out_.Append(word);
     }

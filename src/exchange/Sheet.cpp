@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "project/FieldParts.h"
 #include "project/Number.h"
 #include "project/Rows.h"
 
@@ -9,30 +10,15 @@ namespace exchange {
 namespace {
 
 using Role = SheetColumn::Role;
-using project::Code;
-namespace ArchiveType = project::ArchiveType;
 
 constexpr int kArchiveCaption = 201;
 constexpr int kDisplayTextCaption = 403;
-
-constexpr int kNo = 20;
-constexpr int kYes = 21;
-constexpr Code kStorage[] = {{0, 204}, {ArchiveType::kMainMemory, 205}};
-constexpr Code kSaveSafe[] = {{0, kNo}, {ArchiveType::kSaveSafe, kYes}};
-constexpr Code kRedundancy[] = {{0, kNo}, {ArchiveType::kRedundancy, kYes}};
 
 std::u16string Widened(std::string_view ascii) {
     return {ascii.begin(), ascii.end()};
 }
 
 }  // namespace
-
-std::vector<TypeBits> PartsOfType() {
-    return {{209, ArchiveType::kKindMask, project::ArchiveKinds()},
-            {203, ArchiveType::kMainMemory, kStorage},
-            {207, ArchiveType::kSaveSafe, kSaveSafe},
-            {208, ArchiveType::kRedundancy, kRedundancy}};
-}
 
 Sheet::Sheet(ado::Connection& connection, SheetKind kind) : kind_(kind) {
     project::Rows rows(connection);
@@ -72,7 +58,7 @@ void Sheet::AddOwn(const ado::Recordset& rows, const project::Column& column) {
 }
 
 void Sheet::AddTypeBits(const ado::Field& field, const project::Column& column) {
-    for (const TypeBits& part : PartsOfType()) {
+    for (const project::FieldPart& part : project::PartsOfType()) {
         columns_.push_back({.role = Role::Bits,
                             .table = TableOf(kind_),
                             .field = field,

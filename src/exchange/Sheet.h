@@ -18,14 +18,6 @@ namespace exchange {
 
 enum class SheetKind : std::uint8_t { Archives, Trends };
 
-/// A part of the number in `Type` of an archive.
-struct TypeBits {
-    int caption;  // number of the heading's text
-    std::int32_t mask;
-    std::span<const project::Code> codes;
-};
-[[nodiscard]] std::vector<TypeBits> PartsOfType();
-
 /// One column of a sheet, and where its values are stored.
 struct SheetColumn {
     enum class Role : std::uint8_t {

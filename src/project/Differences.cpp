@@ -103,7 +103,13 @@ bool IsSame(const ado::Value& a, const ado::Value& b) {
     return a.index() == b.index() && isNoNumber(a) && isNoNumber(b);
 }
 
-Differences Compare(ado::Connection& before, ado::Connection& after) {
+Differences Compare(ado::Connection& before, ado::Connection& after,
+                    const std::function<bool(std::size_t rows)>& goOn) {
+    constexpr std::size_t kPortion = 512;  // rows
+    std::size_t looked = 0;
+    const auto look = [&] {
+        if (++looked % kPortion == 0 && goOn && !goOn(looked)) throw CompareStopped();
+    };
     const ado::OneState earlier(before);
     const ado::OneState later(after);
     Differences found;
@@ -112,7 +118,7 @@ Differences Compare(ado::Connection& before, ado::Connection& after) {
         if (std::ranges::count(others, table) == 0) {
             found.tables.push_back({TableDifference::Kind::TableGone, table, {}});
         } else {
-            TableCompare(before, after, table).Run(found);
+            TableCompare(before, after, table, look).Run(found);
         }
     }
     const std::vector<std::string> known = before.TableNames();

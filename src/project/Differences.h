@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -41,9 +44,18 @@ struct Differences {
     [[nodiscard]] bool IsEmpty() const noexcept { return rows.empty() && tables.empty(); }
 };
 
+/// A comparison that was told to stop.
+class CompareStopped : public std::runtime_error {
+public:
+    CompareStopped() : std::runtime_error("the comparison has been stopped") {}
+};
+
 /// Compares two projects, each in one committed state; nothing but what differs is kept. Throws
-/// ado::AdoError when something cannot be read. Both connections are open, and borrowed.
-[[nodiscard]] Differences Compare(ado::Connection& before, ado::Connection& after);
+/// ado::AdoError when something cannot be read. Both connections are open, and borrowed. `goOn`
+/// hears every few hundred rows how many have been looked at, and throws CompareStopped by giving
+/// false; may be empty.
+[[nodiscard]] Differences Compare(ado::Connection& before, ado::Connection& after,
+                                  const std::function<bool(std::size_t rows)>& goOn = {});
 
 /// A project that is new, or gone, as a whole.
 [[nodiscard]] Differences CompareWithNothing(ado::Connection& project, bool isNew);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
+#include <utility>
 
 #include "project/Schema.h"
 
@@ -79,8 +80,8 @@ std::size_t HashOf(const std::vector<ado::Value>& values) {
 }  // namespace
 
 TableCompare::TableCompare(ado::Connection& before, ado::Connection& after,
-                           const std::string& table)
-    : table_(table) {
+                           const std::string& table, std::function<void()> look)
+    : table_(table), look_(std::move(look)) {
     sides_[0].rows.Open(table, before, ado::CommandType::Table);
     sides_[1].rows.Open(table, after, ado::CommandType::Table);
 }
@@ -137,6 +138,7 @@ bool TableCompare::CompareByNumber(Rows& found) {
     Numbers before(sides_[0].rows);
     Numbers after(sides_[1].rows);
     while (!before.IsAtEnd() || !after.IsAtEnd()) {
+        look_();
         const bool isGone =
             after.IsAtEnd() || (!before.IsAtEnd() && before.Number() < after.Number());
         const bool isNew =
@@ -162,6 +164,7 @@ void TableCompare::CompareAsSets(Rows& found) {
     for (Side& side : sides_) {
         const std::ptrdiff_t each = &side == &sides_[0] ? 1 : -1;
         for (ToFirst(side.rows); !side.rows.IsEOF(); side.rows.MoveNext()) {
+            look_();
             const auto at = counts.try_emplace(HashOf(ValuesOf(side)), 0).first;
             at->second += each;
             if (at->second == 0) counts.erase(at);

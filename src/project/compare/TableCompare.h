@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -13,8 +14,9 @@ namespace project {
 /// A table of two projects, row by row.
 class TableCompare {
 public:
-    /// Both have the table. The connections are borrowed.
-    TableCompare(ado::Connection& before, ado::Connection& after, const std::string& table);
+    /// Both have the table. The connections are borrowed. `look` is called for each row.
+    TableCompare(ado::Connection& before, ado::Connection& after, const std::string& table,
+                 std::function<void()> look);
 
     /// Adds what differs.
     void Run(Differences& found);
@@ -40,6 +42,7 @@ private:
     [[nodiscard]] ado::RowChange Change(const Side* before, const Side* after) const;
 
     std::string table_;
+    std::function<void()> look_;
     std::array<Side, 2> sides_;
     std::shared_ptr<const std::vector<std::string>> columns_;  // of both
 };
