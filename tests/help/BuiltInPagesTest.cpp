@@ -77,6 +77,8 @@ TEST_P(BuiltInPagesTest, EveryTopicLeadsToAPageAndAPlace) {
         EXPECT_FALSE(Resolve(page.section(u'#', 0, 0), page.section(u'/', 1)).isEmpty())
             << topic << " " << page.toStdString();
     }
+    EXPECT_EQ(QSet<int>(topics.begin(), topics.end()).size(), topics.size())
+        << "two pages have one number: the second is never shown";
     EXPECT_EQ(help_.TopicPage(4711), QString());
 }
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # What is written beside the programs says what they do: manuals in both languages name every command
-# and option, the package needs what the build needs, and what a desktop reads is valid. A tool that
-# this machine has not is named, and what it would check is left out.
+# and option, the help every command, the package needs what the build needs, and what a desktop reads
+# is valid. A tool that this machine has not is named, and what it would check is left out.
 #
 #   papers.sh PROGRAM...
 set -euo pipefail
@@ -22,6 +22,13 @@ for program in "$@"; do
         done
         for option in $(sed -n 's/.* -l \([a-z-]*\) .*/\1/p' <<<"$completion" | sort -u); do
             grep -Eq -- "--$option( |\"|$)" <<<"$plain" || complain "$page: no option --$option"
+        done
+    done
+    # The help has a page for the tool, with all its commands.
+    for page in "$root"/help/*/"$name.html"; do
+        [[ -e $page ]] || continue
+        for command in $(sed -n 's/.* -f -a \([a-z-]*\) .*/\1/p' <<<"$completion"); do
+            grep -q "<b>$name $command</b>" "$page" || complain "$page: no command $command"
         done
     done
 done
