@@ -62,6 +62,12 @@ constexpr Key kFindingsKeys[] = {
     {Place::Tree, Qt::Key_F4}, {Place::Archives, Qt::Key_F4}, {Place::Trends, Qt::Key_F4}};
 constexpr Key kDuplicateByPatternKeys[] = {{Place::Tree, Qt::CTRL | Qt::Key_F8},
                                            {Place::Archives, Qt::CTRL | Qt::Key_F8}};
+constexpr Key kExportKeys[] = {{Place::Tree, Qt::CTRL | Qt::SHIFT | Qt::Key_E},
+                               {Place::Archives, Qt::CTRL | Qt::SHIFT | Qt::Key_E},
+                               {Place::Trends, Qt::CTRL | Qt::SHIFT | Qt::Key_E}};
+constexpr Key kImportKeys[] = {{Place::Tree, Qt::CTRL | Qt::SHIFT | Qt::Key_I},
+                               {Place::Archives, Qt::CTRL | Qt::SHIFT | Qt::Key_I},
+                               {Place::Trends, Qt::CTRL | Qt::SHIFT | Qt::Key_I}};
 constexpr Key kHelpKeys[] = {
     {Place::Tree, Qt::Key_F1}, {Place::Archives, Qt::Key_F1}, {Place::Trends, Qt::Key_F1}};
 
@@ -115,6 +121,8 @@ constexpr Command kCommands[] = {
      kFindingsKeys},
     {DuplicateByPattern, u"mnuDuplicateByPattern", kTextDuplicateByPattern, kNone,
      kTextKeyDuplicateByPattern, u"", kArchive | kWriting, kDuplicateByPatternKeys},
+    {Export, u"mnuExtra(9)", kTextExport, kNone, kTextKeyExport, u"", 0, kExportKeys},
+    {Import, u"mnuExtra(10)", kTextImport, kNone, kTextKeyImport, u"", kWriting, kImportKeys},
     {Help, u"mnuHelp", kNone, kNone, kTextKeyHelp, u"", 0, kHelpKeys},
 };
 static_assert(std::size(kCommands) == static_cast<std::size_t>(Separator));
@@ -137,8 +145,8 @@ constexpr Id kEditMenu[] = {Undo,
                             Find,
                             FindInProject,
                             ReplaceInProject};
-constexpr Id kExtrasMenu[] = {Statistic, Report,    Refresh,      Separator,
-                              Options,   Separator, ProjectTable, Findings};
+constexpr Id kExtrasMenu[] = {Statistic,    Report,   Refresh,   Separator, Options, Separator,
+                              ProjectTable, Findings, Separator, Export,    Import};
 constexpr Menu kMenus[] = {
     {u"mnuArchive", kTextMenuArchive, u"mnuArchiv", kArchiveMenu},
     {u"mnuTrends", kTextMenuTrends, u"mnuTrend", kTrendMenu},
@@ -152,11 +160,11 @@ constexpr Id kToolBar[] = {NewArchive, EditArchive, DeleteArchive, Separator, Ne
                            Findings,   Report,      Refresh,       Options};
 constexpr Id kArchiveContext[] = {
     NewArchive, EditArchive, DeleteArchive, Separator,          Undo, Redo,
-    Separator,  Copy,        Duplicate,     DuplicateByPattern, Find};
-constexpr Id kTrendContext[] = {NewTrend,  EditTrend, EditTrends,   DeleteTrend, Separator,
-                                Undo,      Redo,      Separator,    Copy,        Paste,
-                                Duplicate, Fill,      FillCounting, Clear,       Separator,
-                                SelectAll, Find,      WhereUsed,    Separator,   FreezeName};
+    Separator,  Copy,        Duplicate,     DuplicateByPattern, Find, Export};
+constexpr Id kTrendContext[] = {
+    NewTrend,  EditTrend, EditTrends, DeleteTrend, Separator, Undo,         Redo,
+    Separator, Copy,      Paste,      Duplicate,   Fill,      FillCounting, Clear,
+    Separator, SelectAll, Find,       WhereUsed,   Export,    Separator,    FreezeName};
 
 /// The key stands in given texts behind many blanks.
 qsizetype GivenKeyAt(const QString& text) {

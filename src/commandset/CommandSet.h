@@ -45,6 +45,8 @@ enum class Id : std::uint8_t {
     TrendsByPattern,
     Findings,
     DuplicateByPattern,
+    Export,
+    Import,
     Help,
     Separator,  // no command: a line between them
 };

@@ -228,6 +228,8 @@ private:
     void ShowUsesOfCell();
     void MakeTrendsByPattern();
     void DuplicateArchiveByPattern();
+    void ExportRows();
+    void ImportRows();
     /// Says something in the status bar for a while; nobody has to answer.
     void Hint(int text);
     void Hint(const QString& text);

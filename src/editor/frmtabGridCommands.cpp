@@ -170,6 +170,10 @@ void frmtabGrid::Run(commandset::Id id) {
             return ToggleFindings();
         case Id::DuplicateByPattern:
             return DuplicateArchiveByPattern();
+        case Id::Export:
+            return ExportRows();
+        case Id::Import:
+            return ImportRows();
         case Id::Help:
             return ShowHelp();
         case Id::Separator:

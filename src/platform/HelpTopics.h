@@ -22,6 +22,7 @@ inline constexpr int kHelpKeys = 30009;  // all keys on one page
 inline constexpr int kHelpProjectTable = 30016;
 inline constexpr int kHelpReplace = 30022;   // find and replace over the project
 inline constexpr int kHelpPatterns = 30023;  // new trends by patterns
+inline constexpr int kHelpExchange = 30024;  // export and import for spreadsheets
 
 // Options dialog, a number for each page
 inline constexpr int kHelpOptionsCommon = 30010;
