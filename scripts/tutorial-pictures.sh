@@ -12,7 +12,10 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/screen.sh
 source scripts/screen.sh
 
-trends() { "$build/bin/kvs" export --language en --separator comma "$folder/brewery.kvs"; }
+# What is stored: `archives` or `trends`.
+stored() {
+    "$build/bin/kvs" export --sheet "$1" --language en --separator comma "$folder/brewery.kvs"
+}
 
 cp examples/Brauerei.kvs "$folder/brewery.kvs"
 start_screen 1060x680
@@ -24,12 +27,13 @@ picture tutorial-start
 keys F9
 window '^Archive$'
 text 'Water treatment'
-keys alt+y c c ctrl+Tab alt+i
+keys alt+y Down ctrl+Tab alt+i
 text water
 keys alt+g d alt+b
 text 30
 picture tutorial-archive
 keys Return
+stored archives | grep -q 'Water treatment.*Continuation File.*water' || give_up "the archive is another"
 
 # A first trend
 keys F6 F8
@@ -53,9 +57,9 @@ keys Tab
 text 'Feed water {temperature|pressure|pH}'
 picture tutorial-pattern
 keys alt+m
-[[ $(trends | grep -c '^[^,]*,Water treatment,') -eq 4 ]] || give_up "there are not four trends"
+[[ $(stored trends | grep -c '^[^,]*,Water treatment,') -eq 4 ]] || give_up "there are not four trends"
 keys ctrl+z
-[[ $(trends | grep -c '^[^,]*,Water treatment,') -eq 1 ]] || give_up "the step was not taken back"
+[[ $(stored trends | grep -c '^[^,]*,Water treatment,') -eq 1 ]] || give_up "the step was not taken back"
 keys ctrl+y
 picture tutorial-trends
 
