@@ -1,13 +1,12 @@
 #include "jet/CreateDatabase.h"
 
-#include <unistd.h>
-
 #include <array>
 #include <tuple>
 
 #include "jet/catalog/CatalogWriter.h"
 #include "jet/catalog/SystemTables.h"
 #include "jet/catalog/TableDefWriter.h"
+#include "jet/disk/SystemName.h"
 #include "jet/index/IndexNode.h"
 #include "jet/page/FileHeader.h"
 #include "jet/write/DataPageEditor.h"
@@ -157,7 +156,7 @@ Status CreateDatabase(Disk& disk, const std::string& path,
     JET_TRY(RequireNothing(disk, path));
     Image image;
     JET_ASSIGN(image, NewImage());
-    const std::string draft = path + ".new" + std::to_string(::getpid());
+    const std::string draft = path + ".new" + std::to_string(ProcessNumber());
     Status status = WriteNew(disk, draft, image);
     if (status.IsOk() && fill) status = Fill(disk, draft, fill);
     if (status.IsOk()) status = disk.GiveName(draft, path);

@@ -24,6 +24,8 @@ std::string Fault::Text() const {
             return place + ": the text is longer than cells have room for";
         case Kind::NotWritten:
             return "The workbook cannot be written" + why;
+        case Kind::Unavailable:
+            return "This program has been built without workbooks (.xlsx); use CSV";
         default:
             return {};
     }

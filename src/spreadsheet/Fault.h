@@ -17,6 +17,7 @@ struct Fault {
         TooManyRows,  // more than a sheet has room for; also when one is written
         TooLongText,  // for `cell` of `sheet`; also when one is written
         NotWritten,   // `detail` tells why
+        Unavailable,  // this program knows no workbooks
     };
     Kind kind = Kind::None;
     std::string part{};    // name in the archive

@@ -1,11 +1,10 @@
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <array>
 #include <filesystem>
 
 #include "jet/Disk.h"
-#include "jet/disk/OfdLocks.h"
+#include "jet/disk/SharedFile.h"
 #include "JetTesting.h"
 
 namespace jet {
@@ -16,16 +15,16 @@ namespace fs = std::filesystem;
 constexpr std::chrono::milliseconds kNoWait{0};
 
 // Where the locks lie: on the database, and on the lock file beside it.
-constexpr off_t kWriter = 0x100000000;
-constexpr off_t kPages = 0x100000001;
-constexpr off_t kPresence = 0x100000002;
-constexpr off_t kTurn = 0x100000003;
-constexpr off_t PageLock(std::uint32_t page) {
-    return 0x20000000 + 512 * off_t{page} + 1;
+constexpr std::uint64_t kWriter = 0x100000000;
+constexpr std::uint64_t kPages = 0x100000001;
+constexpr std::uint64_t kPresence = 0x100000002;
+constexpr std::uint64_t kTurn = 0x100000003;
+constexpr std::uint64_t PageLock(std::uint32_t page) {
+    return 0x20000000 + 512 * std::uint64_t{page} + 1;
 }
 
-OfdLocks Peek(const std::string& path) {
-    return OfdLocks(::open(path.c_str(), O_RDWR | O_CLOEXEC));
+std::unique_ptr<SharedFile> Peek(const std::string& path) {
+    return Must(SharedFile::Open(path, OpenMode::ReadWrite));
 }
 
 /// What one program has of a project, and another one that is in its way.
@@ -58,7 +57,7 @@ TEST_F(LockTest, PagesThatCannotAllBeLockedAreAllFreeAgain) {
     const struct {
         const char* name;
         const std::string file;
-        off_t at;
+        std::uint64_t at;
         bool isShared;
     } obstacles[] = {
         {"another program's lock on a page", LockFile(), PageLock(9), false},
@@ -68,22 +67,22 @@ TEST_F(LockTest, PagesThatCannotAllBeLockedAreAllFreeAgain) {
     for (const auto& obstacle : obstacles) {
         SCOPED_TRACE(obstacle.name);
         {
-            const OfdLocks other = Peek(obstacle.file);
-            ASSERT_TRUE(obstacle.isShared ? other.Shared(obstacle.at, 1)
-                                          : other.Exclusive(obstacle.at, 1));
+            const auto other = Peek(obstacle.file);
+            ASSERT_OK(obstacle.isShared ? other->Shared(obstacle.at, 1)
+                                        : other->Exclusive(obstacle.at, 1));
             EXPECT_EQ(locks_->LockPages(pages, kNoWait).Code(), StatusCode::Busy);
         }
-        for (const off_t at : {kWriter, kPages, kTurn}) {
-            EXPECT_FALSE(Peek(path_).IsHeldByOthers(at, 1)) << at - kWriter;
+        for (const std::uint64_t at : {kWriter, kPages, kTurn}) {
+            EXPECT_FALSE(Peek(path_)->IsHeldByOthers(at, 1)) << at - kWriter;
         }
         for (const PageNo page : pages) {
-            EXPECT_FALSE(Peek(LockFile()).IsHeldByOthers(PageLock(Raw(page)), 0x100));
+            EXPECT_FALSE(Peek(LockFile())->IsHeldByOthers(PageLock(Raw(page)), 0x100));
         }
         ASSERT_OK(locks_->LockPages(pages, kNoWait));
-        EXPECT_TRUE(Peek(LockFile()).IsHeldByOthers(PageLock(9), 0x100));
+        EXPECT_TRUE(Peek(LockFile())->IsHeldByOthers(PageLock(9), 0x100));
         locks_->UnlockPages();
-        EXPECT_FALSE(Peek(LockFile()).IsHeldByOthers(PageLock(9), 0x100));
-        EXPECT_FALSE(Peek(path_).IsHeldByOthers(kPages, 1));
+        EXPECT_FALSE(Peek(LockFile())->IsHeldByOthers(PageLock(9), 0x100));
+        EXPECT_FALSE(Peek(path_)->IsHeldByOthers(kPages, 1));
     }
 }
 
@@ -96,8 +95,8 @@ TEST_F(LockTest, WhoCannotBeAloneKeepsNobodyOut) {
     }
     {
         // A program that has no slot, since it may not write the lock file.
-        const OfdLocks reader = Peek(path_);
-        ASSERT_TRUE(reader.Shared(kPresence, 1));
+        const auto reader = Peek(path_);
+        ASSERT_OK(reader->Shared(kPresence, 1));
         EXPECT_EQ(locks_->LockAlone().Code(), StatusCode::Busy);
     }
     {
@@ -106,7 +105,7 @@ TEST_F(LockTest, WhoCannotBeAloneKeepsNobodyOut) {
         EXPECT_THAT(third->OtherUsers(), testing::SizeIs(1)) << "its own slot it keeps";
     }
     ASSERT_OK(locks_->LockAlone());
-    EXPECT_FALSE(Peek(path_).Shared(kPresence, 1));
+    EXPECT_EQ(Peek(path_)->Shared(kPresence, 1).Code(), StatusCode::Busy);
 }
 
 // The slot goes with the program, and the next one takes it.

@@ -218,7 +218,7 @@ TEST_F(ProcessTest, OneStateIsReadWhileAWriterWaitsAndTheWriterComesNext) {
     auto reader = Open(OpenMode::Read);
     auto table = Must(reader->OpenTable("TchrArchives"));
     const RowId row = AllRows(*table).at(0).Id();
-    auto later = Must(OpenFileLocks(path_, false));
+    auto later = Must(OpenFileLocks(path_, OpenMode::Read));
     Status committed(StatusCode::Busy, "");
     std::thread writer;
     {

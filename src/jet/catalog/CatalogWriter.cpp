@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <ctime>
 
 #include "jet/catalog/SystemTables.h"
@@ -19,9 +20,11 @@ Date Now() {
     const std::time_t seconds = std::time(nullptr);
     std::tm local{};
     ::localtime_r(&seconds, &local);
-    // What the local clock shows, as if it were UTC.
-    const std::time_t shown = ::timegm(&local);
-    return {kEpoch + static_cast<double>(shown) / 86'400};
+    const std::chrono::sys_days day =
+        std::chrono::year(local.tm_year + 1900) / (local.tm_mon + 1) / local.tm_mday;
+    const auto days = static_cast<double>(day.time_since_epoch().count());
+    const int second = (local.tm_hour * 60 + local.tm_min) * 60 + local.tm_sec;
+    return {kEpoch + days + second / 86'400.0};
 }
 
 /// Calls `use` for each row that can be read, with the values of the named columns.

@@ -1,61 +1,52 @@
 #include "jet/disk/FileLocks.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-
-#include "jet/disk/OfdLocks.h"
+#include "jet/disk/SharedFile.h"
 #include "jet/disk/UserFile.h"
 
 namespace jet {
 namespace {
 
 // Bytes of the database file itself that are locked and never written. A file has at most 2 GB.
-constexpr off_t kWriterLock = 0x100000000;
-constexpr off_t kPagesLock = 0x100000001;
-constexpr off_t kPresenceLock = 0x100000002;
-constexpr off_t kTurnLock = 0x100000003;  // held by a writer that waits for the pages
+constexpr std::uint64_t kWriterLock = 0x100000000;
+constexpr std::uint64_t kPagesLock = 0x100000001;
+constexpr std::uint64_t kPresenceLock = 0x100000002;
+constexpr std::uint64_t kTurnLock = 0x100000003;  // held by a writer that waits for the pages
 
 constexpr std::chrono::milliseconds kPresenceWait{5'000};
 
 class DatabaseLocks final : public Locks {
 public:
-    /// `locks` is the database, open for reading or for writing; `info` tells about it.
-    DatabaseLocks(std::unique_ptr<OfdLocks> locks, std::string path, const struct stat& info)
-        : locks_(std::move(locks)),
-          path_(std::move(path)),
-          device_(info.st_dev),
-          node_(info.st_ino) {}
+    /// `locks` is the database, open for reading or for writing.
+    DatabaseLocks(std::unique_ptr<SharedFile> locks, std::string path)
+        : locks_(std::move(locks)), path_(std::move(path)) {}
 
-    Status Join(const struct stat& info, bool forWriting) {
-        Status status = OfdLocks::Wait(kPresenceWait, "another program has the file for itself",
-                                       [&] { return locks_->Shared(kPresenceLock, 1); });
+    Status Join(OpenMode mode) {
+        Status status = SharedFile::Wait(kPresenceWait, "another program has the file for itself",
+                                         [&] { return locks_->Shared(kPresenceLock, 1); });
         // Where the file system knows no locks there is nobody to be kept apart from.
         isLockable_ = status.IsOk() || status.Code() == StatusCode::Busy;
-        if (isLockable_ || forWriting) JET_TRY(status);
-        JET_ASSIGN(users_, UserFile::Join(path_, info, forWriting, notice_));
+        if (isLockable_ || mode == OpenMode::ReadWrite) JET_TRY(status);
+        JET_ASSIGN(users_, UserFile::Join(path_, *locks_, mode, notice_));
         return {};
     }
 
     Status LockWriter(std::chrono::milliseconds wait) override {
         JET_TRY(OpenForWriting());
-        return OfdLocks::Wait(wait, "another program is changing the file",
-                              [&] { return locks_->Exclusive(kWriterLock, 1); });
+        return SharedFile::Wait(wait, "another program is changing the file",
+                                [&] { return locks_->Exclusive(kWriterLock, 1); });
     }
     void UnlockWriter() override { locks_->Unlock(kWriterLock, 1); }
 
     Status LockPagesShared(std::chrono::milliseconds wait) override {
         if (!isLockable_) return {};
-        return OfdLocks::Wait(wait, "another program is writing its changes",
-                              [&] { return locks_->Shared(kPagesLock, 1); });
+        return SharedFile::Wait(wait, "another program is writing its changes",
+                                [&] { return locks_->Shared(kPagesLock, 1); });
     }
 
     Status LetWriterFirst(std::chrono::milliseconds wait) override {
         if (!isLockable_) return {};
-        JET_TRY(OfdLocks::Wait(wait, "another program waits to write its changes",
-                               [&] { return locks_->Shared(kTurnLock, 1); }));
+        JET_TRY(SharedFile::Wait(wait, "another program waits to write its changes",
+                                 [&] { return locks_->Shared(kTurnLock, 1); }));
         locks_->Unlock(kTurnLock, 1);
         return {};
     }
@@ -69,9 +60,10 @@ public:
         // The other programs first: while they let this one wait, everybody can go on reading.
         if (users_ != nullptr) JET_TRY(users_->LockPages(changed, wait));
         const std::string what = "another program goes on reading";
-        Status status = OfdLocks::Wait(wait, what, [&] { return locks_->Exclusive(kTurnLock, 1); });
+        Status status =
+            SharedFile::Wait(wait, what, [&] { return locks_->Exclusive(kTurnLock, 1); });
         if (status.IsOk()) {
-            status = OfdLocks::Wait(wait, what, [&] { return locks_->Exclusive(kPagesLock, 1); });
+            status = SharedFile::Wait(wait, what, [&] { return locks_->Exclusive(kPagesLock, 1); });
         }
         locks_->Unlock(kTurnLock, 1);
         if (!status.IsOk() && users_ != nullptr) users_->UnlockPages();
@@ -93,7 +85,7 @@ public:
     Status LockAlone() override {
         JET_TRY(OpenForWriting());
         if (users_ == nullptr || users_->LockAllSlots()) {
-            if (locks_->Exclusive(kPresenceLock, 1)) return {};
+            if (locks_->Exclusive(kPresenceLock, 1).IsOk()) return {};
             if (users_ != nullptr) users_->UnlockOtherSlots();
         }
         return OthersAreThere(OtherUsers());
@@ -105,26 +97,21 @@ private:
     /// A program that only reads has to write when it puts back what another has left.
     /// REQUIRES: nothing but the presence is locked.
     Status OpenForWriting() {
-        if ((::fcntl(locks_->Descriptor(), F_GETFL) & O_ACCMODE) == O_RDWR) return {};
-        const int descriptor = ::open(path_.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW);
-        if (descriptor < 0) return Status::FromErrno(errno, "it cannot be opened for writing");
-        auto locks = std::make_unique<OfdLocks>(descriptor);
-        struct stat info {};
-        if (::fstat(descriptor, &info) != 0) return Status::FromErrno(errno, "locking the file");
-        if (info.st_ino != node_ || info.st_dev != device_) {
+        if (locks_->Mode() == OpenMode::ReadWrite) return {};
+        std::unique_ptr<SharedFile> locks;
+        JET_ASSIGN(locks, SharedFile::Open(path_, OpenMode::ReadWrite));
+        if (!(locks->Id() == locks_->Id())) {
             return {StatusCode::Conflict,
                     "another program has replaced or removed the file; open it again"};
         }
-        JET_TRY(OfdLocks::Wait(kPresenceWait, "another program has the file for itself",
-                               [&] { return locks->Shared(kPresenceLock, 1); }));
+        JET_TRY(SharedFile::Wait(kPresenceWait, "another program has the file for itself",
+                                 [&] { return locks->Shared(kPresenceLock, 1); }));
         locks_ = std::move(locks);
         return {};
     }
 
-    std::unique_ptr<OfdLocks> locks_;
+    std::unique_ptr<SharedFile> locks_;
     std::string path_;
-    dev_t device_;
-    ino_t node_;
     bool isLockable_ = true;
     std::unique_ptr<UserFile> users_;  // null: no lock file can be used
     std::string notice_;
@@ -139,15 +126,11 @@ Status OthersAreThere(const std::vector<std::string>& computers) {
             "other programs have the file open" + (names.empty() ? "" : " (on " + names + ")")};
 }
 
-Result<std::unique_ptr<Locks>> OpenFileLocks(const std::string& database, bool forWriting) {
-    const int access = forWriting ? O_RDWR : O_RDONLY;
-    const int descriptor = ::open(database.c_str(), access | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW);
-    if (descriptor < 0) return Status::FromErrno(errno, "it cannot be opened");
-    auto file = std::make_unique<OfdLocks>(descriptor);
-    struct stat info {};
-    if (::fstat(descriptor, &info) != 0) return Status::FromErrno(errno, "it cannot be opened");
-    auto locks = std::make_unique<DatabaseLocks>(std::move(file), database, info);
-    JET_TRY(locks->Join(info, forWriting));
+Result<std::unique_ptr<Locks>> OpenFileLocks(const std::string& database, OpenMode mode) {
+    std::unique_ptr<SharedFile> file;
+    JET_ASSIGN(file, SharedFile::Open(database, mode));
+    auto locks = std::make_unique<DatabaseLocks>(std::move(file), database);
+    JET_TRY(locks->Join(mode));
     return std::unique_ptr<Locks>(std::move(locks));
 }
 

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "jet/Locks.h"
+#include "jet/Disk.h"
 
 namespace jet {
 
@@ -12,6 +12,6 @@ namespace jet {
 /// other programs look at is the lock file beside it. Where that one cannot be made, as on
 /// read-only media, reading goes on without it.
 [[nodiscard]] Result<std::unique_ptr<Locks>> OpenFileLocks(const std::string& database,
-                                                           bool forWriting);
+                                                           OpenMode mode);
 
 }  // namespace jet

@@ -1,23 +1,20 @@
 #include "jet/disk/UserFile.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstring>
 #include <string_view>
 #include <thread>
+#include <tuple>
 
-#include "jet/disk/AccessRights.h"
+#include "jet/disk/SystemName.h"
 
 namespace jet {
 namespace {
 
-constexpr off_t kUserLock = 0x10000000;
-constexpr off_t kPageLock = 0x20000000;
-constexpr off_t kPageSpan = 0x200;
+constexpr std::uint64_t kUserLock = 0x10000000;
+constexpr std::uint64_t kPageLock = 0x20000000;
+constexpr std::uint64_t kPageSpan = 0x200;
 constexpr int kMostUsers = 255;
 constexpr std::size_t kUserSize = 64;
 constexpr std::size_t kNameSize = 32;
@@ -26,19 +23,23 @@ constexpr std::size_t kMostRuns = 512;  // the system's time for a lock grows wi
 constexpr auto kRetry = std::chrono::milliseconds(2);
 
 std::string PathFor(const std::string& database) {
-    const std::size_t slash = database.rfind('/');
+    const std::size_t slash = database.find_last_of(kSeparators);
     const std::size_t dot = database.rfind('.');
     const bool hasExtension =
         dot != std::string::npos && (slash == std::string::npos || dot > slash + 1);
     return database.substr(0, hasExtension ? dot : database.size()) + ".ldb";
 }
 
-off_t SlotOffset(int user) {
-    return static_cast<off_t>(kUserSize) * static_cast<off_t>(user - 1);
+std::uint64_t SlotOffset(int user) {
+    return kUserSize * (static_cast<std::uint64_t>(user) - 1);
 }
 
-bool IsSameFile(const struct stat& a, const struct stat& b) {
-    return a.st_ino == b.st_ino && a.st_dev == b.st_dev;
+std::uint64_t SlotLock(int user) {
+    return kUserLock + static_cast<std::uint64_t>(user);
+}
+
+std::uint64_t PageLock(std::uint32_t page) {
+    return kPageLock + kPageSpan * page + 1;
 }
 
 /// A text, the NUL at its end, and anything behind it.
@@ -50,66 +51,41 @@ bool IsName(std::string_view field) {
 }
 
 /// Whether the content is that of a lock file: slots and nothing else. A new one is empty.
-bool HasSlots(int descriptor) {
+bool HasSlots(const SharedFile& file) {
     std::string content((kMostUsers + 1) * kUserSize, '\0');
-    const ssize_t size = ::pread(descriptor, content.data(), content.size(), 0);
-    if (size < 0 || size > ssize_t{kMostUsers * kUserSize} || size % ssize_t{kUserSize} != 0) {
-        return false;
-    }
-    const std::string_view slots(content.data(), static_cast<std::size_t>(size));
+    const auto size = file.Read(0, std::as_writable_bytes(std::span(content)));
+    if (!size.IsOk() || *size > kMostUsers * kUserSize || *size % kUserSize != 0) return false;
+    const std::string_view slots(content.data(), *size);
     for (std::size_t at = 0; at < slots.size(); at += kNameSize) {
         if (!IsName(slots.substr(at, kNameSize))) return false;
     }
     return true;
 }
 
-/// Opens the file, or makes it with the rights of the database. Negative, with the reason in
-/// errno, when neither can be done.
-int OpenOrMake(const std::string& path, const struct stat& database, bool forWriting) {
-    constexpr int kFlags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
-    int descriptor = ::open(path.c_str(), O_RDWR | kFlags);
-    if (descriptor < 0 && errno == ENOENT) {
-        descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | kFlags, 0600);
-        if (descriptor >= 0) GiveAccessOf(database, descriptor);
-        // Somebody else was faster.
-        if (descriptor < 0 && errno == EEXIST) descriptor = ::open(path.c_str(), O_RDWR | kFlags);
-    }
-    const bool mayNot = descriptor < 0 && (errno == EACCES || errno == EROFS || errno == EPERM);
-    if (mayNot && !forWriting) {
-        const int error = errno;
-        descriptor = ::open(path.c_str(), O_RDONLY | kFlags);
-        if (descriptor < 0) errno = error;
-    }
-    return descriptor;
-}
-
 }  // namespace
 
-Result<std::unique_ptr<UserFile>> UserFile::Join(const std::string& database,
-                                                 const struct stat& info, bool forWriting,
+Result<std::unique_ptr<UserFile>> UserFile::Join(const std::string& path,
+                                                 const SharedFile& database, OpenMode mode,
                                                  std::string& why) {
     constexpr int kTries = 100;
-    const std::string path = PathFor(database);
+    const std::string own = PathFor(path);
     const auto notOurs = [&]() -> Result<std::unique_ptr<UserFile>> {
-        why = "\"" + path + "\" is no lock file and is left alone; other programs will not see " +
+        why = "\"" + own + "\" is no lock file and is left alone; other programs will not see " +
               "that this one has the database open";
         return std::unique_ptr<UserFile>();
     };
     for (int i = 0; i < kTries; ++i) {
-        const int descriptor = OpenOrMake(path, info, forWriting);
-        if (descriptor < 0) {
-            if (errno == ELOOP || errno == EISDIR || errno == ENXIO) return notOurs();
-            if (!forWriting) return std::unique_ptr<UserFile>();
-            return Status::FromErrno(errno, "its lock file \"" + path + "\" cannot be opened");
+        auto opened = SharedFile::OpenOrMake(own, database, mode);
+        if (!opened.IsOk()) {
+            if (opened.GetStatus().Code() == StatusCode::BadArgument) return notOurs();
+            if (mode == OpenMode::Read) return std::unique_ptr<UserFile>();
+            return opened.GetStatus().In("its lock file \"" + own + "\"");
         }
-        std::unique_ptr<UserFile> file(new UserFile(descriptor, path));
-        struct stat own {};
-        if (::fstat(descriptor, &own) != 0) return Status::FromErrno(errno, "its lock file");
         // A database may be called *.ldb itself.
-        if (IsSameFile(own, info)) return std::unique_ptr<UserFile>();
-        if (!S_ISREG(own.st_mode) || !HasSlots(descriptor)) return notOurs();
-        const bool canWrite = (::fcntl(descriptor, F_GETFL) & O_ACCMODE) == O_RDWR;
-        if (!canWrite) return file;
+        if ((*opened)->Id() == database.Id()) return std::unique_ptr<UserFile>();
+        if (!(*opened)->IsRegular() || !HasSlots(**opened)) return notOurs();
+        std::unique_ptr<UserFile> file(new UserFile(std::move(*opened), own));
+        if (file->file_->Mode() == OpenMode::Read) return file;
         if (file->TakeSlot()) {
             if (file->HasName()) return file;
             continue;
@@ -123,14 +99,12 @@ Result<std::unique_ptr<UserFile>> UserFile::Join(const std::string& database,
 UserFile::~UserFile() {
     // The last user removes the file. It holds every user's lock while it does, so that nobody can
     // have come in between; who comes now finds that the file has lost its name.
-    if (user_ > 0 && HasName() && HasSlots(locks_.Descriptor()) && LockAllSlots()) {
-        ::unlink(path_.c_str());
-    }
+    if (user_ > 0 && HasName() && HasSlots(*file_) && LockAllSlots()) file_->RemoveName(path_);
 }
 
 bool UserFile::TakeSlot() {
     for (user_ = 1; user_ <= kMostUsers; ++user_) {
-        if (locks_.Exclusive(kUserLock + user_, 1)) {
+        if (file_->Exclusive(SlotLock(user_), 1).IsOk()) {
             WriteName();
             return true;
         }
@@ -139,44 +113,52 @@ bool UserFile::TakeSlot() {
     return false;
 }
 
-/// False when the last user has removed the file meanwhile.
-bool UserFile::HasName() const {
-    struct stat own {};
-    struct stat named {};
-    return ::fstat(locks_.Descriptor(), &own) == 0 && ::lstat(path_.c_str(), &named) == 0 &&
-           IsSameFile(own, named);
-}
-
 /// The name is for people who look who is there; nothing depends on it.
 void UserFile::WriteName() const {
     std::array<char, kUserSize> slot{};
-    ::gethostname(slot.data(), kNameSize - 1);
+    ComputerName().copy(slot.data(), kNameSize - 1);
     std::strcpy(slot.data() + kNameSize, "Admin");
-    if (::pwrite(locks_.Descriptor(), slot.data(), slot.size(), SlotOffset(user_)) < 0) return;
+    std::ignore = file_->Write(SlotOffset(user_), std::as_bytes(std::span(slot)));
 }
 
 std::vector<std::string> UserFile::OtherUsers() const {
     std::vector<std::string> users;
     for (int user = 1; user <= kMostUsers; ++user) {
-        if (user == user_ || !locks_.IsHeldByOthers(kUserLock + user, 1)) continue;
+        if (user == user_ || !file_->IsHeldByOthers(SlotLock(user), 1)) continue;
         std::array<char, kNameSize + 1> name{};
-        const ssize_t size = ::pread(locks_.Descriptor(), name.data(), kNameSize, SlotOffset(user));
-        users.emplace_back(size > 0 ? name.data() : "?");
+        const auto field = std::as_writable_bytes(std::span(name)).first(kNameSize);
+        const auto size = file_->Read(SlotOffset(user), field);
+        users.emplace_back(size.IsOk() && *size > 0 ? name.data() : "?");
     }
     return users;
 }
 
+// Its own lock parts the others.
+
 bool UserFile::LockAllSlots() const {
-    return locks_.Exclusive(kUserLock + 1, kMostUsers);
+    if (user_ > 1 && !file_->Exclusive(SlotLock(1), SlotsBefore()).IsOk()) return false;
+    if (user_ == kMostUsers || file_->Exclusive(SlotLock(user_ + 1), SlotsBehind()).IsOk()) {
+        return true;
+    }
+    if (user_ > 1) file_->Unlock(SlotLock(1), SlotsBefore());
+    return false;
 }
 
 void UserFile::UnlockOtherSlots() const {
-    if (user_ > 1) locks_.Unlock(kUserLock + 1, user_ - 1);
-    if (user_ < kMostUsers) locks_.Unlock(kUserLock + user_ + 1, kMostUsers - user_);
+    if (user_ > 1) file_->Unlock(SlotLock(1), SlotsBefore());
+    if (user_ < kMostUsers) file_->Unlock(SlotLock(user_ + 1), SlotsBehind());
 }
 
-off_t UserFile::Length(const Run& run) const {
-    return kPageSpan * off_t{run.last - run.first} + 0x100 + user_;
+std::uint64_t UserFile::SlotsBefore() const {
+    return static_cast<std::uint64_t>(user_) - 1;
+}
+
+std::uint64_t UserFile::SlotsBehind() const {
+    return static_cast<std::uint64_t>(kMostUsers - user_);
+}
+
+std::uint64_t UserFile::Length(const Run& run) const {
+    return kPageSpan * (run.last - run.first) + 0x100 + static_cast<std::uint64_t>(user_);
 }
 
 std::vector<UserFile::Run> UserFile::RunsOf(std::span<const PageNo> pages) {
@@ -197,9 +179,9 @@ Status UserFile::LockPages(std::span<const PageNo> pages, std::chrono::milliseco
     for (const Run& run : RunsOf(pages)) {
         std::string what = "another program has locked page " + std::to_string(run.first);
         if (run.last > run.first) what += " or one up to " + std::to_string(run.last);
-        const off_t begin = kPageLock + kPageSpan * off_t{run.first} + 1;
+        const std::uint64_t begin = PageLock(run.first);
         Status status =
-            OfdLocks::Wait(wait, what, [&] { return locks_.Exclusive(begin, Length(run)); });
+            SharedFile::Wait(wait, what, [&] { return file_->Exclusive(begin, Length(run)); });
         if (!status.IsOk()) {
             UnlockPages();
             return status;
@@ -211,7 +193,7 @@ Status UserFile::LockPages(std::span<const PageNo> pages, std::chrono::milliseco
 
 void UserFile::UnlockPages() {
     for (const Run& run : locked_) {
-        locks_.Unlock(kPageLock + kPageSpan * off_t{run.first} + 1, Length(run));
+        file_->Unlock(PageLock(run.first), Length(run));
     }
     locked_.clear();
 }

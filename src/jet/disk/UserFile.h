@@ -1,14 +1,12 @@
 #pragma once
 
-#include <sys/stat.h>
-
 #include <chrono>
 #include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
-#include "jet/disk/OfdLocks.h"
+#include "jet/disk/SharedFile.h"
 #include "jet/Types.h"
 
 namespace jet {
@@ -26,13 +24,13 @@ namespace jet {
 /// removed, whoever has put it there.
 class UserFile {
 public:
-    /// Joins the users of the database at `database`, which `info` tells about. Null when there is
+    /// Joins the users of the database at `path`, which `database` has open. Null when there is
     /// no lock file to be used: `why` then says what lies in its place, or is empty when there is
-    /// nothing to be told. Fails when all slots are taken, or when it cannot be opened
-    /// `forWriting`.
-    [[nodiscard]] static Result<std::unique_ptr<UserFile>> Join(const std::string& database,
-                                                                const struct stat& info,
-                                                                bool forWriting, std::string& why);
+    /// nothing to be told. Fails when all slots are taken, or when it cannot be opened and `mode`
+    /// is for writing.
+    [[nodiscard]] static Result<std::unique_ptr<UserFile>> Join(const std::string& path,
+                                                                const SharedFile& database,
+                                                                OpenMode mode, std::string& why);
     ~UserFile();
     UserFile(const UserFile&) = delete;
     UserFile& operator=(const UserFile&) = delete;
@@ -55,14 +53,17 @@ private:
         std::uint32_t first = 0;
         std::uint32_t last = 0;
     };
-    UserFile(int descriptor, std::string path) : locks_(descriptor), path_(std::move(path)) {}
+    UserFile(std::unique_ptr<SharedFile> file, std::string path)
+        : file_(std::move(file)), path_(std::move(path)) {}
     [[nodiscard]] static std::vector<Run> RunsOf(std::span<const PageNo> pages);
     [[nodiscard]] bool TakeSlot();
-    [[nodiscard]] bool HasName() const;
-    [[nodiscard]] off_t Length(const Run& run) const;
+    [[nodiscard]] bool HasName() const { return file_->HasName(path_); }
+    [[nodiscard]] std::uint64_t Length(const Run& run) const;
+    [[nodiscard]] std::uint64_t SlotsBefore() const;
+    [[nodiscard]] std::uint64_t SlotsBehind() const;
     void WriteName() const;
 
-    OfdLocks locks_;
+    std::unique_ptr<SharedFile> file_;
     std::string path_;
     int user_ = 0;
     std::vector<Run> locked_;

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "jet/disk/SystemName.h"
 #include "jet/page/GlobalMap.h"
 
 namespace jet {
@@ -103,7 +104,7 @@ std::size_t Journal::Head::RecordHead() const {
 
 std::string Journal::DatabaseOf(const std::string& path) {
     const std::string_view suffix(kSuffix);
-    const bool isJournal = path.size() > suffix.size() && path[0] == '/' &&
+    const bool isJournal = path.size() > suffix.size() && IsWholePath(path) &&
                            path.compare(path.size() - suffix.size(), suffix.size(), suffix) == 0;
     return isJournal ? path.substr(0, path.size() - suffix.size()) : std::string();
 }

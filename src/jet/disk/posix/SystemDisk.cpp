@@ -13,9 +13,9 @@
 #include <tuple>
 #include <utility>
 
-#include "jet/disk/AccessRights.h"
-#include "jet/disk/Descriptor.h"
 #include "jet/disk/FileLocks.h"
+#include "jet/disk/posix/AccessRights.h"
+#include "jet/disk/posix/Descriptor.h"
 
 namespace jet {
 namespace {
@@ -309,7 +309,7 @@ public:
     }
 
     Result<std::unique_ptr<Locks>> OpenLocks(const std::string& database, OpenMode mode) override {
-        return OpenFileLocks(database, mode == OpenMode::ReadWrite);
+        return OpenFileLocks(database, mode);
     }
 
     Status GiveName(const std::string& from, const std::string& to) override {

@@ -1,4 +1,4 @@
-#include "jet/disk/AccessRights.h"
+#include "jet/disk/posix/AccessRights.h"
 
 #include <grp.h>
 #include <pwd.h>

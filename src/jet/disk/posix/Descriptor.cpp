@@ -1,4 +1,4 @@
-#include "jet/disk/Descriptor.h"
+#include "jet/disk/posix/Descriptor.h"
 
 #include <unistd.h>
 
