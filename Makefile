@@ -20,8 +20,8 @@ RUN_TARGETS := kvstudio KVArchivEditor kvs
 
 heading = @printf '\n== %s\n' "$(1)"
 
-.PHONY: help run build test test-release test-engine test-fuzz test-asan format check-format \
-	tidy pictures manual optimised bench install package test-package clean
+.PHONY: help run build test test-release test-engine test-fuzz test-asan test-windows format \
+	check-format tidy pictures manual optimised bench install package test-package clean
 
 help: ## Show the tasks
 	@echo "make TASK, where TASK is one of:"
@@ -75,6 +75,14 @@ test-asan: ## Build with clang 16 and run the tests under the address and undefi
 	@cmake --build build/asan --parallel $(JOBS)
 	@LSAN_OPTIONS=suppressions=$(CURDIR)/scripts/leaks-outside.txt:print_suppressions=0 \
 		ctest --preset asan --parallel $(JOBS)
+
+# Apart from `make test`: it compiles the engine once more, and Wine takes its time.
+test-windows: ## Build the engine and kvs for Windows and run their tests under Wine
+	@scripts/install-packages.sh build windows
+	$(call heading,The engine and kvs for Windows)
+	@cmake --preset windows -DKV_WARNINGS_AS_ERRORS=ON --log-level=WARNING
+	@cmake --build build/windows --parallel $(JOBS)
+	@ctest --preset windows --parallel $(JOBS)
 
 format: ## Format all C++ files
 	@scripts/install-packages.sh format

@@ -144,6 +144,18 @@ function(kv_test name)
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
 endfunction()
 
+# kv_posix_sources(LIST source...): adds the sources to the list, where the system is one that they are
+# for; elsewhere says that they are left out.
+function(kv_posix_sources list)
+  if(WIN32)
+    get_filename_component(folder "${CMAKE_CURRENT_SOURCE_DIR}" NAME)
+    list(JOIN ARGN ", " names)
+    message(NOTICE "Left out of tests/${folder} on this system: ${names}")
+  else()
+    set(${list} ${${list}} ${ARGN} PARENT_SCOPE)
+  endif()
+endfunction()
+
 # kv_use_qt(TARGET [CORE]): Qt's generators for a target with Q_OBJECT, .ui or .qrc. CORE: it has no
 # widgets.
 function(kv_use_qt target)

@@ -7,7 +7,7 @@
 # Nothing missing: no word, no apt call. Works as root or through sudo.
 set -euo pipefail
 
-groups=(build run wayland pictures test format tidy bench package package-test)
+groups=(build run wayland pictures test windows format tidy bench package package-test)
 declare -A packages=(
     # Compiler, linker, build tools, libraries with their headers (the presets build tests and
     # benchmarks).
@@ -23,6 +23,8 @@ declare -A packages=(
     # The second opinion on every dumped table, and the second compiler with its run-times for
     # sanitizers and fuzzing; llvm has the symbolizer that puts function names into their reports.
     [test]="mdbtools python3 clang-16 libclang-rt-16-dev llvm"
+    # The compiler for Windows, GoogleTest's sources for it, and what runs its programs.
+    [windows]="g++-mingw-w64-x86-64-posix googletest wine64"
     [format]="clang-format"
     [tidy]="clang-tidy python3"
     [bench]="mdbtools time"

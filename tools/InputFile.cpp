@@ -1,13 +1,10 @@
 #include "tools/InputFile.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <algorithm>
 #include <cerrno>
 #include <span>
 
 #include "jet/UnnamedFile.h"
+#include "paths/NewFile.h"
 
 namespace tools {
 namespace {
@@ -17,27 +14,23 @@ constexpr std::size_t kBlock = std::size_t{256} << 10;  // bytes
 }  // namespace
 
 InputFile::~InputFile() {
-    if (descriptor_ > STDIN_FILENO) ::close(descriptor_);
+    if (stream_ != nullptr && stream_ != stdin) std::fclose(stream_);
 }
 
 jet::Status InputFile::Open(const std::string& name) {
-    descriptor_ = STDIN_FILENO;
+    stream_ = stdin;
     if (name == "-") return {};
     name_ = "\"" + name + "\"";
-    descriptor_ = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor_ >= 0) return {};
+    stream_ = paths::OpenStream(name, 'r');
+    if (stream_ != nullptr) return {};
     return jet::Status::FromErrno(errno, name_ + " cannot be opened");
 }
 
 /// Fills `into`, or as much of it as there is; what does not fit comes with the next call.
 jet::Result<std::size_t> InputFile::ReadOn(std::string& into) const {
-    for (;;) {
-        const ssize_t count = ::read(descriptor_, into.data(), into.size());
-        if (count >= 0) return static_cast<std::size_t>(count);
-        if (errno != EINTR) {
-            return jet::Status::FromErrno(errno, name_ + " cannot be read");
-        }
-    }
+    const std::size_t count = std::fread(into.data(), 1, into.size(), stream_);
+    if (count > 0 || std::ferror(stream_) == 0) return count;
+    return jet::Status::FromErrno(errno, name_ + " cannot be read");
 }
 
 jet::Status InputFile::Collect() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -35,7 +36,7 @@ public:
 private:
     [[nodiscard]] jet::Result<std::size_t> ReadOn(std::string& into) const;
 
-    int descriptor_ = -1;
+    std::FILE* stream_ = nullptr;  // borrowed where it is standard input
     std::string name_ = "standard input";
     std::uint64_t at_ = 0;              // offset of the next byte
     std::string memory_;                // the first of it

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cstdlib>
 #include <ctime>
 
 #include "ado/AdoError.h"
@@ -11,6 +10,7 @@
 #include "tools/Commands.h"
 #include "tools/FindingWriter.h"
 #include "tools/Messages.h"
+#include "tools/System.h"
 #include "unicode/Unicode.h"
 
 namespace tools {
@@ -108,10 +108,9 @@ std::string WrongWish(const LintOptions& options) {
 ExitStatus Accept(const std::string& file, const std::string& settingsFile,
                   const LintOptions& options, const project::Judgement& judgement, std::FILE* out,
                   std::FILE* err) {
-    const char* user = std::getenv("USER");
     project::Acceptance form;
     form.reason = options.reason;
-    form.by = !options.by.empty() ? options.by : user != nullptr ? user : "";
+    form.by = !options.by.empty() ? options.by : UserName();
     form.until = options.until;
     std::vector<project::Acceptance> accepted;
     if (project::FindRule(options.accept) != nullptr) {

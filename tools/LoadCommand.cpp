@@ -1,6 +1,3 @@
-#include <poll.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <functional>
@@ -11,6 +8,7 @@
 #include "tools/Commands.h"
 #include "tools/InputFile.h"
 #include "tools/KeyedRows.h"
+#include "tools/System.h"
 #include "tools/TableChange.h"
 #include "tools/ValueParser.h"
 
@@ -21,7 +19,7 @@ namespace {
 /// must not wait for a terminal that somebody has stopped: what that does not take is left out.
 class Progress {
 public:
-    explicit Progress(std::FILE* stream) : stream_(stream), isShown_(::isatty(::fileno(stream))) {}
+    explicit Progress(std::FILE* stream) : stream_(stream), isShown_(IsTerminal(stream)) {}
     ~Progress() {
         if (isShown_ && count_ >= kEvery) Show("\r\033[K");
     }
@@ -37,10 +35,7 @@ private:
     static constexpr std::size_t kEvery = 1000;
 
     void Show(const std::string& text) const {
-        pollfd terminal{::fileno(stream_), POLLOUT, 0};
-        if (::poll(&terminal, 1, 0) == 1 && (terminal.revents & POLLOUT) != 0) {
-            std::fputs(text.c_str(), stream_);
-        }
+        if (TakesText(stream_)) std::fputs(text.c_str(), stream_);
     }
 
     std::FILE* stream_;

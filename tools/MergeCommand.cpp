@@ -15,8 +15,9 @@ namespace {
 
 /// "project.kvs" -> "project-merge.kvs", beside it.
 std::string DraftName(const std::string& path) {
-    const std::filesystem::path file(path);
-    return file.parent_path() / (file.stem().string() + "-merge" + file.extension().string());
+    const std::filesystem::path file = paths::FileOf(path);
+    return paths::TextOf(file.parent_path() / file.stem()) + "-merge" +
+           paths::TextOf(file.extension());
 }
 
 jet::Status CopyTo(jet::File& copy, const jet::File& file) {
@@ -47,8 +48,10 @@ public:
 
     jet::Status Make() {
         std::error_code error;
-        replaces_ = std::filesystem::equivalent(mine_, result_, error);
-        if (!replaces_ && std::filesystem::exists(std::filesystem::symlink_status(result_))) {
+        replaces_ =
+            std::filesystem::equivalent(paths::FileOf(mine_), paths::FileOf(result_), error);
+        if (!replaces_ &&
+            std::filesystem::exists(std::filesystem::symlink_status(paths::FileOf(result_)))) {
             return {jet::StatusCode::Duplicate,
                     "there is something called \"" + result_ + "\" already"};
         }
@@ -97,8 +100,8 @@ private:
 /// What git gives where the sides have no common base.
 bool IsEmptyFile(const std::string& path) {
     std::error_code error;
-    return std::filesystem::is_regular_file(path, error) &&
-           std::filesystem::file_size(path, error) == 0;
+    return std::filesystem::is_regular_file(paths::FileOf(path), error) &&
+           std::filesystem::file_size(paths::FileOf(path), error) == 0;
 }
 
 void Open(ado::Connection& connection, const std::string& file, std::FILE* err) {

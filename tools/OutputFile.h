@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <string>
 
+#include "paths/NewFile.h"
+
 namespace tools {
 
 /// A file that a command makes: under its name there is the whole of it or what was there before.
@@ -11,7 +13,7 @@ class OutputFile {
 public:
     /// `standard` is borrowed.
     explicit OutputFile(std::FILE* standard) : stream_(standard) {}
-    ~OutputFile();  // what has not been kept is removed
+    ~OutputFile();  // what has not been kept is gone
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
@@ -23,12 +25,12 @@ public:
     [[nodiscard]] std::FILE* Stream() const { return stream_; }
 
 private:
-    [[nodiscard]] std::string Failure(const char* what) const;
+    [[nodiscard]] std::string Failure(const std::error_code& error) const;
 
     std::FILE* stream_;
-    bool isOwn_ = false;
     std::string name_;
-    std::string temporary_;  // empty: written directly
+    paths::NewFile file_;  // without a stream: written directly
+    bool isOwn_ = false;   // a device or a pipe that has been opened
 };
 
 }  // namespace tools

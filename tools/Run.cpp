@@ -186,8 +186,8 @@ const std::vector<Row>& Rows() {
           "and codes in words",
           {{"archives", "NAME", "only this archive and its trends; once for each archive"},
            {"format", "csv|xlsx|json",
-            "CSV, a workbook with a sheet each for archives and trends, or JSON, a field a line, "
-            "for comparing (default: as OUT ends, else csv)"},
+            "CSV, a workbook with a sheet each for archives and trends (not on Windows), or JSON, "
+            "a field a line, for comparing (default: as OUT ends, else csv)"},
            {"output", "OUT", "the file that is written (default: standard output)", 'o'},
            kSheet,
            kLanguage,
@@ -294,7 +294,7 @@ const std::vector<Row>& Rows() {
          RunMerge},
         {{"git-setup", "[DIR]",
           "let git show, compare and merge projects field by field in the repository of DIR "
-          "(default: here)"},
+          "(default: here); not there on Windows"},
          [](const Call& call, std::FILE* out, std::FILE* err) {
              return GitSetup(call.words.empty() ? "" : call.words[0], out, err);
          }},

@@ -1,23 +1,13 @@
 #include "tools/TextBuffer.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <system_error>
 
+#include "tools/System.h"
+
 namespace tools {
-namespace {
-
-/// Memory counts as a file: it takes everything at once.
-bool IsFile(std::FILE* stream) {
-    struct stat info {};
-    const int descriptor = ::fileno(stream);
-    return descriptor < 0 || (::fstat(descriptor, &info) == 0 && S_ISREG(info.st_mode));
-}
-
-}  // namespace
 
 TextBuffer::TextBuffer(std::FILE* stream)
     : stream_(stream),

@@ -1,9 +1,7 @@
-#include <csignal>
-
 #include "tools/Commands.h"
+#include "tools/System.h"
 
 int main(int argc, char** argv) {
-    // A reader that closes the pipe is a failed write with a message, not a silent death.
-    std::signal(SIGPIPE, SIG_IGN);
+    tools::PrepareStreams();
     return tools::Run(argc, argv, stdout, stderr);
 }

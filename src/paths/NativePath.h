@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -14,11 +15,17 @@ namespace paths {
 /// become slashes, and a drive letter becomes what the environment variable KV_DRIVE_<letter>
 /// names, or the root when it is not set. A part that does not exist as it is written but exists
 /// once in other capitals is taken in those capitals, and blanks and dots at the end of a part do
-/// not count, as on the station that wrote it.
+/// not count, as on the station that wrote it. Where the system takes such paths itself, they are
+/// native as they are.
 [[nodiscard]] std::string ToNative(std::string_view path);
 
 /// The form with backslashes of a native path. A backslash inside a native name cannot be
 /// expressed: the path is then returned unchanged.
 [[nodiscard]] std::string ToProject(std::string_view nativePath);
+
+/// A native path as the standard library takes it, and back. By itself the library would read bytes
+/// as the locale has them.
+[[nodiscard]] std::filesystem::path FileOf(std::string_view nativePath);
+[[nodiscard]] std::string TextOf(const std::filesystem::path& file);
 
 }  // namespace paths

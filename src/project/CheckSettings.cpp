@@ -1,12 +1,8 @@
 #include "project/CheckSettings.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -15,6 +11,8 @@
 #include <tuple>
 
 #include "ado/AdoError.h"
+#include "paths/NativePath.h"
+#include "paths/NewFile.h"
 
 namespace project {
 namespace {
@@ -67,62 +65,30 @@ std::string TextOf(const Acceptance& acceptance) {
     throw ado::AdoError(ado::ErrorNumber::kUnspecified, "\"" + path + "\": " + what);
 }
 
-[[noreturn]] void FailSystem(const std::string& path, const char* what) {
-    Fail(path,
-         std::string("it cannot be ") + what + ": " + std::generic_category().message(errno) + '.');
+[[noreturn]] void FailSystem(const std::string& path, const char* what,
+                             const std::error_code& error) {
+    Fail(path, std::string("it cannot be ") + what + ": " + error.message() + '.');
 }
 
 /// Empty when there is no such file.
 std::string Contents(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file && !std::filesystem::exists(path)) return {};
+    const std::filesystem::path name = paths::FileOf(path);
+    std::ifstream file(name, std::ios::binary);
+    if (!file && !std::filesystem::exists(name)) return {};
     std::string text(std::istreambuf_iterator<char>(file), {});
-    if (!file) FailSystem(path, "read");
+    if (!file) FailSystem(path, "read", {errno, std::generic_category()});
     return text;
 }
 
-void WriteAll(int file, std::string_view text, const std::string& path) {
-    while (!text.empty()) {
-        const ssize_t written = ::write(file, text.data(), text.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) FailSystem(path, "written");
-        text.remove_prefix(static_cast<std::size_t>(written));
+void WriteWhole(const std::string& path, std::string_view text) {
+    paths::NewFile file;
+    std::error_code error = file.Open(path);
+    if (!error && std::fwrite(text.data(), 1, text.size(), file.Stream()) != text.size()) {
+        error.assign(errno, std::generic_category());
     }
+    if (!error) error = file.TakeName();
+    if (error) FailSystem(path, "written", error);
 }
-
-/// A file that is removed unless it has got its name.
-class NewFile {
-public:
-    explicit NewFile(const std::string& path) : path_(path), new_(path + ".XXXXXX") {
-        file_ = ::mkstemp(new_.data());
-        if (file_ < 0) FailSystem(path_, "written");
-        std::error_code none;
-        const auto old = std::filesystem::status(path, none);
-        const auto rights =
-            std::filesystem::exists(old) ? old.permissions() : std::filesystem::perms{0644};
-        if (::fchmod(file_, static_cast<mode_t>(rights)) != 0) FailSystem(path_, "written");
-    }
-    ~NewFile() {
-        ::close(file_);
-        if (!isNamed_) ::unlink(new_.c_str());
-    }
-    NewFile(const NewFile&) = delete;
-    NewFile& operator=(const NewFile&) = delete;
-
-    void Write(std::string_view text) const { WriteAll(file_, text, path_); }
-    void TakeName() {
-        if (::fsync(file_) != 0 || std::rename(new_.c_str(), path_.c_str()) != 0) {
-            FailSystem(path_, "written");
-        }
-        isNamed_ = true;
-    }
-
-private:
-    std::string path_;
-    std::string new_;
-    int file_ = -1;
-    bool isNamed_ = false;
-};
 
 }  // namespace
 
@@ -219,8 +185,8 @@ private:
 
 std::string CheckSettings::FileOf(const std::string& project) {
     std::error_code none;
-    const auto real = std::filesystem::canonical(project, none);
-    return (none ? project : real.string()) + "-lint";
+    const auto real = std::filesystem::canonical(paths::FileOf(project), none);
+    return (none ? project : paths::TextOf(real)) + "-lint";
 }
 
 CheckSettings CheckSettings::Parse(std::string_view text, const std::string& path) {
@@ -275,9 +241,7 @@ void AddAcceptances(const std::string& path, const std::vector<Acceptance>& acce
     if (text.back() != '\n') text += '\n';
     for (const Acceptance& acceptance : acceptances) text += TextOf(acceptance);
     std::ignore = CheckSettings::Parse(text, path);  // what could not be read is not written
-    NewFile file(path);
-    file.Write(text);
-    file.TakeName();
+    WriteWhole(path, text);
 }
 
 bool IsDay(std::string_view text) {

@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "AdoTesting.h"
+#include "support/NewFolder.h"
 
 namespace ado {
 namespace {
@@ -14,10 +15,7 @@ namespace fs = std::filesystem;
 
 class ConnectionTest : public testing::Test {
 protected:
-    void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "kv-ado-XXXXXX").string();
-        folder_ = ::mkdtemp(pattern.data());
-    }
+    void SetUp() override { folder_ = NewFolder("kv-ado"); }
     void TearDown() override { fs::remove_all(folder_); }
 
     std::string Write(const std::string& name, const std::string& content) {

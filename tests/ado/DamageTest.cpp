@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <array>
 #include <cstring>
 #include <filesystem>
@@ -7,6 +5,7 @@
 #include <set>
 
 #include "AdoTesting.h"
+#include "support/NewFolder.h"
 
 namespace ado {
 namespace {
@@ -23,8 +22,7 @@ constexpr std::size_t kNextLeaf = 16;
 class DamagedProjectTest : public testing::Test {
 protected:
     void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "kv-ado-XXXXXX").string();
-        folder_ = ::mkdtemp(pattern.data());
+        folder_ = NewFolder("kv-ado");
         path_ = (folder_ / "project.kvs").string();
         fs::copy_file(Example("Brauerei.kvs"), path_);
         std::ifstream in(path_, std::ios::binary);

@@ -1,10 +1,9 @@
-#include <unistd.h>
-
 #include <filesystem>
 
 #include "AdoTesting.h"
 #include "jet/Check.h"
 #include "jet/File.h"
+#include "support/NewFolder.h"
 #include "TrendQuery.h"
 
 namespace ado {
@@ -16,8 +15,7 @@ namespace fs = std::filesystem;
 class EditTest : public testing::Test {
 protected:
     void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "kv-ado-XXXXXX").string();
-        folder_ = ::mkdtemp(pattern.data());
+        folder_ = NewFolder("kv-ado");
         path_ = (folder_ / "project.kvs").string();
         fs::copy_file(Example("Brauerei.kvs"), path_);
         connection_.Open(ConnectionString(path_));

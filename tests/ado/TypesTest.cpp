@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <cmath>
 #include <filesystem>
 #include <limits>
@@ -7,6 +5,7 @@
 #include "AdoTesting.h"
 #include "jet/CreateDatabase.h"
 #include "jet/CreateTable.h"
+#include "support/NewFolder.h"
 
 namespace ado {
 namespace {
@@ -44,8 +43,7 @@ protected:
     using Fields = std::vector<std::pair<const char*, Value>>;
 
     void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "kv-ado-XXXXXX").string();
-        folder_ = ::mkdtemp(pattern.data());
+        folder_ = NewFolder("kv-ado");
         const std::string path = (folder_ / "types.mdb").string();
         const jet::Status made = jet::CreateDatabase(
             jet::SystemDisk(), path,

@@ -11,6 +11,7 @@
 #include "exchange/CsvSheet.h"
 #include "exchange/Export.h"
 #include "exchange/Plan.h"
+#include "support/NewFolder.h"
 
 namespace exchange {
 
@@ -18,8 +19,7 @@ namespace exchange {
 class Project {
 public:
     explicit Project(const std::string& original) {
-        std::string pattern = std::filesystem::temp_directory_path() / "exchange-XXXXXX";
-        folder_ = ::mkdtemp(pattern.data());
+        folder_ = NewFolder("exchange");
         std::filesystem::copy_file(original, Path());
         std::filesystem::permissions(Path(), std::filesystem::perms::owner_write,
                                      std::filesystem::perm_options::add);
@@ -32,7 +32,7 @@ public:
     Project(const Project&) = delete;
     Project& operator=(const Project&) = delete;
 
-    [[nodiscard]] std::string Path() const { return folder_ / "project.kvs"; }
+    [[nodiscard]] std::string Path() const { return (folder_ / "project.kvs").string(); }
     [[nodiscard]] std::string Bytes() const {
         std::ostringstream bytes;
         bytes << std::ifstream(Path(), std::ios::binary).rdbuf();

@@ -1,11 +1,10 @@
-#include <unistd.h>
-
 #include <filesystem>
 #include <functional>
 #include <random>
 
 #include "DamagedSample.h"
 #include "Harvest.h"
+#include "support/NewFolder.h"
 
 namespace jet {
 namespace {
@@ -132,8 +131,7 @@ TEST(DamageTest, APageWithTooManySlotsIsRefused) {
 
 TEST(DamageTest, AFileThatIsReplacedWhileItIsOpenIsNoticed) {
     namespace fs = std::filesystem;
-    std::string folder = (fs::temp_directory_path() / "kv-jet-XXXXXX").string();
-    ASSERT_NE(::mkdtemp(folder.data()), nullptr);
+    const std::string folder = NewFolder("kv-jet").string();
     const std::string path = folder + "/project.kvs";
     struct Case {
         const char* how;

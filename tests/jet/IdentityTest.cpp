@@ -9,6 +9,7 @@
 #include "CrashTesting.h"
 #include "jet/Database.h"
 #include "jet/page/GlobalMap.h"
+#include "support/NewFolder.h"
 
 namespace jet {
 namespace {
@@ -19,8 +20,7 @@ namespace fs = std::filesystem;
 class IdentityTest : public testing::Test {
 protected:
     void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "kv-jet-XXXXXX").string();
-        folder_ = ::mkdtemp(pattern.data());
+        folder_ = NewFolder("kv-jet");
         path_ = (folder_ / "project.kvs").string();
         fs::copy_file(Example("Brauerei.kvs"), path_);
     }

@@ -40,8 +40,8 @@ template <typename T>
     std::vector<std::string> files;
     for (const char* folder : {KV_TEST_DATA, KV_EXAMPLES}) {
         for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-            const std::string extension = entry.path().extension();
-            if (extension == ".mdb" || extension == ".kvs") files.push_back(entry.path());
+            const std::string extension = entry.path().extension().string();
+            if (extension == ".mdb" || extension == ".kvs") files.push_back(entry.path().string());
         }
     }
     return files;

@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <filesystem>
 
 #include "jet/Compact.h"
@@ -8,6 +6,7 @@
 #include "jet/CreateTable.h"
 #include "jet/page/GlobalMap.h"
 #include "jet/write/DataPageEditor.h"
+#include "support/NewFolder.h"
 #include "WriterTesting.h"
 
 namespace jet {
@@ -55,8 +54,7 @@ TEST(LimitsTest, LongestRow) {
 class LargeFileTest : public testing::Test {
 protected:
     void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "kv-large-XXXXXX").string();
-        folder_ = ::mkdtemp(pattern.data());
+        folder_ = NewFolder("kv-large");
         path_ = (folder_ / "large.mdb").string();
         ASSERT_OK(CreateDatabase(SystemDisk(), path_, [](Database& database) {
             return CreateTable(database, {"T", {{"A"}, {"O", ColumnType::Ole}}, {}});

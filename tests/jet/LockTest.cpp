@@ -1,11 +1,10 @@
-#include <unistd.h>
-
 #include <array>
 #include <filesystem>
 
 #include "jet/Disk.h"
 #include "jet/disk/SharedFile.h"
 #include "JetTesting.h"
+#include "support/NewFolder.h"
 
 namespace jet {
 namespace {
@@ -31,8 +30,7 @@ std::unique_ptr<SharedFile> Peek(const std::string& path) {
 class LockTest : public testing::Test {
 protected:
     void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "kv-jet-XXXXXX").string();
-        folder_ = ::mkdtemp(pattern.data());
+        folder_ = NewFolder("kv-jet");
         path_ = (folder_ / "project.kvs").string();
         fs::copy_file(Example("Brauerei.kvs"), path_);
         locks_ = Join();

@@ -14,6 +14,7 @@
 #include "jet/disk/FileLocks.h"
 #include "jet/TableWriter.h"
 #include "JetTesting.h"
+#include "support/NewFolder.h"
 
 namespace jet {
 namespace {
@@ -32,8 +33,7 @@ std::chrono::milliseconds RunTime() {
 class ProcessTest : public testing::Test {
 protected:
     void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "kv-jet-XXXXXX").string();
-        folder_ = ::mkdtemp(pattern.data());
+        folder_ = NewFolder("kv-jet");
         path_ = (folder_ / "project.kvs").string();
         fs::copy_file(Example("Brauerei.kvs"), path_);
         EXPECT_EQ(::pipe(pipe_), 0);

@@ -1,8 +1,7 @@
 #include "project/CreateProject.h"
 
-#include <unistd.h>
-
 #include <filesystem>
+#include <fstream>
 #include <numeric>
 #include <optional>
 #include <random>
@@ -14,6 +13,7 @@
 #include "JetTesting.h"
 #include "project/Rows.h"
 #include "project/Schema.h"
+#include "support/NewFolder.h"
 
 namespace project {
 namespace {
@@ -24,13 +24,12 @@ using testing::IsEmpty;
 
 class CreateProjectTest : public testing::Test {
 protected:
-    CreateProjectTest() { std::filesystem::create_directory(folder_); }
     ~CreateProjectTest() override { std::filesystem::remove_all(folder_); }
 
     [[nodiscard]] std::vector<std::string> Files() const {
         std::vector<std::string> names;
         for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
-            names.push_back(entry.path().filename());
+            names.push_back(entry.path().filename().string());
         }
         return names;
     }
@@ -46,7 +45,7 @@ protected:
         return texts;
     }
 
-    const std::string folder_ = testing::TempDir() + "create_" + std::to_string(::getpid());
+    const std::string folder_ = NewFolder("create").string();
     const std::string project_ = folder_ + "/plant.kvs";
 };
 
@@ -157,10 +156,9 @@ TEST_F(CreateProjectTest, RefusesWhatCannotBeAndLeavesNothing) {
     EXPECT_EQ(Refusal(folder_), Cause::FileExists);
     EXPECT_THAT(Files(), IsEmpty());
 
-    // A name is taken also by what leads nowhere.
-    std::filesystem::create_symlink("nowhere", project_);
+    std::ofstream(project_) << "mine";
     EXPECT_EQ(Refusal(project_), Cause::FileExists);
-    EXPECT_TRUE(std::filesystem::is_symlink(project_));
+    EXPECT_EQ(std::filesystem::file_size(project_), 4U);
     EXPECT_THAT(Files(), ElementsAre("plant.kvs"));
 }
 

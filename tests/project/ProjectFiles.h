@@ -5,14 +5,12 @@
 #include <string>
 
 #include "ado/Connection.h"
+#include "support/NewFolder.h"
 
 /// A folder that goes with the test.
 class TestFolder {
 public:
-    TestFolder() {
-        std::string pattern = std::filesystem::temp_directory_path() / "project-XXXXXX";
-        folder_ = ::mkdtemp(pattern.data());
-    }
+    TestFolder() { folder_ = NewFolder("project"); }
     ~TestFolder() { std::filesystem::remove_all(folder_); }
     TestFolder(const TestFolder&) = delete;
     TestFolder& operator=(const TestFolder&) = delete;
@@ -22,7 +20,9 @@ public:
         std::filesystem::copy_file(original, Path(name));
         return Path(name);
     }
-    [[nodiscard]] std::string Path(const std::string& name) const { return folder_ / name; }
+    [[nodiscard]] std::string Path(const std::string& name) const {
+        return (folder_ / name).string();
+    }
 
 private:
     std::filesystem::path folder_;

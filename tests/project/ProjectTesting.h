@@ -1,7 +1,5 @@
 #pragma once
 
-#include <unistd.h>
-
 #include <cstdint>
 #include <filesystem>
 #include <ostream>
@@ -14,6 +12,7 @@
 #include "project/CreateProject.h"
 #include "project/Rows.h"
 #include "project/Schema.h"
+#include "support/NewFolder.h"
 
 namespace project {
 
@@ -93,13 +92,7 @@ struct TestProject {
         for (; !rows.IsEOF(); rows.MoveNext()) rows.Delete();
     }
 
-    static inline int count = 0;
-    const std::string folder = [] {
-        const auto name = "kvproject-" + std::to_string(::getpid()) + '-' + std::to_string(++count);
-        const auto made = std::filesystem::temp_directory_path() / name;
-        std::filesystem::create_directories(made);
-        return made.string();
-    }();
+    const std::string folder = NewFolder("kvproject").string();
     const std::string path = folder + "/plant.kvs";
     ado::Connection connection;
 };

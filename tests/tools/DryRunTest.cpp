@@ -21,7 +21,7 @@ struct Footprint {
         std::ifstream file(copy.Path(), std::ios::binary);
         bytes.assign(std::istreambuf_iterator<char>(file), {});
         for (const auto& entry : std::filesystem::directory_iterator(copy.Path(""))) {
-            names.insert(entry.path().filename());
+            names.insert(entry.path().filename().string());
         }
     }
     bool operator==(const Footprint&) const = default;

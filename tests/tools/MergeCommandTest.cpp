@@ -30,7 +30,7 @@ protected:
     std::set<std::string> Names() {
         std::set<std::string> names;
         for (const auto& entry : fs::directory_iterator(fs::path(base_).parent_path())) {
-            names.insert(entry.path().filename());
+            names.insert(entry.path().filename().string());
         }
         return names;
     }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "support/NewFolder.h"
 #include "tools/Commands.h"
 
 namespace tools {
@@ -49,8 +50,7 @@ inline const std::string kBrewery = std::string(KV_EXAMPLES "/Brauerei.kvs");
 class ProjectCopy {
 public:
     explicit ProjectCopy(const std::string& original) {
-        std::string pattern = std::filesystem::temp_directory_path() / "kvs-XXXXXX";
-        folder_ = ::mkdtemp(pattern.data());
+        folder_ = NewFolder("kvs");
         std::filesystem::copy_file(original, Path());
     }
     ~ProjectCopy() { std::filesystem::remove_all(folder_); }
@@ -58,7 +58,7 @@ public:
     ProjectCopy& operator=(const ProjectCopy&) = delete;
 
     [[nodiscard]] std::string Path(const std::string& name = "project.kvs") const {
-        return folder_ / name;
+        return (folder_ / name).string();
     }
 
 private:

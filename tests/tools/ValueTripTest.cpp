@@ -7,6 +7,7 @@
 
 #include "jet/CreateDatabase.h"
 #include "jet/CreateTable.h"
+#include "support/NewFolder.h"
 #include "ToolTesting.h"
 
 namespace tools {
@@ -18,8 +19,7 @@ using testing::HasSubstr;
 class ValueTripTest : public testing::Test {
 protected:
     void SetUp() override {
-        std::string pattern = std::filesystem::temp_directory_path() / "kvs-XXXXXX";
-        folder_ = ::mkdtemp(pattern.data());
+        folder_ = NewFolder("kvs");
         using jet::ColumnType;
         const jet::TableSpec table = {"Alle",
                                       {{"ID", ColumnType::Long},

@@ -1,4 +1,4 @@
-#include "tools/Program.h"
+#include "tools/posix/Program.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>

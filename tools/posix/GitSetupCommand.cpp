@@ -11,7 +11,7 @@
 #include "tools/Commands.h"
 #include "tools/Messages.h"
 #include "tools/OutputFile.h"
-#include "tools/Program.h"
+#include "tools/posix/Program.h"
 
 namespace tools {
 namespace {
