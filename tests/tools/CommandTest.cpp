@@ -1,15 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <limits>
-#include <thread>
 #include <vector>
 
 #include "tools/Commands.h"
@@ -32,8 +27,8 @@ TEST(CommandTest, ListsTheTablesWithTheirRows) {
 }
 
 TEST(CommandTest, CompactsAFileAndTellsItsSizes) {
-    const std::string project = testing::TempDir() + "big_" + std::to_string(::getpid()) + ".kvs";
-    std::filesystem::copy_file(kBrewery, project);
+    const ProjectCopy copy(kBrewery);
+    const std::string project = copy.Path();
     const std::string dump = RunTool({"dump", project, "TchrTrends"}).out;
     const Outcome outcome = RunTool({"compact", project});
     EXPECT_EQ(outcome.status, kSuccess) << outcome.err;
@@ -44,60 +39,9 @@ TEST(CommandTest, CompactsAFileAndTellsItsSizes) {
     EXPECT_EQ(RunTool({"compact"}).status, kUsage);
 }
 
-/// Waits until `isSo`, or until the child has ended; it is left to be waited for.
-template <typename Condition>
-void WaitUntil(pid_t child, Condition isSo) {
-    siginfo_t info{};
-    while (!isSo() && info.si_pid != child) {
-        ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOHANG | WNOWAIT), 0);
-        std::this_thread::yield();
-    }
-}
-
-// All rows of a CSV file are there or none, whenever the program that loads them is killed.
-TEST(CommandTest, AKilledLoadLeavesTheOldRowsOrAll) {
-    const std::string folder = testing::TempDir() + "load_" + std::to_string(::getpid());
-    std::filesystem::create_directory(folder);
-    const std::string project = folder + "/project.kvs";
-    const std::string csv = folder + "/texts.csv";
-    constexpr std::size_t kRows = 2000;
-    {
-        std::ofstream out(csv);
-        out << "L1031\r\n";
-        for (std::size_t i = 0; i < kRows; ++i) out << "Text " << i << "\r\n";
-    }
-    std::size_t counts[2] = {0, 0};  // of projects without the rows, and with them
-    for (int round = 0; round < 40; ++round) {
-        std::filesystem::copy_file(kBrewery, project,
-                                   std::filesystem::copy_options::overwrite_existing);
-        const pid_t child = ::fork();
-        if (child == 0) {
-            std::FILE* out = std::fopen("/dev/null", "w");
-            ::_exit(Load(project, "TidxTexts", csv, {}, Mode::Change, out, out));
-        }
-        // The later it is killed, the further it has come.
-        const auto isThere = [&](const char* name) {
-            return std::filesystem::exists(folder + "/project" + name);
-        };
-        const int stages = round % 4;
-        if (stages > 0) WaitUntil(child, [&] { return isThere(".ldb"); });
-        if (stages > 1) WaitUntil(child, [&] { return isThere(".kvs-journal"); });
-        if (stages > 2) WaitUntil(child, [&] { return !isThere(".kvs-journal"); });
-        ::kill(child, SIGKILL);
-        ::waitpid(child, nullptr, 0);
-        EXPECT_EQ(RunTool({"check", project}).out, "");
-        const std::string rows = RunTool({"tables", project}).out;
-        const bool isLoaded = rows.find("TidxTexts\t2242\n") != std::string::npos;
-        EXPECT_TRUE(isLoaded || rows.find("TidxTexts\t242\n") != std::string::npos) << rows;
-        EXPECT_FALSE(std::filesystem::exists(project + "-journal"));
-        ++counts[isLoaded ? 1 : 0];
-    }
-    EXPECT_GT(counts[0], 0U) << "it was never killed in time";
-    std::filesystem::remove_all(folder);
-}
-
 TEST(CommandTest, MakesANewProject) {
-    const std::string project = testing::TempDir() + "new_" + std::to_string(::getpid()) + ".kvs";
+    const ProjectCopy beside(kBrewery);
+    const std::string project = beside.Path("new.kvs");
     for (const char* lcid : {"x", "", "-1", "0", "1031x", "1048576", "99999999999"}) {
         const Outcome outcome = RunTool({"new", project, "--lcid", "1033", "--lcid", lcid});
         EXPECT_EQ(outcome.status, kUsage) << lcid;
@@ -180,10 +124,8 @@ TEST(CommandTest, TellsSuccessFailureAndWrongUsageApart) {
 }
 
 TEST(CommandTest, WritesWhatADamagedFileStillHolds) {
-    const std::string path = std::filesystem::temp_directory_path() / "kvs-damaged-XXXXXX";
-    std::string name = path;
-    ::close(::mkstemp(name.data()));
-    std::filesystem::copy_file(kBrewery, name, std::filesystem::copy_options::overwrite_existing);
+    const ProjectCopy project(kBrewery);
+    const std::string name = project.Path();
     const Outcome whole = RunTool({"dump", name, "TpdbVars"});
     // One of the table's pages loses its type.
     std::fstream file(name, std::ios::binary | std::ios::in | std::ios::out);
@@ -200,7 +142,6 @@ TEST(CommandTest, WritesWhatADamagedFileStillHolds) {
         file.seekp(page * kPage);
         file.put(type).flush();
     }
-    std::filesystem::remove(name);
     EXPECT_EQ(damaged.status, kFailure);
     EXPECT_THAT(damaged.err, testing::AllOf(StartsWith("kvs: " + name), HasSubstr("TpdbVars"),
                                             HasSubstr("page")));
@@ -216,12 +157,10 @@ TEST(CommandTest, ChecksAFile) {
     EXPECT_EQ(untidy.status, kSuccess);
     EXPECT_THAT(untidy.out, StartsWith("warning: page 26: "));
 
-    std::string name = std::filesystem::temp_directory_path() / "kvs-check-XXXXXX";
-    ::close(::mkstemp(name.data()));
-    std::filesystem::copy_file(kBrewery, name, std::filesystem::copy_options::overwrite_existing);
+    const ProjectCopy project(kBrewery);
+    const std::string name = project.Path();
     std::filesystem::resize_file(name, std::filesystem::file_size(name) + 1);
     const Outcome damaged = RunTool({"check", name});
-    std::filesystem::remove(name);
     EXPECT_EQ(damaged.status, kFailure);
     EXPECT_THAT(damaged.out, StartsWith("error: the file's size of "));
     EXPECT_THAT(damaged.err, testing::AllOf(StartsWith("kvs: " + name), HasSubstr("kvs repair"),

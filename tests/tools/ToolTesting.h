@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -14,13 +13,12 @@ namespace tools {
 
 /// What `write` puts into the stream that it gets.
 [[nodiscard]] inline std::string Written(const std::function<void(std::FILE*)>& write) {
-    char* text = nullptr;
-    std::size_t size = 0;
-    std::FILE* stream = ::open_memstream(&text, &size);
+    std::FILE* stream = std::tmpfile();
     write(stream);
+    std::string result(static_cast<std::size_t>(std::ftell(stream)), '\0');
+    std::rewind(stream);
+    result.resize(std::fread(result.data(), 1, result.size(), stream));
     std::fclose(stream);
-    std::string result(text, size);
-    std::free(text);
     return result;
 }
 
@@ -58,7 +56,7 @@ public:
     ProjectCopy& operator=(const ProjectCopy&) = delete;
 
     [[nodiscard]] std::string Path(const std::string& name = "project.kvs") const {
-        return (folder_ / name).string();
+        return folder_.string() + "/" + name;
     }
 
 private:
