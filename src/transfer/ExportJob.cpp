@@ -3,7 +3,9 @@
 #include <QSaveFile>
 
 #include "ado/Connection.h"
+#include "ado/Recordset.h"
 #include "exchange/Workbook.h"
+#include "project/Schema.h"
 
 namespace transfer {
 namespace {
@@ -14,6 +16,16 @@ using exchange::SheetKind;
 struct Cancelled {};
 /// The file does not take what is written.
 struct FileFault {};
+
+std::size_t RowsIn(ado::Connection& connection) {
+    std::size_t rows = 0;
+    for (const std::string_view table : {project::kArchiveTable, project::kTrendTable}) {
+        ado::Recordset all;
+        all.Open(table, connection, ado::CommandType::Table);
+        rows += all.RecordCount();
+    }
+    return rows;
+}
 
 }  // namespace
 
@@ -75,6 +87,7 @@ void ExportJob::WriteSheets(const std::function<void(std::string_view)>& put) {
     ado::Connection connection;
     connection.OpenSnapshot("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + source_ +
                             ";Mode=Read|Share Deny None;");
+    all_ = RowsIn(connection);
     const words::Language& language = *wish_.language;
     if (!wish_.isWorkbook) {
         exchange::CsvSheetWriter writer(wish_.form, put);

@@ -35,8 +35,9 @@ public:
         : source_(std::move(source)), wish_(std::move(wish)) {}
     ~ExportJob() override;
 
-    /// Rows that have been taken.
+    /// Rows that have been taken, of the archives and trends that there are; 0: not yet known.
     [[nodiscard]] std::size_t Rows() const noexcept { return rows_; }
+    [[nodiscard]] std::size_t All() const noexcept { return all_; }
     /// Lets go of it as soon as may be.
     void Cancel() noexcept { isCancelled_ = true; }
 
@@ -60,6 +61,7 @@ private:
     std::string source_;
     ExportWish wish_;
     std::atomic<std::size_t> rows_ = 0;
+    std::atomic<std::size_t> all_ = 0;
     std::atomic<bool> isCancelled_ = false;
     bool isWritten_ = false;
     QString fileError_;

@@ -21,7 +21,6 @@
 #include "guard/Guard.h"
 #include "messages/MessageBox.h"
 #include "platform/HelpTopics.h"
-#include "project/Schema.h"
 #include "projectdb/Text.h"
 #include "texts/MResourceTable.h"
 #include "transfer/PlanTexts.h"
@@ -59,16 +58,6 @@ private:
     std::optional<exchange::Sheet>& sheet_;
     std::vector<std::vector<exchange::Cell>>& rows_;
 };
-
-std::size_t RowsIn(ado::Connection& connection) {
-    std::size_t rows = 0;
-    for (const std::string_view table : {project::kArchiveTable, project::kTrendTable}) {
-        ado::Recordset all;
-        all.Open(table, connection, ado::CommandType::Table);
-        rows += all.RecordCount();
-    }
-    return rows;
-}
 
 }  // namespace
 
@@ -232,32 +221,42 @@ void FExport::cmdOk_Click() {
     });
 }
 
-void FExport::Write() {
-    const QString file = File();
-    ado::Connection& connection = work_.Connection();
-    transfer::ExportJob job(connection.DataSource(), {file, optXlsx_->isChecked(), Kind(), Form(),
-                                                      Chosen(), &transfer::FileLanguage(texts_)});
+void FExport::ShowProgress(transfer::ExportJob& job) {
     QProgressDialog progress(texts_.GetText(Text::Exporting),
-                             texts_.GetText(MResourceTable::kTextCancel), 0,
-                             static_cast<int>(RowsIn(connection)), this);
+                             texts_.GetText(MResourceTable::kTextCancel), 0, 0, this);
     progress.setObjectName(u"dlgProgress"_s);
     progress.setWindowTitle(windowTitle());
     progress.setWindowModality(Qt::WindowModal);
-    progress.setMinimumDuration(kShowProgressAfter);
+    progress.setMinimumDuration(0);
     progress.setAutoClose(false);
     progress.setAutoReset(false);
+    connect(&progress, &QProgressDialog::canceled, &job, [&] { job.Cancel(); });
     QEventLoop waiting;
     QTimer timer;
-    connect(&timer, &QTimer::timeout, &progress,
-            [&] { progress.setValue(static_cast<int>(job.Rows())); });
-    connect(&progress, &QProgressDialog::canceled, &job, [&] { job.Cancel(); });
-    connect(&job, &QThread::finished, &waiting, &QEventLoop::quit);
+    connect(&timer, &QTimer::timeout, &waiting, [&] {
+        if (job.isFinished() || progress.wasCanceled()) return waiting.quit();
+        progress.setMaximum(static_cast<int>(job.All()));
+        progress.setValue(static_cast<int>(job.Rows()));
+    });
     timer.start(kProgressEach);
-    progress.setValue(0);
-    setEnabled(false);
-    job.start();
+    progress.show();
     waiting.exec();
-    setEnabled(true);
+}
+
+void FExport::Write() {
+    const QString file = File();
+    transfer::ExportJob job(
+        work_.Connection().DataSource(),
+        {file, optXlsx_->isChecked(), Kind(), Form(), Chosen(), &transfer::FileLanguage(texts_)});
+    job.start();
+    // Nothing can be pressed but Cancel, when that is there: neither before nor afterwards.
+    messages::SetScreenPointer(messages::Pointer::Hourglass);
+    const bool isDone = job.wait(kShowProgressAfter);
+    messages::SetScreenPointer(messages::Pointer::Default);
+    if (!isDone) ShowProgress(job);
+    messages::SetScreenPointer(messages::Pointer::Hourglass);
+    job.wait();
+    messages::SetScreenPointer(messages::Pointer::Default);
     if (job.Failed()) {
         const bool isEncoding = optCsv_->isChecked() && cmbEncoding_->currentIndex() != 0 &&
                                 job.Failed()->number == ado::ErrorNumber::kInvalidArgument;

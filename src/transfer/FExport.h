@@ -68,6 +68,7 @@ private:
     void cmdOk_Click();
     [[nodiscard]] bool MayReplace();
     void Write();
+    void ShowProgress(transfer::ExportJob& job);
     void Tell(const QString& text, const QString& details);
     [[nodiscard]] exchange::Selection Chosen() const;
     [[nodiscard]] exchange::SheetKind Kind() const;

@@ -1,5 +1,7 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 
+#include <unistd.h>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
@@ -7,10 +9,12 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QTreeView>
 
 #include "messages/MessageBox.h"
@@ -248,6 +252,37 @@ TEST_P(TransferTest, AFileThatCannotBeWrittenStays) {
     EXPECT_EQ(job.FileError(), QString());
     EXPECT_FALSE(job.Failed());
     EXPECT_EQ(Content(file), "old");
+}
+
+// Another program is just writing to the project, so that the export has to wait.
+TEST_P(TransferTest, AnExportThatTakesLongCanBeCancelled) {
+    const int project = ::open(qPrintable(Path()), O_RDWR);
+    struct flock pages {};
+    pages.l_type = F_WRLCK;
+    pages.l_start = 0x100000001;
+    pages.l_len = 1;
+    const QString file = folder_.filePath(u"out.xlsx"_s);
+    FExport window(*this, texts_, {}, nullptr);
+    window.show();
+    window.findChild<QLineEdit*>(u"txtFile"_s)->setText(file);
+    ASSERT_EQ(::fcntl(project, F_OFD_SETLK, &pages), 0);
+    bool isPressed = false;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &timer, [&] {
+        auto* progress = window.findChild<QProgressDialog*>(u"dlgProgress"_s);
+        if (progress == nullptr || !progress->isVisible()) return;
+        timer.stop();
+        auto* cancel = progress->findChild<QPushButton*>();
+        isPressed = cancel->isEnabled();
+        cancel->click();
+        ::close(project);
+    });
+    timer.start(1);
+    window.findChild<QPushButton*>(u"cmdOk"_s)->click();
+    EXPECT_TRUE(isPressed);
+    EXPECT_EQ(window.result(), 0);
+    EXPECT_FALSE(QFile::exists(file));
+    EXPECT_TRUE(window.findChild<QPushButton*>(u"cmdOk"_s)->isEnabled());
 }
 
 TEST_P(TransferTest, WhatIsTickedIsDoneInOneStep) {
