@@ -43,7 +43,10 @@ void Connect::ShowReport(QWidget* owner, const QString& projectPath, const QStri
         delete window_.data();
     }
     const bool isNew = !window_;
-    if (isNew) window_ = new ReportWindow(registry_, projectPath, owner);
+    if (isNew) {
+        window_ = new ReportWindow(registry_, projectPath, owner);
+        connect(window_, &ReportWindow::RowChosen, this, &Connect::RowChosen);
+    }
     if (!window_->Read()) {
         if (isNew) delete window_.data();
         return;

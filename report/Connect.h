@@ -25,6 +25,12 @@ public:
     Q_INVOKABLE void Show(qulonglong windowHandle, const QString& projectPath,
                           const QString& report);
 
+signals:
+    /// The user wants to see a row of the project that is shown: table, ID, column (empty: none).
+    /// Whoever has called Show may be able to show it.
+    void RowChosen(const QString& table, int id, const QString& column);
+
+public:
     /// The window shown last, while it is there.
     [[nodiscard]] ReportWindow* Window() const;
 

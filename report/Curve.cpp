@@ -58,11 +58,10 @@ std::optional<Curve> Curve::FromPictureName(const QString& name) {
     return Curve{parts[0].toUInt(nullptr, 16), parts[1].toInt(), parts[2].toInt()};
 }
 
-QImage Curve::Picture(qreal scale) const {
-    QImage image(QSize(kSampleWidth, kSampleHeight) * scale, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Ground());
-    QPainter painter(&image);
-    painter.scale(scale, scale);
+void Curve::Draw(QPainter& painter, QPointF at) const {
+    if (Ground() != QColor(Qt::white)) {
+        painter.fillRect(QRectF(at, QSizeF(kSampleWidth, kSampleHeight)), Ground());
+    }
     const int shown = ShownWidth(*this);
     QPen pen(Colour(), shown, Qt::SolidLine, Qt::FlatCap);
     QVector<qreal> dashes = Dashes(*this, shown);
@@ -70,9 +69,19 @@ QImage Curve::Picture(qreal scale) const {
     if (!dashes.isEmpty()) pen.setDashPattern(dashes);
     painter.setPen(pen);
     const qreal middle = Middle(shown);
-    painter.drawLine(QPointF(kMargin, middle), QPointF(kSampleWidth - kMargin, middle));
+    painter.drawLine(at + QPointF(kMargin, middle), at + QPointF(kSampleWidth - kMargin, middle));
     painter.setPen(QPen(QColor(0x90, 0x90, 0x90), 1));
-    painter.drawRect(QRectF(0.5, 0.5, kSampleWidth - 1, kSampleHeight - 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(
+        QRectF(at, QSizeF(kSampleWidth, kSampleHeight)).adjusted(0.5, 0.5, -0.5, -0.5));
+}
+
+QImage Curve::Picture(qreal scale) const {
+    QImage image(QSize(kSampleWidth, kSampleHeight) * scale, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Ground());
+    QPainter painter(&image);
+    painter.scale(scale, scale);
+    Draw(painter, {});
     return image;
 }
 

@@ -4,8 +4,10 @@
 #include <optional>
 #include <QColor>
 #include <QImage>
+#include <QPointF>
 #include <QString>
 
+class QPainter;
 class QXmlStreamWriter;
 
 namespace report {
@@ -30,6 +32,8 @@ struct Curve {
     [[nodiscard]] QString PictureName() const;
     [[nodiscard]] static std::optional<Curve> FromPictureName(const QString& name);
 
+    /// Draws the sample with its upper left corner there; the ground is taken for white.
+    void Draw(QPainter& painter, QPointF at) const;
     /// The sample at `scale` picture points a pixel.
     [[nodiscard]] QImage Picture(qreal scale) const;
     /// The sample as an SVG element of a page.

@@ -4,43 +4,15 @@
 #include <QHash>
 #include <QStringList>
 
+#include "differences/DifferenceTexts.h"
+#include "findings/FindingTexts.h"
+#include "report/HtmlStyle.h"
+
 namespace report {
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-constexpr auto kAddressPrefix = "section:"_L1;
-
-// Of a document there is little more than colours to set: it takes its font from the window.
-constexpr QStringView kDocumentStyle =
-    u"table.grid { border-collapse: collapse; border-style: solid; border-color: %1; }\n"
-    u"th { background-color: %2; text-align: left; }\n"
-    u"td.name { background-color: %2; }\n"
-    u".muted { color: %3; }\n"
-    u".warning { color: %4; font-weight: bold; }\n"
-    u".strong { font-weight: bold; }\n"
-    u"h1 { margin-bottom: 2px; } h2 { margin-bottom: 4px; } h3 { margin-bottom: 4px; }\n";
-
-constexpr QStringView kFileStyle =
-    u"body { font: 14px/1.4 sans-serif; margin: 2em; color: #1c1c1c; background: #fff; }\n"
-    u"table.grid { border-collapse: collapse; width: 100%; margin: .5em 0 1.5em; }\n"
-    u"table.grid th, table.grid td { border: 1px solid #bbb; padding: .25em .5em;\n"
-    u"    text-align: left; vertical-align: top; }\n"
-    u"thead { display: table-header-group; }\n"
-    u"th, td.name { background: #eef1f4; }\n"
-    u"td.name { width: 14em; }\n"
-    u"tr { break-inside: avoid; }\n"
-    u".muted { color: #666; } .warning { color: #b00020; font-weight: bold; }\n"
-    u".strong { font-weight: bold; }\n"
-    u"svg.curve { vertical-align: middle; margin-right: .4em; }\n"
-    u"a { color: #0a58a6; }\n"
-    u"@media print { body { margin: 0; font-size: 9pt; } .archive { break-before: page; } }\n"
-    u"@media screen and (prefers-color-scheme: dark) {\n"
-    u"  body { color: #ddd; background: #1d1f21; } th, td.name { background: #2b2f33; }\n"
-    u"  table.grid th, table.grid td { border-color: #555; } .muted { color: #999; }\n"
-    u"  .warning { color: #ff7b7b; } a { color: #7db7f0; }\n"
-    u"}\n";
 
 QString LookClass(Line::Look look) {
     switch (look) {
@@ -71,40 +43,14 @@ void EndTable(Html& html) {
     html.End();
 }
 
-bool IsDark(const QPalette& palette) {
-    return palette.color(QPalette::Base).lightness() < 128;
-}
-
-QString DocumentStyle(const QPalette& palette) {
-    const bool dark = IsDark(palette);
-    return kDocumentStyle.toString().arg(
-        dark ? u"#606060"_s : u"#b8b8b8"_s, dark ? u"#32373c"_s : u"#eef1f4"_s,
-        dark ? u"#a0a0a0"_s : u"#606060"_s, dark ? u"#ff8080"_s : u"#b00020"_s);
-}
-
 }  // namespace
-
-QString Section::Address() const {
-    return kAddressPrefix + Anchor().mid(1);
-}
-
-QString Section::Anchor() const {
-    return u"s%1-%2-%3"_s.arg(static_cast<int>(kind)).arg(archive).arg(first);
-}
-
-Section Section::FromAddress(const QString& address) {
-    if (!address.startsWith(kAddressPrefix)) return {};
-    const QStringList parts = address.mid(kAddressPrefix.size()).split(u'-');
-    if (parts.size() != 3) return {};
-    const int kind = std::clamp(parts[0].toInt(), 0, static_cast<int>(Kind::Problems));
-    return {static_cast<Kind>(kind), parts[1].toULong(), parts[2].toULong()};
-}
 
 HtmlWriter::HtmlWriter(ProjectReader& reader, const ReportTexts& texts, QString projectPath,
                        Target target)
     : reader_(reader),
       texts_(texts),
       wording_(texts),
+      tables_(reader, texts, wording_),
       projectPath_(std::move(projectPath)),
       target_(target) {}
 
@@ -121,6 +67,8 @@ std::vector<Section> HtmlWriter::Sections() const {
     }
     if (!reader_.WithoutArchive().trends.empty()) add({Section::Kind::WithoutArchive});
     if (reader_.ProblemCount() != 0) add({Section::Kind::Problems});
+    add({Section::Kind::Findings});
+    if (reader_.Differences() != nullptr) add({Section::Kind::Differences});
     return sections;
 }
 
@@ -131,24 +79,21 @@ std::size_t HtmlWriter::RowCount(const Section& section) const {
             return reader_.Archives().size();
         case Section::Kind::Problems:
             return 0;  // there are few of them
-        case Section::Kind::Archive:
-        case Section::Kind::WithoutArchive:
-            break;
+        default:
+            return tables_.RowCount(section);
     }
-    return TrendsOf(section).trends.size();
 }
 
 std::size_t HtmlWriter::PerSection(const Section& section) {
-    return section.kind == Section::Kind::Overview ? kArchivesPerSection : kTrendsPerSection;
+    return section.kind == Section::Kind::Overview ? kArchivesPerSection : kRowsPerSection;
+}
+
+std::size_t HtmlWriter::EndRow(const Section& section) const {
+    return std::min(section.first + PerSection(section), RowCount(section));
 }
 
 bool HtmlWriter::IsLast(const Section& section) const {
     return section.first + PerSection(section) >= RowCount(section);
-}
-
-const ProjectReader::Archive& HtmlWriter::TrendsOf(const Section& section) const {
-    return section.kind == Section::Kind::Archive ? reader_.Archives().at(section.archive)
-                                                  : reader_.WithoutArchive();
 }
 
 QString HtmlWriter::Title(const Section& section) const {
@@ -156,11 +101,15 @@ QString HtmlWriter::Title(const Section& section) const {
         case Section::Kind::Overview:
             return texts_(Text::Overview);
         case Section::Kind::Archive:
-            return TrendsOf(section).name;
+            return tables_.TrendsOf(section).name;
         case Section::Kind::WithoutArchive:
             return texts_(Text::TrendsWithoutArchive);
         case Section::Kind::Problems:
             return texts_(Text::Problems);
+        case Section::Kind::Findings:
+            return texts_(Text::Findings);
+        case Section::Kind::Differences:
+            return texts_(Text::DifferencesTo, {{u"file", reader_.ComparedWith()}});
     }
     return {};
 }
@@ -168,6 +117,23 @@ QString HtmlWriter::Title(const Section& section) const {
 QString HtmlWriter::Page(const Section& section, const QPalette& palette,
                          const std::vector<int>& pages) {
     Html html;
+    BeginPage(html, palette);
+    Body(html, section, pages);
+    html.End();
+    html.End();
+    return html.Take();
+}
+
+QString HtmlWriter::HeadPage(const Section& section) {
+    Html html;
+    BeginPage(html, QPalette(Qt::white));
+    Chapter(html, section);
+    html.End();
+    html.End();
+    return html.Take();
+}
+
+void HtmlWriter::BeginPage(Html& html, const QPalette& palette) const {
     html.Begin(u"html"_s);
     html.Begin(u"head"_s);
     html.Begin(u"style"_s);
@@ -175,26 +141,43 @@ QString HtmlWriter::Page(const Section& section, const QPalette& palette,
     html.End();
     html.End();
     html.Begin(u"body"_s);
-    Body(html, section, pages);
-    html.End();
-    html.End();
-    return html.Take();
 }
 
 void HtmlWriter::Body(Html& html, const Section& section, const std::vector<int>& pages) {
-    switch (section.kind) {
-        case Section::Kind::Overview:
-            if (section.first == 0) Facts(html);
-            return Contents(html, section, pages);
-        case Section::Kind::Problems:
-            html.Element(u"h2"_s, Title(section));
-            return ProblemTable(html);
-        case Section::Kind::Archive:
-        case Section::Kind::WithoutArchive:
-            break;
+    if (section.kind == Section::Kind::Overview) {
+        if (section.first == 0) Facts(html);
+        return Contents(html, section, pages);
     }
-    if (section.first == 0) Settings(html, section);
-    TrendTable(html, section);
+    if (section.first == 0) Chapter(html, section);
+    if (section.kind == Section::Kind::Problems) return ProblemTable(html);
+    Table(html, section);
+}
+
+/// What stands in front of a section's table.
+void HtmlWriter::Chapter(Html& html, const Section& section) {
+    if (section.kind == Section::Kind::Archive) return Settings(html, section);
+    html.Element(u"h2"_s, Title(section));
+    const CheckedProject& checked = reader_.Findings();
+    if (section.kind == Section::Kind::Findings) {
+        html.Element(u"p"_s, checked.failure ? texts_(Text::FindingsFailed,
+                                                      {{u"cause", checked.failure->Text()}})
+                                             : FindingsText());
+    }
+    if (section.kind == Section::Kind::Differences) {
+        for (const project::TableDifference& table : reader_.Differences()->tables) {
+            html.Element(
+                u"p"_s,
+                differences::DifferenceTexts(texts_.Table(), *reader_.Differences()).TextOf(table));
+        }
+        if (reader_.Differences()->IsEmpty()) html.Element(u"p"_s, texts_(Text::DifferencesNone));
+    }
+}
+
+/// "3 errors, 28 warnings"
+QString HtmlWriter::FindingsText() const {
+    const project::Judgement& judgement = reader_.Findings().judgement;
+    if (judgement.open.empty()) return texts_(Text::FindingsNone);
+    return findings::CountText(findings::CountsOf(judgement.open), texts_.Table());
 }
 
 QString HtmlWriter::FileHead() {
@@ -205,7 +188,7 @@ QString HtmlWriter::FileHead() {
     file_.Empty(u"meta"_s, {{u"charset"_s, u"utf-8"_s}});
     file_.Element(u"title"_s, texts_(Text::WindowTitle, {{u"project", projectPath_}}));
     file_.Begin(u"style"_s);
-    file_.Writer().writeCharacters(kFileStyle.toString());
+    file_.Writer().writeCharacters(FileStyle());
     file_.End();
     file_.End();
     file_.Begin(u"body"_s);
@@ -252,6 +235,16 @@ void HtmlWriter::Facts(Html& html) const {
     } else {
         Link(html, {Section::Kind::Problems},
              texts_(Text::ProblemCount, {{u"n", texts_.Number(problems)}}));
+    }
+    html.Empty(u"br"_s);
+    const CheckedProject& checked = reader_.Findings();
+    Link(html, {Section::Kind::Findings},
+         checked.failure ? texts_(Text::FindingsFailed, {{u"cause", checked.failure->Text()}})
+                         : texts_(Text::FindingsMade, {{u"text", FindingsText()}}));
+    if (reader_.Differences() != nullptr) {
+        html.Empty(u"br"_s);
+        const Section differences{Section::Kind::Differences};
+        Link(html, differences, Title(differences));
     }
     html.End();
     html.Element(u"h2"_s, texts_(Text::Contents));
@@ -308,10 +301,7 @@ void HtmlWriter::Contents(Html& html, const Section& section, const std::vector<
 }
 
 void HtmlWriter::Settings(Html& html, const Section& section) {
-    if (section.kind == Section::Kind::WithoutArchive) {
-        return html.Element(u"h2"_s, Title(section));
-    }
-    const ProjectReader::Archive& archive = TrendsOf(section);
+    const ProjectReader::Archive& archive = tables_.TrendsOf(section);
     html.Element(u"h2"_s, texts_(Text::Archive, {{u"name", archive.name}}));
     BeginTable(html);
     html.Begin(u"tbody"_s);
@@ -328,11 +318,13 @@ void HtmlWriter::TrendHeading(Html& html, const Section& section) const {
     const auto number = [&](std::size_t value) {
         return texts_.Number(static_cast<qint64>(value));
     };
-    const std::size_t count = TrendsOf(section).trends.size();
-    if (count <= kTrendsPerSection || target_ == Target::File) {
-        return html.Element(u"h3"_s, texts_(Text::Trends, {{u"n", number(count)}}));
+    const std::size_t count = RowCount(section);
+    const bool isWhole = count <= kRowsPerSection || target_ == Target::File;
+    if (section.kind == Section::Kind::Findings || section.kind == Section::Kind::Differences) {
+        return PartLinks(html, section);
     }
-    const std::size_t last = std::min(section.first + kTrendsPerSection, count);
+    if (isWhole) return html.Element(u"h3"_s, texts_(Text::Trends, {{u"n", number(count)}}));
+    const std::size_t last = EndRow(section);
     const QString title = section.first == 0 ? QString() : Title(section) + u": "_s;
     html.Element(u"h3"_s, title + texts_(Text::TrendsPart, {{u"first", number(section.first + 1)},
                                                             {u"last", number(last)},
@@ -357,20 +349,22 @@ void HtmlWriter::PartLinks(Html& html, const Section& section) const {
     html.End();
 }
 
-void HtmlWriter::TrendTable(Html& html, const Section& section) {
-    const std::vector<ado::Bookmark>& trends = TrendsOf(section).trends;
-    if (trends.empty()) return html.Element(u"p"_s, texts_(Text::NoTrends));
-    // In a file the table goes on through all sections of the archive.
+void HtmlWriter::Table(Html& html, const Section& section) {
+    const std::size_t count = RowCount(section);
+    const bool isTrends =
+        section.kind == Section::Kind::Archive || section.kind == Section::Kind::WithoutArchive;
+    if (count == 0 && isTrends) return html.Element(u"p"_s, texts_(Text::NoTrends));
+    if (count == 0) return;
+    // In a file the table goes on through all sections of its chapter.
     const bool inFile = target_ == Target::File;
-    const std::size_t end = std::min(section.first + kTrendsPerSection, trends.size());
+    const std::size_t end = EndRow(section);
     if (!inFile || section.first == 0) {
         TrendHeading(html, section);
         BeginTable(html);
         html.Begin(u"thead"_s);
         html.Begin(u"tr"_s);
-        for (const TrendColumnHead& heading : kTrendHeadings) {
-            html.Element(u"th"_s, texts_(heading.name),
-                         {{u"width"_s, QString::number(heading.width) + u'%'}});
+        for (const TableHead& head : tables_.Heads(section.kind)) {
+            html.Element(u"th"_s, head.title, {{u"width"_s, QString::number(head.width) + u'%'}});
         }
         html.End();
         html.End();
@@ -378,10 +372,10 @@ void HtmlWriter::TrendTable(Html& html, const Section& section) {
     }
     for (std::size_t i = section.first; i < end; ++i) {
         html.Begin(u"tr"_s);
-        for (const Lines& lines : wording_.Trend(reader_.ReadTrend(trends[i]))) Cell(html, lines);
+        for (const Lines& lines : tables_.Row(section, i)) Cell(html, lines);
         html.End();
     }
-    if (!inFile || end == trends.size()) EndTable(html);
+    if (!inFile || end == count) EndTable(html);
 }
 
 void HtmlWriter::ProblemTable(Html& html) const {
@@ -419,8 +413,13 @@ void HtmlWriter::Cell(Html& html, const Lines& lines) const {
             html.Text(u" "_s);
         }
         const QString look = LookClass(line.look);
-        look.isEmpty() ? html.Text(line.text)
-                       : html.Element(u"span"_s, line.text, {{u"class"_s, look}});
+        if (!line.link.isEmpty() && target_ == Target::Screen) {
+            html.Element(u"a"_s, line.text, {{u"href"_s, line.link}, {u"class"_s, look}});
+        } else if (look.isEmpty()) {
+            html.Text(line.text);
+        } else {
+            html.Element(u"span"_s, line.text, {{u"class"_s, look}});
+        }
     }
     html.End();
 }
@@ -449,13 +448,12 @@ QString HtmlWriter::PlainText(const Section& section) {
     if (section.kind == Section::Kind::Problems || section.kind == Section::Kind::Overview) {
         return text;
     }
-    const ProjectReader::Archive& archive = TrendsOf(section);
     if (section.kind == Section::Kind::Archive && section.first == 0) {
-        for (const Fact& fact : wording_.Archive(reader_.ReadArchive(archive))) add(fact.lines);
+        const ArchiveRow row = reader_.ReadArchive(tables_.TrendsOf(section));
+        for (const Fact& fact : wording_.Archive(row)) add(fact.lines);
     }
-    const std::size_t end = std::min(section.first + kTrendsPerSection, archive.trends.size());
-    for (std::size_t i = section.first; i < end; ++i) {
-        for (const Lines& lines : wording_.Trend(reader_.ReadTrend(archive.trends[i]))) add(lines);
+    for (std::size_t i = section.first; i < EndRow(section); ++i) {
+        for (const Lines& lines : tables_.Row(section, i)) add(lines);
     }
     return text;
 }

@@ -7,25 +7,12 @@
 
 #include "report/Html.h"
 #include "report/ProjectReader.h"
+#include "report/ReportTables.h"
 #include "report/ReportTexts.h"
+#include "report/Section.h"
 #include "report/Wording.h"
 
 namespace report {
-
-/// A piece of the report that is shown, printed or searched at a time.
-struct Section {
-    enum class Kind { Overview, Archive, WithoutArchive, Problems };
-    Kind kind = Kind::Overview;
-    std::size_t archive = 0;  // Kind::Archive: position among the archives
-    std::size_t first = 0;    // of the trends, or the archives of the contents, that it shows
-
-    [[nodiscard]] bool operator==(const Section&) const = default;
-    /// As the address of a link, and back; the overview for an address that is none.
-    [[nodiscard]] QString Address() const;
-    /// Likewise inside a file.
-    [[nodiscard]] QString Anchor() const;
-    [[nodiscard]] static Section FromAddress(const QString& address);
-};
 
 /// Writes the report as XHTML: for a QTextDocument on the screen or on paper, which knows little of
 /// style sheets and gets its curves as named pictures, or for a file that a browser shows.
@@ -35,8 +22,8 @@ struct Section {
 class HtmlWriter {
 public:
     enum class Target { Screen, Print, File };
-    /// Trends of one section at most.
-    static constexpr std::size_t kTrendsPerSection = 100;
+    /// Rows of one section's table at most.
+    static constexpr std::size_t kRowsPerSection = 100;
     /// Archives of one part of the table of contents at most.
     static constexpr std::size_t kArchivesPerSection = 200;
 
@@ -51,6 +38,13 @@ public:
     [[nodiscard]] QString Page(const Section& section, const QPalette& palette,
                                const std::vector<int>& pages = {});
 
+    /// The page of a section without its long table, which is Tables().
+    [[nodiscard]] QString HeadPage(const Section& section);
+    [[nodiscard]] const ReportTables& Tables() const noexcept { return tables_; }
+    /// Behind the last row of the table that a section shows; the first one is section.first.
+    [[nodiscard]] std::size_t EndRow(const Section& section) const;
+    [[nodiscard]] bool IsLast(const Section& section) const;
+
     // The parts of a file: head, then the body of each section in order, then the foot.
     [[nodiscard]] QString FileHead();
     [[nodiscard]] QString FileBody(const Section& section);
@@ -60,16 +54,17 @@ public:
     [[nodiscard]] QString PlainText(const Section& section);
 
 private:
-    [[nodiscard]] const ProjectReader::Archive& TrendsOf(const Section& section) const;
     [[nodiscard]] std::size_t RowCount(const Section& section) const;
     [[nodiscard]] static std::size_t PerSection(const Section& section);
-    [[nodiscard]] bool IsLast(const Section& section) const;
+    void BeginPage(Html& html, const QPalette& palette) const;
+    void Chapter(Html& html, const Section& section);
     void Body(Html& html, const Section& section, const std::vector<int>& pages);
     void Facts(Html& html) const;
+    [[nodiscard]] QString FindingsText() const;
     void Contents(Html& html, const Section& section, const std::vector<int>& pages);
     void PartLinks(Html& html, const Section& section) const;
     void Settings(Html& html, const Section& section);
-    void TrendTable(Html& html, const Section& section);
+    void Table(Html& html, const Section& section);
     void TrendHeading(Html& html, const Section& section) const;
     void ProblemTable(Html& html) const;
     void Cell(Html& html, const Lines& lines) const;
@@ -78,6 +73,7 @@ private:
     ProjectReader& reader_;
     const ReportTexts& texts_;
     Wording wording_;
+    ReportTables tables_;
     QString projectPath_;
     QDateTime madeOn_ = QDateTime::currentDateTime();
     Target target_;

@@ -1,9 +1,12 @@
 #include "report/ProjectReader.h"
 
 #include <algorithm>
+#include <QDate>
+#include <QFileInfo>
 #include <utility>
 
 #include "ado/AdoError.h"
+#include "paths/NativePath.h"
 #include "projectdb/Text.h"
 #include "texts/ReasonText.h"
 
@@ -95,6 +98,7 @@ ProjectReader::ProjectReader() = default;
 ProjectReader::~ProjectReader() = default;
 
 void ProjectReader::Open(const QString& path) {
+    path_ = ToQString(paths::ToNative(ToUtf8(path)));
     connection_.OpenSnapshot("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + ToUtf8(path) +
                              ";Mode=Read|Share Deny None;");
     OpenSource(archiveRows_, project::kArchiveTable, project::ArchiveColumns());
@@ -144,6 +148,44 @@ void ProjectReader::OpenTexts() {
         textRows_.columns.push_back(column);
         lcids_.push_back(lcid);
     }
+}
+
+QString ProjectReader::Name() const {
+    return QFileInfo(path_).completeBaseName();
+}
+
+void ProjectReader::Check(const std::function<bool()>& goOn) {
+    CheckedProject found;
+    try {
+        const auto settings =
+            project::CheckSettings::Load(project::CheckSettings::FileOf(ToUtf8(path_)));
+        const project::CheckResult result =
+            project::CheckProject(connection_, settings.Severities(), goOn);
+        found.judgement =
+            settings.Judge(result.findings, ToUtf8(QDate::currentDate().toString(Qt::ISODate)));
+        std::stable_sort(found.judgement.open.begin(), found.judgement.open.end(),
+                         [](const project::Finding& a, const project::Finding& b) {
+                             return a.severity > b.severity;
+                         });
+    } catch (const project::CheckStopped&) {
+        return;
+    } catch (...) {
+        found.failure = projectdb::Failure::Current();
+    }
+    findings_ = std::move(found);
+}
+
+void ProjectReader::CompareWith(const QString& file, const std::function<bool()>& goOn) {
+    ado::Connection other;
+    other.OpenSnapshot("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + ToUtf8(file) +
+                       ";Mode=Read|Share Deny None;");
+    try {
+        differences_ = std::make_unique<const project::Differences>(
+            project::Compare(other, connection_, [&](std::size_t) { return goOn(); }));
+    } catch (const project::CompareStopped&) {
+        return;
+    }
+    comparedWith_ = QFileInfo(file).completeBaseName();
 }
 
 bool ProjectReader::Collect(std::chrono::milliseconds budget) {

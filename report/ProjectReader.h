@@ -2,13 +2,18 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <QString>
 #include <span>
 #include <vector>
 
 #include "ado/Connection.h"
 #include "ado/Recordset.h"
+#include "project/CheckSettings.h"
+#include "project/Differences.h"
+#include "projectdb/Failure.h"
 #include "report/Rows.h"
 
 namespace report {
@@ -21,6 +26,12 @@ struct Problem {
     qint64 row = 0;  // the row's ID; for Kind::Row its place in the table, from 1
     QString name;    // of the archive or trend, where it is known
     QString detail;  // cause, column, or the number that leads nowhere
+};
+
+/// What the check of the project has found.
+struct CheckedProject {
+    project::Judgement judgement;                 // what is open by severity, the gravest first
+    std::optional<projectdb::Failure> failure{};  // why nothing is known
 };
 
 /// Reads a project for the report, in portions, and changes nothing in it. What it reads is the
@@ -55,6 +66,23 @@ public:
     [[nodiscard]] std::size_t RowsDone() const noexcept { return rowsDone_; }
     /// As far as the file tells; at least 1.
     [[nodiscard]] std::size_t RowsTotal() const noexcept { return rowsTotal_; }
+
+    // The following take their time, and may run in a thread while nobody else uses the reader.
+    // `goOn` ends them with false; what is known stays as it was then.
+
+    /// Checks the project; what cannot be checked stands in Findings().
+    void Check(const std::function<bool()>& goOn);
+    /// Compares with the project in a file, as it is now. Throws ado::AdoError.
+    void CompareWith(const QString& file, const std::function<bool()>& goOn);
+
+    [[nodiscard]] const CheckedProject& Findings() const noexcept { return findings_; }
+    /// From the other project to this one; null: nobody has asked for them.
+    [[nodiscard]] const project::Differences* Differences() const noexcept {
+        return differences_.get();
+    }
+    [[nodiscard]] const QString& ComparedWith() const noexcept { return comparedWith_; }
+    /// The project's file without its folder.
+    [[nodiscard]] QString Name() const;
 
     // REQUIRES: everything has been collected.
     [[nodiscard]] const std::vector<Archive>& Archives() const noexcept { return archives_; }
@@ -108,6 +136,10 @@ private:
     std::vector<std::pair<std::int32_t, std::size_t>> archiveById_;  // ascending, likewise
     Archive withoutArchive_;
     std::vector<Problem> problems_;
+    CheckedProject findings_;
+    std::unique_ptr<const project::Differences> differences_;
+    QString comparedWith_;
+    QString path_;  // native
     std::size_t problemCount_ = 0;
 };
 

@@ -12,6 +12,8 @@ ReportTexts::ReportTexts(platform::Registry& registry) {
         // There are texts all the same; whoever needs the registry's other values tells.
     }
     locale_ = QLocale(table_.Language().locale);
+    // As the editor shows them, all numbers alike.
+    locale_.setNumberOptions(QLocale::OmitGroupSeparator);
 }
 
 }  // namespace report

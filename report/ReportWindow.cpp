@@ -11,16 +11,12 @@
 #include <QPrintDialog>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QSplitter>
 #include <QStatusBar>
 #include <QTextBrowser>
-#include <QToolBar>
-#include <QVBoxLayout>
 #include <tuple>
 
 #include "guard/Guard.h"
 #include "help/HelpViewer.h"
-#include "icons/Icons.h"
 #include "messages/MessageBox.h"
 #include "messages/PlainTexts.h"
 #include "paths/NativePath.h"
@@ -28,15 +24,13 @@
 #include "platform/HelpTopics.h"
 #include "platform/Registry.h"
 #include "projectdb/Text.h"
-#include "report/ReportDocument.h"
+#include "report/PrintTask.h"
 
 namespace report {
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-constexpr int kSectionRole = Qt::UserRole;
 
 QString NativePath(const QString& path) {
     return projectdb::ToQString(paths::ToNative(projectdb::ToUtf8(path)));
@@ -49,7 +43,10 @@ QString FileName(const QString& path) {
 }  // namespace
 
 ReportWindow::ReportWindow(platform::Registry& registry, QString projectPath, QWidget* parent)
-    : QMainWindow(parent, Qt::Window), texts_(registry), projectPath_(std::move(projectPath)) {
+    : QMainWindow(parent, Qt::Window),
+      texts_(registry),
+      projectPath_(std::move(projectPath)),
+      shownPath_(QDir::toNativeSeparators(NativePath(projectPath_))) {
     setObjectName(u"frmReport"_s);
     messages::KeepTextsPlain(*this);
     setWindowTitle(texts_(Text::WindowTitle, {{u"project", FileName(projectPath_)}}));
@@ -68,134 +65,6 @@ ReportWindow::ReportWindow(platform::Registry& registry, QString projectPath, QW
 }
 
 ReportWindow::~ReportWindow() = default;
-
-QAction* ReportWindow::AddAction(const char* name, Text text, Text tip, const QKeySequence& key,
-                                 void (ReportWindow::*slot)()) {
-    auto* action = new QAction(texts_(text), this);
-    action->setObjectName(QLatin1StringView(name));
-    action->setShortcut(key);
-    QString help = texts_(tip).remove(u'&');
-    if (!key.isEmpty()) help += u" ("_s + key.toString(QKeySequence::NativeText) + u')';
-    action->setToolTip(help);
-    connect(action, &QAction::triggered, this,
-            [this, action, slot] { guard::Guard(action->objectName(), [&] { (this->*slot)(); }); });
-    addAction(action);
-    actions_ += action;
-    return action;
-}
-
-void ReportWindow::BuildActions() {
-    auto* bar = addToolBar(texts_(Text::ReportTitle));
-    bar->setObjectName(u"tbrReport"_s);
-    bar->setMovable(false);
-    bar->setContextMenuPolicy(Qt::PreventContextMenu);
-    bar->addAction(AddAction("actPrint", Text::Print, Text::PrintTip, QKeySequence::Print,
-                             &ReportWindow::actPrint_Triggered));
-    bar->addAction(
-        AddAction("actPdf", Text::Pdf, Text::PdfTip, {}, &ReportWindow::actPdf_Triggered));
-    bar->addAction(
-        AddAction("actHtml", Text::Html, Text::HtmlTip, {}, &ReportWindow::actHtml_Triggered));
-    bar->addAction(AddAction("actRefresh", Text::Refresh, Text::RefreshTip, Qt::Key_F5,
-                             &ReportWindow::actRefresh_Triggered));
-    bar->addSeparator();
-
-    auto* label = new QLabel(texts_(Text::FindLabel), bar);
-    label->setObjectName(u"lblFind"_s);
-    label->setContentsMargins(8, 0, 4, 0);
-    txtFind_ = new QLineEdit(bar);
-    txtFind_->setObjectName(u"txtFind"_s);
-    txtFind_->setClearButtonEnabled(true);
-    txtFind_->setMaximumWidth(260);
-    label->setBuddy(txtFind_);
-    bar->addWidget(label);
-    bar->addWidget(txtFind_);
-    QAction* next = AddAction("actFindNext", Text::FindNext, Text::FindNext, Qt::Key_F3,
-                              &ReportWindow::FindNext);
-    QAction* previous = AddAction("actFindPrevious", Text::FindPrevious, Text::FindPrevious,
-                                  Qt::SHIFT | Qt::Key_F3, &ReportWindow::FindPrevious);
-    next->setIcon(icons::Icon(u"arrow-down"));
-    previous->setIcon(icons::Icon(u"arrow-up"));
-    bar->addAction(previous);
-    bar->addAction(next);
-    connect(txtFind_, &QLineEdit::returnPressed, next, &QAction::trigger);
-
-    bar->addSeparator();
-    bar->addAction(
-        AddAction("actHelp", Text::Help, Text::Help, Qt::Key_F1, &ReportWindow::actHelp_Triggered));
-
-    auto* focusFind = new QAction(this);
-    focusFind->setObjectName(u"actFind"_s);
-    focusFind->setShortcut(QKeySequence::Find);
-    connect(focusFind, &QAction::triggered, this, [this] {
-        txtFind_->setFocus();
-        txtFind_->selectAll();
-    });
-    addAction(focusFind);
-    auto* close = new QAction(this);
-    close->setObjectName(u"actClose"_s);
-    close->setShortcut(QKeySequence::Close);
-    connect(close, &QAction::triggered, this, &QWidget::close);
-    addAction(close);
-}
-
-void ReportWindow::BuildBody() {
-    auto* left = new QWidget(this);
-    auto* column = new QVBoxLayout(left);
-    column->setContentsMargins(4, 4, 0, 4);
-    txtFilter_ = new QLineEdit(left);
-    txtFilter_->setObjectName(u"txtFilter"_s);
-    txtFilter_->setPlaceholderText(texts_(Text::FilterArchives));
-    txtFilter_->setClearButtonEnabled(true);
-    lstArchives_ = new QListWidget(left);
-    lstArchives_->setObjectName(u"lstArchives"_s);
-    lstArchives_->setAccessibleName(texts_(Text::Contents));
-    lstArchives_->setUniformItemSizes(true);
-    column->addWidget(txtFilter_);
-    column->addWidget(lstArchives_);
-
-    txtReport_ = new QTextBrowser(this);
-    txtReport_->setObjectName(u"txtReport"_s);
-    txtReport_->setAccessibleName(texts_(Text::ReportTitle));
-    auto* document = new ReportDocument(txtReport_);
-    document->setDocumentMargin(12);
-    txtReport_->setDocument(document);
-    txtReport_->setOpenLinks(false);
-
-    auto* splitter = new QSplitter(this);
-    splitter->setObjectName(u"splReport"_s);
-    splitter->addWidget(left);
-    splitter->addWidget(txtReport_);
-    splitter->setStretchFactor(1, 1);
-    splitter->setSizes({230, 950});
-    splitter->setChildrenCollapsible(false);
-    setCentralWidget(splitter);
-
-    connect(txtFilter_, &QLineEdit::textChanged, this, &ReportWindow::FilterArchives);
-    connect(lstArchives_, &QListWidget::currentItemChanged, this, [this](QListWidgetItem* item) {
-        if (item == nullptr || !ready_) return;
-        const Section section = Section::FromAddress(item->data(kSectionRole).toString());
-        if (section.kind != shown_.kind || section.archive != shown_.archive) Show(section);
-    });
-    connect(txtReport_, &QTextBrowser::anchorClicked, this, [this](const QUrl& link) {
-        if (ready_) Show(Section::FromAddress(link.toString()));
-    });
-}
-
-void ReportWindow::BuildStatusBar() {
-    lblState_ = new QLabel(this);
-    lblState_->setObjectName(u"lblState"_s);
-    prgState_ = new QProgressBar(this);
-    prgState_->setObjectName(u"prgState"_s);
-    prgState_->setRange(0, 1000);
-    prgState_->setMaximumWidth(240);
-    cmdCancel_ = new QPushButton(texts_(Text::Cancel), this);
-    cmdCancel_->setObjectName(u"cmdCancel"_s);
-    statusBar()->setObjectName(u"sb"_s);
-    statusBar()->addWidget(lblState_, 1);
-    statusBar()->addPermanentWidget(prgState_);
-    statusBar()->addPermanentWidget(cmdCancel_);
-    connect(cmdCancel_, &QPushButton::clicked, &runner_, &PortionRunner::Cancel);
-}
 
 void ReportWindow::Tell(messages::Message message) {
     message.title = windowTitle();
@@ -224,7 +93,7 @@ bool ReportWindow::Read() {
         return false;
     }
     writer_ =
-        std::make_unique<HtmlWriter>(*reader_, texts_, projectPath_, HtmlWriter::Target::Screen);
+        std::make_unique<HtmlWriter>(*reader_, texts_, shownPath_, HtmlWriter::Target::Screen);
     runner_.Start(std::make_unique<CollectTask>(*reader_, texts_),
                   [this](Task&, PortionRunner::Outcome outcome, const messages::Message& failure) {
                       if (outcome == PortionRunner::Outcome::Done) Collected();
@@ -257,7 +126,7 @@ void ReportWindow::Collected() {
 }
 
 void ReportWindow::FillArchives() {
-    QString last;
+    lstArchives_->clear();
     for (const Section& section : writer_->Sections()) {
         if (section.first != 0) continue;
         auto* item = new QListWidgetItem(writer_->Title(section), lstArchives_);
@@ -312,8 +181,7 @@ void ReportWindow::Find(bool backward) {
     const QTextDocument::FindFlags flags =
         backward ? QTextDocument::FindBackward : QTextDocument::FindFlags();
     if (txtReport_->find(needle, flags)) return;
-    auto task =
-        std::make_unique<FindTask>(*reader_, texts_, projectPath_, needle, shown_, backward);
+    auto task = std::make_unique<FindTask>(*reader_, texts_, shownPath_, needle, shown_, backward);
     runner_.Start(std::move(task), [this, needle, flags, backward](
                                        Task& ended, PortionRunner::Outcome outcome,
                                        const messages::Message& failure) {
@@ -347,7 +215,7 @@ void ReportWindow::Start(std::unique_ptr<Task> task, const QString& doneText) {
 
 void ReportWindow::ExportHtml(const QString& file) {
     if (!ready_ || IsBusy()) return;
-    Start(std::make_unique<HtmlExportTask>(*reader_, texts_, projectPath_, file),
+    Start(std::make_unique<HtmlExportTask>(*reader_, texts_, shownPath_, file),
           texts_(Text::Written, {{u"file", file}}));
 }
 
@@ -358,7 +226,7 @@ void ReportWindow::ExportPdf(const QString& file) {
     printer->setOutputFileName(file);
     printer->setPageSize(QPageSize(QPageSize::A4));
     printer->setDocName(windowTitle());
-    Start(std::make_unique<PrintTask>(*reader_, texts_, projectPath_, std::move(printer)),
+    Start(std::make_unique<PrintTask>(*reader_, texts_, shownPath_, std::move(printer)),
           texts_(Text::Written, {{u"file", file}}));
 }
 
@@ -372,7 +240,7 @@ void ReportWindow::actPrint_Triggered() {
     const QPointer<ReportWindow> alive(this);
     // The window may have gone with its parent while the dialog was open.
     if (dialog.exec() != QDialog::Accepted || !alive || !ready_ || IsBusy()) return;
-    Start(std::make_unique<PrintTask>(*reader_, texts_, projectPath_, std::move(printer)), {});
+    Start(std::make_unique<PrintTask>(*reader_, texts_, shownPath_, std::move(printer)), {});
 }
 
 QString ReportWindow::SuggestedFile(const QString& extension) const {
@@ -390,6 +258,32 @@ void ReportWindow::actHtml_Triggered() {
     const QString file = QFileDialog::getSaveFileName(
         this, texts_(Text::SaveAsHtml), SuggestedFile(u"html"_s), texts_(Text::HtmlFiles));
     if (!file.isEmpty()) ExportHtml(file);
+}
+
+void ReportWindow::actDifferences_Triggered() {
+    const QString file = QFileDialog::getOpenFileName(this, texts_(Text::Differences).remove(u'&'),
+                                                      QFileInfo(NativePath(projectPath_)).path(),
+                                                      texts_(Text::CompareFiles));
+    if (!file.isEmpty()) CompareWith(file);
+}
+
+void ReportWindow::CompareWith(const QString& file) {
+    if (!ready_ || IsBusy()) return;
+    auto task = std::make_unique<ThreadTask>(
+        [this, file](const ThreadTask::GoOn& goOn) { reader_->CompareWith(file, goOn); },
+        texts_.Table().GetText(MResourceTable::Compare::Comparing));
+    runner_.Start(std::move(task), [this](Task&, PortionRunner::Outcome outcome,
+                                          const messages::Message& failure) {
+        const bool done = outcome == PortionRunner::Outcome::Done;
+        lblState_->setText(outcome == PortionRunner::Outcome::Cancelled ? texts_(Text::Cancelled)
+                                                                        : failure.text);
+        if (outcome == PortionRunner::Outcome::Failed) Tell(failure);
+        if (done) {
+            FillArchives();
+            Show({Section::Kind::Differences});
+        }
+        emit TaskEnded(done);
+    });
 }
 
 void ReportWindow::actRefresh_Triggered() {

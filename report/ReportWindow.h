@@ -50,22 +50,30 @@ public:
     void Find(bool backward);
     void ExportHtml(const QString& file);
     void ExportPdf(const QString& file);
+    /// Adds the differences to the project in a file as a chapter, and shows it.
+    void CompareWith(const QString& file);
 
 signals:
     /// A task has ended; `done` is false when it was cancelled or has failed.
     void TaskEnded(bool done);
+    /// The user wants to see a row of the project; see RowPlace.
+    void RowChosen(const QString& table, int id, const QString& column);
 
 protected:
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    /// Of an entry of the contents: the address of its section.
+    static constexpr int kSectionRole = Qt::UserRole;
+
     /// The message under the title of this window.
     void Tell(messages::Message message);
     void BuildActions();
     void BuildBody();
     void BuildStatusBar();
     void FindHelpFile(platform::Registry& registry);
+    QMenu* AddMenu(const char* name, Text text);
     QAction* AddAction(const char* name, Text text, Text tip, const QKeySequence& key,
                        void (ReportWindow::*slot)());
     void FillArchives();
@@ -83,12 +91,14 @@ private:
     void actPrint_Triggered();
     void actPdf_Triggered();
     void actHtml_Triggered();
+    void actDifferences_Triggered();
     void actRefresh_Triggered();
     void actHelp_Triggered();
 
     ReportTexts texts_;
     platform::HelpFile helpFile_;  // its viewer borrows the texts
     QString projectPath_;
+    QString shownPath_;  // as the user knows it
     std::unique_ptr<ProjectReader> reader_;
     std::unique_ptr<HtmlWriter> writer_;
     Section shown_;

@@ -1,16 +1,14 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <functional>
+#include <future>
 #include <memory>
-#include <QPrinter>
 #include <QSaveFile>
-#include <QTextDocument>
 #include <vector>
 
 #include "report/HtmlWriter.h"
-
-class QPainter;
 
 namespace report {
 
@@ -33,17 +31,41 @@ struct TaskError {
     QString text;
 };
 
-/// Collects what the report is made of.
+/// Work that cannot be done in portions: done in a thread, and waited for in portions. A task that
+/// is destroyed before its end ends the work, and waits for that.
+class ThreadTask final : public Task {
+public:
+    using GoOn = std::function<bool()>;
+    /// `work` ends when what it is given returns false; it may throw.
+    ThreadTask(std::function<void(const GoOn&)> work, QString label)
+        : work_(std::move(work)), label_(std::move(label)) {}
+    ~ThreadTask() override;
+    bool Step(std::chrono::milliseconds budget) override;
+    [[nodiscard]] QString Label() const override { return label_; }
+    [[nodiscard]] int Permille() const override { return 0; }
+
+private:
+    std::function<void(const GoOn&)> work_;
+    QString label_;
+    std::atomic<bool> isCancelled_ = false;
+    std::future<void> running_;
+};
+
+/// Collects what the report is made of, and checks it.
 class CollectTask final : public Task {
 public:
-    CollectTask(ProjectReader& reader, const ReportTexts& texts) : reader_(reader), texts_(texts) {}
-    bool Step(std::chrono::milliseconds budget) override { return reader_.Collect(budget); }
-    [[nodiscard]] QString Label() const override { return texts_(Text::Collecting); }
+    CollectTask(ProjectReader& reader, const ReportTexts& texts);
+    bool Step(std::chrono::milliseconds budget) override;
+    [[nodiscard]] QString Label() const override {
+        return isCollected_ ? check_.Label() : texts_(Text::Collecting);
+    }
     [[nodiscard]] int Permille() const override;
 
 private:
     ProjectReader& reader_;
     const ReportTexts& texts_;
+    bool isCollected_ = false;
+    ThreadTask check_;
 };
 
 /// A task that goes through all sections of the report, one after another.
@@ -104,39 +126,6 @@ private:
     void Write(const QString& html);
 
     QSaveFile file_;
-};
-
-/// Prints the whole report, or writes it as PDF, each section beginning on a new page. A PDF file
-/// that has been begun is removed when it does not get done.
-///
-/// A report of at most kTrendsToCount trends is laid out twice: its table of contents has page
-/// numbers. A longer one would take too long for that.
-class PrintTask final : public SectionTask {
-public:
-    static constexpr std::size_t kTrendsToCount = 5000;
-
-    /// The printer is set up but for paper and margins, which the task chooses.
-    PrintTask(ProjectReader& reader, const ReportTexts& texts, const QString& projectPath,
-              std::unique_ptr<QPrinter> printer);
-    ~PrintTask() override;
-    [[nodiscard]] QString Label() const override;
-    [[nodiscard]] int Permille() const override;
-
-private:
-    bool DoSection(std::size_t index) override;
-    bool Finish() override;
-    void Begin();
-    void DrawPage(const QTextDocument& document, int page);
-
-    std::unique_ptr<QPrinter> printer_;
-    std::unique_ptr<QPainter> painter_;
-    QString header_;
-    QSizeF body_;  // at 96 points an inch, like everything that is laid out
-    std::vector<int> firstPages_;
-    int page_ = 0;
-    int pageCount_ = 0;  // 0: not counted
-    bool counting_ = false;
-    bool done_ = false;
 };
 
 }  // namespace report

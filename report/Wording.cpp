@@ -6,6 +6,7 @@
 #include "project/Number.h"
 #include "project/Schema.h"
 #include "projectdb/Text.h"
+#include "report/Section.h"
 #include "texts/MResources.h"
 
 namespace report {
@@ -225,7 +226,11 @@ TrendCells Wording::Trend(const TrendRow& row) const {
 }
 
 Lines Wording::NameWords(const TrendRow& row) const {
-    Lines lines = {{Named(row["Name"]), Line::Look::Strong}};
+    Line name{Named(row["Name"]), Line::Look::Strong};
+    if (const std::optional<int> id = Integer(row[project::kKeyColumn])) {
+        name.link = RowAddress(project::kTrendTable, *id);
+    }
+    Lines lines = {name};
     lines += DisplayTexts(row.texts);
     if (row.textMissing) lines += Warning(Text::TextMissing, PlainText(row["TextID"]));
     if (!IsEmpty(row["Comment"])) lines += Line{Value(row["Comment"]), Line::Look::Muted};

@@ -17,6 +17,7 @@ struct Line {
     QString text;
     Look look = Look::Plain;
     std::optional<Curve> curve = std::nullopt;
+    QString link = {};  // address of the row that it names; see RowAddress
 };
 using Lines = QList<Line>;
 
@@ -26,18 +27,8 @@ struct Fact {
     Lines lines;
 };
 
-/// A column of the trend table and its share of the width in percent.
-struct TrendColumnHead {
-    Text name;
-    int width;
-};
-inline constexpr std::array kTrendHeadings = {
-    TrendColumnHead{Text::ColumnName, 15},      TrendColumnHead{Text::ColumnVariable, 14},
-    TrendColumnHead{Text::ColumnRange, 11},     TrendColumnHead{Text::ColumnSubstitution, 9},
-    TrendColumnHead{Text::ColumnHysteresis, 9}, TrendColumnHead{Text::ColumnFilter, 7},
-    TrendColumnHead{Text::ColumnDisplay, 14},   TrendColumnHead{Text::ColumnCurve, 8},
-    TrendColumnHead{Text::ColumnTolerance, 13}};
-using TrendCells = std::array<Lines, kTrendHeadings.size()>;
+/// What is told of a trend, by column of the table of trends.
+using TrendCells = std::array<Lines, 9>;
 
 /// Puts stored settings into words. A code that has no meaning, a missing text and a damaged value
 /// are told as such. Borrows the texts.

@@ -58,10 +58,14 @@ BackupsDialog::BackupsDialog(BackupService& service, const ProjectLocation& proj
     cmdRestore_ = buttons->addButton(texts_(Text::BackupRestore), QDialogButtonBox::ActionRole);
     cmdRestore_->setObjectName(u"cmdRestore"_s);
     cmdRestore_->setAutoDefault(false);
+    cmdCompare_ = buttons->addButton(texts_(Text::BackupCompare), QDialogButtonBox::ActionRole);
+    cmdCompare_->setObjectName(u"cmdCompare"_s);
+    cmdCompare_->setAutoDefault(false);
     auto* cmdClose = buttons->addButton(texts_(Text::Close), QDialogButtonBox::RejectRole);
     cmdClose->setObjectName(u"cmdClose"_s);
     cmdClose->setAutoDefault(false);
     connect(cmdRestore_, &QPushButton::clicked, this, &BackupsDialog::cmdRestore_Click);
+    connect(cmdCompare_, &QPushButton::clicked, this, &BackupsDialog::cmdCompare_Click);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(lstBackups_, &QTreeWidget::itemActivated, this, &BackupsDialog::cmdRestore_Click);
     connect(lstBackups_, &QTreeWidget::itemSelectionChanged, this, &BackupsDialog::UpdateEnabling);
@@ -137,6 +141,7 @@ void BackupsDialog::FillList() {
 
 void BackupsDialog::UpdateEnabling() {
     cmdRestore_->setEnabled(lstBackups_->currentItem() != nullptr);
+    cmdCompare_->setEnabled(lstBackups_->currentItem() != nullptr);
 }
 
 void BackupsDialog::cmdRestore_Click() {
@@ -153,6 +158,13 @@ void BackupsDialog::cmdRestore_Click() {
                                  : messages::MessageButtons::OkCancelDefaultCancel;
     const auto answer = messages::ShowMessage(question, buttons, windowTitle(), this);
     if (answer == messages::MessageResult::Ok) accept();
+}
+
+void BackupsDialog::cmdCompare_Click() {
+    const int row = lstBackups_->indexOfTopLevelItem(lstBackups_->currentItem());
+    if (row < 0) return;
+    chosen_ = backups_.at(static_cast<std::size_t>(row));
+    done(kCompare);
 }
 
 void BackupsDialog::cmdBrowse_Click() {

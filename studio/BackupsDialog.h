@@ -27,11 +27,15 @@ public:
     BackupsDialog(BackupService& service, const ProjectLocation& project, const StudioTexts& texts,
                   QWidget* parent = nullptr);
 
-    /// When the dialog was accepted: what the user wants back, and has confirmed.
+    /// What exec() gives when the user wants to see how the chosen one differs from the project.
+    static constexpr int kCompare = 2;
+
+    /// When the dialog was accepted: what the user wants back, and has confirmed; or compared.
     [[nodiscard]] const backups::Backup& Chosen() const { return chosen_; }
 
 private slots:
     void cmdRestore_Click();
+    void cmdCompare_Click();
     void cmdBrowse_Click();
     void txtFolder_Change();
     void FillList();
@@ -50,6 +54,7 @@ private:
     QSpinBox* numMost_ = nullptr;
     QLineEdit* txtFolder_ = nullptr;
     QPushButton* cmdRestore_ = nullptr;
+    QPushButton* cmdCompare_ = nullptr;
 };
 
 /// When a backup was taken, as the user reads dates.

@@ -75,6 +75,7 @@ private slots:
     void mnuFileNew_Click();
     void mnuFileOpen_Click();
     void mnuFileBackups_Click();
+    void mnuFileCompare_Click();
     void mnuFileRecent_Popup();
     void mnuFileRecentClear_Click();
     void mnuSettingsLanguage_Click(QAction* action);
@@ -108,6 +109,7 @@ private:
     bool WhileClosed(Content content, const std::function<void()>& action);
     void BackupTaken(const QString& project, const backups::Outcome& outcome);
     void RestoreBackup(const backups::Backup& backup);
+    void CompareWith(const QString& file, const QString& name);
     void RaiseStartupComplete();
     void QuitStep();
     void Complain(const QString& message, const QString& details = {});
@@ -143,6 +145,7 @@ private:
     QAction* mnuFileOpen_ = nullptr;
     QAction* mnuFileClose_ = nullptr;
     QAction* mnuFileBackups_ = nullptr;
+    QAction* mnuFileCompare_ = nullptr;
     QAction* mnuViewEditor_ = nullptr;
     QActionGroup* languages_ = nullptr;
 };

@@ -1,5 +1,9 @@
-// Backups of the project that is open: what tells of them, and the way back to one.
+// Backups of the project that is open: what tells of them, and the way back to one. The project
+// beside another one.
 
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QStatusBar>
 #include <QStringList>
@@ -44,7 +48,45 @@ void StudioWindow::BackupTaken(const QString& project, const backups::Outcome& o
 void StudioWindow::mnuFileBackups_Click() {
     if (!project_) return;
     BackupsDialog dialog(backups_, *project_, texts_, this);
-    if (dialog.exec() == QDialog::Accepted) RestoreBackup(dialog.Chosen());
+    const int answer = dialog.exec();
+    if (answer == QDialog::Accepted) RestoreBackup(dialog.Chosen());
+    if (answer == BackupsDialog::kCompare) {
+        const backups::Backup& backup = dialog.Chosen();
+        CompareWith(QFile::decodeName(backup.path.c_str()),
+                    texts_(Text::BackupOf,
+                           {{u"project", project_->shown}, {u"date", DateText(backup, texts_)}}));
+    }
+}
+
+void StudioWindow::mnuFileCompare_Click() {
+    if (!project_) return;
+    const QString file = QFileDialog::getOpenFileName(this, texts_(Text::CompareTitle),
+                                                      ProjectFolder(), texts_(Text::OpenFilter));
+    if (file.isEmpty() || !project_) return;
+    QString name = QFileInfo(file).completeBaseName();
+    // Two of the same name are told apart by their folders.
+    if (name == QFileInfo(project_->nativePath).completeBaseName()) {
+        name = QDir::toNativeSeparators(file);
+    }
+    CompareWith(file, name);
+}
+
+/// What projects hold is the add-ins' business.
+void StudioWindow::CompareWith(const QString& file, const QString& name) {
+    if (addIns_.InCall()) {
+        statusBar()->showMessage(texts_(Text::StatusBusy), kStatusMs);
+        return;
+    }
+    bool isShown = false;
+    addIns_.ForEach("GetMessage", [&](KV4AddIn::CKV4Extensibility& addIn) {
+        if (isShown) return;
+        isShown = addIn
+                      .CKV4Extensibility_GetMessage(KV4AddIn::kHostSender.toString(),
+                                                    KV4AddIn::kCompare.toString(),
+                                                    QStringList{file, name})
+                      .toBool();
+    });
+    if (!isShown) Complain(texts_(Text::CompareNobody));
 }
 
 void StudioWindow::RestoreBackup(const backups::Backup& backup) {

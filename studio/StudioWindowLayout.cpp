@@ -81,6 +81,8 @@ void StudioWindow::BuildFileMenu() {
     connect(mnuFileClose_, &QAction::triggered, this, &StudioWindow::CloseProject);
     mnuFileBackups_ = AddAction(file, u"mnuFileBackups"_s, Text::FileBackups, Text::FileBackupsTip);
     connect(mnuFileBackups_, &QAction::triggered, this, &StudioWindow::mnuFileBackups_Click);
+    mnuFileCompare_ = AddAction(file, u"mnuFileCompare"_s, Text::FileCompare, Text::FileCompareTip);
+    connect(mnuFileCompare_, &QAction::triggered, this, &StudioWindow::mnuFileCompare_Click);
     file.addSeparator();
     QAction* quit =
         AddAction(file, u"mnuFileQuit"_s, Text::FileQuit, std::nullopt, Qt::CTRL | Qt::Key_Q);
@@ -165,6 +167,7 @@ void StudioWindow::ApplyProjectState() {
     lblProject_->setToolTip(project_ ? project_->nativePath : QString());
     mnuFileClose_->setEnabled(project_.has_value());
     mnuFileBackups_->setEnabled(project_.has_value());
+    mnuFileCompare_->setEnabled(project_.has_value() && !addIns_.IsEmpty());
     tree_->setEnabled(project_.has_value());
     editors_->SetState(!project_           ? State::NoProject
                        : addIns_.IsEmpty() ? State::NoAddIns

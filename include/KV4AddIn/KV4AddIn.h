@@ -118,10 +118,15 @@ public:
         QWidget* owner, const VariableChoice& choice) = 0;
 };
 
-/// Sender and text of the one message of GetMessage that is the host's own: the project that is
-/// closed next is opened again at once, so that an add-in can come back to where the user is.
+/// Sender of the messages of GetMessage that are the host's own.
 inline constexpr QStringView kHostSender = u"Host";
+/// The project that is closed next is opened again at once, so that an add-in can come back to
+/// where the user is.
 inline constexpr QStringView kReopening = u"Reopening";
+/// The user wants to see how the open project differs from another one. The value is a QStringList:
+/// the native path of the other one's file, and what the user knows it by. An add-in that shows
+/// that answers true; it returns at once.
+inline constexpr QStringView kCompare = u"Compare";
 
 /// The events that the host raises in an add-in. `keyCode` and `shift` of the key events are
 /// passed by reference: an add-in that has used a key sets `keyCode` to 0, and the host then does

@@ -115,10 +115,22 @@ void Connect::FindHelpFile() {
 }
 
 QVariant Connect::CKV4Extensibility_GetMessage(const QString& sender, const QString& message,
-                                               const QVariant& /*value*/) {
-    const bool reopens = sender == KV4AddIn::kHostSender && message == KV4AddIn::kReopening;
-    if (reopens && host_ != nullptr) reopening_ = project_.projectPath;
+                                               const QVariant& value) {
+    if (sender != KV4AddIn::kHostSender || host_ == nullptr) return {};
+    if (message == KV4AddIn::kReopening) reopening_ = project_.projectPath;
+    if (message == KV4AddIn::kCompare) return CompareWith(value.toStringList());
     return {};
+}
+
+/// `other`: the file and what the user knows it by. False: it is not compared, and nobody has said
+/// why.
+bool Connect::CompareWith(const QStringList& other) {
+    if (other.size() != 2) return false;
+    Guard(u"Connect: Compare"_s, [&] {
+        FirstUse(kRootKey);
+        if (editor_) editor_->CompareWith(other[0], other[1]);
+    });
+    return true;
 }
 
 void Connect::CKV4Extensibility_StartupComplete() {

@@ -79,6 +79,7 @@ private:
     void FindHelpFile();
     /// `node`: key of what the user has turned to.
     [[nodiscard]] bool DropForeignSteps();
+    [[nodiscard]] bool CompareWith(const QStringList& other);
     void FirstUse(QString node, bool clicked = true);
     [[nodiscard]] bool ConnectToDataBase(const QString& databasePath, bool always);
     void TellFailure(const QString& procedure, bool always);

@@ -25,6 +25,7 @@ class frmProjectTable;
 class EditorKeys;
 class EditorLayout;
 class EditorMenus;
+class FCompare;
 class FReplace;
 namespace CellBlock {
 struct Result;
@@ -114,6 +115,8 @@ public:
     [[nodiscard]] bool IsThere(const QString& nodeKey);
     /// Leads the keyboard to the find field, to narrow the list of archives.
     void FindArchives();
+    /// Shows how the project differs from the one in a file, which the user knows by `name`.
+    void CompareWith(const QString& file, const QString& name);
     /// Says in the status bar why a command cannot run; nothing when it can.
     void HintAt(commandset::Id id);
     /// How things stand for the commands.
@@ -195,6 +198,10 @@ signals:
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
+
+private slots:
+    /// A row that the user has chosen in the report; connected to by name.
+    void ShowReportedRow(const QString& table, int id, const QString& column);
 
 private:
     void BuildMenus();
@@ -303,6 +310,7 @@ private:
     EditorMenus* menus_ = nullptr;
     std::unique_ptr<EditorKeys> keys_;
     FReplace* replace_ = nullptr;  // null before it is first wanted
+    FCompare* compare_ = nullptr;  // likewise
     std::array<QLabel*, 3> panels_{};
     findings::FindingPane* findings_ = nullptr;
     RecordsetModel* archives_ = nullptr;

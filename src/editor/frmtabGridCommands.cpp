@@ -23,7 +23,6 @@
 #include "editor/TrendRows.h"
 #include "guard/Guard.h"
 #include "messages/MessageBox.h"
-#include "platform/ComponentRegistry.h"
 #include "project/Schema.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
@@ -286,21 +285,6 @@ void frmtabGrid::mnuExtra_Click(int index) {
         default:
             return;
     }
-}
-
-void frmtabGrid::ShowReport() {
-    const platform::ComponentRegistry components;
-    if (!report_) report_ = components.Load(u"KVProjectReport.Connect"_s).root;
-    const bool shown =
-        report_ && QMetaObject::invokeMethod(report_, "Show", Q_ARG(qulonglong, effectiveWinId()),
-                                             Q_ARG(QString, project_.projectPath),
-                                             Q_ARG(QString, u"KVTrend"_s));
-    if (shown) return;
-    messages::Message message{texts_.GetText(MResourceTable::kTextNoReport),
-                              messages::MessageButtons::Ok,
-                              texts_.GetText(MResourceTable::kTextEditorTitle)};
-    message.kind = messages::MessageKind::Information;
-    messages::ShowMessage(message, this);
 }
 
 void frmtabGrid::ShowOptions() {

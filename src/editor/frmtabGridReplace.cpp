@@ -1,16 +1,22 @@
-// The windows over the project that the editor window opens: find and replace, patterns.
+// The windows over the project that the editor window opens: find and replace, patterns, compare,
+// report.
 
 #include "controls/TDBGrid.h"
+#include "differences/FCompare.h"
 #include "editor/frmtabGrid.h"
 #include "editor/TrendRows.h"
 #include "guard/Guard.h"
+#include "messages/MessageBox.h"
 #include "patterns/FArchivePatterns.h"
 #include "patterns/FPatterns.h"
+#include "platform/ComponentRegistry.h"
 #include "project/Schema.h"
 #include "projectdb/NodeKey.h"
 #include "projectdb/Text.h"
 #include "replace/FReplace.h"
 #include "texts/MResourceTable.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 FReplace& frmtabGrid::ReplaceWindow() {
     if (replace_ == nullptr) replace_ = new FReplace(*this, texts_, this);
@@ -43,6 +49,43 @@ void frmtabGrid::ShowUsesOver(QWidget* owner, const QString& variable) {
         FReplace uses(*this, texts_, owner);
         uses.LookAtUses(variable);
     });
+}
+
+void frmtabGrid::ShowReport() {
+    const platform::ComponentRegistry components;
+    if (!report_) {
+        report_ = components.Load(u"KVProjectReport.Connect"_s).root;
+        // Late bound, as the call is: another report may not tell of rows.
+        const bool tells =
+            report_ && report_->metaObject()->indexOfSignal("RowChosen(QString,int,QString)") >= 0;
+        if (tells) {
+            connect(report_, SIGNAL(RowChosen(QString, int, QString)), this,
+                    SLOT(ShowReportedRow(QString, int, QString)));
+        }
+    }
+    const bool shown =
+        report_ && QMetaObject::invokeMethod(report_, "Show", Q_ARG(qulonglong, effectiveWinId()),
+                                             Q_ARG(QString, project_.projectPath),
+                                             Q_ARG(QString, u"KVTrend"_s));
+    if (shown) return;
+    messages::Message message{texts_.GetText(MResourceTable::kTextNoReport),
+                              messages::MessageButtons::Ok,
+                              texts_.GetText(MResourceTable::kTextEditorTitle)};
+    message.kind = messages::MessageKind::Information;
+    messages::ShowMessage(message, this);
+}
+
+void frmtabGrid::ShowReportedRow(const QString& table, int id, const QString& column) {
+    guard::Guard(u"frmtabGrid: ShowReportedRow"_s, [&] {
+        const projectdb::Place place{projectdb::ToUtf8(table), id, projectdb::ToUtf8(column)};
+        if (!ShowPlace(place)) Hint(texts_.GetText(MResourceTable::Replace::PlaceGone));
+    });
+}
+
+void frmtabGrid::CompareWith(const QString& file, const QString& name) {
+    if (!CommitPendingEdit()) return;
+    if (compare_ == nullptr) compare_ = new FCompare(*this, texts_, this);
+    compare_->Open(file, name);
 }
 
 void frmtabGrid::MakeTrendsByPattern() {

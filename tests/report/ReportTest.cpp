@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -19,6 +20,7 @@
 #include "messages/MessageBox.h"
 #include "platform/ComponentRegistry.h"
 #include "platform/Registry.h"
+#include "project/CheckSettings.h"
 #include "report/ReportWindow.h"
 
 namespace {
@@ -122,14 +124,14 @@ TEST_F(ReportTest, ShowsTheProjectInBothLanguages) {
         window.show();
         ASSERT_TRUE(Done(window));
         auto* list = window.findChild<QListWidget*>(u"lstArchives"_s);
-        EXPECT_EQ(list->count(), 15) << "the overview and fourteen archives";
+        EXPECT_EQ(list->count(), 16) << "the overview, fourteen archives, the findings";
         EXPECT_TRUE(Shown(window).contains(german ? u"Archive: 14, Trends: 228"_s
                                                   : u"Archives: 14, Trends: 228"_s));
         list->setCurrentRow(2);
         const QString text = Shown(window);
         EXPECT_TRUE(text.contains(german ? u"Archiv Gärkeller"_s : u"Archive Gärkeller"_s));
-        EXPECT_TRUE(text.contains(german ? u"asynchron (absolute Zeitbasis), alle 10.000 ms"_s
-                                         : u"asynchronous (absolute time base), every 10,000 ms"_s))
+        EXPECT_TRUE(text.contains(german ? u"asynchron (absolute Zeitbasis), alle 10000 ms"_s
+                                         : u"asynchronous (absolute time base), every 10000 ms"_s))
             << text.left(1500).toStdString();
         EXPECT_TRUE(text.contains(uR"(D:\Redundanz)"_s));
         list->setCurrentRow(1);
@@ -270,6 +272,101 @@ TEST_F(ReportTest, WritesPdfOrLeavesNothingBehind) {
     ASSERT_EQ(messages_.size(), 1);
     EXPECT_TRUE(messages_[0].contains(u"folder.html"_s));
     EXPECT_TRUE(window.findChild<QAction*>(u"actPdf"_s)->isEnabled());
+}
+
+// What the check finds, and what has changed since a backup, on the screen and in the files.
+TEST_F(ReportTest, HasFindingsAndDifferencesAsChapters) {
+    const QString project = Brewery();
+    const QString backup = folder_.filePath(u"Sicherung.kvs"_s);
+    ASSERT_TRUE(QFile::copy(project, backup));
+    std::vector<project::Finding> found;
+    {
+        ado::Connection connection;
+        connection.Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + project.toStdString());
+        ado::Recordset trends;
+        trends.Open("TchrTrends", connection, ado::CommandType::Table);
+        trends.Find("ID = 5");
+        trends.Set("Unit", std::u16string(u"K"));
+        trends.Update();
+        found = project::CheckProject(connection).findings;
+    }
+    ASSERT_GT(found.size(), 1U);
+    project::Acceptance why;
+    why.rule = project::InfoOf(found[0].rule).id;
+    why.place = project::PlaceOf(found[0]);
+    why.fingerprint = project::FingerprintOf(found[0]);
+    why.reason = "agreed with operations";
+    why.by = "HS";
+    project::AddAcceptances(project::CheckSettings::FileOf(project.toStdString()), {why});
+
+    ReportWindow window(Language(MResources::kEnglish), project);
+    ASSERT_TRUE(window.Read());
+    ASSERT_TRUE(Done(window));
+    window.Show({Section::Kind::Findings});
+    EXPECT_TRUE(Shown(window).contains(u"Accepted: agreed with operations (HS)\n"_s))
+        << Shown(window).toStdString();
+
+    window.CompareWith(backup);
+    ASSERT_TRUE(Done(window));
+    EXPECT_EQ(window.Shown().kind, Section::Kind::Differences);
+    const QString differences = Shown(window);
+    EXPECT_TRUE(differences.contains(u"Differences to Sicherung"_s));
+    EXPECT_TRUE(differences.contains(u"Unit: pH → K"_s)) << differences.toStdString();
+
+    const QString file = folder_.filePath(u"r.html"_s);
+    window.ExportHtml(file);
+    ASSERT_TRUE(Done(window));
+    const Exported html = ReadHtml(file);
+    EXPECT_EQ(html.error, QString());
+    EXPECT_EQ(html.missingAnchors, QStringList());
+    EXPECT_TRUE(html.text.contains(u"Unit: pH → K"_s));
+    EXPECT_TRUE(html.text.contains(u"agreed with operations"_s));
+
+    window.CompareWith(folder_.filePath(u"missing.kvs"_s));
+    EXPECT_FALSE(Done(window));
+    ASSERT_EQ(messages_.size(), 1);
+    EXPECT_TRUE(messages_[0].contains(u"missing.kvs"_s)) << messages_[0].toStdString();
+}
+
+TEST_F(ReportTest, AClickOnATrendAsksForItsRow) {
+    ReportWindow window(Language(MResources::kEnglish), Brewery());
+    ASSERT_TRUE(window.Read());
+    ASSERT_TRUE(Done(window));
+    window.Show({Section::Kind::Archive, 0});
+    auto* page = window.findChild<QTextBrowser*>(u"txtReport"_s);
+    QTextCursor cursor = page->document()->find(u"Maischbottich Temperatur"_s);
+    ASSERT_FALSE(cursor.isNull());
+    QSignalSpy chosen(&window, &ReportWindow::RowChosen);
+    emit page->anchorClicked(QUrl(cursor.charFormat().anchorHref()));
+    ASSERT_EQ(chosen.size(), 1);
+    EXPECT_EQ(chosen[0][0].toString(), u"TchrTrends"_s);
+    EXPECT_GT(chosen[0][1].toInt(), 0);
+    EXPECT_EQ(window.Shown().archive, 0U);
+}
+
+TEST_F(ReportTest, EverythingIsReachedByKeys) {
+    for (const unsigned lcid : {MResources::kGerman, MResources::kEnglish}) {
+        ReportWindow window(Language(lcid), Brewery());
+        QSet<QKeySequence> keys;
+        for (const QString& name :
+             {u"actPrint"_s, u"actPdf"_s, u"actHtml"_s, u"actDifferences"_s, u"actRefresh"_s,
+              u"actFindNext"_s, u"actFindPrevious"_s, u"actHelp"_s, u"actFind"_s, u"actClose"_s}) {
+            const auto* action = window.findChild<QAction*>(name);
+            ASSERT_NE(action, nullptr) << name.toStdString();
+            EXPECT_FALSE(action->shortcut().isEmpty()) << name.toStdString();
+            EXPECT_FALSE(keys.contains(action->shortcut())) << name.toStdString();
+            keys += action->shortcut();
+        }
+        // One letter after Alt for each menu and for the field.
+        QSet<QChar> letters;
+        QStringList captions = {window.findChild<QLabel*>(u"lblFind"_s)->text()};
+        for (const QAction* menu : window.menuBar()->actions()) captions += menu->text();
+        for (const QString& caption : captions) {
+            const QChar letter = caption.at(caption.indexOf(u'&') + 1).toLower();
+            EXPECT_FALSE(letters.contains(letter)) << caption.toStdString();
+            letters += letter;
+        }
+    }
 }
 
 TEST_F(ReportTest, FollowsADarkDesktop) {

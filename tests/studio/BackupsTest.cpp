@@ -133,6 +133,29 @@ TEST_F(BackupsTest, OpeningKeepsTheStateAndRestoringBringsItBack) {
     EXPECT_EQ(Files().size(), 2) << "the state before, and none of the one that came back";
 }
 
+TEST_F(BackupsTest, TheDifferencesOfABackupAreTheAddInsToShow) {
+    Open();
+    addIn_.Take();
+    QString date;
+    const auto compare = [&] {
+        InBackups([&](QWidget& shown) {
+            date = shown.findChild<QTreeWidget*>(u"lstBackups"_s)->topLevelItem(0)->text(0);
+            User::Click(*shown.findChild<QPushButton*>(u"cmdCompare"_s));
+        });
+    };
+    compare();
+    const QStringList asked = addIn_.Take().filter(u"Compare"_s);
+    ASSERT_EQ(asked.size(), 1);
+    EXPECT_TRUE(asked[0].startsWith(u"Host Compare "_s + folder_.filePath(u"backups"_s)))
+        << asked[0].toStdString();
+    EXPECT_TRUE(asked[0].endsWith(u"|Anlage, "_s + date)) << asked[0].toStdString();
+    EXPECT_THAT(messages_, IsEmpty());
+
+    addIn_.comparesProjects = false;
+    compare();
+    EXPECT_EQ(messages_, QStringList{u"Zurzeit kann keines der Add-Ins Projekte vergleichen."_s});
+}
+
 TEST_F(BackupsTest, WhatCannotBeRestoredIsToldAndTheProjectIsOpenAgain) {
     Open();
     Change(u"now");

@@ -19,6 +19,7 @@ public:
     std::function<void()> onClick;  // runs in NodeClick
     bool failUse = false;
     bool recordMoves = false;
+    bool comparesProjects = true;
     int childCount = 3;
     KV4AddIn::IHost* host = nullptr;
     QPointer<QLabel> editor;
@@ -86,9 +87,11 @@ public:
                                      int& shift) override {
         events += QStringLiteral("NodeKeyUp %1 %2 %3").arg(node.key).arg(keyCode).arg(shift);
     }
-    QVariant CKV4Extensibility_GetMessage(const QString& /*sender*/, const QString& /*message*/,
-                                          const QVariant& /*value*/) override {
-        return {};
+    QVariant CKV4Extensibility_GetMessage(const QString& sender, const QString& message,
+                                          const QVariant& value) override {
+        if (message != KV4AddIn::kCompare) return {};
+        events += QStringLiteral("%1 %2 %3").arg(sender, message, value.toStringList().join(u'|'));
+        return comparesProjects;
     }
 
 private:

@@ -136,7 +136,8 @@ TEST_F(TextsTest, EveryOwnTextIsUsed) {
         if (name.isGiven) continue;
         const std::string list = name.key.section(u'.', 0, -2).toStdString();
         const bool isAlias = list == "Help" || list == "Report" || list == "Replace" ||
-                             list == "Patterns" || list == "Studio" || list == "Exchange";
+                             list == "Patterns" || list == "Studio" || list == "Exchange" ||
+                             list == "Compare";
         const std::set<std::string>& used = list == "Report"   ? byReport
                                             : list == "Studio" ? byStudio
                                                                : bySrc;
@@ -372,7 +373,12 @@ TEST_F(TextsTest, AccessKeysAreUniqueWhereTheyStandTogether) {
         {"menu of a heading",
          {range(MResourceTable::kTextSortUpwards, MResourceTable::kTextReleaseColumns)},
          {}},
-        {"report", {range(Report::Print, Report::FindLabel)}, {}},
+        {"report's menus and field",
+         {range(Report::MenuReport, Report::MenuFind), range(Report::Help, Report::FindLabel)},
+         {}},
+        {"report's menu",
+         {range(Report::Print, Report::Refresh), range(Report::Close, Report::Differences)},
+         {}},
         {"studio's menus",
          {range(Studio::MenuFile, Studio::MenuFile), range(Studio::MenuView, Studio::MenuView),
           range(Studio::MenuSettings, Studio::MenuSettings),
