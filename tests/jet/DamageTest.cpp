@@ -141,7 +141,7 @@ TEST(DamageTest, AFileThatIsReplacedWhileItIsOpenIsNoticed) {
         {"renamed over",
          [&] {
              fs::copy_file(TestData("Leer.kvs"), folder + "/new.kvs");
-             fs::rename(folder + "/new.kvs", path);
+             EXPECT_TRUE(SystemDisk().Replace(folder + "/new.kvs", path).IsOk());
          }},
         {"removed", [&] { fs::remove(path); }},
         {"overwritten",

@@ -57,7 +57,8 @@ private:
     }
     std::u16string Text(std::size_t most) {
         // Mostly short; a shared beginning, so that index pages have prefixes.
-        const std::size_t size = Below(3) == 0 ? Below(most + 1) : Below(std::min(most, 12UL) + 1);
+        const std::size_t shortest = std::min(most, std::size_t{12});
+        const std::size_t size = Below(Below(3) == 0 ? most + 1 : shortest + 1);
         std::u16string text = Below(2) == 0 ? u"Anlage Nord " : u"";
         constexpr std::u16string_view kUnits = u"aAbBzäöüß -'0159\u20AC\u65E5";
         while (text.size() < size) text += kUnits[Below(kUnits.size())];

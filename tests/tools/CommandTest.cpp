@@ -241,7 +241,8 @@ TEST(CommandTest, AChangeThatFailsChangesNothing) {
     std::ofstream(copy.Path("behind.csv")) << "ID,Font\n7,\"Arial\"8\n";
     std::ofstream(copy.Path("part.csv")) << "ID,LCID\n7,1036\n8,1.5\n";
     // As a spreadsheet with the station's code page writes it.
-    std::ofstream(copy.Path("bytes.csv")) << "ID,Font,kbLayout\n7,\"a\nM\xFCller\",1\n";
+    std::ofstream(copy.Path("bytes.csv"), std::ios::binary)
+        << "ID,Font,kbLayout\n7,\"a\nM\xFCller\",1\n";
     std::ofstream(copy.Path("half.csv")) << "ID,Font\n7,M\xC3\n";
     std::ofstream(copy.Path("free.csv")) << "ID,Font\n7,\xE4\x81\n";
     std::ofstream(copy.Path("marked.csv")) << "\xEF\xBB\xBFID,Font\n7,a\n";

@@ -33,10 +33,11 @@ struct Outcome {
     words.insert(words.begin(), "kvs");
     std::vector<char*> arguments;
     for (std::string& word : words) arguments.push_back(word.data());
+    arguments.push_back(nullptr);  // as main gets them
     Outcome outcome;
     outcome.err = Written([&](std::FILE* err) {
         outcome.out = Written([&](std::FILE* out) {
-            outcome.status = Run(static_cast<int>(arguments.size()), arguments.data(), out, err);
+            outcome.status = Run(static_cast<int>(words.size()), arguments.data(), out, err);
         });
     });
     return outcome;
@@ -56,7 +57,7 @@ public:
     ProjectCopy& operator=(const ProjectCopy&) = delete;
 
     [[nodiscard]] std::string Path(const std::string& name = "project.kvs") const {
-        return folder_.string() + "/" + name;
+        return (folder_ / "").string() + name;
     }
 
 private:

@@ -42,11 +42,11 @@ protected:
     }
     void TearDown() override { std::filesystem::remove_all(folder_); }
 
-    [[nodiscard]] std::string File() const { return folder_ / "alle.kvs"; }
+    [[nodiscard]] std::string File() const { return (folder_ / "alle.kvs").string(); }
 
     /// Loads one row with a value in one column.
     Outcome LoadOne(const std::string& column, const std::string& csv) {
-        const std::string path = folder_ / "one.csv";
+        const std::string path = (folder_ / "one.csv").string();
         std::ofstream(path, std::ios::binary) << "ID," << column << "\r\n1," << csv << "\r\n";
         return RunTool({"load", File(), "Alle", path});
     }
@@ -126,7 +126,7 @@ TEST_F(ValueTripTest, WhatAColumnCannotHoldIsRefusedAndNotRounded) {
     for (const auto& [column, texts] : cases) {
         for (const std::string& text : texts) {
             SCOPED_TRACE(std::string(column) + " " + text);
-            const std::string path = folder_ / "one.csv";
+            const std::string path = (folder_ / "one.csv").string();
             const std::string quoted = text.front() == '"' ? text : "\"" + text + "\"";
             std::ofstream(path, std::ios::binary) << column << "\r\n" << quoted << "\r\n";
             const Outcome loaded = RunTool({"load", File(), "Alle", path});
@@ -139,7 +139,7 @@ TEST_F(ValueTripTest, WhatAColumnCannotHoldIsRefusedAndNotRounded) {
 }
 
 TEST_F(ValueTripTest, ReadsTheSpreadsheetsCodePage) {
-    const std::string path = folder_ / "one.csv";
+    const std::string path = (folder_ / "one.csv").string();
     std::ofstream(path, std::ios::binary) << "ID,Tx,Me\r\n1,5 \x80,\"M\xFCller \x96 \xDF\"\r\n";
     const Outcome loaded = RunTool({"load", "--encoding=Windows-1252", File(), "Alle", path});
     EXPECT_EQ(loaded.out, "1 row\n") << loaded.err;
