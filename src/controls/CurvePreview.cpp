@@ -3,16 +3,21 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <QAccessibleWidget>
 #include <QLocale>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPaintEvent>
+
+#include "colours/Contrast.h"
 
 namespace {
 
 constexpr qsizetype kMostOthers = 11;  // curves that can be told apart
 constexpr int kSamples = 36;
 constexpr int kGridLines = 4;
+constexpr QRgb kGround = 0xfff4f4f4;  // the same on every desktop: the colours are the plant's
+constexpr QRgb kGrid = 0xffd0d0d0;
 constexpr int kMaxWidth = 40;  // pixels; a wider line would hide the picture
 
 /// The sample curve at 0..1; runs through 0.04 to 0.96.
@@ -83,10 +88,8 @@ Scale DrawGround(QPainter& painter, const QWidget& widget, const CurveLook& look
     scale.area = QRectF(widget.rect()).adjusted(labels + (labels > 0 ? 6.5 : 0.5), 4.5, -4.5, -4.5);
 
     const QPalette& colors = widget.palette();
-    painter.fillRect(scale.area, colors.color(QPalette::Base));
-    QColor grid = colors.color(QPalette::Text);
-    grid.setAlphaF(0.15F);
-    painter.setPen(grid);
+    painter.fillRect(scale.area, QColor(kGround));
+    painter.setPen(QColor(kGrid));
     for (int i = 1; i < kGridLines; ++i) {
         const double part = static_cast<double>(i) / kGridLines;
         const double x = scale.area.left() + part * scale.area.width();
@@ -101,6 +104,18 @@ Scale DrawGround(QPainter& painter, const QWidget& widget, const CurveLook& look
     return scale;
 }
 
+/// A line in its colour; one that is hard to see on the ground gets an edge that is not.
+void Stroke(QPainter& painter, const QPainterPath& path, QPen pen) {
+    const QColor edge = colours::VisibleOn(pen.color(), QColor(kGround), colours::kForMarks);
+    if (edge.rgb() != pen.color().rgb()) {
+        QPen around(pen);
+        around.setColor(edge);
+        around.setWidthF(pen.widthF() + 2);
+        painter.strokePath(path, around);
+    }
+    painter.strokePath(path, pen);
+}
+
 /// The tolerance band's limits and the curve. The painter is clipped to the area.
 void DrawCurve(QPainter& painter, const Scale& scale, const CurveLook& look) {
     const QRectF& area = scale.area;
@@ -111,8 +126,9 @@ void DrawCurve(QPainter& painter, const Scale& scale, const CurveLook& look) {
     const auto drawLimit = [&](bool given, const QColor& color, double y) {
         if (!given) return;
         painter.setRenderHint(QPainter::Antialiasing, false);  // a line of one pixel stays sharp
-        painter.setPen(QPen(color, 1));
-        painter.drawLine(QPointF(area.left(), y), QPointF(area.right(), y));
+        QPainterPath line(QPointF(area.left(), y));
+        line.lineTo(area.right(), y);
+        Stroke(painter, line, QPen(color, 1));
     };
     if (look.tolerance != CurveLook::Tolerance::CurveColor) {
         drawLimit(look.upper.has_value(), look.upperColor, upper);
@@ -129,7 +145,7 @@ void DrawCurve(QPainter& painter, const Scale& scale, const CurveLook& look) {
         QPen pen(color, std::clamp(look.width, 1, kMaxWidth), PenStyleOf(look.style));
         pen.setCapStyle(Qt::FlatCap);
         pen.setJoinStyle(Qt::RoundJoin);
-        painter.strokePath(curve, pen);
+        Stroke(painter, curve, pen);
         painter.restore();
     };
     if (look.tolerance == CurveLook::Tolerance::BandLines) {
@@ -149,14 +165,27 @@ void DrawOthers(QPainter& painter, const Scale& scale, const CurveLook& look) {
     QPainterPath curve = SampleCurve(scale.area, look.mode);
     for (qsizetype i = 0; i < count; ++i) {
         curve.translate(0, step);
-        painter.strokePath(curve, QPen(look.others[i], std::clamp(look.width, 1, kMaxWidth),
-                                       PenStyleOf(look.style)));
+        Stroke(painter, curve,
+               QPen(look.others[i], std::clamp(look.width, 1, kMaxWidth), PenStyleOf(look.style)));
     }
+}
+
+/// A picture, for those who do not see it.
+QAccessibleInterface* SpokenPicture(const QString& className, QObject* object) {
+    auto* preview = qobject_cast<CurvePreview*>(object);
+    if (preview == nullptr || className != QLatin1StringView("CurvePreview")) return nullptr;
+    return new QAccessibleWidget(preview, QAccessible::Graphic);
 }
 
 }  // namespace
 
 CurvePreview::CurvePreview(QWidget* parent) : QWidget(parent) {
+    // Once for this copy of the code: a library's goes with it, and none of its pictures outlives
+    // it.
+    [[maybe_unused]] static const bool isKnown = [] {
+        QAccessible::installFactory(SpokenPicture);
+        return true;
+    }();
     setFocusPolicy(Qt::NoFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }

@@ -6,6 +6,7 @@
 #include <QStyleOptionButton>
 #include <QStyleOptionViewItem>
 
+#include "colours/Contrast.h"
 #include "controls/detail/GridRows.h"
 #include "controls/detail/GridView.h"
 #include "controls/GridSplit.h"
@@ -14,19 +15,15 @@
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+using colours::Blend;
 
 constexpr int kPadding = 4;           // pixels between a cell's edge and its text
 constexpr int kSpaceAroundRow = 6;    // pixels, above and below together
 constexpr qreal kRowTint = 0.22;      // how much of the highlight the current row shows
+constexpr qreal kAsideTint = 0.3;     // and how dark it is while another pane has the keyboard
 constexpr qreal kBesideTint = 0.35;   // and a selected row beside the cells that are selected
 constexpr qreal kMissingTint = 0.45;  // how dark the hatching is
 constexpr int kFrame = 2;             // pixels
-
-QColor Blend(const QColor& below, const QColor& above, qreal part) {
-    const auto mix = [part](int a, int b) { return qRound(a + (b - a) * part); };
-    return {mix(below.red(), above.red()), mix(below.green(), above.green()),
-            mix(below.blue(), above.blue())};
-}
 
 QPalette::ColorGroup GroupOf(const QStyleOptionViewItem& option) {
     if (!(option.state & QStyle::State_Enabled)) return QPalette::Disabled;
@@ -64,15 +61,18 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const bool currentCell = currentRow && index.column() == marks.currentColumn;
     const bool choosable =
         currentCell && grid_.Split().CanEdit(grid_.Rows().IdAt(index.row()), index.column());
-    const QColor highlight = option.palette.color(group, QPalette::Highlight);
+    const QColor base = option.palette.color(group, QPalette::Base);
     QColor text = option.palette.color(group, QPalette::Text);
+    // Without the keyboard all marks are grey: where it is, is seen at a glance.
+    const QColor highlight = marks.active ? option.palette.color(group, QPalette::Highlight)
+                                          : Blend(base, text, kAsideTint);
     if (selected) {
-        text = option.palette.color(group, QPalette::HighlightedText);
+        if (marks.active) text = option.palette.color(group, QPalette::HighlightedText);
         painter->fillRect(option.rect, highlight);
     } else if (currentRow || inSelectedRow) {
-        const QColor base = option.palette.color(group, QPalette::Base);
-        painter->fillRect(option.rect,
-                          Blend(base, highlight, inSelectedRow ? kBesideTint : kRowTint));
+        const QColor ground = Blend(base, highlight, inSelectedRow ? kBesideTint : kRowTint);
+        painter->fillRect(option.rect, ground);
+        text = colours::VisibleOn(text, ground, colours::kForText);
     }
 
     QRect rect = option.rect.adjusted(kPadding, 0, -kPadding, 0);
@@ -90,7 +90,6 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     }
     const QString shown = index.data(Qt::DisplayRole).toString();
     if (shown.isEmpty() && !selected && index.data(GridRole::kMissing).toBool()) {
-        const QColor base = option.palette.color(group, QPalette::Base);
         painter->fillRect(option.rect, QBrush(Blend(base, text, kMissingTint), Qt::BDiagPattern));
     }
     if (!shown.isEmpty() && rect.width() > 0) {
@@ -109,7 +108,7 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     }
     if (!currentCell) return;
     if (choosable) PaintButton(painter, option, column);
-    QColor frame = marks.active ? highlight : Blend(highlight, text, 0.3);
+    QColor frame = colours::VisibleOn(highlight, base, colours::kForMarks);
     if (selected) frame = text;  // on the highlight itself it would not show
     painter->save();
     painter->setPen(QPen(frame, marks.active ? kFrame : 1));
