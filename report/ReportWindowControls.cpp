@@ -123,6 +123,7 @@ void ReportWindow::BuildBody() {
     txtFilter_ = new QLineEdit(left);
     txtFilter_->setObjectName(u"txtFilter"_s);
     txtFilter_->setPlaceholderText(texts_(Text::FilterArchives));
+    txtFilter_->setAccessibleName(texts_(Text::FilterArchives));
     txtFilter_->setClearButtonEnabled(true);
     lstArchives_ = new QListWidget(left);
     lstArchives_->setObjectName(u"lstArchives"_s);

@@ -22,7 +22,7 @@ declare -A packages=(
     [pictures]="xvfb openbox xdotool imagemagick"
     # The second opinion on every dumped table, and the second compiler with its run-times for
     # sanitizers and fuzzing; llvm has the symbolizer that puts function names into their reports.
-    [test]="mdbtools python3 clang-16 libclang-rt-16-dev llvm"
+    [test]="mdbtools python3 python3-pyatspi dbus xvfb openbox clang-16 libclang-rt-16-dev llvm"
     # The compiler for Windows, GoogleTest's sources for it, and what runs its programs.
     [windows]="g++-mingw-w64-x86-64-posix googletest wine64"
     [format]="clang-format"

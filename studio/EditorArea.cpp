@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <QChildEvent>
 #include <QLabel>
+#include <QPainter>
 #include <QPointer>
 #include <QPushButton>
 #include <QScopedValueRollback>
-#include <QUrl>
 #include <QVBoxLayout>
 
 #include "studio/StudioTexts.h"
@@ -14,6 +14,43 @@
 namespace studio {
 
 using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// A button that looks like a link and, unlike one in a text, is a control of its own.
+class Link final : public QPushButton {
+public:
+    Link() {
+        setFlat(true);
+        setAutoDefault(true);  // Enter goes there
+        setCursor(Qt::PointingHandCursor);
+        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+        QFont underlined = font();
+        underlined.setUnderline(true);
+        setFont(underlined);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        painter.setPen(QPen(palette().color(QPalette::Link), kRing));
+        painter.drawText(rect().adjusted(kMargin, 0, 0, 0),
+                         Qt::AlignLeft | Qt::AlignVCenter | Qt::TextShowMnemonic, text());
+        if (hasFocus()) painter.drawRect(rect().adjusted(1, 1, -1, -1));
+    }
+
+private:
+    static constexpr int kRing = 2;    // pixels, around the one with the keyboard
+    static constexpr int kMargin = 5;  // pixels
+};
+
+QPushButton* MakeLink(const QString& name) {
+    auto* link = new Link;
+    link->setObjectName(name);
+    return link;
+}
+
+}  // namespace
 
 EditorContainer::EditorContainer(QWidget* parent) : QWidget(parent) {
     setObjectName(u"fraEditor"_s);
@@ -46,6 +83,7 @@ bool EditorContainer::eventFilter(QObject* watched, QEvent* event) {
     if (editor == nullptr || editor->parentWidget() != this || editor->isWindow()) return false;
     if (event->type() == QEvent::ShowToParent) SetCurrent(editor);
     if (event->type() == QEvent::HideToParent) Leave(editor);
+    if (event->type() == QEvent::WindowTitleChange && editor == current_) emit TitleChanged();
     // An editor behind another one is not hidden: its add-in's show() does nothing, raise() does.
     if (event->type() == QEvent::ZOrderChange && !arranging_) ShowTopmost();
     return false;
@@ -108,29 +146,37 @@ EditorArea::EditorArea(QWidget* parent) : QStackedWidget(parent) {
     lblHint_ = new QLabel;
     lblHint_->setObjectName(u"lblEmptyHint"_s);
     lblHint_->setWordWrap(true);
-    cmdOpen_ = new QPushButton;
-    cmdOpen_->setObjectName(u"cmdOpen"_s);
-    cmdOpen_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    cmdNew_ = MakeLink(u"cmdNew"_s);
+    cmdOpen_ = MakeLink(u"cmdOpen"_s);
+    cmdDemo_ = MakeLink(u"cmdDemo"_s);
     lblRecent_ = new QLabel;
     lblRecent_->setObjectName(u"lblRecent"_s);
-    lblRecent_->setTextFormat(Qt::RichText);
-    lblRecent_->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    QFont bold = lblRecent_->font();
+    bold.setBold(true);
+    lblRecent_->setFont(bold);
+    recent_ = new QVBoxLayout;
+    recent_->setSpacing(2);
+    fraStart_ = new QWidget;
+    auto* start = new QVBoxLayout(fraStart_);
+    start->setContentsMargins(0, 0, 0, 0);
+    start->setSpacing(2);
+    for (QPushButton* link : {cmdNew_, cmdOpen_, cmdDemo_}) start->addWidget(link);
+    start->addSpacing(16);
+    start->addWidget(lblRecent_);
+    start->addLayout(recent_);
     auto* layout = new QVBoxLayout(emptyPage_);
     layout->setContentsMargins(40, 40, 40, 40);
     layout->setSpacing(12);
     layout->addWidget(lblTitle_);
     layout->addWidget(lblHint_);
-    layout->addWidget(cmdOpen_);
-    layout->addSpacing(12);
-    layout->addWidget(lblRecent_);
+    layout->addWidget(fraStart_);
     layout->addStretch();
     addWidget(emptyPage_);
     addWidget(container_);
     connect(container_, &EditorContainer::CurrentChanged, this, &EditorArea::ShowCurrent);
     connect(cmdOpen_, &QPushButton::clicked, this, &EditorArea::OpenRequested);
-    connect(lblRecent_, &QLabel::linkActivated, this, [this](const QString& link) {
-        emit RecentRequested(QUrl::fromPercentEncoding(link.toLatin1()));
-    });
+    connect(cmdNew_, &QPushButton::clicked, this, &EditorArea::NewRequested);
+    connect(cmdDemo_, &QPushButton::clicked, this, &EditorArea::DemoRequested);
 }
 
 void EditorArea::SetState(State state, const StudioTexts& texts) {
@@ -141,27 +187,42 @@ void EditorArea::SetState(State state, const StudioTexts& texts) {
     constexpr Row kRows[] = {{Text::EmptyTitle, Text::EmptyHint},
                              {Text::NothingOpenTitle, Text::NothingOpenHint},
                              {Text::NothingOpenTitle, Text::NoAddInsHint}};
-    state_ = state;
     const Row& row = kRows[static_cast<int>(state)];
     lblTitle_->setText(texts(row.title));
     lblHint_->setText(texts(row.hint));
+    cmdNew_->setText(texts(Text::FileNew));
     cmdOpen_->setText(texts(Text::EmptyOpen));
-    cmdOpen_->setVisible(state == State::NoProject);
-    lblRecent_->setVisible(state == State::NoProject && hasRecent_);
+    cmdDemo_->setText(texts(Text::EmptyDemo));
+    fraStart_->setVisible(state == State::NoProject);
     setAccessibleName(texts(Text::EditorAreaName));
     container_->setAccessibleName(texts(Text::EditorAreaName));
 }
 
 void EditorArea::SetRecent(const QList<std::pair<QString, QString>>& projects,
                            const StudioTexts& texts) {
-    QString html = u"<p><b>%1</b></p>"_s.arg(texts(Text::EmptyRecent).toHtmlEscaped());
-    for (const auto& [project, shown] : projects) {
-        html += u"<p><a href=\"%1\">%2</a></p>"_s.arg(
-            QString::fromLatin1(QUrl::toPercentEncoding(project)), shown.toHtmlEscaped());
+    while (QLayoutItem* item = recent_->takeAt(0)) {
+        delete item->widget();
+        delete item;
     }
-    lblRecent_->setText(html);
-    hasRecent_ = !projects.isEmpty();
-    lblRecent_->setVisible(state_ == State::NoProject && hasRecent_);
+    lblRecent_->setText(texts(Text::EmptyRecent));
+    lblRecent_->setVisible(!projects.isEmpty());
+    for (const auto& [project, shown] : projects) {
+        QPushButton* link = MakeLink(u"cmdRecent(%1)"_s.arg(recent_->count()));
+        link->setText(QString(shown).replace(u'&', u"&&"_s));
+        link->setToolTip(project);
+        connect(
+            link, &QPushButton::clicked, this,
+            [this, project = project] {
+                // Opening replaces the list, this button with it.
+                emit RecentRequested(project);
+            },
+            Qt::QueuedConnection);
+        recent_->addWidget(link);
+    }
+}
+
+void EditorArea::SetDemo(bool isThere) {
+    cmdDemo_->setVisible(isThere);
 }
 
 void EditorArea::ShowCurrent() {

@@ -6,6 +6,7 @@
 
 class QLabel;
 class QPushButton;
+class QVBoxLayout;
 
 namespace studio {
 
@@ -24,6 +25,8 @@ public:
 
 signals:
     void CurrentChanged();
+    /// The editor that is shown has another title.
+    void TitleChanged();
 
 protected:
     void childEvent(QChildEvent* event) override;
@@ -41,7 +44,7 @@ private:
     bool arranging_ = false;         // the container itself is changing the order
 };
 
-/// The right side of the studio: the editor container, or what to do when it is empty.
+/// The right side of the studio: the editor container, or where to begin when it is empty.
 class EditorArea final : public QStackedWidget {
     Q_OBJECT
 public:
@@ -52,11 +55,15 @@ public:
     [[nodiscard]] EditorContainer* Container() const { return container_; }
     /// What the area says while no editor is shown.
     void SetState(State state, const StudioTexts& texts);
+    /// Whether there is an example to look at.
+    void SetDemo(bool isThere);
     /// The projects offered while none is open: what is opened, and what is shown for it.
     void SetRecent(const QList<std::pair<QString, QString>>& projects, const StudioTexts& texts);
 
 signals:
+    void NewRequested();
     void OpenRequested();
+    void DemoRequested();
     void RecentRequested(const QString& project);
 
 private slots:
@@ -67,10 +74,12 @@ private:
     QWidget* emptyPage_;
     QLabel* lblTitle_;
     QLabel* lblHint_;
+    QWidget* fraStart_;  // what to begin with, while no project is open
+    QPushButton* cmdNew_;
     QPushButton* cmdOpen_;
+    QPushButton* cmdDemo_;
     QLabel* lblRecent_;
-    State state_ = State::NoProject;
-    bool hasRecent_ = false;
+    QVBoxLayout* recent_;  // a button for each project
 };
 
 }  // namespace studio

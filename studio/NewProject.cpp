@@ -45,6 +45,8 @@ NewProjectDialog::NewProjectDialog(const StudioTexts& texts, const QString& fold
     cmdBrowse->setAutoDefault(false);
     lstLanguages_ = new QListWidget;
     lstLanguages_->setObjectName(u"lstLanguages"_s);
+    // Of a list assistive tools do not look for a label.
+    lstLanguages_->setAccessibleName(texts_(Text::NewLanguages).remove(u'&'));
     auto* lblLanguages = new QLabel(texts_(Text::NewLanguages));
     lblLanguages->setBuddy(lstLanguages_);
     FillLanguages();

@@ -214,6 +214,19 @@ QItemSelectionModel::SelectionFlags ProjectTree::selectionCommand(const QModelIn
     return QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows;
 }
 
+// Where the keyboard is, is seen at a glance: elsewhere the selection is grey.
+void ProjectTree::initViewItemOption(QStyleOptionViewItem* option) const {
+    QTreeView::initViewItemOption(option);
+    if (hasFocus()) return;
+    const QColor base = palette().color(QPalette::Base);
+    const QColor text = palette().color(QPalette::Text);
+    const auto mix = [](int a, int b) { return (a * 7 + b * 3) / 10; };
+    option->palette.setColor(QPalette::Highlight,
+                             QColor(mix(base.red(), text.red()), mix(base.green(), text.green()),
+                                    mix(base.blue(), text.blue())));
+    option->palette.setColor(QPalette::HighlightedText, text);
+}
+
 void ProjectTree::NoteExpanded(const QModelIndex& index) {
     if (hostChange_) return;
     userExpanded_.append(index.data(ProjectTreeModel::kKeyRole).toString());

@@ -22,11 +22,13 @@
 #include "messages/PlainTexts.h"
 #include "studio/AddInsDialog.h"
 #include "studio/AddInSet.h"
+#include "studio/DemoProject.h"
 #include "studio/EditorArea.h"
 #include "studio/NewProject.h"
 #include "studio/ProjectTree.h"
 #include "studio/StudioHost.h"
 #include "studio/StudioRegistry.h"
+#include "studio/WatchStrip.h"
 #include "texts/ReasonText.h"
 
 namespace studio {
@@ -39,6 +41,8 @@ constexpr int kQuitStepMs = 20;
 const QString kGeometryKey = u"Window/Geometry"_s;
 const QString kSplitterKey = u"Window/Splitter"_s;
 const QString kFolderKey = u"OpenFolder"_s;
+const QString kLastKey = u"Last/Project"_s;
+const QString kPlaceKey = u"Last/Place"_s;
 const QString kProjectIcon = u"icoStudioProject"_s;
 
 }  // namespace
@@ -74,7 +78,9 @@ StudioWindow::StudioWindow(StudioRegistry& registry, AddInSet& addIns,
         qWarning("%s", qUtf8Printable(text));
         statusBar()->showMessage(text);
     });
+    connect(&watch_, &FileWatch::Changed, this, &StudioWindow::FileChanged);
     connect(&backups_, &BackupService::Taken, this, &StudioWindow::BackupTaken);
+    ApplySettings();
     ApplyLanguage(registry_.InterfaceLanguage());
     RestoreState();
     statusBar()->showMessage(texts_(Text::StatusReady), kStatusMs);
@@ -125,11 +131,13 @@ bool StudioWindow::Open(const QString& project, Opening opening) {
     // Before anybody else hears of the project, and so before the first change.
     if (opening == Opening::Anew && !project_->isReadOnly) backups_.Take(project_->nativePath);
     variables_.SetProject(project_->nativePath);
+    watch_.SetFile(project_->nativePath);
     model_.RegisterIcon(kProjectIcon, icons::Icon(u"project"));
     model_.AddOwn(project_->shown, kProjectKey.toString(), kProjectIcon);
     tree_->HostSelect(kProjectKey.toString());
     ApplyProjectState();
     recent_.Add(project_->remembered);
+    if (state_ != nullptr) state_->setValue(kLastKey, project_->remembered);
     const Text opened = project_->isReadOnly ? Text::StatusOpenedReadOnly : Text::StatusOpened;
     statusBar()->showMessage(texts_(opened, {{u"project", project_->shown}}), kStatusMs);
     addIns_.ForEach("Initialize", [this](KV4AddIn::CKV4Extensibility& addIn) {
@@ -139,6 +147,21 @@ bool StudioWindow::Open(const QString& project, Opening opening) {
     if (isVisible()) RaiseStartupComplete();
     tree_->setFocus();
     return true;
+}
+
+void StudioWindow::OpenLastProject() {
+    if (state_ == nullptr || !StoredSettings().reopen) return;
+    const QString project = state_->value(kLastKey).toString();
+    if (project.isEmpty() || !IsThere(project, registry_)) return;
+    // One that brings the studio down must not do so at every start.
+    state_->remove(kLastKey);
+    state_->sync();
+    const QStringList place = state_->value(kPlaceKey).toStringList();
+    if (OpenProject(project)) tree_->OpenAsUser(place);
+}
+
+void StudioWindow::mnuFileClose_Click() {
+    if (CloseProject() && state_ != nullptr) state_->remove(kLastKey);
 }
 
 bool StudioWindow::CloseProject() {
@@ -154,6 +177,8 @@ bool StudioWindow::CloseProject() {
     model_.Clear();
     project_.reset();
     variables_.SetProject({});
+    watch_.SetFile({});
+    strip_->hide();
     // An add-in may have been waiting for a database when it was terminated.
     messages::SetScreenPointer(messages::Pointer::Default);
     ApplyProjectState();
@@ -186,6 +211,8 @@ void StudioWindow::QuitStep() {
 }
 
 void StudioWindow::closeEvent(QCloseEvent* event) {
+    const QStringList place = tree_->SelectedPath();
+    if (project_ && state_ != nullptr) state_->setValue(kPlaceKey, place);
     if (!CloseProject()) {
         event->ignore();
         return;
@@ -201,6 +228,7 @@ void StudioWindow::showEvent(QShowEvent* event) {
 
 void StudioWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ThemeChange) ApplySettings();
     if (event->type() == QEvent::ActivationChange && !isActiveWindow() && project_) {
         addIns_.ForEach("Deactivate", [](KV4AddIn::CKV4Extensibility& addIn) {
             addIn.CKV4Extensibility_Deactivate();
@@ -228,6 +256,12 @@ void StudioWindow::mnuFileNew_Click() {
     if (!project) return;
     if (state_ != nullptr) state_->setValue(kFolderKey, QFileInfo(*project).path());
     OpenProject(*project);
+}
+
+void StudioWindow::OpenDemo() {
+    const QString demo = OwnDemoProject();
+    // What cannot be copied can be looked at.
+    OpenProject(demo.isEmpty() ? DemoProject() : demo);
 }
 
 QString StudioWindow::ProjectFolder() const {
@@ -271,8 +305,11 @@ void StudioWindow::mnuFileRecentClear_Click() {
 }
 
 void StudioWindow::mnuSettingsLanguage_Click(QAction* action) {
-    const int lcid = action->data().toInt();
-    if (lcid == texts_.Lcid()) return;
+    ChangeLanguage(action->data().toInt());
+}
+
+bool StudioWindow::ChangeLanguage(int lcid) {
+    if (lcid == texts_.Lcid()) return true;
     const bool busy = addIns_.InCall();
     std::optional<platform::Error> failure;
     if (!busy) failure = registry_.SetInterfaceLanguage(lcid);
@@ -285,11 +322,12 @@ void StudioWindow::mnuSettingsLanguage_Click(QAction* action) {
                 texts_(Text::ErrorLanguage, {{u"cause", texts::ReasonText(failure->Reason())}}),
                 failure->Description());
         }
-        return;
+        return false;
     }
     // The add-ins read the language when they are initialised.
     WhileClosed(Content::Same, [this, lcid] { ApplyLanguage(lcid); });
     statusBar()->showMessage(texts_(Text::StatusLanguage), kStatusMs);
+    return true;
 }
 
 bool StudioWindow::WhileClosed(Content content, const std::function<void()>& action) {

@@ -9,10 +9,12 @@
 
 #include "studio/AddInLoader.h"
 #include "studio/BackupService.h"
+#include "studio/FileWatch.h"
 #include "studio/MenuKeys.h"
 #include "studio/ProjectLocation.h"
 #include "studio/ProjectTreeModel.h"
 #include "studio/RecentProjects.h"
+#include "studio/SettingsDialog.h"
 #include "studio/StudioTexts.h"
 #include "studio/TreeEvents.h"
 #include "studio/VariableBrowser.h"
@@ -29,6 +31,7 @@ class EditorArea;
 class ProjectTree;
 class StudioHost;
 class StudioRegistry;
+class WatchStrip;
 
 /// The studio's main window. At most one project is open; the add-ins are initialised when it is
 /// opened and terminated when it is closed, by the user or with the window.
@@ -51,6 +54,9 @@ public:
     /// another program for; empty: none. False, and nothing happens, while an add-in or a dialog is
     /// at work. Returns at once; messages come afterwards.
     [[nodiscard]] bool ShowProject(const QString& project);
+    /// Opens the project that was open at the end of the last session, where the user was, unless
+    /// he does not want that or the file is not there; without a word then.
+    void OpenLastProject();
     /// False while an add-in is at work.
     bool CloseProject();
     /// Closes the window without asking anybody: dialogs and menus that are open, add-ins' too, are
@@ -78,7 +84,9 @@ private slots:
     void mnuFileCompare_Click();
     void mnuFileRecent_Popup();
     void mnuFileRecentClear_Click();
+    void mnuFileClose_Click();
     void mnuSettingsLanguage_Click(QAction* action);
+    void mnuSettingsOptions_Click();
     void mnuHelpAddIns_Click();
     void mnuHelpAbout_Click();
 
@@ -97,8 +105,16 @@ private:
                        const QKeySequence& shortcut = {});
     void ReserveShortcuts();
     void ApplyLanguage(int lcid);
+    /// False, and told, when it cannot be stored or an add-in is at work.
+    bool ChangeLanguage(int lcid);
+    [[nodiscard]] Settings StoredSettings() const;
+    void ApplySettings();
+    void FileChanged(FileWatch::State state);
     void ApplyProjectState();
+    void ShowTitle();
     void ShowRecentInEmptyArea();
+    /// A copy of the example that has been installed is the user's to try things out on.
+    void OpenDemo();
     /// A project that is opened anew is backed up, one that comes back at once is not.
     enum class Opening { Anew, Again };
     bool Open(const QString& project, Opening opening);
@@ -125,6 +141,7 @@ private:
     QSettings* state_;
     RecentProjects recent_;
     BackupService backups_;
+    FileWatch watch_;
     StudioTexts texts_;
     QTranslator qtTexts_;  // for the buttons and dialogs that Qt brings
     std::optional<ProjectLocation> project_;
@@ -137,6 +154,7 @@ private:
     std::unique_ptr<StudioHost> host_;
     std::vector<Caption> captions_;
     std::unique_ptr<MenuKeys> menuKeys_;
+    WatchStrip* strip_ = nullptr;
     QSplitter* splMain_ = nullptr;
     ProjectTree* tree_ = nullptr;
     EditorArea* editors_ = nullptr;

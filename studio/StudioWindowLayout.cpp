@@ -8,12 +8,15 @@
 #include <QMenuBar>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QVBoxLayout>
 
 #include "studio/AddInSet.h"
+#include "studio/DemoProject.h"
 #include "studio/EditorArea.h"
 #include "studio/ProjectTree.h"
 #include "studio/StudioRegistry.h"
 #include "studio/StudioWindow.h"
+#include "studio/WatchStrip.h"
 #include "texts/Language.h"
 
 namespace studio {
@@ -35,12 +38,26 @@ void StudioWindow::BuildAreas() {
     splMain_->addWidget(editors_);
     splMain_->setChildrenCollapsible(false);
     splMain_->setStretchFactor(1, 1);
-    setCentralWidget(splMain_);
+    strip_ = new WatchStrip;
+    auto* middle = new QWidget;
+    auto* column = new QVBoxLayout(middle);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(strip_);
+    column->addWidget(splMain_, 1);
+    setCentralWidget(middle);
+    connect(strip_, &WatchStrip::ReloadRequested, this,
+            [this] { WhileClosed(Content::Changed, [] {}); });
     lblProject_ = new QLabel;
     lblProject_->setObjectName(u"lblProject"_s);
     lblProject_->setTextFormat(Qt::PlainText);
     statusBar()->setObjectName(u"staStudio"_s);
     statusBar()->addPermanentWidget(lblProject_);
+    for (const auto changed : {&EditorContainer::CurrentChanged, &EditorContainer::TitleChanged}) {
+        connect(editors_->Container(), changed, this, &StudioWindow::ShowTitle);
+    }
+    connect(editors_, &EditorArea::NewRequested, this, &StudioWindow::mnuFileNew_Click);
+    connect(editors_, &EditorArea::DemoRequested, this, &StudioWindow::OpenDemo);
     connect(editors_, &EditorArea::OpenRequested, this, &StudioWindow::mnuFileOpen_Click);
     connect(editors_, &EditorArea::RecentRequested, this,
             [this](const QString& project) { OpenProject(project); });
@@ -78,7 +95,7 @@ void StudioWindow::BuildFileMenu() {
     file.addSeparator();
     mnuFileClose_ = AddAction(file, u"mnuFileClose"_s, Text::FileClose, Text::FileCloseTip,
                               Qt::CTRL | Qt::Key_W);
-    connect(mnuFileClose_, &QAction::triggered, this, &StudioWindow::CloseProject);
+    connect(mnuFileClose_, &QAction::triggered, this, &StudioWindow::mnuFileClose_Click);
     mnuFileBackups_ = AddAction(file, u"mnuFileBackups"_s, Text::FileBackups, Text::FileBackupsTip);
     connect(mnuFileBackups_, &QAction::triggered, this, &StudioWindow::mnuFileBackups_Click);
     mnuFileCompare_ = AddAction(file, u"mnuFileCompare"_s, Text::FileCompare, Text::FileCompareTip);
@@ -119,6 +136,11 @@ void StudioWindow::BuildOtherMenus() {
     }
     connect(languages_, &QActionGroup::triggered, this, &StudioWindow::mnuSettingsLanguage_Click);
 
+    QAction* options =
+        AddAction(settings, u"mnuSettingsOptions"_s, Text::SettingsDialog, std::nullopt);
+    options->setMenuRole(QAction::PreferencesRole);
+    connect(options, &QAction::triggered, this, &StudioWindow::mnuSettingsOptions_Click);
+
     QMenu& help = *AddMenu(u"mnuHelp"_s, Text::MenuHelp);
     QAction* addIns = AddAction(help, u"mnuHelpAddIns"_s, Text::HelpAddIns, Text::HelpAddInsTip);
     connect(addIns, &QAction::triggered, this, &StudioWindow::mnuHelpAddIns_Click);
@@ -155,13 +177,25 @@ void StudioWindow::ApplyLanguage(int lcid) {
     ApplyProjectState();
 }
 
+/// What is being edited, of which project.
+void StudioWindow::ShowTitle() {
+    const QString studio = texts_(Text::StudioTitle);
+    QStringList parts;
+    const QWidget* editor = editors_->Container()->Current();
+    if (project_ && editor != nullptr) parts += editor->windowTitle();
+    if (project_) {
+        parts += project_->isReadOnly
+                     ? texts_(Text::ReadOnlyProject, {{u"project", project_->shown}})
+                     : project_->shown;
+    }
+    parts += studio;
+    parts.removeAll(QString());
+    setWindowTitle(parts.join(u" - "_s));
+}
+
 void StudioWindow::ApplyProjectState() {
     using State = EditorArea::State;
-    const QString studioTitle = texts_(Text::StudioTitle);
-    QString shown = project_ ? project_->shown : QString();
-    if (project_ && project_->isReadOnly)
-        shown = texts_(Text::ReadOnlyProject, {{u"project", shown}});
-    setWindowTitle(project_ ? shown + u" - "_s + studioTitle : studioTitle);
+    ShowTitle();
     setWindowFilePath(project_ ? project_->nativePath : QString());
     lblProject_->setText(project_ ? QFileInfo(project_->nativePath).fileName() : QString());
     lblProject_->setToolTip(project_ ? project_->nativePath : QString());
@@ -173,6 +207,7 @@ void StudioWindow::ApplyProjectState() {
                        : addIns_.IsEmpty() ? State::NoAddIns
                                            : State::NoEditor,
                        texts_);
+    editors_->SetDemo(!DemoProject().isEmpty());
     ShowRecentInEmptyArea();
 }
 

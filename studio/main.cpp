@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "commandline/CommandLine.h"
+#include "messages/WindowsOnScreen.h"
 #include "platform/ComponentRegistry.h"
 #include "platform/StateFolder.h"
 #include "studio/AddInLoader.h"
@@ -127,9 +128,14 @@ int main(int argc, char** argv) {
         return studio::TakeScreenshot(window, registry, project,
                                       FromShell(call.Value("screenshot")));
     }
+    messages::KeepWindowsOnScreen();
     const studio::QuitSignals quitSignals([&window] { window.Quit(); });
     window.show();
     running.SetHandler([&window](const QString& other) { return window.ShowProject(other); });
-    if (!project.isEmpty()) window.OpenProject(project);
+    if (!project.isEmpty()) {
+        window.OpenProject(project);
+    } else if (!isAlone) {
+        window.OpenLastProject();
+    }
     return QApplication::exec();
 }

@@ -12,7 +12,6 @@ using namespace MResourceTable;
 using enum Id;
 
 constexpr int kNone = 0;
-constexpr int kFirstOwnText = kTextNoHelpFile;  // those before are given
 
 constexpr Key kNewArchiveKeys[] = {{Place::Tree, Qt::Key_F8}, {Place::Archives, Qt::Key_F8}};
 constexpr Key kEditArchiveKeys[] = {{Place::Tree, Qt::Key_F9}, {Place::Archives, Qt::Key_F9}};
@@ -166,7 +165,8 @@ constexpr Id kTrendContext[] = {
     Separator, Copy,      Paste,      Duplicate,   Fill,      FillCounting, Clear,
     Separator, SelectAll, Find,       WhereUsed,   Export,    Separator,    FreezeName};
 
-/// The key stands in given texts behind many blanks.
+/// The key stands in given texts behind many blanks; menus show it in a column of its own. -1 where
+/// a text brings none.
 qsizetype GivenKeyAt(const QString& text) {
     return text.indexOf(u"  ");
 }
@@ -243,8 +243,10 @@ QString MenuText(const Command& command, const MResources::TextTable& texts, con
     QString name = step;
     name.replace(u'&', QStringLiteral("&&"));  // no access key
     const QString text = texts.GetText(command.text, {{u"step", name}});
-    if (command.keys.empty() || command.text < kFirstOwnText) return text;
-    return text + u'\t' + KeyText(command.keys.front().keys, texts);
+    if (command.keys.empty()) return text;
+    const bool isGiven = command.text <= kLastGivenNumber;
+    return (isGiven ? text.left(GivenKeyAt(text)) : text) + u'\t' +
+           KeyText(command.keys.front().keys, texts);
 }
 
 QString ToolTip(const Command& command, const MResources::TextTable& texts, const QString& step) {

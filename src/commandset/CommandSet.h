@@ -130,7 +130,7 @@ struct Situation {
 [[nodiscard]] QString KeyText(QKeyCombination keys, const MResources::TextTable& texts);
 // `step`: what the command concerns, where its text names that.
 
-/// Of the item in menus; behind a tab the first key, unless the text brings it itself.
+/// Of the item in menus; behind a tab the first key.
 [[nodiscard]] QString MenuText(const Command& command, const MResources::TextTable& texts,
                                const QString& step = {});
 /// "Archives: New (F8)".

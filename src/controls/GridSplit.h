@@ -209,6 +209,8 @@ signals:
     /// What has been typed is no value of the column, and stays in its cell. With several cells to
     /// be written it may be the text of another of their columns.
     void TextRefused(int column, const QString& text);
+    /// The user types into a split that is locked, where nothing can be meant for the cell.
+    void TypedWhereLocked(const QString& text);
     /// A row disappeared while `text` was being typed into it.
     void EditDiscarded(GridRowId row, int column, const QString& text);
     void ColumnFilterChanged(int column, const QString& text);

@@ -36,6 +36,10 @@ bool GridSplit::BeginRow() {
 }
 
 void GridSplit::BeginTyping(const QString& typed) {
+    if (locked_ && !typed.isEmpty()) {
+        emit TypedWhereLocked(typed);
+        return;
+    }
     Begin(true, typed);
 }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <QEvent>
+#include <QHeaderView>
+#include <QScrollBar>
 #include <QSplitter>
 #include <QTableView>
 #include <QVBoxLayout>
@@ -15,6 +17,7 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr double kTwipsPerInch = 1440;
+constexpr double kMostOfGrid = 0.4;  // that split 0 takes by itself
 
 }  // namespace
 
@@ -38,6 +41,10 @@ TDBGrid::TDBGrid(QWidget* parent) : QWidget(parent) {
             if (std::exchange(split_, i) != i) emit SplitChange(i);
         });
     }
+    // Columns are laid out after the window; the user's own width is left alone.
+    connect(splits_[0], &GridSplit::LayoutChanged, this, [this] {
+        if (splitWidth_ <= 0) PlaceBar();
+    });
     splitter_->setStretchFactor(0, 0);
     splitter_->setStretchFactor(1, 1);
     connect(splitter_, &QSplitter::splitterMoved, this,
@@ -106,8 +113,18 @@ void TDBGrid::SetSplitWidth(double twips) {
 
 void TDBGrid::PlaceBar() {
     const int all = splitter_->width() - splitter_->handleWidth();
-    const int first = static_cast<int>(std::lround(splitWidth_ * logicalDpiX() / kTwipsPerInch));
+    const int first =
+        splitWidth_ > 0 ? static_cast<int>(std::lround(splitWidth_ * logicalDpiX() / kTwipsPerInch))
+                        : std::min(NeededWidth(), static_cast<int>(all * kMostOfGrid));
     if (all > 0) splitter_->setSizes({first, std::max(all - first, 1)});
+}
+
+/// Of split 0, to show all its columns.
+int TDBGrid::NeededWidth() const {
+    const QTableView& view = *splits_[0]->View();
+    const int columns = view.horizontalHeader()->length();
+    return columns + view.verticalHeader()->width() + view.verticalScrollBar()->sizeHint().width() +
+           2 * view.frameWidth();
 }
 
 void TDBGrid::resizeEvent(QResizeEvent* event) {

@@ -61,7 +61,8 @@ public:
     [[nodiscard]] int Split() const noexcept { return split_; }
     void SetSplit(int split);
     /// Width of split 0 in twips, as set until the user moves the bar; a window that is too small
-    /// for it gives it back when it grows. Values that are not above 0 are ignored.
+    /// for it gives it back when it grows. 0, as long as neither has been done: what its columns
+    /// need, up to 40 % of the grid. Values that are not above 0 are ignored.
     [[nodiscard]] double SplitWidth() const noexcept { return splitWidth_; }
     void SetSplitWidth(double twips);
     /// Holds the two views; its handle is the bar between them.
@@ -85,6 +86,7 @@ private:
     void ApplyFonts();
     void NameViews();
     void PlaceBar();
+    [[nodiscard]] int NeededWidth() const;
 
     QSplitter* splitter_ = nullptr;
     std::array<GridSplit*, kSplitCount> splits_{};
@@ -92,5 +94,5 @@ private:
     FontProperties* headFont_ = nullptr;
     bool ownHeadFont_ = false;
     int split_ = 1;
-    double splitWidth_ = 4200;
+    double splitWidth_ = 0;
 };

@@ -32,6 +32,16 @@ void Take(Keys& taken, const QString& text) {
     if (at >= 0) taken.insert(text.at(at).toLower());
 }
 
+/// Takes the key that a text brings along; the text without it where another has it already.
+QString Keep(Keys& taken, const QString& text) {
+    const qsizetype at = MarkedLetter(text);
+    if (at < 0) return text;
+    const QChar key = text.at(at).toLower();
+    if (taken.contains(key)) return QString(text).remove(at - 1, 1);
+    taken.insert(key);
+    return text;
+}
+
 /// Texts that want a letter each, all different.
 class Distribution {
 public:
@@ -132,8 +142,10 @@ void AssignAccessKeys(QTabWidget& tabs, std::initializer_list<const QPushButton*
             }
         }
         Keys taken = everywhere;
-        for (const QLabel* label : std::as_const(labels)) Take(taken, label->text());
-        for (const QAbstractButton* choice : std::as_const(choices)) Take(taken, choice->text());
+        for (QLabel* label : std::as_const(labels)) label->setText(Keep(taken, label->text()));
+        for (QAbstractButton* choice : std::as_const(choices)) {
+            choice->setText(Keep(taken, choice->text()));
+        }
         Distribution fields(taken);
         for (QLabel* label : std::as_const(labels)) {
             fields.Add(label->text(), [label](const QString& text) { label->setText(text); });

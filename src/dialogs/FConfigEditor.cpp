@@ -89,7 +89,7 @@ FConfigEditor::FConfigEditor(const MResources::TextTable& texts, ShowHelp showHe
     SetEditorFont(font());
     AssignAccessKeys(*tabConfig, {cmdOk, cmdCancel, cmdHelp});
     tabConfig->setCurrentIndex(0);
-    cmdEditorFont->setFocus();
+    chkDelQuestion->setFocus();  // Enter is OK there
     UpdateButtons();
 }
 
@@ -304,7 +304,8 @@ void FConfigEditor::ShowNextPage(int step) {
     tabConfig->setCurrentIndex((tabConfig->currentIndex() + step + tabConfig->count()) %
                                tabConfig->count());
     if (onTabs) return;
-    QWidget* first = tabConfig->currentIndex() == 0 ? static_cast<QWidget*>(cmdEditorFont)
+    QWidget* first = tabConfig->currentIndex() == 0 ? static_cast<QWidget*>(chkDelQuestion)
                                                     : static_cast<QWidget*>(lstTrendColExist);
+    setAttribute(Qt::WA_KeyboardFocusChange);  // or some styles show no focus
     first->setFocus(Qt::TabFocusReason);
 }

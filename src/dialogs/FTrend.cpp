@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "dialogs/ColourTexts.h"
+#include "dialogs/ControlContent.h"
 #include "dialogs/KeyFilter.h"
 #include "platform/HelpTopics.h"
 #include "project/Number.h"
@@ -32,6 +33,18 @@ QString ControlName(QStringView kind, std::string_view column) {
 template <typename Code>
 Code CodeIn(const QComboBox& list) {
     return static_cast<Code>(std::max(0, list.currentIndex()));
+}
+
+/// What a picture shows, for those who do not see it: "Line Width: 2, Line Style: dashed".
+QString ToldFields(std::initializer_list<const QWidget*> fields) {
+    QStringList told;
+    for (const QWidget* field : fields) {
+        const auto* colour = qobject_cast<const KVColorSelect*>(field);
+        const QString value =
+            colour != nullptr ? colour->accessibleDescription() : ShownContentOf(*field);
+        if (!value.isEmpty()) told += field->accessibleName() + QStringLiteral(": ") + value;
+    }
+    return told.join(QStringLiteral("; "));
 }
 
 }  // namespace
@@ -211,4 +224,8 @@ void FTrend::ShowCurve() {
     look.lower = NumberIn(*txtVLower);
     picCurve->SetLook(look);
     picTolerance->SetLook(look);
+    picCurve->setAccessibleDescription(
+        ToldFields({clrVLineColor, txtVLineWidth, cmbVLineStyle, cmbVDrawMode, txtVMin, txtVMax}));
+    picTolerance->setAccessibleDescription(
+        ToldFields({cmbVConfig, txtVUpper, clrVUpperColor, txtVLower, clrVLowerColor}));
 }

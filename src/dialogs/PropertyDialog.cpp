@@ -399,6 +399,7 @@ void PropertyDialog::ShowNextPage(int step) {
     const bool onTabs = tabs.tabBar()->hasFocus();
     tabs.setCurrentIndex((tabs.currentIndex() + step + tabs.count()) % tabs.count());
     QWidget* stop = onTabs ? nullptr : FirstStop(tabs.currentWidget());
+    setAttribute(Qt::WA_KeyboardFocusChange);  // or some styles show no focus
     (stop != nullptr ? stop : tabs.tabBar())->setFocus(Qt::TabFocusReason);
 }
 

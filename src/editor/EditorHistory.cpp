@@ -16,12 +16,13 @@ using Kind = project::Conflict::Kind;
 
 }  // namespace
 
-void EditorHistory::EndStep() {
-    if (!project_.environment) return;
+QString EditorHistory::EndStep() {
+    if (!project_.environment) return {};
     project::ChangeSet changes = project_.environment->Recorder().Take();
-    if (changes.IsEmpty()) return;
-    const QString name = StepName(changes, texts_);
+    if (changes.IsEmpty()) return {};
+    QString name = StepName(changes, texts_);
     project_.history.Add(projectdb::ToUtf16(name), std::move(changes));
+    return name;
 }
 
 QStringList EditorHistory::Names(Direction direction, int most) const {

@@ -19,8 +19,9 @@ public:
                   QWidget& window)
         : project_(project), texts_(texts), window_(window) {}
 
-    /// What has been changed since the last call is a step. Does nothing when nothing has been.
-    void EndStep();
+    /// What has been changed since the last call is a step, whose name is returned. Empty, and
+    /// nothing done, when nothing has been.
+    QString EndStep();
 
     [[nodiscard]] bool CanUndo() const { return !project_.history.Done().empty(); }
     [[nodiscard]] bool CanRedo() const { return !project_.history.Undone().empty(); }

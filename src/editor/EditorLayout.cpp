@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <numeric>
+#include <QApplication>
+#include <QFontInfo>
 #include <QMenu>
 #include <QWidget>
 #include <tuple>
@@ -89,6 +91,13 @@ void EditorLayout::EnterOwnDefaults() {
         }
     }
     settings_->WriteAValueToCInits(u"tdbA.SplitWidth"_s, window_.tdbA->SplitWidth());
+    // Letters are no smaller than the desktop's until the user wants that.
+    const double desktop = QFontInfo(QApplication::font()).pointSizeF();
+    for (const QString& size : {u"Me.Font.Size"_s, u"tdbA.Font.Size"_s}) {
+        if (settings_->ReadAValueFromCInits(size, desktop).AsNumber(desktop) < desktop) {
+            settings_->WriteAValueToCInits(size, desktop);
+        }
+    }
     settings_->WriteAValueToCInits(u"tdbA.Splits(1).FrozenColumn"_s, u"Name"_s);
 }
 

@@ -185,6 +185,7 @@ public:
     QLineEdit* txtFind = nullptr;
     QLabel* lblFound = nullptr;  // how many rows the find field leaves
     QStatusBar* sb = nullptr;
+    QLabel* lblDone = nullptr;           // what has just happened
     QLabel* lblCells = nullptr;          // several cells that are selected; hidden otherwise
     QToolButton* cmdFindings = nullptr;  // how many findings there are; shows them
     QLabel* lblTextsMissing = nullptr;   // tells of trends that are not shown; hidden without any
@@ -217,6 +218,7 @@ private:
     void ArchiveRowChanged();
     /// What has been changed since the last call becomes one step to be taken back.
     void EndStep();
+    void ShowDone(const QString& step);
     /// Brings tree, lists and rows to what a step has changed, and the user there. `beside`: the
     /// archive to open when the one that is open has gone.
     void ShowChanges(const project::ChangeSet& changes, const QString& beside);

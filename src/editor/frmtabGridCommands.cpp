@@ -19,6 +19,7 @@
 #include "editor/EditorMenus.h"
 #include "editor/frmtabGrid.h"
 #include "editor/GridColumns.h"
+#include "editor/MenuLetters.h"
 #include "editor/RowProgress.h"
 #include "editor/TrendRows.h"
 #include "guard/Guard.h"
@@ -190,6 +191,8 @@ void frmtabGrid::mnuArchiv_Click(int index) {
     const QString selected = addIn_.SelectedNodeKey();
     const QString key = selected.isEmpty() ? project_.currentNodeKey : selected;
     if (index != kNew && !IsThere(key)) return;
+    // Only this one is meant, whatever else was selected to be copied.
+    tdbA->SplitAt(0).SelectRows({});
     const QString beside = index == kDelete ? ArchiveBeside(key) : QString();
     std::int32_t made = 0;
     const auto step = qScopeGuard([this] { EndStep(); });
@@ -377,6 +380,7 @@ void frmtabGrid::OpenContextMenu(int split, const QPoint& position) {
     GridSplit& grid = tdbA->SplitAt(split);
     QMenu* column = menu.addMenu(texts_.GetText(MResourceTable::kTextColumnMenu));
     HeadingMenu::Fill(*column, grid, grid.CurrentColumn(), texts_, GridColumns::IsForUser);
+    const MenuLetters letters(menu);
     menu.exec(position);
 }
 

@@ -84,6 +84,11 @@ QLayout* frmtabGrid::BuildTopRow() {
     cmbLanguage = new QComboBox(this);
     cmbLanguage->setObjectName(u"cmbLanguage"_s);
     cmbLanguage->setAccessibleName(texts_.GetText(MResourceTable::kTextLanguageOfTexts));
+    // Of a list assistive tools take the name from its label.
+    auto* lblLanguage = new QLabel(cmbLanguage->accessibleName(), this);
+    lblLanguage->setObjectName(u"lblLanguage"_s);
+    lblLanguage->setBuddy(cmbLanguage);
+    lblLanguage->hide();
     cmbLanguage->setToolTip(texts_.GetText(MResourceTable::kTextLanguageOfTexts));
     cmbLanguage->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     cmbLanguage->setMinimumWidth(kSmallestLanguageWidth * letter);
@@ -125,6 +130,11 @@ void frmtabGrid::BuildGrid() {
     const auto guarded = [](auto body) { Guard(u"frmtabGrid: tdbA"_s, body); };
     connect(&archives, &GridSplit::RowColChange, this,
             [this, guarded] { guarded([this] { ArchiveRowChanged(); }); });
+    // As in any list, typing looks for what is typed.
+    connect(&archives, &GridSplit::TypedWhereLocked, this, [this](const QString& text) {
+        Find(0);
+        txtFind->setText(text);
+    });
     connect(&trends, &GridSplit::LayoutChanged, this, &frmtabGrid::ShowFreezing);
     connect(&archives, &GridSplit::DblClick, this,
             [this, guarded] { guarded([this] { mnuArchiv_Click(1); }); });
@@ -183,9 +193,16 @@ void frmtabGrid::BuildStatusBar() {
         auto* panel = new QLabel(texts_.GetText(kPanelTexts.at(i)), sb);
         panel->setObjectName(ArrayName(u"sb.Panels", number + 1));
         panel->setTextFormat(Qt::PlainText);
+        panel->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
         sb->addWidget(panel, i == 0 ? 2 : 1);
         panels_[i] = panel;
     }
+    lblDone = new QLabel(sb);
+    lblDone->setObjectName(u"lblDone"_s);
+    lblDone->setTextFormat(Qt::PlainText);
+    // However long it is, the window can be made narrow; the tool tip has the whole.
+    lblDone->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    sb->addWidget(lblDone, 4);
     lblCells = new QLabel(sb);
     lblCells->setObjectName(u"lblCells"_s);
     lblCells->setTextFormat(Qt::PlainText);

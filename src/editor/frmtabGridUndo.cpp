@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <QLabel>
 #include <QScopedValueRollback>
 #include <QScopeGuard>
 #include <set>
@@ -79,9 +80,19 @@ Shown PlaceOf(const project::ChangeSet& changes, projectdb::ProjectRows& rows) {
 }  // namespace
 
 void frmtabGrid::EndStep() {
-    history_->EndStep();
+    if (const QString step = history_->EndStep(); !step.isEmpty()) ShowDone(step);
     UpdateCommands();
     findings_->Look();
+}
+
+/// Says what has just happened, to the ear too, and how it is taken back; no step: nothing.
+void frmtabGrid::ShowDone(const QString& step) {
+    const commandset::Command& undo = commandset::CommandOf(commandset::Id::Undo);
+    const QString key = commandset::KeyText(undo.keys.front().keys, texts_);
+    lblDone->setText(step.isEmpty() ? QString()
+                                    : texts_.GetText(MResourceTable::kTextHintDone,
+                                                     {{u"step", step}, {u"key", key}}));
+    lblDone->setToolTip(lblDone->text());
 }
 
 void frmtabGrid::GoSteps(commandset::Id direction, int steps) {
@@ -104,6 +115,7 @@ void frmtabGrid::GoSteps(commandset::Id direction, int steps) {
         guard::Guard(QStringLiteral("frmtabGrid"), [&] { ShowChanges(last->changes, beside); });
         UpdateCommands();
         findings_->Look();
+        ShowDone({});
         Hint(
             texts_.GetText(back ? MResourceTable::kTextHintUndone : MResourceTable::kTextHintRedone,
                            {{u"step", last->step}}));

@@ -55,6 +55,7 @@ FAcceptFinding::FAcceptFinding(const MResources::TextTable& texts,
             : texts.GetText(kTextAcceptThese, {{u"n", QString::number(findings_.size())}}));
     optThese_->setChecked(true);
     optRule_->setText(texts.GetText(kTextAcceptRule));
+    datUntil_->setAccessibleName(chkUntil_->text().remove(u'&'));
     datUntil_->setCalendarPopup(true);
     datUntil_->setEnabled(false);
     connect(chkUntil_, &QCheckBox::toggled, datUntil_, &QWidget::setEnabled);

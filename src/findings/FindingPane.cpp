@@ -46,6 +46,24 @@ bool IsEditorKey(const QKeyEvent& event) {
     return kept.contains(keys);
 }
 
+/// Qt's tables tell assistive tools of their current row whoever has the keyboard, and this list
+/// gets another one with every check.
+class QuietTable final : public QTableView {
+public:
+    using QTableView::QTableView;
+
+protected:
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override {
+        hasFocus() ? QTableView::currentChanged(current, previous)
+                   : QAbstractItemView::currentChanged(current, previous);
+    }
+    void selectionChanged(const QItemSelection& selected,
+                          const QItemSelection& deselected) override {
+        hasFocus() ? QTableView::selectionChanged(selected, deselected)
+                   : QAbstractItemView::selectionChanged(selected, deselected);
+    }
+};
+
 }  // namespace
 
 FindingPane::FindingPane(projectdb::IProjectWork& work, const MResources::TextTable& texts,
@@ -147,7 +165,7 @@ QLayout* FindingPane::BuildTopRow() {
 }
 
 void FindingPane::BuildList() {
-    tblFindings_ = new QTableView(this);
+    tblFindings_ = new QuietTable(this);
     tblFindings_->setObjectName(u"tblFindings"_s);
     tblFindings_->setAccessibleName(texts_.GetText(kTextFindings).remove(u'&'));
     tblFindings_->setModel(filter_);

@@ -129,6 +129,11 @@ void frmProjectTable::BuildTop(QVBoxLayout& layout) {
     cmbView = new QComboBox(bar);
     cmbView->setObjectName(u"cmbView"_s);
     cmbView->setAccessibleName(texts_.GetText(MResourceTable::kTextTableView));
+    // Of a list assistive tools take the name from its label.
+    auto* lblView = new QLabel(cmbView->accessibleName(), bar);
+    lblView->setObjectName(u"lblView"_s);
+    lblView->setBuddy(cmbView);
+    lblView->hide();
     cmbView->setToolTip(cmbView->accessibleName());
     cmbView->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     connect(cmbView, &QComboBox::activated, this,

@@ -53,6 +53,35 @@ TEST_F(EditorSelectionTest, AfterADeletionTheNeighbourIsOpen) {
     EXPECT_EQ(messages_.size(), 3);
 }
 
+// Two could be highlighted, one of which went.
+TEST_F(EditorSelectionTest, OnlyTheArchiveThatIsDeletedIsHighlighted) {
+    Open(u"ARCH4"_s);
+    TurnTo(0);
+    SelectRow(1, Qt::NoModifier, 0);
+    SelectRow(2, Qt::ControlModifier, 0);
+    ASSERT_EQ(SelectedRows(0).size(), 2) << "to be copied";
+    QStringList titles;
+    const messages::MessageAnswer decline([&](const messages::Message& message) {
+        titles += message.title;
+        return messages::MessageResult::Cancel;
+    });
+    Key(Qt::Key_Delete, Qt::ControlModifier);
+    EXPECT_EQ(titles, QStringList{u"Archive Editor: "_s + CurrentName(0)});
+    EXPECT_TRUE(SelectedRows(0).isEmpty());
+}
+
+TEST_F(EditorSelectionTest, TypingInTheListOfArchivesLooksForWhatIsTyped) {
+    Open(u"ARCH4"_s);
+    TurnTo(0);
+    const QStringList all = Names(0);
+    Type(u"was"_s);
+    EXPECT_EQ(Keyboard()->objectName(), u"txtFind"_s);
+    EXPECT_EQ(Names(0), all.filter(u"was"_s, Qt::CaseInsensitive));
+    EXPECT_LT(Names(0).size(), all.size());
+    Key(Qt::Key_Escape);
+    EXPECT_EQ(Names(0), all);
+}
+
 TEST_F(EditorSelectionTest, TheKeyboardOrAClickBesideTheRowsOpensNoArchive) {
     Open(u"ARC0"_s);
     host_.container.resize(1000, 900);

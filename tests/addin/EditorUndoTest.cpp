@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <QDialog>
+#include <QLabel>
 #include <QMenu>
 #include <QPushButton>
 #include <QStatusBar>
@@ -43,8 +44,11 @@ TEST_F(EditorUndoTest, ATypedCellGoesBackAndForthAndTheCursorWithIt) {
     EXPECT_EQ(Stored(trend, "Unit"), u"bar"_s);
     EXPECT_EQ(Action(u"mnuUndo"_s)->text(),
               u"&Undo: Change of trend %1: Unit\tCtrl+Z"_s.arg(trend));
+    auto* done = Editor()->findChild<QLabel*>(u"lblDone"_s);
+    EXPECT_EQ(done->text(), u"Change of trend %1: Unit. Undo with Ctrl+Z"_s.arg(trend));
     ClickCell(3, u"Comment"_s);
     Undo();
+    EXPECT_EQ(done->text(), QString());
     EXPECT_EQ(Stored(trend, "Unit"), unit);
     EXPECT_EQ(Text(0, u"Unit"_s), unit);
     EXPECT_EQ(CurrentName(), trend);

@@ -265,6 +265,23 @@ TEST_F(GridLayoutTest, TheWheelChangesNoValue) {
     EXPECT_EQ(combo.currentIndex(), 1);
 }
 
+TEST_F(GridLayoutTest, TheFirstSplitIsAsWideAsItsColumnsNeedUntilTheUserWantsAnother) {
+    const auto width = [this] { return View(0)->width(); };
+    auto* name = grid_.SplitAt(0).Column(u"Name");
+    name->SetWidth(2400);
+    const int narrow = width();
+    EXPECT_GE(View(0)->viewport()->width(), View(0)->columnWidth(0));
+    name->SetWidth(3600);
+    EXPECT_EQ(width() - narrow, 80) << "1200 twips at 96 dpi";
+    name->SetWidth(20000);
+    EXPECT_LE(width(), grid_.width() * 4 / 10);
+    EXPECT_EQ(grid_.SplitWidth(), 0) << "nobody has set it";
+    grid_.SetSplitWidth(3000);
+    EXPECT_EQ(width(), 200);
+    name->SetWidth(2400);
+    EXPECT_EQ(width(), 200);
+}
+
 TEST_F(GridLayoutTest, ObjectsBearTheirNames) {
     EXPECT_EQ(View(0)->objectName(), u"tdbA.Splits(0)"_s);
     EXPECT_EQ(View(1)->objectName(), u"tdbA.Splits(1)"_s);

@@ -11,12 +11,14 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextBlock>
 #include <QTextBrowser>
 #include <QTextTable>
 #include <QXmlStreamReader>
 
 #include "ado/Connection.h"
 #include "ado/Recordset.h"
+#include "colours/Contrast.h"
 #include "messages/MessageBox.h"
 #include "platform/ComponentRegistry.h"
 #include "platform/Registry.h"
@@ -393,6 +395,20 @@ TEST_F(ReportTest, FollowsADarkDesktop) {
     ASSERT_NE(table, nullptr);
     EXPECT_LT(table->cellAt(0, 0).format().background().color().lightness(), 100);
     KeepPicture(window, u"report-dark.png"_s);
+    // Contents and overview have the links.
+    window.Show({});
+    int links = 0;
+    for (QTextBlock block = page->document()->begin(); block.isValid(); block = block.next()) {
+        for (auto piece = block.begin(); !piece.atEnd(); ++piece) {
+            const QTextCharFormat format = piece.fragment().charFormat();
+            if (format.foreground().style() == Qt::NoBrush) continue;
+            if (format.isAnchor()) ++links;
+            EXPECT_GE(colours::Contrast(format.foreground().color(), QColor(0x1e, 0x20, 0x22)),
+                      colours::kForText)
+                << piece.fragment().text().toStdString();
+        }
+    }
+    EXPECT_GT(links, 0);
     QApplication::setPalette(before);
 }
 

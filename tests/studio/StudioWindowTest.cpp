@@ -173,7 +173,8 @@ TEST_F(StudioWindowTest, AnotherLanguageComesBackToTheNodeThatWasSelected) {
     EXPECT_EQ(window_->Tree().SelectedNode()->key, u"SMP0"_s);
 }
 
-// Alt+A used to turn between both menus, and the File menu showed Ctrl+O while it sorted.
+// Alt and a letter used to turn between both menus, and the File menu showed Ctrl+O while it
+// sorted.
 TEST_F(StudioWindowTest, AKeyOfTwoMenusIsThatOfTheWindowWithTheKeyboard) {
     /// Keeps Ctrl+O to itself.
     class Grid final : public QWidget {
@@ -191,9 +192,10 @@ TEST_F(StudioWindowTest, AKeyOfTwoMenusIsThatOfTheWindowWithTheKeyboard) {
     ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
     auto* editor = new QWidget(window_->findChild<EditorArea*>()->Container());
     auto* bar = new QMenuBar(editor);
-    QAction* archive = bar->addMenu(u"&Archive && more"_s)->menuAction();
+    QAction* archive = bar->addMenu(u"&Inhalt && more"_s)->menuAction();
     QAction* trends = bar->addMenu(u"&Trends"_s)->menuAction();
     auto* grid = new Grid(editor);
+    grid->setAccessibleName(u"Grid"_s);
     grid->setFocusPolicy(Qt::StrongFocus);
     editor->show();
     QApplication::setActiveWindow(window_.get());
@@ -202,8 +204,8 @@ TEST_F(StudioWindowTest, AKeyOfTwoMenusIsThatOfTheWindowWithTheKeyboard) {
 
     window_->Tree().setFocus();
     QCoreApplication::processEvents();
-    EXPECT_EQ(viewNow(), u"&Ansicht"_s);
-    EXPECT_EQ(archive->text(), u"Archive && more"_s);
+    EXPECT_EQ(viewNow(), u"Ans&icht"_s);
+    EXPECT_EQ(archive->text(), u"Inhalt && more"_s);
     EXPECT_EQ(trends->text(), u"&Trends"_s) << "nobody else's";
     emit file->aboutToShow();
     EXPECT_FALSE(Action(u"mnuFileOpen"_s)->text().contains(u'\t'));
@@ -212,7 +214,7 @@ TEST_F(StudioWindowTest, AKeyOfTwoMenusIsThatOfTheWindowWithTheKeyboard) {
     grid->setFocus();
     QCoreApplication::processEvents();
     EXPECT_EQ(viewNow(), u"Ansicht"_s);
-    EXPECT_EQ(archive->text(), u"&Archive && more"_s);
+    EXPECT_EQ(archive->text(), u"&Inhalt && more"_s);
     emit file->aboutToShow();
     EXPECT_TRUE(Action(u"mnuFileOpen"_s)->text().endsWith(u'\t')) << "no key is shown";
     EXPECT_FALSE(Action(u"mnuFileNew"_s)->text().contains(u'\t'));
@@ -221,7 +223,7 @@ TEST_F(StudioWindowTest, AKeyOfTwoMenusIsThatOfTheWindowWithTheKeyboard) {
     delete editor;
     window_->Tree().setFocus();
     QCoreApplication::processEvents();
-    EXPECT_EQ(viewNow(), u"&Ansicht"_s);
+    EXPECT_EQ(viewNow(), u"Ans&icht"_s);
 }
 
 TEST_F(StudioWindowTest, RecentProjectsAreKeptMissingOnesCannotBeChosen) {

@@ -111,3 +111,12 @@ void FrozenView::contextMenuEvent(QContextMenuEvent* event) {
 void FrozenView::wheelEvent(QWheelEvent* event) {
     QApplication::sendEvent(grid_.verticalScrollBar(), event);
 }
+
+void FrozenView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    QAbstractItemView::currentChanged(current, previous);
+}
+
+void FrozenView::selectionChanged(const QItemSelection& selected,
+                                  const QItemSelection& deselected) {
+    QAbstractItemView::selectionChanged(selected, deselected);
+}

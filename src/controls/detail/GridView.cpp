@@ -33,7 +33,8 @@ GridView::GridView(QWidget* parent) : QTableView(parent) {
     records_ = new RecordHeader(*this);
     setVerticalHeader(records_);
     setItemDelegate(new CellDelegate(*this));
-    setSelectionMode(NoSelection);
+    // Of Qt's ways to select only that of assistive tools is left, see selectionCommand.
+    setSelectionMode(ExtendedSelection);
     setSelectionBehavior(SelectRows);
     setEditTriggers(NoEditTriggers);
     setHorizontalScrollMode(ScrollPerPixel);
@@ -342,6 +343,23 @@ void GridView::focusInEvent(QFocusEvent* event) {
     }
     UpdateMarks();
     emit GotKeyboard();
+    AnnounceCell(QAccessible::Focus, currentIndex());
+}
+
+/// Tells assistive tools of a cell. Qt's tables do so whoever has the keyboard, and name a hidden
+/// column where a row is selected.
+void GridView::AnnounceCell(QAccessible::Event what, const QModelIndex& cell) {
+    if (!QAccessible::isActive() || !hasFocus() || !cell.isValid()) return;
+    // As Qt numbers them: headings and record selectors are cells too.
+    const int columns = rows_->columnCount() + 1;
+    QAccessibleEvent event(this, what);
+    event.setChild((cell.row() + 1) * columns + cell.column() + 1);
+    QAccessible::updateAccessibility(&event);
+}
+
+QItemSelectionModel::SelectionFlags GridView::selectionCommand(const QModelIndex& /*index*/,
+                                                               const QEvent* /*event*/) const {
+    return QItemSelectionModel::NoUpdate;
 }
 
 void GridView::focusOutEvent(QFocusEvent* event) {
@@ -364,7 +382,8 @@ void GridView::LayOutNow() {
 }
 
 void GridView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
-    QTableView::currentChanged(current, previous);
+    QAbstractItemView::currentChanged(current, previous);
+    AnnounceCell(QAccessible::Focus, current);
     if (previous.isValid() && previous.row() != current.row()) {
         viewport()->update(0, rowViewportPosition(previous.row()), viewport()->width(),
                            rowHeight(previous.row()));
@@ -376,7 +395,14 @@ void GridView::currentChanged(const QModelIndex& current, const QModelIndex& pre
 }
 
 void GridView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
-    QTableView::selectionChanged(selected, deselected);
+    QAbstractItemView::selectionChanged(selected, deselected);
+    const int shown = currentIndex().isValid() ? currentIndex().column() : FirstColumn();
+    if (!selected.isEmpty()) {
+        AnnounceCell(QAccessible::SelectionAdd, rows_->index(selected.first().top(), shown));
+    }
+    if (!deselected.isEmpty() && deselected.first().isValid()) {
+        AnnounceCell(QAccessible::SelectionRemove, rows_->index(deselected.first().top(), shown));
+    }
     if (!selectionModel()->hasSelection()) anchorColumn_ = -1;
     emit split_->SelChange();
     emit split_->CellsChange();

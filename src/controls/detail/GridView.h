@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QAccessible>
 #include <QList>
 #include <QPersistentModelIndex>
 #include <QPointer>
@@ -119,6 +120,8 @@ protected:
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void selectionChanged(const QItemSelection& selected,
                           const QItemSelection& deselected) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override;
 
 private:
     bool SplitKey(QKeyEvent* event);
@@ -132,6 +135,7 @@ private:
     void PressRecordSelector(int row);
     void DragRecordSelector(int row);
     void PlaceFrozen();
+    void AnnounceCell(QAccessible::Event what, const QModelIndex& cell);
     [[nodiscard]] int StripWidth() const;
 
     GridSplit* split_ = nullptr;
