@@ -30,6 +30,7 @@ protected:
             return true;
         });
         EXPECT_TRUE(status.IsOk());
+        file->reset();
         fs::remove_all(folder_);
     }
 

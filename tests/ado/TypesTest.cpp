@@ -52,7 +52,10 @@ protected:
         connection_.Open(ConnectionString(path));
         rows_.Open("Types", connection_, CommandType::Table);
     }
-    void TearDown() override { fs::remove_all(folder_); }
+    void TearDown() override {
+        connection_.Close();
+        fs::remove_all(folder_);
+    }
 
     void Add(const Fields& fields) {
         rows_.AddNew();
