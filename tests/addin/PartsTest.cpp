@@ -14,7 +14,6 @@
 #include "addin/MKVSGlobalEditors.h"
 #include "ado/AdoError.h"
 #include "ado/TrendQuery.h"
-#include "cells/CellText.h"
 #include "editor/GridColumns.h"
 #include "editor/RowProgress.h"
 #include "guard/Guard.h"
@@ -129,41 +128,6 @@ TEST(RowProgressTest, WhatTakesLongCanBeGivenUp) {
     }
     EXPECT_EQ(messages::ScreenPointer(), messages::Pointer::Default);
     EXPECT_TRUE(owner.children().isEmpty());
-}
-
-TEST(CellTextTest, ValuesReadAsInTheUsersLocale) {
-    const QLocale german(QLocale::German, QLocale::Germany);
-    const QTemporaryDir folder;
-    platform::Registry registry({folder.filePath(u"r.reg"_s), {}});
-    MResources::TextTable texts;
-    texts.Initialize(registry);
-    struct Case {
-        ado::Value value;
-        QString text;
-    };
-    const Case cases[] = {
-        {ado::Null(), u""_s},
-        {true, u"ja"_s},
-        {std::int32_t{-16711680}, u"-16711680"_s},
-        {8.25, u"8,25"_s},
-        {1000000.0, u"1000000"_s},
-        {0.1, u"0,1"_s},
-        {0.1 + 0.2, u"0,3"_s},  // the digits behind are the machine's
-        {0.1F, u"0,1"_s},
-        {0.0, u"0"_s},
-        {1e20, u"1e+20"_s},
-        {std::u16string(u"1.5 §"), u"1.5 §"_s},
-        {ado::Date{36526.75}, u"01.01.00 18:00:00"_s},
-        {ado::Date{-1.25}, u"29.12.99 06:00:00"_s},
-        {ado::Date{1e9}, u"1E+09"_s},
-    };
-    for (const Case& c : cases) {
-        const QString text = CellText(c.value, german, texts);
-        EXPECT_TRUE(text.compare(c.text, Qt::CaseInsensitive) == 0 ||
-                    text.startsWith(c.text + u' '))  // a time may name its zone
-            << text.toStdString() << " instead of " << c.text.toStdString();
-    }
-    EXPECT_EQ(WholeText(0.1 + 0.2, texts), u"0.30000000000000004"_s) << "what is copied is whole";
 }
 
 // Rows come in portions; what is read on later must be the rows behind, whatever else has moved

@@ -218,6 +218,23 @@ TEST_F(MArchivTest, AChangedTypeDropsTheBitsThatAreNotEdited) {
     EXPECT_EQ(ArchiveRow("Typ3").at("Type"), ado::Value(1 + 8 + 64));
 }
 
+TEST_F(MArchivTest, BlanksAtTheEndsOfATextBelongToIt) {
+    const std::pair<const char*, QLineEdit * Ui_FArchiv::*> fields[] = {
+        {"Trigger", &Ui_FArchiv::txtTrigger},     {"XVar", &Ui_FArchiv::txtXVar},
+        {"StartStop", &Ui_FArchiv::txtStartStop}, {"Reset", &Ui_FArchiv::txtReset},
+        {"Comment", &Ui_FArchiv::txtComment},
+    };
+    for (const auto& [column, control] : fields) {
+        Edit("Typ3", [control = control](FArchiv& dialog) {
+            (dialog.*control)->setText(QStringLiteral(" A b  "));
+        });
+        EXPECT_EQ(ArchiveRow("Typ3").at(column), ado::Value(u" A b  "s)) << column;
+        Edit("Typ3", [control = control](FArchiv& dialog) {
+            EXPECT_EQ((dialog.*control)->text(), QStringLiteral(" A b  "));
+        });
+    }
+}
+
 TEST_F(MArchivTest, EverySampleModeSurvivesOkEvenOneThatIsNotOffered) {
     const std::pair<ado::Value, int> cases[] = {{0, 0},   {1, 1},           {2, 2},  {3, 3},
                                                 {4, 4},   {6, 5},           {5, -1}, {7, -1},
