@@ -409,6 +409,7 @@ enum Number : int {
     kTextKeyFill,
     kTextKeyFillCounting,
     kTextHintNoCells,
+    kTextHintNoArchives,
     kTextHintNoCounting,
     kTextCells,
     kTextPasteNoRoom,
@@ -417,6 +418,8 @@ enum Number : int {
     kTextFillHandle,
     kTextManyPattern,
     kTextManyPatternCount,
+    kTextManyPatternArchives,
+    kTextManyArchives,
     kTextNoHit,
     kTextTableNoHit,
     kTextNoTrends,
@@ -463,8 +466,16 @@ enum Number : int {
     kTextWayBack,
     kTextChangeField,
     kTextChangeFields,
+    kTextChangeArchiveField,
+    kTextChangeArchiveFields,
     kTextEditTrends,
     kTextKeyEditTrends,
+    kTextEditArchives,
+    kTextKeyEditArchives,
+    kTextKeepTemplate,
+    kTextKeyKeepTemplate,
+    kTextTemplates,
+    kTextKeyTemplates,
     kTextFreezeName,
     kTextToolBar,
     kTextLanguageOfTexts,
@@ -1310,5 +1321,24 @@ enum class Compare : int {
     NotCompared,
 };
 Q_ENUM_NS(Compare)
+
+/// Settings kept for new archives and trends.
+enum class Templates : int {
+    OfArchives = 23001,
+    OfTrends,
+    None,
+    UseForNew,
+    Rename,
+    Delete,
+    Hint,
+    Name,
+    Replace,
+    Kept,
+    NewWith,
+    LeftOut,
+    NotWritten,
+    NotReadable,
+};
+Q_ENUM_NS(Templates)
 
 }  // namespace MResourceTable
