@@ -22,7 +22,7 @@ using projectdb::ToUtf8;
 
 }  // namespace
 
-std::int32_t ArchiveCommands::New(const QString& languageColumn) {
+std::int32_t ArchiveCommands::New(const QString& languageColumn, project::Template* from) {
     ADOArchiv& environment = project_.Environment();
     ProjectRows rows(environment);
     ado::Recordset& archives = rows.Archives();
@@ -33,6 +33,12 @@ std::int32_t ArchiveCommands::New(const QString& languageColumn) {
         name = project::FreeName(ToUtf16(texts_.GetText(MResourceTable::kTextNewArchiveName)),
                                  names_.UseIn(projectdb::kArchiveNames));
         id = rows.AddArchive(name);
+        if (from != nullptr) {
+            const EditScope scope(archives);
+            from->leftOut =
+                project::AssignSettings(archives, project::kArchiveTable, from->settings);
+            archives.Update();
+        }
         const std::int32_t group = rows.AddGroup(id, name);
         rows.AddArchiveText(group, name, ToUtf8(languageColumn));
         return true;

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include "commands/NameLists.h"
+#include "project/Template.h"
 #include "projectdb/Hierarchy.h"
 #include "texts/MResources.h"
 
@@ -45,7 +46,8 @@ public:
 
     /// Makes an archive under the first free name and returns its ID. `languageColumn` is the text
     /// column of the project's current language ("L1031"); a language without one gets no text.
-    std::int32_t New(const QString& languageColumn);
+    /// `from`: the archive gets these settings; what it does not take is told there.
+    std::int32_t New(const QString& languageColumn, project::Template* from = nullptr);
 
     /// Edits the current row of `archives`, and its text in `texts`, and stores both by `save`,
     /// which throws when it cannot; both rows then wait to be cancelled. False when the user gave

@@ -19,7 +19,7 @@ using projectdb::ProjectRows;
 
 }  // namespace
 
-std::int32_t TrendCommands::New() {
+std::int32_t TrendCommands::New(project::Template* from) {
     const QString& key = project_.currentNodeKey;
     const std::int32_t archiveId = projectdb::NodeId(key);
     if (projectdb::NodeKind(key) != projectdb::kArchiveKind || archiveId == 0) return 0;
@@ -40,6 +40,12 @@ std::int32_t TrendCommands::New() {
             trend.isInUse = names.UseIn(projectdb::kTrendNames);
             id = rows.AddTrend(archiveId, trend);
             rows.AddTrendText(rows.GroupOfTrends(archiveId), trend);
+            if (from != nullptr) {
+                const EditScope scope(rows.Trends());
+                from->leftOut =
+                    project::AssignSettings(rows.Trends(), project::kTrendTable, from->settings);
+                rows.Trends().Update();
+            }
             return true;
         });
     }

@@ -20,7 +20,8 @@ public:
 
     /// Adds a trend to the open archive, reloads the trend split and returns the trend's ID. Does
     /// nothing and returns 0 when no archive is open.
-    std::int32_t New();
+    /// `from`: the trend gets these settings; what it does not take is told there.
+    std::int32_t New(project::Template* from = nullptr);
 
     /// Edits and stores the current row of `trends`; false when the user gave up or it failed.
     using EditTrend = std::function<bool(ado::Recordset& trends)>;

@@ -37,6 +37,7 @@ constexpr Key kPasteKeys[] = {{Place::Archives, Qt::CTRL | Qt::Key_V, false},
 constexpr Key kDuplicateKeys[] = {{Place::Archives, Qt::CTRL | Qt::Key_D},
                                   {Place::Trends, Qt::CTRL | Qt::Key_D}};
 constexpr Key kEditTrendsKeys[] = {{Place::Trends, Qt::CTRL | Qt::Key_F9}};
+constexpr Key kEditArchivesKeys[] = {{Place::Archives, Qt::CTRL | Qt::Key_F9}};
 constexpr Key kFillKeys[] = {{Place::Cells, Qt::CTRL | Qt::Key_D}};
 constexpr Key kFillCountingKeys[] = {{Place::Cells, Qt::CTRL | Qt::SHIFT | Qt::Key_D},
                                      {Place::Trends, Qt::CTRL | Qt::SHIFT | Qt::Key_D, false}};
@@ -67,6 +68,12 @@ constexpr Key kExportKeys[] = {{Place::Tree, Qt::CTRL | Qt::SHIFT | Qt::Key_E},
 constexpr Key kImportKeys[] = {{Place::Tree, Qt::CTRL | Qt::SHIFT | Qt::Key_I},
                                {Place::Archives, Qt::CTRL | Qt::SHIFT | Qt::Key_I},
                                {Place::Trends, Qt::CTRL | Qt::SHIFT | Qt::Key_I}};
+constexpr Key kKeepTemplateKeys[] = {{Place::Archives, Qt::CTRL | Qt::SHIFT | Qt::Key_F8},
+                                     {Place::Trends, Qt::CTRL | Qt::SHIFT | Qt::Key_F8},
+                                     {Place::Tree, Qt::CTRL | Qt::SHIFT | Qt::Key_F8}};
+constexpr Key kTemplatesKeys[] = {{Place::Archives, Qt::SHIFT | Qt::Key_F8},
+                                  {Place::Trends, Qt::SHIFT | Qt::Key_F8},
+                                  {Place::Tree, Qt::SHIFT | Qt::Key_F8}};
 constexpr Key kHelpKeys[] = {
     {Place::Tree, Qt::Key_F1}, {Place::Archives, Qt::Key_F1}, {Place::Trends, Qt::Key_F1}};
 
@@ -100,6 +107,8 @@ constexpr Command kCommands[] = {
      kArchive | kWriting, kDuplicateKeys},
     {EditTrends, u"mnuEditTrends", kTextEditTrends, kNone, kTextKeyEditTrends, u"",
      kArchive | kCells | kWriting, kEditTrendsKeys},
+    {EditArchives, u"mnuEditArchives", kTextEditArchives, kNone, kTextKeyEditArchives, u"",
+     kArchives | kWriting, kEditArchivesKeys},
     {Fill, u"mnuFill", kTextFill, kNone, kTextKeyFill, u"", kArchive | kCells | kWriting,
      kFillKeys},
     {FillCounting, u"mnuFillCounting", kTextFillCounting, kNone, kTextKeyFillCounting, u"",
@@ -122,28 +131,20 @@ constexpr Command kCommands[] = {
      kTextKeyDuplicateByPattern, u"", kArchive | kWriting, kDuplicateByPatternKeys},
     {Export, u"mnuExtra(9)", kTextExport, kNone, kTextKeyExport, u"", 0, kExportKeys},
     {Import, u"mnuExtra(10)", kTextImport, kNone, kTextKeyImport, u"", kWriting, kImportKeys},
+    {KeepTemplate, u"mnuKeepTemplate", kTextKeepTemplate, kNone, kTextKeyKeepTemplate, u"",
+     kArchive, kKeepTemplateKeys},
+    {Templates, u"mnuTemplates", kTextTemplates, kNone, kTextKeyTemplates, u"", 0, kTemplatesKeys},
     {Help, u"mnuHelp", kNone, kNone, kTextKeyHelp, u"", 0, kHelpKeys},
 };
 static_assert(std::size(kCommands) == static_cast<std::size_t>(Separator));
 
 constexpr Id kArchiveMenu[] = {NewArchive, EditArchive, DeleteArchive, Separator, ShowEditor};
 constexpr Id kTrendMenu[] = {NewTrend, EditTrend, DeleteTrend, TrendsByPattern};
-constexpr Id kEditMenu[] = {Undo,
-                            Redo,
-                            Separator,
-                            Copy,
-                            Paste,
-                            Duplicate,
-                            DuplicateByPattern,
-                            EditTrends,
-                            Fill,
-                            FillCounting,
-                            Clear,
-                            Separator,
-                            SelectAll,
-                            Find,
-                            FindInProject,
-                            ReplaceInProject};
+constexpr Id kEditMenu[] = {Undo,         Redo,          Separator,          Copy,
+                            Paste,        Duplicate,     DuplicateByPattern, KeepTemplate,
+                            Templates,    EditTrends,    EditArchives,       Fill,
+                            FillCounting, Clear,         Separator,          SelectAll,
+                            Find,         FindInProject, ReplaceInProject};
 constexpr Id kExtrasMenu[] = {Statistic,    Report,   Refresh,   Separator, Options, Separator,
                               ProjectTable, Findings, Separator, Export,    Import};
 constexpr Menu kMenus[] = {
@@ -158,12 +159,12 @@ constexpr Id kToolBar[] = {NewArchive, EditArchive, DeleteArchive, Separator, Ne
                            Separator,  Copy,        Paste,         Duplicate, Separator,
                            Findings,   Report,      Refresh,       Options};
 constexpr Id kArchiveContext[] = {
-    NewArchive, EditArchive, DeleteArchive, Separator,          Undo, Redo,
-    Separator,  Copy,        Duplicate,     DuplicateByPattern, Find, Export};
+    NewArchive, EditArchive, EditArchives,       DeleteArchive, Separator, Undo, Redo,  Separator,
+    Copy,       Duplicate,   DuplicateByPattern, KeepTemplate,  Templates, Find, Export};
 constexpr Id kTrendContext[] = {
-    NewTrend,  EditTrend, EditTrends, DeleteTrend, Separator, Undo,         Redo,
-    Separator, Copy,      Paste,      Duplicate,   Fill,      FillCounting, Clear,
-    Separator, SelectAll, Find,       WhereUsed,   Export,    Separator,    FreezeName};
+    NewTrend,  EditTrend, EditTrends, DeleteTrend,  Separator, Undo,      Redo,         Separator,
+    Copy,      Paste,     Duplicate,  KeepTemplate, Templates, Fill,      FillCounting, Clear,
+    Separator, SelectAll, Find,       WhereUsed,    Export,    Separator, FreezeName};
 
 /// The key stands in given texts behind many blanks; menus show it in a column of its own. -1 where
 /// a text brings none.
@@ -219,6 +220,7 @@ int Obstacle(const Command& command, const Situation& situation) {
     if (lacks(kArchive, situation.isArchive)) return kTextHintNoArchive;
     if (lacks(kTrend, situation.hasTrend)) return kTextHintNoTrend;
     if (lacks(kCells, situation.hasCells)) return kTextHintNoCells;
+    if (lacks(kArchives, situation.hasArchives)) return kTextHintNoArchives;
     if (lacks(kSelection, situation.hasSelection)) {
         return situation.hasTrend ? kTextHintNoSelection : kTextHintNoTrend;
     }

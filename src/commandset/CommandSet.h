@@ -33,6 +33,7 @@ enum class Id : std::uint8_t {
     Paste,
     Duplicate,
     EditTrends,
+    EditArchives,
     Fill,
     FillCounting,
     Clear,
@@ -47,6 +48,8 @@ enum class Id : std::uint8_t {
     DuplicateByPattern,
     Export,
     Import,
+    KeepTemplate,
+    Templates,
     Help,
     Separator,  // no command: a line between them
 };
@@ -75,6 +78,7 @@ enum Need : unsigned {
     kDone = 32,             // a step to take back
     kUndone = 64,           // a step that has been taken back
     kCells = 128,           // several trends that are selected, or cells of them
+    kArchives = 256,        // several archives that are selected
 };
 
 struct Command {
@@ -118,6 +122,7 @@ struct Situation {
     bool hasTrend = false;      // a trend is current
     bool hasSelection = false;  // trends are selected
     bool hasCells = false;      // several of them, whose cells can be written at once
+    bool hasArchives = false;   // several archives are selected
     bool hasDone = false;       // the user has changed something
     bool hasUndone = false;     // and taken it back
 };

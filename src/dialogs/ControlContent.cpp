@@ -1,6 +1,7 @@
 #include "dialogs/ControlContent.h"
 
 #include <QAbstractButton>
+#include <QCheckBox>
 #include <QColor>
 #include <QComboBox>
 #include <QLabel>
@@ -16,6 +17,10 @@ QVariant ContentOf(const QWidget& control) {
     if (const auto* text = qobject_cast<const QLineEdit*>(&control)) return text->text();
     if (const auto* list = qobject_cast<const QComboBox*>(&control)) {
         return list->isEditable() ? QVariant(list->currentText()) : list->currentIndex();
+    }
+    if (const auto* check = qobject_cast<const QCheckBox*>(&control);
+        check && check->isTristate()) {
+        return check->checkState();
     }
     if (const auto* button = qobject_cast<const QAbstractButton*>(&control)) {
         return button->isCheckable() ? QVariant(button->isChecked()) : QVariant();
@@ -45,6 +50,8 @@ void SetContent(QWidget& control, const QVariant& content) {
     } else if (auto* list = qobject_cast<QComboBox*>(&control)) {
         list->isEditable() ? list->setEditText(content.toString())
                            : list->setCurrentIndex(content.toInt());
+    } else if (auto* check = qobject_cast<QCheckBox*>(&control); check && check->isTristate()) {
+        check->setCheckState(static_cast<Qt::CheckState>(content.toInt()));
     } else if (auto* button = qobject_cast<QAbstractButton*>(&control)) {
         button->setChecked(content.toBool());
     } else if (auto* holder = qobject_cast<QLabel*>(&control)) {

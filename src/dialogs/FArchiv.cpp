@@ -6,6 +6,7 @@
 #include "dialogs/FolderChoice.h"
 #include "platform/HelpTopics.h"
 #include "project/Number.h"
+#include "texts/MResources.h"
 #include "texts/MResourceTable.h"
 
 namespace {
@@ -52,6 +53,21 @@ void FArchiv::SetParamNames(std::optional<QString> names) {
 void FArchiv::SetDisplayTextAvailable(bool available) {
     SetUsable(txtTextID, available);
     SetUsable(cmdEditRuntimeName, available);
+}
+
+void FArchiv::ShowCount(std::size_t archives) {
+    setWindowTitle(
+        windowTitle() + QStringLiteral(": ") +
+        Services().texts.GetText(kTextManyArchives, {{u"n", QString::number(archives)}}));
+    SetOpenedName({});
+    for (QLineEdit* field : {txtName, txtTextID, txtComment, txtFileName, txtTrigger, txtNewFile,
+                             txtXVar, txtStartStop, txtReset}) {
+        field->setToolTip(Text(kTextManyPattern));
+    }
+    lblSummary->hide();  // it tells of one
+    cmdOk->setEnabled(true);
+    UpdateArchiveEnabling();
+    UpdateSampleModeFields();
 }
 
 int FArchiv::HelpTopic(int page) const {
@@ -151,7 +167,7 @@ void FArchiv::ConnectControls() {
     connect(cboNewFile, &QComboBox::currentIndexChanged, this, &FArchiv::cboNewFile_Click);
     connect(cmbSampleMode, &QComboBox::currentIndexChanged, this, &FArchiv::UpdateSampleModeFields);
     connect(optHDRAM[0], &QRadioButton::toggled, this, &FArchiv::UpdateArchiveEnabling);
-    connect(chkRedundancy, &QCheckBox::toggled, this, &FArchiv::UpdateArchiveEnabling);
+    connect(chkRedundancy, &QCheckBox::stateChanged, this, &FArchiv::UpdateArchiveEnabling);
 
     // Behind the others: the summary tells what they have brought about.
     for (const QComboBox* combo : {cmbType, cboNewFile, cmbSampleMode}) {
@@ -184,7 +200,7 @@ bool FArchiv::IsContinuationFile() const {
 void FArchiv::UpdateArchiveEnabling() {
     const bool disk = optHDRAM[0]->isChecked();
     const bool filesOnDisk = disk && IsContinuationFile();
-    const bool redundancy = disk && chkRedundancy->isChecked();
+    const bool redundancy = disk && chkRedundancy->checkState() == Qt::Checked;
     const bool trigger = filesOnDisk && cboNewFile->currentIndex() == FileChange::kTrigger;
     const bool samples = cmbType->currentIndex() == kCircularBuffer ||
                          (filesOnDisk && cboNewFile->currentIndex() == FileChange::kCount);
@@ -251,6 +267,7 @@ void FArchiv::ChooseFileChange() {
 }
 
 void FArchiv::txtName_Change() {
+    if (IsOfMany()) return;
     const QString name = txtName->text();
     // A display text that was never edited apart from the name is renamed with it.
     if (Loaded() && name != keptName_ && txtTextID->isEnabledTo(this) &&

@@ -25,6 +25,9 @@ public:
 
     /// An archive without an index text in the current language has none to edit.
     void SetDisplayTextAvailable(bool available);
+    /// The dialog stands for several archives; names and texts are taken as patterns. A setting is
+    /// usable where it applies to all of them. Call it when the controls have been filled.
+    void ShowCount(std::size_t archives);
 
     std::array<QRadioButton*, 2> optHDRAM{};      // 0 hard disk, 1 main memory
     std::array<QRadioButton*, 2> optSaveFast{};   // 0 fast, 1 safe

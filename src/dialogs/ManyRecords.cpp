@@ -1,10 +1,13 @@
 #include "dialogs/ManyRecords.h"
 
 #include <algorithm>
+#include <QAbstractButton>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QToolButton>
 
 #include "controls/KVColorSelect.h"
@@ -16,9 +19,41 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-ManyRecords::ManyRecords(const MResources::TextTable& texts, QPushButton& ok, int records,
-                         QObject* dialog)
-    : QObject(dialog), texts_(texts), ok_(ok), okText_(ok.text()), records_(records) {}
+namespace {
+
+const QString kWayBack = u"cmdBack"_s;
+constexpr int kMargin = 2;  // pixels around the mark
+
+/// What is typed into; null where nothing is.
+QLineEdit* LineOf(QWidget& control) {
+    if (auto* list = qobject_cast<QComboBox*>(&control)) return list->lineEdit();
+    return qobject_cast<QLineEdit*>(&control);
+}
+
+/// Of the buttons of a choice one is always chosen, as long as that is a choice.
+void SetContents(const QList<QWidget*>& controls, const QVariantList& contents) {
+    const auto choose = [&](bool isChoice) {
+        for (QWidget* control : controls) {
+            if (auto* button = qobject_cast<QRadioButton*>(control)) {
+                button->setAutoExclusive(isChoice);
+            }
+        }
+    };
+    choose(false);
+    for (qsizetype i = 0; i < controls.size(); ++i) SetContent(*controls[i], contents[i]);
+    choose(true);
+}
+
+}  // namespace
+
+ManyRecords::ManyRecords(const MResources::TextTable& texts, QPushButton& ok,
+                         const Captions& captions, int records, QObject* dialog)
+    : QObject(dialog),
+      texts_(texts),
+      ok_(ok),
+      okText_(ok.text()),
+      captions_(captions),
+      records_(records) {}
 
 QString ManyRecords::Text(int id) const {
     return texts_.GetText(id);
@@ -26,10 +61,7 @@ QString ManyRecords::Text(int id) const {
 
 void ManyRecords::ShowDifferent(QWidget& control) {
     const QString different = Text(MResourceTable::kTextDifferent);
-    if (auto* text = qobject_cast<QLineEdit*>(&control)) {
-        text->clear();
-        text->setPlaceholderText(different);
-    } else if (auto* list = qobject_cast<QComboBox*>(&control)) {
+    if (auto* list = qobject_cast<QComboBox*>(&control)) {
         list->setCurrentIndex(-1);
         list->setPlaceholderText(different);
     } else if (auto* color = qobject_cast<KVColorSelect*>(&control)) {
@@ -37,37 +69,66 @@ void ManyRecords::ShowDifferent(QWidget& control) {
         words.none = different;
         color->SetTexts(words);
         color->ClearColor();
+    } else if (auto* check = qobject_cast<QCheckBox*>(&control)) {
+        check->setTristate(true);
+        check->setCheckState(Qt::PartiallyChecked);
+        check->setToolTip(different);
+    } else if (auto* button = qobject_cast<QRadioButton*>(&control)) {
+        button->setToolTip(different);
+    }
+    if (QLineEdit* line = LineOf(control)) {
+        line->clear();
+        line->setPlaceholderText(different);
     }
 }
 
-void ManyRecords::Add(QWidget& control, bool differs) {
-    if (differs) ShowDifferent(control);
-    contents_.insert(&control, ContentOf(control));
-    Connect(control);
-    control.installEventFilter(this);
+void ManyRecords::Add(const QList<QWidget*>& controls, bool differs) {
+    if (differs) {
+        if (controls.size() > 1) SetContents(controls, QVariantList(controls.size(), false));
+        for (QWidget* control : controls) ShowDifferent(*control);
+    }
+    const std::size_t field = fields_.size();
+    fields_.push_back({controls, {}});
+    fields_.back().contents = ContentsOf(fields_.back());
+    AddWayBack(field);
+    for (QWidget* control : controls) {
+        fieldOf_.insert(control, field);
+        Connect(*control, field);
+        control->installEventFilter(this);
+    }
 }
 
-void ManyRecords::Connect(QWidget& control) {
-    const auto changed = [this, &control] { Changed(control); };
-    if (auto* text = qobject_cast<QLineEdit*>(&control)) {
+QVariantList ManyRecords::ContentsOf(const Field& field) {
+    QVariantList contents;
+    for (const QWidget* control : field.controls) contents.append(ContentOf(*control));
+    return contents;
+}
+
+void ManyRecords::Connect(QWidget& control, std::size_t field) {
+    const auto changed = [this, field] { Changed(field); };
+    if (QLineEdit* line = LineOf(control)) {
         // What is typed counts, even where nothing is left of it: the field has been cleared.
-        connect(text, &QLineEdit::textEdited, this, [this, text] {
-            edited_.insert(text);
-            Changed(*text);
+        connect(line, &QLineEdit::textEdited, this, [this, field] {
+            fields_[field].isEdited = true;
+            Changed(field);
         });
-        connect(text, &QLineEdit::textChanged, this, changed);
+        connect(line, &QLineEdit::textChanged, this, changed);
     } else if (auto* list = qobject_cast<QComboBox*>(&control)) {
         connect(list, &QComboBox::currentIndexChanged, this, changed);
     } else if (auto* color = qobject_cast<KVColorSelect*>(&control)) {
         connect(color, &KVColorSelect::ColorChanged, this, changed);
+    } else if (auto* check = qobject_cast<QCheckBox*>(&control)) {
+        connect(check, &QCheckBox::stateChanged, this, changed);
+    } else if (auto* button = qobject_cast<QAbstractButton*>(&control)) {
+        connect(button, &QAbstractButton::toggled, this, changed);
     }
-    AddWayBack(control);
 }
 
-/// The mark of a control that has been touched; keys do what it does.
-void ManyRecords::AddWayBack(QWidget& control) {
+/// The mark of a field that has been touched; keys do what it does.
+QToolButton& ManyRecords::AddWayBack(std::size_t field) {
+    QWidget& control = *fields_[field].controls.back();
     auto* back = new QToolButton(&control);
-    back->setObjectName(u"cmdBack"_s);
+    back->setObjectName(kWayBack);
     back->setIcon(icons::Icon(u"undo"));
     back->setAutoRaise(true);
     back->setFocusPolicy(Qt::NoFocus);
@@ -75,57 +136,74 @@ void ManyRecords::AddWayBack(QWidget& control) {
     back->setToolTip(Text(MResourceTable::kTextWayBack));
     back->setAccessibleName(Text(MResourceTable::kTextWayBack));
     back->hide();
-    connect(back, &QToolButton::clicked, this, [this, &control] { GoBack(control); });
+    // Beside the text of a button, not over it.
+    if (qobject_cast<QCheckBox*>(&control) != nullptr ||
+        qobject_cast<QRadioButton*>(&control) != nullptr) {
+        const QSize size = control.sizeHint();
+        control.setMinimumWidth(size.width() + size.height() + kMargin);
+    }
+    connect(back, &QToolButton::clicked, this, [this, field] { GoBack(field); });
+    return *back;
+}
+
+QToolButton* ManyRecords::WayBackOf(const QWidget& control) {
+    return control.findChild<QToolButton*>(kWayBack, Qt::FindDirectChildrenOnly);
 }
 
 /// At the right end; of a list, beside its arrow.
 void ManyRecords::Place(QToolButton& back) {
     const QWidget& control = *back.parentWidget();
-    const int side = control.height() - 4;
+    const int side = control.height() - 2 * kMargin;
     const bool isList = qobject_cast<const QComboBox*>(&control) != nullptr;
-    back.setGeometry(control.width() - (isList ? 2 : 1) * side - 2, 2, side, side);
+    back.setGeometry(control.width() - (isList ? 2 : 1) * side - kMargin, kMargin, side, side);
+}
+
+bool ManyRecords::IsTouched(const Field& field) {
+    return field.isEdited || field.contents != ContentsOf(field);
 }
 
 bool ManyRecords::IsTouched(const QWidget& control) const {
-    const auto loaded = contents_.constFind(&control);
-    if (loaded == contents_.constEnd()) return false;
-    return edited_.contains(&control) || *loaded != ContentOf(control);
+    const auto field = fieldOf_.constFind(&control);
+    return field != fieldOf_.constEnd() && IsTouched(fields_[*field]);
 }
 
-void ManyRecords::GoBack(QWidget& control) {
-    edited_.remove(&control);
-    SetContent(control, contents_.value(&control));
-    Changed(control);
+void ManyRecords::GoBack(std::size_t field) {
+    fields_[field].isEdited = false;
+    SetContents(fields_[field].controls, fields_[field].contents);
+    Changed(field);
 }
 
-void ManyRecords::Changed(QWidget& control) {
-    const bool touched = IsTouched(control);
-    auto& back = *control.findChild<QToolButton*>(u"cmdBack"_s, Qt::FindDirectChildrenOnly);
+void ManyRecords::Changed(std::size_t field) {
+    const bool touched = IsTouched(fields_[field]);
+    QWidget& last = *fields_[field].controls.back();
+    QToolButton& back = *WayBackOf(last);
     Place(back);
     back.setVisible(touched);
     // Where they differ an empty field stands for that, until it is meant to be empty.
-    auto* text = qobject_cast<QLineEdit*>(&control);
-    if (text != nullptr && !text->placeholderText().isEmpty()) {
-        text->setPlaceholderText(
+    QLineEdit* line = LineOf(last);
+    if (line != nullptr && !line->placeholderText().isEmpty()) {
+        line->setPlaceholderText(
             Text(touched ? MResourceTable::kTextCleared : MResourceTable::kTextDifferent));
     }
-    const auto fields = std::count_if(contents_.keyBegin(), contents_.keyEnd(),
-                                      [this](const QWidget* each) { return IsTouched(*each); });
-    const int caption =
-        fields == 1 ? MResourceTable::kTextChangeField : MResourceTable::kTextChangeFields;
-    ok_.setText(fields == 0 ? okText_
-                            : texts_.GetText(caption, {{u"fields", QString::number(fields)},
-                                                       {u"n", QString::number(records_)}}));
+    ShowCount();
+}
+
+void ManyRecords::ShowCount() {
+    const auto touched = std::count_if(fields_.begin(), fields_.end(),
+                                       [](const Field& field) { return IsTouched(field); });
+    const int caption = touched == 1 ? captions_.field : captions_.fields;
+    ok_.setText(touched == 0 ? okText_
+                             : texts_.GetText(caption, {{u"fields", QString::number(touched)},
+                                                        {u"n", QString::number(records_)}}));
 }
 
 bool ManyRecords::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Resize) {
-        auto* control = static_cast<QWidget*>(watched);
-        Place(*control->findChild<QToolButton*>(u"cmdBack"_s, Qt::FindDirectChildrenOnly));
+        if (auto* back = WayBackOf(*static_cast<QWidget*>(watched))) Place(*back);
     }
     if (event->type() != QEvent::KeyPress) return false;
     const auto* key = static_cast<QKeyEvent*>(event);
     if (key->key() != Qt::Key_Backspace || key->modifiers() != Qt::AltModifier) return false;
-    GoBack(*static_cast<QWidget*>(watched));
+    GoBack(fieldOf_.value(watched));
     return true;
 }

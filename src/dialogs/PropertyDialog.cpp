@@ -136,8 +136,8 @@ void PropertyDialog::SetOpenedName(const QString& name) {
     }
 }
 
-ManyRecords& PropertyDialog::ShowMany(int records) {
-    many_ = new ManyRecords(services_.texts, *frame_.cmdOk, records, this);
+ManyRecords& PropertyDialog::ShowMany(int records, int field, int fields) {
+    many_ = new ManyRecords(services_.texts, *frame_.cmdOk, {field, fields}, records, this);
     return *many_;
 }
 

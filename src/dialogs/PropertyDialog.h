@@ -48,7 +48,8 @@ public:
 
     /// The dialog stands for so many records. Returns what the controls that show them are then
     /// added to; they alone are asked for by Touched.
-    ManyRecords& ShowMany(int records);
+    /// `field`, `fields`: numbers of the texts that the button of OK then bears.
+    ManyRecords& ShowMany(int records, int field, int fields);
 
     /// Stores the record; run by OK. Where it gives false, having told the user why, the dialog
     /// stays open with all that was typed.

@@ -99,6 +99,8 @@ void EditorLayout::EnterOwnDefaults() {
         }
     }
     settings_->WriteAValueToCInits(u"tdbA.Splits(1).FrozenColumn"_s, u"Name"_s);
+    settings_->WriteAValueToCInits(u"ArchiveTemplate"_s, u"="_s);
+    settings_->WriteAValueToCInits(u"TrendTemplate"_s, u"="_s);
 }
 
 void EditorLayout::Continue(const QList<std::pair<QString, InitValue>>& settings) {

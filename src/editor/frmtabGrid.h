@@ -40,6 +40,11 @@ class FindingPane;
 namespace platform {
 class Registry;
 }
+namespace templates {
+enum class Kind;
+class TemplateFile;
+struct Template;
+}  // namespace templates
 class QComboBox;
 class QLabel;
 class QLineEdit;
@@ -284,6 +289,13 @@ private:
     void FillDown(bool counting, int sources = 0);
     void WriteBlock(const CellBlock::Result& block);
     void EditSelected();
+    void EditArchives();
+    [[nodiscard]] templates::TemplateFile TemplatesOfProject();
+    [[nodiscard]] templates::Kind TemplateKind() const;
+    void KeepTemplate();
+    void ChooseTemplate();
+    [[nodiscard]] std::optional<templates::Template> ChosenTemplate(templates::Kind kind);
+    void TellOfTemplate(const QString& name, const project::Template& used);
     void WriteColumn(int column, const QVariant& value);
     void ShowCells();
     void ShowTrends(const std::vector<std::int32_t>& ids);

@@ -12,7 +12,7 @@
 #include "commands/PasteCommands.h"
 #include "controls/TDBGrid.h"
 #include "editor/frmtabGrid.h"
-#include "editor/RowProgress.h"
+#include "guard/RowProgress.h"
 #include "editor/TrendClipboard.h"
 #include "editor/TrendRows.h"
 #include "guard/Guard.h"

@@ -20,9 +20,9 @@
 #include "editor/frmtabGrid.h"
 #include "editor/GridColumns.h"
 #include "editor/MenuLetters.h"
-#include "editor/RowProgress.h"
 #include "editor/TrendRows.h"
 #include "guard/Guard.h"
+#include "guard/RowProgress.h"
 #include "messages/MessageBox.h"
 #include "project/Schema.h"
 #include "projectdb/NodeKey.h"
@@ -31,6 +31,7 @@
 #include "records/MArchiv.h"
 #include "records/MTrend.h"
 #include "settings/CInit.h"
+#include "templates/TemplateFile.h"
 #include "texts/MResourceTable.h"
 
 namespace {
@@ -142,6 +143,12 @@ void frmtabGrid::Run(commandset::Id id) {
             return tdbA->SplitAt(1).ClearCells();
         case Id::EditTrends:
             return EditSelected();
+        case Id::EditArchives:
+            return EditArchives();
+        case Id::KeepTemplate:
+            return KeepTemplate();
+        case Id::Templates:
+            return ChooseTemplate();
         case Id::Fill:
             return FillDown(false);
         case Id::FillCounting:
@@ -205,8 +212,13 @@ void frmtabGrid::mnuArchiv_Click(int index) {
     });
     switch (index) {
         case kNew: {
-            const Busy pointer;
-            made = archiveCommands_->New(LanguageColumn());
+            const auto chosen = ChosenTemplate(templates::Kind::Archive);
+            project::Template from{chosen ? chosen->settings : project::Values()};
+            {
+                const Busy pointer;
+                made = archiveCommands_->New(LanguageColumn(), chosen ? &from : nullptr);
+            }
+            if (chosen) TellOfTemplate(chosen->name, from);
             return;
         }
         case kEdit:
@@ -240,11 +252,14 @@ void frmtabGrid::mnuTrend_Click(int index) {
     GridSplit& trends = tdbA->SplitAt(1);
     switch (index) {
         case kNew: {
-            const std::int32_t id = [this] {
+            const auto chosen = ChosenTemplate(templates::Kind::Trend);
+            project::Template from{chosen ? chosen->settings : project::Values()};
+            const std::int32_t id = [&] {
                 const Busy pointer;
-                return trendCommands_->New();
+                return trendCommands_->New(chosen ? &from : nullptr);
             }();
             if (id == 0) return;
+            if (chosen) TellOfTemplate(chosen->name, from);
             ShowTrends({id});
             trends.BeginRow();
             return;

@@ -140,6 +140,7 @@ void frmtabGrid::BuildGrid() {
             [this, guarded] { guarded([this] { mnuArchiv_Click(1); }); });
     connect(&trends, &GridSplit::DblClick, this,
             [this, guarded] { guarded([this] { mnuTrend_Click(1); }); });
+    connect(&archives, &GridSplit::SelChange, this, &frmtabGrid::UpdateCommands);
     connect(&trends, &GridSplit::SelChange, this, &frmtabGrid::UpdateCommands);
     connect(&trends, &GridSplit::RowColChange, this, &frmtabGrid::UpdateCommands);
     connect(&trends, &GridSplit::CellsChange, this, &frmtabGrid::ShowCells);

@@ -48,6 +48,7 @@ commandset::Situation frmtabGrid::Situation() {
     situation.hasTrend = trends.CurrentRow() != kNoGridRow;
     situation.hasSelection = !trends.SelectedRows().isEmpty();
     situation.hasCells = trends.SelectedCells().rows.size() > 1;
+    situation.hasArchives = tdbA->SplitAt(0).SelectedRows().size() > 1;
     situation.hasDone = history_->CanUndo();
     situation.hasUndone = history_->CanRedo();
     return situation;

@@ -1,22 +1,17 @@
 #pragma once
 
 #include <cstdint>
-#include <QDialog>
-#include <QTimer>
 #include <vector>
 
 #include "patterns/ArchivePlan.h"
-#include "projectdb/IProjectWork.h"
-#include "texts/MResources.h"
+#include "patterns/PatternDialog.h"
 
-class QLabel;
 class QLineEdit;
 class QListWidget;
-class QPushButton;
 
 /// Duplicates an archive as often as a pattern says, with a text of it replaced in each copy. What
 /// comes of it is listed before; it is made all or not at all, in one step.
-class FArchivePatterns final : public QDialog {
+class FArchivePatterns final : public PatternDialog {
     Q_OBJECT
 public:
     /// `work` and `texts` are borrowed and outlive the dialog. `name`: of the archive.
@@ -27,29 +22,21 @@ public:
     /// IDs of the archives that have been made, when it has been accepted.
     [[nodiscard]] const std::vector<std::int32_t>& Made() const noexcept { return made_; }
 
-protected:
-    void keyPressEvent(QKeyEvent* event) override;
-
 private:
     void Build(const QString& name);
     void Expand();
-    void ShowState();
+    void ShowStateNow();
     [[nodiscard]] QString StateText() const;
     [[nodiscard]] QString ProblemText(std::size_t copy) const;
     void Make();
 
-    projectdb::IProjectWork& work_;
-    const MResources::TextTable& texts_;
     std::int32_t archive_;
     patterns::Original original_;
     patterns::ArchivePlan plan_;
-    QTimer typing_;
     std::vector<std::int32_t> made_;
 
     QLineEdit* txtName_ = nullptr;
     QLineEdit* txtFind_ = nullptr;
     QLineEdit* txtBy_ = nullptr;
     QListWidget* lstArchives_ = nullptr;
-    QLabel* lblState_ = nullptr;
-    QPushButton* cmdMake_ = nullptr;
 };

@@ -1,15 +1,11 @@
 #include "patterns/FPatterns.h"
 
-#include <chrono>
+#include <QAction>
 #include <QComboBox>
 #include <QFormLayout>
 #include <QHeaderView>
-#include <QKeyEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
-#include <QProgressDialog>
-#include <QPushButton>
 #include <QSet>
 #include <QSignalBlocker>
 #include <QTableView>
@@ -17,14 +13,16 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "controls/KVColorSelect.h"
+#include "dialogs/ColourTexts.h"
 #include "guard/Guard.h"
+#include "guard/RowProgress.h"
 #include "messages/MessageBox.h"
-#include "messages/PlainTexts.h"
 #include "paths/NativePath.h"
 #include "patterns/KeptPatterns.h"
 #include "patterns/PatternTexts.h"
-#include "platform/HelpTopics.h"
 #include "platform/Locale.h"
+#include "project/Colour.h"
 #include "project/Schema.h"
 #include "projectdb/Text.h"
 #include "texts/MResourceTable.h"
@@ -38,14 +36,12 @@ using projectdb::ToQString;
 using projectdb::ToUtf16;
 using Text = MResourceTable::Patterns;
 
-constexpr std::chrono::milliseconds kTypingPause(200);
-constexpr int kShowProgressAfter = 500;  // milliseconds
-constexpr int kWidest = 1'000'000;       // of a pattern, characters
-constexpr int kMostNameParts = 4;        // of a variable
-constexpr int kEntriesShown = 5;         // lines
-constexpr int kRowMargin = 6;            // pixels
-constexpr int kWidth = 165;              // average characters
-constexpr int kHeight = 38;              // lines
+constexpr int kWidest = 1'000'000;  // of a pattern, characters
+constexpr int kMostNameParts = 4;   // of a variable
+constexpr int kEntriesShown = 5;    // lines
+constexpr int kRowMargin = 6;       // pixels
+constexpr int kWidth = 165;         // average characters
+constexpr int kHeight = 38;         // lines
 
 enum EntryColumn { kEntry, kUnit, kSmallest, kLargest, kColour, kEntryColumns };
 
@@ -61,17 +57,14 @@ QString Count(std::size_t number) {
 
 FPatterns::FPatterns(projectdb::IProjectWork& work, const MResources::TextTable& texts,
                      std::int32_t archive, QWidget* owner)
-    : QDialog(owner), work_(work), texts_(texts), archive_(archive) {
+    : PatternDialog(work, texts, u"FPatterns"_s, owner), archive_(archive) {
     ReadLanguages();
-    known_ = patterns::ReadArchive(work_.Connection(), archive_);
+    known_ = patterns::ReadArchive(Work().Connection(), archive_);
     keptFile_ = patterns::kept::FileOf(
-        ToQString(std::string_view(paths::ToNative(work_.Connection().DataSource()))));
+        ToQString(std::string_view(paths::ToNative(Work().Connection().DataSource()))));
     kept_ = patterns::kept::Load(keptFile_);
     Build();
-    typing_.setSingleShot(true);
-    typing_.setInterval(kTypingPause);
-    connect(&typing_, &QTimer::timeout, this,
-            [this] { Guard(u"FPatterns: Expand"_s, [this] { Expand(); }); });
+    ExpandAfterTyping([this] { Expand(); });
     connect(&model_, &patterns::PlanModel::Corrected, this,
             [this] { Guard(u"FPatterns: Check"_s, [this] { Check(); }); });
     if (!kept_.isEmpty()) TakeKept(0);
@@ -80,27 +73,25 @@ FPatterns::FPatterns(projectdb::IProjectWork& work, const MResources::TextTable&
 
 void FPatterns::ReadLanguages() {
     ado::Recordset rows;
-    rows.Open(project::kTextTable, work_.Connection(), ado::CommandType::Table);
+    rows.Open(project::kTextTable, Work().Connection(), ado::CommandType::Table);
     for (const ado::Field& field : rows.Fields()) {
         if (!project::IsLanguageColumn(field.name) || !project::IsText(field.type)) continue;
         const auto lcid = ToQString(field.name).mid(1).toUInt();
-        const QString language = platform::LanguageName(lcid, texts_.Language().lcid);
+        const QString language = platform::LanguageName(lcid, Texts().Language().lcid);
         columns_.push_back(field.name);
         languages_ += language.isEmpty() ? QString::number(lcid) : language;
     }
 }
 
 void FPatterns::Build() {
-    setObjectName(u"FPatterns"_s);
-    messages::KeepTextsPlain(*this);
-    setWindowTitle(texts_.GetText(Text::Title));
+    setWindowTitle(Texts().GetText(Text::Title));
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(BuildPatterns());
     BuildEntries();
     layout->addWidget(tblEntries_);
     BuildPreview();
     layout->addWidget(tblPlan_, 1);
-    layout->addLayout(BuildButtons());
+    layout->addLayout(BuildButtons([this] { Make(); }));
     resize(kWidth * fontMetrics().averageCharWidth(), kHeight * fontMetrics().lineSpacing());
     txtName_->setFocus();
 }
@@ -111,8 +102,8 @@ QLineEdit* FPatterns::AddLine(QFormLayout& form, const QString& name, const QStr
     line->setMaxLength(kWidest);
     line->setAccessibleName(QString(label).remove(u'&'));
     connect(line, &QLineEdit::textChanged, this, [this] {
-        typing_.start();
-        ShowState();
+        Typed();
+        ShowStateNow();
     });
     form.addRow(label, line);
     return line;
@@ -122,26 +113,26 @@ QLayout* FPatterns::BuildPatterns() {
     auto* form = new QFormLayout;
     cmbKept_ = new QComboBox(this);
     cmbKept_->setObjectName(u"cmbKept"_s);
-    cmbKept_->setAccessibleName(texts_.GetText(Text::Kept).remove(u'&'));
+    cmbKept_->setAccessibleName(Texts().GetText(Text::Kept).remove(u'&'));
     for (const patterns::TrendPatterns& each : kept_) cmbKept_->addItem(ToQString(each.name));
     cmbKept_->setEnabled(!kept_.isEmpty());
     connect(cmbKept_, &QComboBox::activated, this, [this](int number) { TakeKept(number); });
-    form->addRow(texts_.GetText(Text::Kept), cmbKept_);
-    txtName_ = AddLine(*form, u"txtName"_s, texts_.GetText(Text::Name));
-    txtName_->setPlaceholderText(texts_.GetText(Text::Example));
-    txtVariable_ = AddLine(*form, u"txtVariable"_s, texts_.GetText(Text::Variable));
+    form->addRow(Texts().GetText(Text::Kept), cmbKept_);
+    txtName_ = AddLine(*form, u"txtName"_s, Texts().GetText(Text::Name));
+    txtName_->setPlaceholderText(Texts().GetText(Text::Example));
+    txtVariable_ = AddLine(*form, u"txtVariable"_s, Texts().GetText(Text::Variable));
     QAction* choose = txtVariable_->addAction(
         style()->standardIcon(QStyle::SP_FileDialogDetailedView), QLineEdit::TrailingPosition);
     choose->setObjectName(u"cmdChoose"_s);
-    choose->setText(texts_.GetText(Number::kTextChoose));
+    choose->setText(Texts().GetText(Number::kTextChoose));
     choose->setShortcut(Qt::Key_F4);
     choose->setShortcutContext(Qt::WidgetShortcut);
-    choose->setToolTip(texts_.GetText(Number::kTextChoose));
+    choose->setToolTip(Texts().GetText(Number::kTextChoose));
     connect(choose, &QAction::triggered, this,
             [this] { Guard(u"FPatterns: cmdChoose_Click"_s, [this] { ChooseVariables(); }); });
     for (qsizetype i = 0; i < languages_.size(); ++i) {
         txtTexts_ += AddLine(*form, u"txtText(%1)"_s.arg(i),
-                             texts_.GetText(Text::TextIn, {{u"language", languages_[i]}}));
+                             Texts().GetText(Text::TextIn, {{u"language", languages_[i]}}));
     }
     return form;
 }
@@ -149,24 +140,28 @@ QLayout* FPatterns::BuildPatterns() {
 void FPatterns::BuildEntries() {
     tblEntries_ = new QTableWidget(0, kEntryColumns, this);
     tblEntries_->setObjectName(u"tblEntries"_s);
-    tblEntries_->setAccessibleName(texts_.GetText(Text::Entry));
+    tblEntries_->setAccessibleName(Texts().GetText(Text::Entry));
     tblEntries_->setHorizontalHeaderLabels(
-        {texts_.GetText(Text::Entry), texts_.GetText(Number::kTextUnit),
-         texts_.GetText(Number::kTextVMin), texts_.GetText(Number::kTextVMax),
-         texts_.GetText(Number::kTextVLineColor)});
+        {Texts().GetText(Text::Entry), Texts().GetText(Number::kTextUnit),
+         Texts().GetText(Number::kTextVMin), Texts().GetText(Number::kTextVMax),
+         Texts().GetText(Number::kTextVLineColor)});
     tblEntries_->verticalHeader()->hide();
     tblEntries_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowMargin);
     tblEntries_->horizontalHeader()->setStretchLastSection(true);
     tblEntries_->setTabKeyNavigation(false);
     tblEntries_->setFixedHeight((kEntriesShown + 1) *
                                 (tblEntries_->verticalHeader()->defaultSectionSize() + 1));
-    connect(tblEntries_, &QTableWidget::itemChanged, this, [this] { typing_.start(); });
+    connect(tblEntries_, &QTableWidget::cellActivated, this, [this](int row, int column) {
+        auto* chooser = qobject_cast<KVColorSelect*>(tblEntries_->cellWidget(row, column));
+        if (chooser != nullptr) chooser->OpenPalette();
+    });
+    connect(tblEntries_, &QTableWidget::itemChanged, this, [this] { Typed(); });
 }
 
 void FPatterns::BuildPreview() {
     tblPlan_ = new QTableView(this);
     tblPlan_->setObjectName(u"tblPlan"_s);
-    tblPlan_->setAccessibleName(texts_.GetText(Text::Preview));
+    tblPlan_->setAccessibleName(Texts().GetText(Text::Preview));
     tblPlan_->setModel(&model_);
     tblPlan_->setTabKeyNavigation(false);
     tblPlan_->setWordWrap(false);
@@ -183,38 +178,7 @@ void FPatterns::BuildPreview() {
     }
 }
 
-QLayout* FPatterns::BuildButtons() {
-    lblState_ = new QLabel(this);
-    lblState_->setObjectName(u"lblState"_s);
-    lblState_->setTextFormat(Qt::PlainText);
-    lblState_->setWordWrap(true);
-    cmdMake_ = new QPushButton(this);
-    cmdMake_->setObjectName(u"cmdMake"_s);
-    cmdMake_->setAutoDefault(false);
-    connect(cmdMake_, &QPushButton::clicked, this,
-            [this] { Guard(u"FPatterns: cmdMake_Click"_s, [this] { Make(); }); });
-    auto* cancel = new QPushButton(texts_.GetText(Number::kTextCancel), this);
-    cancel->setObjectName(u"cmdCancel"_s);
-    cancel->setAutoDefault(false);
-    connect(cancel, &QPushButton::clicked, this, &FPatterns::reject);
-    auto* layout = new QHBoxLayout;
-    layout->addWidget(lblState_, 1);
-    layout->addWidget(cmdMake_);
-    layout->addWidget(cancel);
-    return layout;
-}
-
-void FPatterns::keyPressEvent(QKeyEvent* event) {
-    if (event->keyCombination() == QKeyCombination(Qt::Key_F1)) {
-        return work_.ShowHelpTopic(platform::kHelpPatterns, this);
-    }
-    // Enter belongs to the field or cell.
-    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
-        QDialog::keyPressEvent(event);
-    }
-}
-
-patterns::TrendPatterns FPatterns::Typed() const {
+patterns::TrendPatterns FPatterns::TypedPatterns() const {
     patterns::TrendPatterns typed;
     typed.name = ToUtf16(txtName_->text());
     typed.variable = ToUtf16(txtVariable_->text());
@@ -233,8 +197,8 @@ patterns::TrendPatterns FPatterns::Typed() const {
 }
 
 void FPatterns::Expand() {
-    typing_.stop();
-    plan_.Set(Typed());
+    StopWaiting();
+    plan_.Set(TypedPatterns());
     ShowEntries();
     model_.Reset(languages_);
     Check();
@@ -263,17 +227,46 @@ void FPatterns::ShowEntries() {
                                          &settings.smallest, &settings.largest, &settings.colour};
         for (int column = 0; column < kEntryColumns; ++column) {
             auto* item = new QTableWidgetItem(ToQString(*cells[column]));
-            if (column == kEntry) item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
-            if (column == kColour) item->setToolTip(texts_.GetText(Text::ColourHint));
+            if (column == kEntry || column == kColour) {
+                item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
+            }
             tblEntries_->setItem(static_cast<int>(row), column, item);
         }
+        ShowColour(static_cast<int>(row), settings.colour);
     }
+}
+
+/// Over the cell, which keeps the colour as a pattern's entry has it. One that is there stays, with
+/// the keyboard that it may have.
+void FPatterns::ShowColour(int row, const std::u16string& colour) {
+    auto* chooser = qobject_cast<KVColorSelect*>(tblEntries_->cellWidget(row, kColour));
+    if (chooser == nullptr) {
+        chooser = new KVColorSelect;
+        chooser->setObjectName(u"clrEntry(%1)"_s.arg(row));
+        chooser->setAccessibleName(Texts().GetText(Number::kTextVLineColor));
+        auto* clear = new QAction(chooser);
+        clear->setShortcut(Qt::Key_Delete);
+        clear->setShortcutContext(Qt::WidgetShortcut);
+        connect(clear, &QAction::triggered, this,
+                [this, row] { tblEntries_->item(row, kColour)->setText({}); });
+        chooser->addAction(clear);
+        connect(chooser, &KVColorSelect::ColorChanged, this, [this, row](int chosen) {
+            tblEntries_->item(row, kColour)->setText(ToQString(project::ColourText(chosen)));
+        });
+        tblEntries_->setCellWidget(row, kColour, chooser);
+    }
+    const QSignalBlocker blocker(chooser);
+    ColorTexts words = ColourTexts(Texts());
+    if (!colour.empty()) words.none = ToQString(colour);  // what is no colour is shown as it is
+    chooser->SetTexts(words);
+    const auto number = project::ReadColour(colour);
+    number ? chooser->SetColor(*number) : chooser->ClearColor();
 }
 
 void FPatterns::Check() {
     plan_.Check(known_);
     model_.ShowProblems();
-    ShowState();
+    ShowStateNow();
 }
 
 QString FPatterns::StateText() const {
@@ -283,20 +276,18 @@ QString FPatterns::StateText() const {
                                      ? txtVariable_
                                      : txtTexts_[static_cast<qsizetype>(
                                            wrong->column - patterns::TrendPlan::kFirstText)];
-        return patterns::FaultText(wrong->fault, field->accessibleName(), texts_);
+        return patterns::FaultText(wrong->fault, field->accessibleName(), Texts());
     }
     if (plan_.ProblemCount() > 0) {
-        return texts_.GetText(Text::Problems, {{u"n", Count(plan_.ProblemCount())}});
+        return Texts().GetText(Text::Problems, {{u"n", Count(plan_.ProblemCount())}});
     }
-    return plan_.Rows() == 0 ? texts_.GetText(Text::Hint) : QString();
+    return plan_.Rows() == 0 ? Texts().GetText(Text::Hint) : QString();
 }
 
-void FPatterns::ShowState() {
-    lblState_->setText(StateText());
-    const std::size_t count = typing_.isActive() ? 0 : plan_.Count();
-    cmdMake_->setEnabled(count > 0 && plan_.ProblemCount() == 0);
-    cmdMake_->setText(count == 1 ? texts_.GetText(Text::MakeOne)
-                                 : texts_.GetText(Text::MakeMany, {{u"n", Count(count)}}));
+void FPatterns::ShowStateNow() {
+    const bool mayMake = !IsWaiting() && plan_.ProblemCount() == 0;
+    ShowState(StateText(), mayMake ? plan_.Count() : 0, static_cast<int>(Text::MakeOne),
+              static_cast<int>(Text::MakeMany));
 }
 
 void FPatterns::TakeKept(int number) {
@@ -316,7 +307,7 @@ void FPatterns::TakeKept(int number) {
 }
 
 void FPatterns::ChooseVariables() {
-    const auto chosen = work_.ChooseVariables(this, txtVariable_->text());
+    const auto chosen = Work().ChooseVariables(this, txtVariable_->text());
     if (!chosen) return;
     if (chosen->size() == 1) return txtVariable_->setText(chosen->front());
     TakeVariables(*chosen);
@@ -343,17 +334,13 @@ void FPatterns::TakeVariables(const QStringList& variables) {
 
 void FPatterns::Make() {
     const std::vector<project::NewTrend> trends = plan_.Trends();
-    QProgressDialog progress(texts_.GetText(Text::Making), texts_.GetText(Number::kTextCancel), 0,
-                             static_cast<int>(trends.size()), this);
-    progress.setObjectName(u"dlgProgress"_s);
-    progress.setWindowTitle(windowTitle());
-    progress.setWindowModality(Qt::WindowModal);
-    progress.setMinimumDuration(kShowProgressAfter);
+    const auto total = static_cast<int>(trends.size());
+    std::optional<RowProgress> progress;
+    progress.emplace(Texts(), static_cast<int>(Text::Making), this);
     patterns::Made made;
-    const bool run = work_.RunStep([&] {
-        made = patterns::MakeTrends(work_.Connection(), archive_, trends, [&](std::size_t done) {
-            progress.setValue(static_cast<int>(done));
-            return !progress.wasCanceled();
+    const bool run = Work().RunStep([&] {
+        made = patterns::MakeTrends(Work().Connection(), archive_, trends, [&](std::size_t done) {
+            return progress->Function()(static_cast<int>(done), total);
         });
     });
     progress.reset();
@@ -364,6 +351,6 @@ void FPatterns::Make() {
         return accept();
     }
     // Others have given names meanwhile; they are marked now.
-    known_ = patterns::ReadArchive(work_.Connection(), archive_);
+    known_ = patterns::ReadArchive(Work().Connection(), archive_);
     Check();
 }

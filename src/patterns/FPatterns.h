@@ -1,29 +1,24 @@
 #pragma once
 
 #include <cstdint>
-#include <QDialog>
 #include <QFont>
 #include <QList>
 #include <QStringList>
-#include <QTimer>
 #include <vector>
 
+#include "patterns/PatternDialog.h"
 #include "patterns/PlanModel.h"
 #include "patterns/TrendPlan.h"
-#include "projectdb/IProjectWork.h"
-#include "texts/MResources.h"
 
 class QComboBox;
 class QFormLayout;
-class QLabel;
 class QLineEdit;
-class QPushButton;
 class QTableView;
 class QTableWidget;
 
 /// Makes the trends of patterns in an archive: what is typed is shown as the table of what comes of
 /// it, which can be corrected before it is made, all or nothing and in one step.
-class FPatterns final : public QDialog {
+class FPatterns final : public PatternDialog {
     Q_OBJECT
 public:
     /// `work` and `texts` are borrowed and outlive the dialog. Throws ado::AdoError.
@@ -33,31 +28,26 @@ public:
     /// IDs of the trends that have been made, when it has been accepted.
     [[nodiscard]] const std::vector<std::int32_t>& Made() const noexcept { return made_; }
 
-protected:
-    void keyPressEvent(QKeyEvent* event) override;
-
 private:
     void ReadLanguages();
     void Build();
     QLayout* BuildPatterns();
     void BuildEntries();
     void BuildPreview();
-    QLayout* BuildButtons();
     QLineEdit* AddLine(QFormLayout& form, const QString& name, const QString& label);
 
     void Expand();
     void ShowEntries();
+    void ShowColour(int row, const std::u16string& colour);
     void Check();
-    void ShowState();
+    void ShowStateNow();
     [[nodiscard]] QString StateText() const;
     void TakeKept(int number);
     void ChooseVariables();
     void TakeVariables(const QStringList& variables);
     void Make();
-    [[nodiscard]] patterns::TrendPatterns Typed() const;
+    [[nodiscard]] patterns::TrendPatterns TypedPatterns() const;
 
-    projectdb::IProjectWork& work_;
-    const MResources::TextTable& texts_;
     std::int32_t archive_;
     QString keptFile_;
     QList<patterns::TrendPatterns> kept_;
@@ -65,8 +55,7 @@ private:
     std::vector<std::string> columns_;  // of the texts, in the same order
     patterns::Archive known_;
     patterns::TrendPlan plan_;
-    patterns::PlanModel model_{plan_, texts_, nullptr};
-    QTimer typing_;
+    patterns::PlanModel model_{plan_, Texts(), nullptr};
     std::vector<std::int32_t> made_;
 
     QComboBox* cmbKept_ = nullptr;
@@ -76,6 +65,4 @@ private:
     QTableWidget* tblEntries_ = nullptr;
     std::vector<std::pair<std::size_t, std::size_t>> entries_;  // those shown, row by row
     QTableView* tblPlan_ = nullptr;
-    QLabel* lblState_ = nullptr;
-    QPushButton* cmdMake_ = nullptr;
 };

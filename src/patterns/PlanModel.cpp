@@ -70,7 +70,8 @@ QVariant PlanModel::data(const QModelIndex& index, int role) const {
         case Qt::EditRole:
             return projectdb::ToQString(plan_.Cell(row, column));
         case Qt::ToolTipRole:
-            return problem;
+            if (!problem.isEmpty() || column != plan_.ColourColumn()) return problem;
+            return texts_.GetText(Text::ColourHint);
         case Qt::CheckStateRole:
             if (column != TrendPlan::kName) return {};
             return QVariant::fromValue(plan_.IsLeftOut(row) ? Qt::Unchecked : Qt::Checked);

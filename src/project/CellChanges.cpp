@@ -54,13 +54,18 @@ struct Renaming {
 
 class CellWriter {
 public:
-    CellWriter(ado::Connection& connection, std::span<const CellChange> changes)
-        : changes_(changes), rows_(connection), byRow_(ByRow(changes)) {}
+    using GoOn = std::function<bool(int done, int total)>;
+
+    CellWriter(ado::Connection& connection, std::span<const CellChange> changes, GoOn goOn)
+        : changes_(changes), rows_(connection), byRow_(ByRow(changes)), goOn_(std::move(goOn)) {}
 
     std::vector<CellRefusal> Check() {
         std::vector<CellRefusal> refusals;
         renamings_.clear();
-        for (const RowChanges& row : byRow_) CheckRow(row, refusals);
+        for (const RowChanges& row : byRow_) {
+            if (!MayGoOn()) return {};
+            CheckRow(row, refusals);
+        }
         for (const auto& [archive, renamings] : renamings_) {
             CheckNames(archive, renamings, refusals);
         }
@@ -69,18 +74,22 @@ public:
         return refusals;
     }
 
-    /// False when it was given up.
-    bool Write(const std::function<bool(std::size_t rows)>& goOn) {
-        std::size_t done = 0;
+    void Write() {
         for (const RowChanges& row : byRow_) {
-            if (goOn && !goOn(done++)) return false;
+            if (!MayGoOn()) return;
             WriteRow(row);
         }
-        return true;
     }
+    [[nodiscard]] bool IsGivenUp() const { return isGivenUp_; }
 
 private:
     static constexpr std::int32_t kArchives = -1;  // the scope of their names
+
+    /// Called before each row.
+    bool MayGoOn() {
+        if (goOn_ && !goOn_(done_++, 2 * static_cast<int>(byRow_.size()))) isGivenUp_ = true;
+        return !isGivenUp_;
+    }
 
     /// Null where the schema has no such table.
     ado::Recordset* RowsOf(std::string_view table) {
@@ -222,6 +231,9 @@ private:
     std::span<const CellChange> changes_;
     Rows rows_;
     std::vector<RowChanges> byRow_;
+    GoOn goOn_;
+    int done_ = 0;  // rows that have been looked at, and written
+    bool isGivenUp_ = false;
     std::map<std::int32_t, std::vector<Renaming>> renamings_;  // by archive
     std::optional<int> longestArchiveName_;
     std::optional<int> longestTrendName_;
@@ -231,15 +243,17 @@ private:
 
 std::vector<CellRefusal> CheckCells(ado::Connection& connection,
                                     std::span<const CellChange> changes) {
-    return CellWriter(connection, changes).Check();
+    return CellWriter(connection, changes, {}).Check();
 }
 
 WrittenCells WriteCells(ado::Connection& connection, std::span<const CellChange> changes,
-                        const std::function<bool(std::size_t rows)>& goOn) {
+                        const std::function<bool(int done, int total)>& goOn) {
     Transaction transaction(connection);
-    CellWriter writer(connection, changes);
+    CellWriter writer(connection, changes, goOn);
     WrittenCells written{false, writer.Check()};
-    if (!written.refusals.empty() || !writer.Write(goOn)) return written;
+    if (!written.refusals.empty()) return written;
+    writer.Write();
+    if (writer.IsGivenUp()) return written;
     transaction.Commit();
     written.isDone = true;
     return written;

@@ -51,10 +51,11 @@ struct WrittenCells {
 
 /// Makes the changes as one transaction, unless something stands against one of them. The index
 /// text of a trend follows its name where it had the name that the rule gives; group and text of an
-/// archive follow always. `goOn` hears how many rows are done and takes everything back with false;
-/// it may be empty. Throws ado::AdoError, which names the row; nothing is written then.
+/// archive follow always. `goOn` hears how far it is, looking at the rows and writing them being
+/// the halves of the way, and takes everything back with false; it may be empty. Throws
+/// ado::AdoError, which names the row; nothing is written then.
 [[nodiscard]] WrittenCells WriteCells(ado::Connection& connection,
                                       std::span<const CellChange> changes,
-                                      const std::function<bool(std::size_t rows)>& goOn = {});
+                                      const std::function<bool(int done, int total)>& goOn = {});
 
 }  // namespace project

@@ -183,4 +183,16 @@ std::u16string Pattern::Text(const Pattern& leading,
     return text;
 }
 
+std::optional<std::vector<std::u16string>> PatternTexts(std::u16string_view text) {
+    const Pattern pattern(text);
+    if (pattern.Wrong() || pattern.WrongBeside(pattern) || pattern.Braces().empty()) {
+        return std::nullopt;
+    }
+    std::vector<std::u16string> texts;
+    for (std::size_t i = 0; i < pattern.Count(); ++i) {
+        texts.push_back(pattern.Text(pattern, pattern.Combination(i)));
+    }
+    return texts;
+}
+
 }  // namespace project

@@ -77,4 +77,7 @@ private:
     std::size_t count_ = 1;
 };
 
+/// The texts that a pattern with braces of its own stands for; nothing where the text is none.
+[[nodiscard]] std::optional<std::vector<std::u16string>> PatternTexts(std::u16string_view text);
+
 }  // namespace project

@@ -4,8 +4,10 @@
 #include <QCollator>
 
 #include "cells/CellInput.h"
+#include "cells/CellRefusal.h"
 #include "cells/CellValue.h"
 #include "guard/Guard.h"
+#include "guard/RowProgress.h"
 #include "project/Rows.h"
 #include "projectdb/Failure.h"
 #include "projectdb/Text.h"
@@ -17,32 +19,14 @@ namespace {
 
 /// More rows than this are announced as all of them.
 constexpr std::size_t kFewRows = 16;
-
-int RefusalText(project::CellRefusal::Cause cause) {
-    using Cause = project::CellRefusal::Cause;
-    switch (cause) {
-        case Cause::RowGone:
-            return MResourceTable::kTextCellRowGone;
-        case Cause::Changed:
-            return MResourceTable::kTextCellChanged;
-        case Cause::DoesNotFit:
-            return MResourceTable::kTextCellDoesNotFit;
-        case Cause::NameEmpty:
-            return MResourceTable::kTextNameRequired;
-        case Cause::NameDouble:
-            return MResourceTable::kTextNameInUse;
-        case Cause::NoField:
-        case Cause::WrongType:
-            break;
-    }
-    return MResourceTable::kTextCellWrongType;
-}
+/// More cells than this may take longer than a user waits without a word.
+constexpr qsizetype kFewCells = 200;
 
 }  // namespace
 
 TrendTableModel::TrendTableModel(const MResources::TextTable& texts, projectdb::IProjectWork& work,
-                                 QObject* parent)
-    : GridSource(parent), texts_(texts), work_(work) {}
+                                 QWidget* owner)
+    : GridSource(owner), texts_(texts), work_(work), owner_(owner) {}
 
 TrendTableModel::~TrendTableModel() = default;
 
@@ -232,14 +216,7 @@ GridCommit TrendTableModel::CommitCells(const QList<GridCell>& cells) {
         const std::uint64_t before = work_.Connection().ContentNumber();
         work_.RunStep([&] {
             try {
-                const project::WrittenCells written =
-                    project::WriteCells(work_.Connection(), changes);
-                if (!written.refusals.empty()) {
-                    const project::CellRefusal& first = written.refusals.front();
-                    commit = RefusalOf(first, cells[static_cast<qsizetype>(first.change)]);
-                }
-                if (!written.isDone) return;
-                commit = GridCommit::Stored();
+                commit = Write(changes, cells);
             } catch (const ado::AdoError& error) {
                 const projectdb::Failure failure = projectdb::Failure::Current();
                 commit = GridCommit::Failed(error.Number(), failure.Text(), failure.Details());
@@ -250,16 +227,31 @@ GridCommit TrendTableModel::CommitCells(const QList<GridCell>& cells) {
     return commit;
 }
 
+GridCommit TrendTableModel::Write(const std::vector<project::CellChange>& changes,
+                                  const QList<GridCell>& cells) {
+    project::WrittenCells written;
+    {
+        std::optional<RowProgress> progress;
+        if (cells.size() > kFewCells) {
+            progress.emplace(texts_, MResourceTable::kTextTableWriting, owner_);
+        }
+        written = project::WriteCells(work_.Connection(), changes,
+                                      progress ? progress->Function() : projectdb::Progress());
+    }
+    if (written.isDone) return GridCommit::Stored();
+    if (written.refusals.empty()) {
+        emit GivenUp();
+        return GridCommit::Refused();
+    }
+    const project::CellRefusal& first = written.refusals.front();
+    return RefusalOf(first, cells[static_cast<qsizetype>(first.change)]);
+}
+
 GridCommit TrendTableModel::RefusalOf(const project::CellRefusal& refusal, const GridCell& cell) {
     const int row = RowOf(cell.row);
     const auto name = index(row, ColumnOf(u"Name"_s)).data().toString();
-    const QString stands = projectdb::ToQString(ado::ToText(refusal.stands));
-    GridCommit commit = GridCommit::Failed(
-        ado::ErrorNumber::kIntegrity,
-        texts_.GetText(
-            MResourceTable::kTextCellRefused,
-            {{u"name", name},
-             {u"cause", texts_.GetText(RefusalText(refusal.cause), {{u"value", stands}})}}));
+    GridCommit commit =
+        GridCommit::Failed(ado::ErrorNumber::kIntegrity, CellRefusalText(refusal, name, texts_));
     commit.row = cell.row;
     commit.column = cell.column;
     // From now on what the other program has written is what the user sees.

@@ -19,9 +19,9 @@
 class TrendTableModel final : public GridSource {
     Q_OBJECT
 public:
-    /// Both are borrowed.
+    /// All are borrowed. A change that takes long shows its progress over `owner`.
     TrendTableModel(const MResources::TextTable& texts, projectdb::IProjectWork& work,
-                    QObject* parent = nullptr);
+                    QWidget* owner = nullptr);
     ~TrendTableModel() override;
 
     /// Filters and order stay.
@@ -78,6 +78,8 @@ public:
 signals:
     /// Other rows are shown, or others are counted.
     void Narrowed();
+    /// The user has given a change up; nothing is written.
+    void GivenUp();
 
 private:
     [[nodiscard]] bool IsMissing(std::size_t row, std::size_t column) const;
@@ -85,11 +87,14 @@ private:
     void Compute();
     [[nodiscard]] const TrendTable::Column& ColumnAt(int column) const;
     [[nodiscard]] std::vector<project::CellChange> ChangesOf(const QList<GridCell>& cells) const;
+    [[nodiscard]] GridCommit Write(const std::vector<project::CellChange>& changes,
+                                   const QList<GridCell>& cells);
     [[nodiscard]] GridCommit RefusalOf(const project::CellRefusal& refusal, const GridCell& cell);
     void TakeOver(const std::vector<project::CellChange>& changes, std::uint64_t contentBefore);
 
     const MResources::TextTable& texts_;
     projectdb::IProjectWork& work_;
+    QWidget* owner_;
     QLocale locale_;
     std::unique_ptr<TrendTable> table_;
     std::unique_ptr<RowOrder> order_;

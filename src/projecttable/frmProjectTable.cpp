@@ -4,10 +4,12 @@
 #include <QAction>
 #include <QComboBox>
 #include <QEvent>
+#include <QFrame>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPushButton>
 #include <QStatusBar>
 #include <QThread>
 #include <QToolBar>
@@ -40,27 +42,10 @@ constexpr double kArchivesWidth = 3900;
 constexpr double kArchiveNameWidth = 2400;
 constexpr double kCountWidth = 900;
 constexpr double kTextWidth = 2600;
-constexpr int kFindWidth = 32;           // average characters
-constexpr std::size_t kFirstRows = 400;  // that fill the largest screen
-constexpr int kHintTime = 8000;          // ms
-
-/// The first rows, where there are more; null else.
-std::shared_ptr<TrendTable> FirstRows(ado::Connection& connection) {
-    try {
-        auto first = std::make_shared<TrendTable>(TrendTable::Read(connection, kFirstRows));
-        return first->RowCount() == kFirstRows ? first : nullptr;
-    } catch (const ado::AdoError&) {
-        return nullptr;  // a damaged row among them is left out when all are read
-    }
-}
+constexpr int kFindWidth = 32;   // average characters
+constexpr int kHintTime = 8000;  // ms
 
 }  // namespace
-
-/// What the thread brings that reads the rows.
-struct frmProjectTable::Read {
-    std::optional<TrendTable> table;
-    QString failure{};  // why there is none
-};
 
 frmProjectTable::frmProjectTable(const MResources::TextTable& texts, projectdb::IProjectWork& work,
                                  QWidget* owner)
@@ -79,6 +64,7 @@ frmProjectTable::frmProjectTable(const MResources::TextTable& texts, projectdb::
     layout->setSpacing(0);
     BuildTop(*layout);
     BuildGrid();
+    layout->addWidget(BuildNotAll());
     layout->addWidget(tdbTable, 1);
     sb = new QStatusBar(this);
     sb->setObjectName(u"sb"_s);
@@ -104,7 +90,7 @@ void frmProjectTable::Open() {
     show();
     raise();
     activateWindow();
-    if (!trends_->HasTable() && !IsReading()) ReadRows();
+    if (!isWhole_ && !IsReading()) ReadRows();
 }
 
 QAction* frmProjectTable::Add(const QString& name, const QString& text, const QKeySequence& keys,
@@ -237,6 +223,8 @@ void frmProjectTable::BuildGrid() {
     trends.SetEmptyText(texts_.GetText(MResourceTable::kTextTableReading));
     const auto guarded = [](auto body) { Guard(kProcedure, body); };
     connect(trends_, &TrendTableModel::Narrowed, this, &frmProjectTable::ShowCounts);
+    connect(trends_, &TrendTableModel::GivenUp, this,
+            [this] { Hint(texts_.GetText(MResourceTable::Replace::NotWritten)); });
     connect(&archives, &GridSplit::RowColChange, this, &frmProjectTable::PickArchives);
     connect(&archives, &GridSplit::SelChange, this, &frmProjectTable::PickArchives);
     trends.SetFillsByMouse(true);
@@ -309,63 +297,6 @@ void frmProjectTable::SetUpColumns() {
     trends.SetColumnOrders(order);
     trends.SetFrozenColumn(u"Name"_s);
     columnsSetUp_ = true;
-}
-
-void frmProjectTable::ReadRows() {
-    if (IsReading()) return;
-    if (!tdbTable->CommitPendingEdit()) return;
-    read_ = std::make_shared<Read>();
-    const std::string source =
-        "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + work_.Connection().DataSource() +
-        ";Mode=Read|Share Deny None;";
-    lblCount->setText(texts_.GetText(MResourceTable::kTextTableReading));
-    const bool isFirst = !trends_->HasTable();
-    reader_ = QThread::create([this, isFirst, source, read = read_] {
-        try {
-            ado::Connection connection;
-            connection.Open(source);
-            if (const auto first = isFirst ? FirstRows(connection) : nullptr) {
-                QMetaObject::invokeMethod(this, [this, first] { FirstRowsRead(*first); });
-            }
-            read->table = TrendTable::Read(connection);
-        } catch (...) {
-            read->failure = projectdb::Failure::Current().Text();
-        }
-    });
-    connect(reader_, &QThread::finished, this, &frmProjectTable::RowsRead);
-    reader_->start();
-}
-
-/// To be looked at, until the others are there.
-void frmProjectTable::FirstRowsRead(TrendTable table) {
-    if (trends_->HasTable()) return;
-    tdbTable->SplitAt(1).SetLocked(true);
-    trends_->SetTable(std::move(table));
-    SetUpColumns();
-    lblCount->setText(texts_.GetText(MResourceTable::kTextTableReading));
-}
-
-void frmProjectTable::RowsRead() {
-    reader_->wait();
-    delete std::exchange(reader_, nullptr);
-    if (!read_->table) {
-        ShowCounts();
-        return ShowError(read_->failure, {});
-    }
-    trends_->SetTable(std::move(*read_->table));
-    read_.reset();
-    if (!columnsSetUp_) SetUpColumns();
-    tdbTable->SplitAt(1).SetEmptyText(texts_.GetText(MResourceTable::kTextTableNoHit));
-    ShowArchives();
-    FillViews(cmbView->currentText());
-    // Read only projects are looked at.
-    tdbTable->SplitAt(1).SetLocked(!work_.Connection().IsWritable());
-}
-
-void frmProjectTable::ReadAnewIfChanged() {
-    if (!trends_->HasTable() || IsReading()) return;
-    if (trends_->Table().ContentNumber() == work_.Connection().ContentNumber()) return;
-    ReadRows();
 }
 
 bool frmProjectTable::event(QEvent* event) {

@@ -16,6 +16,7 @@ class QComboBox;
 class QLabel;
 class QLineEdit;
 class QMenu;
+class QPushButton;
 class QStatusBar;
 class QThread;
 class QToolBar;
@@ -46,6 +47,9 @@ public:
     QLabel* lblCount = nullptr;
     QLabel* lblCells = nullptr;
     QStatusBar* sb = nullptr;
+    // Shown while not all trends could be read.
+    QLabel* lblNotAll = nullptr;
+    QPushButton* cmdReadAgain = nullptr;
 
 protected:
     bool event(QEvent* event) override;
@@ -55,6 +59,7 @@ private:
     struct Read;
 
     void BuildTop(class QVBoxLayout& layout);
+    [[nodiscard]] QWidget* BuildNotAll();
     void BuildGrid();
     QAction* Add(const QString& name, const QString& text, const QKeySequence& keys,
                  const QString& icon, const std::function<void()>& run);
@@ -65,6 +70,7 @@ private:
     void ReadRows();
     void FirstRowsRead(TrendTable table);
     void RowsRead();
+    void ShowNotAll(const QString& cause);
     void ReadAnewIfChanged();
     void Narrow();
     void ShowCounts();
@@ -97,4 +103,5 @@ private:
     std::shared_ptr<Read> read_;  // what the reader brings
     bool narrowing_ = false;      // fields follow a view just now
     bool columnsSetUp_ = false;
+    bool isWhole_ = false;  // all trends have been read, at any time
 };

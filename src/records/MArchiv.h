@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <vector>
 
 #include "ado/Recordset.h"
 #include "dialogs/DialogServices.h"
@@ -28,6 +30,19 @@ struct Rows {
 /// something failed the user has been told. Throws nothing.
 [[nodiscard]] bool EditArchive(const Rows& rows, const DialogServices& services, QWidget* owner,
                                const std::function<void()>& save);
+
+/// Several archives that are edited at once.
+struct Many {
+    std::vector<std::int32_t> ids;
+    /// Runs what changes the project as one step of the user; IProjectWork::RunStep.
+    std::function<bool(const std::function<void()>& change)> runStep;
+};
+/// Lets the user edit all of them: each field that he touches is written into all, all of it or
+/// nothing. A setting can be changed where it applies to all. `connection` is the project's, open.
+/// True when he has accepted; without a change nothing is stored then. Throws nothing.
+[[nodiscard]] bool EditArchives(ado::Connection& connection, const Many& many,
+                                platform::Lcid language, const DialogServices& services,
+                                QWidget* owner);
 
 /// Fills the dialog. False when a column cannot be read.
 ///

@@ -142,7 +142,9 @@ void Assign(ado::Recordset& trend, const FTrend& dialog, platform::Lcid language
 /// The dialog as that of several trends, of which it has been filled with one.
 void ShowMany(std::span<const ado::Field> fields, const Many& many, FTrend& dialog,
               platform::Lcid language) {
-    ManyRecords& shown = dialog.ShowMany(static_cast<int>(many.count));
+    ManyRecords& shown =
+        dialog.ShowMany(static_cast<int>(many.count), MResourceTable::kTextChangeField,
+                        MResourceTable::kTextChangeFields);
     const std::string languageColumn = LanguageColumn(language);
     for (const ado::Field& field : fields) {
         QWidget* control =

@@ -6,7 +6,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
-#include <QProgressDialog>
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QSignalBlocker>
@@ -14,6 +13,7 @@
 #include <utility>
 
 #include "guard/Guard.h"
+#include "guard/RowProgress.h"
 #include "platform/HelpTopics.h"
 #include "project/CellChanges.h"
 #include "texts/MResourceTable.h"
@@ -26,7 +26,6 @@ using Text = MResourceTable::Replace;
 
 constexpr std::chrono::milliseconds kTypingPause(150);
 constexpr std::chrono::milliseconds kBudget(12);  // between two events
-constexpr int kShowProgressAfter = 500;           // milliseconds
 
 QString Number(std::size_t number) {
     return QLocale().toString(static_cast<qulonglong>(number));
@@ -315,19 +314,13 @@ void FReplace::Replace() {
 /// False: nothing has been written, and the user knows why.
 bool FReplace::WriteHits(const replace::Hits::Changes& changes) {
     project::WrittenCells written;
-    QProgressDialog progress(texts_.GetText(Text::Writing),
-                             texts_.GetText(MResourceTable::kTextCancel), 0,
-                             static_cast<int>(changes.cells.size()), this);
-    progress.setObjectName(u"dlgProgress"_s);
-    progress.setWindowTitle(windowTitle());
-    progress.setWindowModality(Qt::WindowModal);
-    progress.setMinimumDuration(kShowProgressAfter);
-    const bool run = work_.RunStep([&] {
-        written = project::WriteCells(work_.Connection(), changes.cells, [&](std::size_t rows) {
-            progress.setValue(static_cast<int>(rows));
-            return !progress.wasCanceled();
+    bool run = false;
+    {
+        RowProgress progress(texts_, static_cast<int>(Text::Writing), this);
+        run = work_.RunStep([&] {
+            written = project::WriteCells(work_.Connection(), changes.cells, progress.Function());
         });
-    });
+    }
     if (run && written.isDone) return true;
     hits_.TakeRefusals(changes, written.refusals);
     model_.ShowStates();

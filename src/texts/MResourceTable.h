@@ -410,6 +410,7 @@ enum Number : int {
     kTextKeyFill,
     kTextKeyFillCounting,
     kTextHintNoCells,
+    kTextHintNoArchives,
     kTextHintNoCounting,
     kTextCells,
     kTextPasteNoRoom,
@@ -418,6 +419,8 @@ enum Number : int {
     kTextFillHandle,
     kTextManyPattern,
     kTextManyPatternCount,
+    kTextManyPatternArchives,
+    kTextManyArchives,
     kTextNoHit,
     kTextTableNoHit,
     kTextNoTrends,
@@ -450,6 +453,9 @@ enum Number : int {
     kTextTableAllArchives,
     kTextTableNothing,
     kTextTableReading,
+    kTextTableWriting,
+    kTextTableNotAll,
+    kTextTableReadAgain,
     kTextTableMissing,
     kTextTableCount,
     kTextCellRefused,
@@ -461,8 +467,16 @@ enum Number : int {
     kTextWayBack,
     kTextChangeField,
     kTextChangeFields,
+    kTextChangeArchiveField,
+    kTextChangeArchiveFields,
     kTextEditTrends,
     kTextKeyEditTrends,
+    kTextEditArchives,
+    kTextKeyEditArchives,
+    kTextKeepTemplate,
+    kTextKeyKeepTemplate,
+    kTextTemplates,
+    kTextKeyTemplates,
     kTextFreezeName,
     kTextToolBar,
     kTextLanguageOfTexts,
@@ -1326,5 +1340,24 @@ enum class Compare : int {
     NotCompared,
 };
 Q_ENUM_NS(Compare)
+
+/// Settings kept for new archives and trends.
+enum class Templates : int {
+    OfArchives = 23001,
+    OfTrends,
+    None,
+    UseForNew,
+    Rename,
+    Delete,
+    Hint,
+    Name,
+    Replace,
+    Kept,
+    NewWith,
+    LeftOut,
+    NotWritten,
+    NotReadable,
+};
+Q_ENUM_NS(Templates)
 
 }  // namespace MResourceTable

@@ -49,6 +49,9 @@ TEST_F(EditorPatternsTest, MakesWhatThePreviewShowsInOneStep) {
         auto* entries = dialog.findChild<QTableWidget*>(u"tblEntries"_s);
         ASSERT_EQ(entries->rowCount(), 2);
         entries->item(1, 1)->setText(u"mbar"_s);
+        // As the palette does.
+        dialog.findChild<QWidget*>(u"clrEntry(0)"_s)->setProperty("Color", 0x0000FF);
+        EXPECT_EQ(entries->item(0, 4)->text(), u"#FF0000"_s);
         auto* plan = dialog.findChild<QTableView*>(u"tblPlan"_s);
         EXPECT_TRUE(QTest::qWaitFor(
             [&] { return plan->model()->index(5, 4).data().toString() == u"mbar"_s; }));
@@ -67,6 +70,7 @@ TEST_F(EditorPatternsTest, MakesWhatThePreviewShowsInOneStep) {
     EXPECT_EQ(CurrentName(), u"P1 Druck"_s);
     EXPECT_EQ(Stored(u"P3 Druck"_s, "TrendVar"), u"PLC.P03.P"_s);
     EXPECT_EQ(Stored(u"P3 Druck"_s, "Unit"), u"mbar"_s);
+    EXPECT_EQ(Stored(u"P3 Temp"_s, "VLineColor"), u"255"_s);
     Key(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(RowCount(1), before);
 

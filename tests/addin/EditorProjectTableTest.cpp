@@ -2,14 +2,34 @@
 
 #include <QClipboard>
 #include <QComboBox>
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProgressDialog>
+#include <QPushButton>
 
 #include "addin/EditorTest.h"
 
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+
+/// Presses Cancel as soon as a dialog of progress is made, however fast the machine is.
+class CancelsProgress final : public QObject {
+public:
+    CancelsProgress() { qApp->installEventFilter(this); }
+    bool hasCancelled = false;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::WindowTitleChange) return false;
+        if (auto* progress = qobject_cast<QProgressDialog*>(watched)) {
+            progress->cancel();
+            hasCancelled = true;
+        }
+        return false;
+    }
+};
 
 /// The table over all archives, opened from the editor by its key.
 class EditorProjectTableTest : public EditorTest {
@@ -132,6 +152,23 @@ TEST_F(EditorProjectTableTest, ABlockGoesIntoTheRowsThatAreShown) {
     }
     EXPECT_EQ(written, 3);
 
+    // Filled down, by key and by dragging the corner, between rows that are filtered away.
+    Filter(u"Unit"_s)->setText(u"=bar"_s);
+    GoTo(0, u"Comment"_s);
+    TypeInto(u"L 01"_s);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    GoTo(0, u"Comment"_s);
+    for (int i = 1; i < bars; ++i) Press(Qt::Key_Down, Qt::ShiftModifier);
+    Trigger(u"mnuFillCounting"_s);
+    Trigger(u"mnuReset"_s);
+    written = 0;
+    for (int row = 0; row < all; ++row) {
+        if (!At(row, u"Comment"_s).startsWith(u"L "_s)) continue;
+        ++written;
+        EXPECT_EQ(At(row, u"Unit"_s), u"bar"_s);
+    }
+    EXPECT_EQ(written, bars);
+
     // Filled down and counted on, over what is sorted.
     GoTo(0, u"Comment"_s);
     Press(Qt::Key_Down, Qt::ShiftModifier);
@@ -180,6 +217,51 @@ TEST_F(EditorProjectTableTest, WhatAnotherProgramWritesIsShownOnReturn) {
     QApplication::sendEvent(Table(), &activated);
     EXPECT_TRUE(QTest::qWaitFor([&] { return At(0, u"Unit"_s) == u"later"_s; }));
     EXPECT_EQ(Rows()->model()->rowCount(), 1) << "still narrowed";
+}
+
+/// Nothing is written of what is given up in its middle.
+TEST_F(EditorProjectTableTest, ALargeChangeShowsItsProgressAndIsGivenUp) {
+    project_ = Brewery();
+    Elsewhere([](projectdb::ProjectRows& rows) {
+        for (int i = 0; i < 300; ++i) {
+            project::NewTrend trend;
+            trend.name = u"Many " + QString::number(i).toStdU16String();
+            rows.AddTrend(1, trend);
+            rows.AddTrendText(rows.GroupOfTrends(1), trend);
+        }
+    });
+    OpenTable();
+    Filter(u"Name"_s)->setText(u"Many"_s);
+    ASSERT_EQ(Rows()->model()->rowCount(), 300);
+    GoTo(0, u"Comment"_s);
+    Press(Qt::Key_A, Qt::ControlModifier);
+    QApplication::clipboard()->setText(u"written"_s);
+    {
+        const CancelsProgress user;
+        Trigger(u"mnuPaste"_s);
+        EXPECT_TRUE(user.hasCancelled);
+    }
+    EXPECT_EQ(Stored(u"Many 0"_s, "Comment"), u"(Null)"_s);
+    EXPECT_EQ(Stored(u"Many 299"_s, "Comment"), u"(Null)"_s);
+    EXPECT_THAT(messages_, testing::IsEmpty());
+    Trigger(u"mnuPaste"_s);
+    EXPECT_EQ(Stored(u"Many 299"_s, "Comment"), u"written"_s);
+}
+
+TEST_F(EditorProjectTableTest, WhatCannotBeReadIsSaidAndReadAgain) {
+    Open();
+    const QString aside = project_ + u".aside"_s;
+    ASSERT_TRUE(QFile::rename(project_, aside));
+    Key(Qt::Key_T, Qt::ControlModifier | Qt::ShiftModifier);
+    auto* again = Table()->findChild<QPushButton*>(u"cmdReadAgain"_s);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return again->isVisible(); }));
+    EXPECT_FALSE(Table()->findChild<QLabel*>(u"lblNotAll"_s)->text().isEmpty());
+    EXPECT_EQ(Rows()->model()->rowCount(), 0);
+    ASSERT_TRUE(QFile::rename(aside, project_));
+    again->click();
+    WaitForRows();
+    EXPECT_FALSE(again->isVisible());
+    EXPECT_THAT(messages_, testing::IsEmpty());
 }
 
 /// Narrowed and ordered by two columns, with texts that are missing.

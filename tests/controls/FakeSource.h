@@ -80,7 +80,11 @@ public:
         return QStringLiteral("no such row");
     }
 
-    [[nodiscard]] GridRowId IdAt(int row) const override { return At(row).id; }
+    [[nodiscard]] GridRowId IdAt(int row) const override {
+        ++asked;
+        return At(row).id;
+    }
+    mutable int asked = 0;  // for the ID of a row
     [[nodiscard]] int RowOf(GridRowId id) const override {
         const auto found = places_.find(id);
         return found == places_.end() ? -1 : found->second;

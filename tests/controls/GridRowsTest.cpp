@@ -224,6 +224,33 @@ TEST_F(GridRowsTest, MovesLikeASpreadsheet) {
     }
 }
 
+/// However many cells are selected, a step of scrolling looks at those that come into view.
+TEST_F(GridRowsTest, ScrollingAsksForFewRowsWhateverIsSelected) {
+    constexpr int kMany = 20000;
+    trends_.Load(Trends(kMany), 2);
+    split_->SetFillsByMouse(true);
+    const auto click = [this](int row, Qt::KeyboardModifier held) {
+        QTest::mouseClick(View()->viewport(), Qt::LeftButton, held,
+                          View()->visualRect(View()->model()->index(row, kUnit)).center());
+    };
+    click(0, Qt::NoModifier);
+    split_->SetCurrentCell(100 + kMany, kUnit);
+    split_->SetCurrentCell(101, kUnit);
+    View()->scrollToBottom();
+    click(kMany - 1, Qt::ShiftModifier);
+    ASSERT_EQ(split_->SelectedCells().rows.size(), kMany);
+    auto* handle = View()->findChild<QWidget*>(u"fillHandle"_s);
+    ASSERT_NE(handle, nullptr);
+    EXPECT_TRUE(handle->isVisible()) << "at the end of the cells";
+    trends_.asked = 0;
+    QScrollBar& bar = *View()->verticalScrollBar();
+    for (int step = 0; step < 10; ++step) bar.setValue(bar.value() - View()->rowHeight(0));
+    EXPECT_LT(trends_.asked, kMany / 4);
+    EXPECT_FALSE(handle->isVisible());
+    bar.setValue(bar.maximum());
+    EXPECT_TRUE(handle->isVisible());
+}
+
 TEST_F(GridRowsTest, RowsAreFetchedAsTheyAreNeeded) {
     trends_.Load(Trends(3000), 2);
     EXPECT_EQ(trends_.rowCount(), kPortion) << "opening reads one portion";

@@ -102,11 +102,16 @@ TEST_F(CellChangesTest, GivenUpInTheMiddleNothingIsWritten) {
     const std::vector<CellChange> changes = {
         Change(kTrendTable, 1, "Comment", ado::Null{}, Text(u"x")),
         Change(kTrendTable, 2, "Comment", ado::Null{}, Text(u"x"))};
-    const auto written =
-        WriteCells(project.connection, changes, [](std::size_t rows) { return rows == 0; });
-    EXPECT_FALSE(written.isDone);
-    EXPECT_TRUE(written.refusals.empty());
-    EXPECT_EQ(Stored(kTrendTable, 1, "Comment"), ado::Value(ado::Null{}));
+    // While the first row is looked at, and when it has been written.
+    for (const int last : {0, 3}) {
+        const auto written = WriteCells(project.connection, changes, [last](int done, int total) {
+            EXPECT_EQ(total, 4);
+            return done < last;
+        });
+        EXPECT_FALSE(written.isDone);
+        EXPECT_TRUE(written.refusals.empty());
+        EXPECT_EQ(Stored(kTrendTable, 1, "Comment"), ado::Value(ado::Null{}));
+    }
 }
 
 }  // namespace

@@ -23,20 +23,33 @@ FillHandle::FillHandle(GridView& view, GridSplit& split)
     hide();
 }
 
+std::optional<FillHandle::Cells> FillHandle::Block() const {
+    const QModelIndex current = view_.currentIndex();
+    if (!current.isValid()) return std::nullopt;
+    if (!view_.IsRowSelected(current.row())) {
+        return Cells{current.row(), current.row(), current.column()};
+    }
+    const auto rows = view_.SelectedBlock();
+    const QList<int> columns = split_.ShownColumns();
+    const auto last = std::find_if(columns.rbegin(), columns.rend(),
+                                   [this](int column) { return view_.InColumnRange(column); });
+    if (view_.SelectsWholeRows() || !rows || last == columns.rend()) return std::nullopt;
+    return Cells{rows->first, rows->second, *last};
+}
+
 void FillHandle::Place() {
     if (firstRow_ >= 0) return;  // under the pointer
     hide();
     if (!split_.FillsByMouse() || split_.Locked()) return;
-    const GridSplit::Cells cells = split_.SelectedCells();
-    if (cells.rows.isEmpty() || cells.columns.isEmpty()) return;
-    const bool areRows =
-        view_.IsRowSelected(view_.currentIndex().row()) && view_.SelectsWholeRows();
-    const int first = view_.Rows().RowOf(cells.rows.front());
-    const int last = view_.Rows().RowOf(cells.rows.back());
-    if (areRows || last - first + 1 != cells.rows.size()) return;
-    const int column = cells.columns.back();
-    if (view_.InStrip(column) || !split_.CanEdit(cells.rows.back(), column)) return;
-    const QRect corner = view_.visualRect(view_.Rows().index(last, column));
+    const auto block = Block();
+    if (!block) return;
+    // Asked at every step of scrolling, so only the corner is looked at, however many cells there
+    // are.
+    if (view_.InStrip(block->column) ||
+        !split_.CanEdit(view_.Rows().IdAt(block->last), block->column)) {
+        return;
+    }
+    const QRect corner = view_.visualRect(view_.Rows().index(block->last, block->column));
     if (!view_.viewport()->rect().contains(corner.bottomRight())) return;
     setToolTip(view_.Rows().Text(GridText::FillHandle));
     move(corner.right() - kSide + 2, corner.bottom() - kSide + 2);
@@ -52,10 +65,10 @@ void FillHandle::paintEvent(QPaintEvent* /*event*/) {
 
 void FillHandle::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton || !split_.CommitPendingEdit()) return;
-    const GridSplit::Cells cells = split_.SelectedCells();
-    if (cells.rows.isEmpty()) return;
-    firstRow_ = view_.Rows().RowOf(cells.rows.front());
-    lastRow_ = view_.Rows().RowOf(cells.rows.back());
+    const auto block = Block();
+    if (!block) return;
+    firstRow_ = block->first;
+    lastRow_ = block->last;
     end_ = lastRow_;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <QWidget>
 
 class GridSplit;
@@ -25,6 +26,16 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
+    /// The selected cells as far as the handle needs them: rows from the first to the last, the
+    /// last column.
+    struct Cells {
+        int first;
+        int last;
+        int column;
+    };
+    /// Nothing where they are no block, or whole rows.
+    [[nodiscard]] std::optional<Cells> Block() const;
+
     GridView& view_;
     GridSplit& split_;
     int firstRow_ = -1;  // of the block, while it is dragged

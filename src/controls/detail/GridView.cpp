@@ -135,6 +135,21 @@ QList<GridRowId> GridView::SelectedRowIds() const {
     return ids;
 }
 
+std::optional<std::pair<int, int>> GridView::SelectedBlock() const {
+    std::vector<std::pair<int, int>> ranges;
+    for (const QItemSelectionRange& range : selectionModel()->selection()) {
+        ranges.emplace_back(range.top(), range.bottom());
+    }
+    if (ranges.empty()) return std::nullopt;
+    std::sort(ranges.begin(), ranges.end());
+    std::pair<int, int> block = ranges.front();
+    for (const auto& [top, bottom] : ranges) {
+        if (top > block.second + 1) return std::nullopt;
+        block.second = std::max(block.second, bottom);
+    }
+    return block;
+}
+
 void GridView::SelectRowNumbers(const std::vector<int>& rows) {
     QItemSelection selection;
     const int last = rows_->columnCount() - 1;

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <QAccessible>
 #include <QList>
 #include <QPersistentModelIndex>
 #include <QPointer>
 #include <QTableView>
+#include <utility>
 #include <vector>
 
 #include "controls/GridSource.h"
@@ -53,6 +55,9 @@ public:
 
     // --- selected rows
     [[nodiscard]] QList<GridRowId> SelectedRowIds() const;
+    /// The first and the last selected row, where no other is between them. However many they are,
+    /// only ranges are looked at.
+    [[nodiscard]] std::optional<std::pair<int, int>> SelectedBlock() const;
     void SelectRowNumbers(const std::vector<int>& rows);
     void SelectRange(int fromRow, int toRow);
     void ToggleRow(int row);

@@ -1,4 +1,4 @@
-#include "editor/RowProgress.h"
+#include "guard/RowProgress.h"
 
 #include <QProgressDialog>
 
@@ -30,7 +30,7 @@ bool RowProgress::Step(int done, int total) {
         dialog_ = new QProgressDialog(
             texts_.GetText(text_), texts_.GetText(MResourceTable::kTextCancel), 0, total, owner_);
         dialog_->setObjectName(QStringLiteral("dlgProgress"));
-        dialog_->setWindowTitle(owner_->windowTitle());
+        if (owner_ != nullptr) dialog_->setWindowTitle(owner_->windowTitle());
         dialog_->setWindowModality(Qt::WindowModal);
         dialog_->setMinimumDuration(kShowAfter);
         dialog_->setAutoClose(false);

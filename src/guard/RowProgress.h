@@ -10,7 +10,7 @@ class QWidget;
 /// takes more than half a second, and the busy pointer from the beginning.
 class RowProgress final {
 public:
-    /// `text`: number of the text that says what is being done.
+    /// `text`: number of the text that says what is being done. `owner` may be null.
     RowProgress(const MResources::TextTable& texts, int text, QWidget* owner);
     ~RowProgress();
     RowProgress(const RowProgress&) = delete;
