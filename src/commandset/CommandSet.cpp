@@ -69,11 +69,9 @@ constexpr Key kImportKeys[] = {{Place::Tree, Qt::CTRL | Qt::SHIFT | Qt::Key_I},
                                {Place::Archives, Qt::CTRL | Qt::SHIFT | Qt::Key_I},
                                {Place::Trends, Qt::CTRL | Qt::SHIFT | Qt::Key_I}};
 constexpr Key kKeepTemplateKeys[] = {{Place::Archives, Qt::CTRL | Qt::SHIFT | Qt::Key_F8},
-                                     {Place::Trends, Qt::CTRL | Qt::SHIFT | Qt::Key_F8},
-                                     {Place::Tree, Qt::CTRL | Qt::SHIFT | Qt::Key_F8}};
+                                     {Place::Trends, Qt::CTRL | Qt::SHIFT | Qt::Key_F8}};
 constexpr Key kTemplatesKeys[] = {{Place::Archives, Qt::SHIFT | Qt::Key_F8},
-                                  {Place::Trends, Qt::SHIFT | Qt::Key_F8},
-                                  {Place::Tree, Qt::SHIFT | Qt::Key_F8}};
+                                  {Place::Trends, Qt::SHIFT | Qt::Key_F8}};
 constexpr Key kHelpKeys[] = {
     {Place::Tree, Qt::Key_F1}, {Place::Archives, Qt::Key_F1}, {Place::Trends, Qt::Key_F1}};
 

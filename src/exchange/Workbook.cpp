@@ -218,8 +218,9 @@ WorkbookRows ReadWorkbook(ado::Connection& connection, spreadsheet::WorkbookRead
     }
     if (rows.sheets.empty()) Fail("No sheet of the workbook has headings of archives or trends.");
     RequireChoices(rows.sheets, options);
-    std::sort(rows.sheets.begin(), rows.sheets.end(),
-              [](const auto& a, const auto& b) { return a.Columns().Kind() < b.Columns().Kind(); });
+    std::partition(rows.sheets.begin(), rows.sheets.end(), [](const InputRows& sheet) {
+        return sheet.Columns().Kind() == SheetKind::Archives;
+    });
     return rows;
 }
 

@@ -122,10 +122,15 @@ TEST_F(EditorCompareTest, GoesFromDifferenceToDifferenceAndIntoTheEditor) {
 TEST_F(EditorCompareTest, TakingOverAllIsAskedForAndTakenBackAsAWhole) {
     Open();
     CompareWithCopy();
-    const QStringList names = Names();
+    const auto sorted = [this] {
+        QStringList names = Names();  // rows that come back may stand elsewhere
+        names.sort();
+        return names;
+    };
+    const QStringList names = sorted();
     SelectRow(0);
     Key(Qt::Key_Delete, Qt::ControlModifier);
-    const QStringList fewer = Names();
+    const QStringList fewer = sorted();
     ASSERT_EQ(fewer.size(), names.size() - 1);
     messages_.clear();
     OpenWindow();
@@ -136,9 +141,9 @@ TEST_F(EditorCompareTest, TakingOverAllIsAskedForAndTakenBackAsAWhole) {
     EXPECT_TRUE(messages_[0].text.startsWith(u"Take over 2 differences"_s))
         << messages_[0].text.toStdString();
     TurnTo();
-    EXPECT_EQ(Names(), names);
+    EXPECT_EQ(sorted(), names);
     Key(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(Names(), fewer);
+    EXPECT_EQ(sorted(), fewer);
 }
 
 TEST_F(EditorCompareTest, AFileThatCannotBeReadIsSaid) {

@@ -6,6 +6,7 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QFile>
+#include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -78,7 +79,10 @@ protected:
         line.setFocus();
         line.selectAll();
         QTest::keyClick(&line, Qt::Key_Delete);
-        QTest::keyClicks(&line, text);
+        // As an input method does: a keyboard of a test has no umlauts.
+        QInputMethodEvent typed;
+        typed.setCommitString(text);
+        QCoreApplication::sendEvent(&line, &typed);
     }
     /// Gives a control another value, as a user would; a text where it takes one.
     static void Change(QWidget& control, const QString& text) {

@@ -231,11 +231,11 @@ TEST_F(GridRowsTest, ScrollingAsksForFewRowsWhateverIsSelected) {
     split_->SetFillsByMouse(true);
     const auto click = [this](int row, Qt::KeyboardModifier held) {
         QTest::mouseClick(View()->viewport(), Qt::LeftButton, held,
-                          View()->visualRect(View()->model()->index(row, kUnit)).center());
+                          View()->visualRect(View()->model()->index(row, kMaximum)).center());
     };
     click(0, Qt::NoModifier);
-    split_->SetCurrentCell(100 + kMany, kUnit);
-    split_->SetCurrentCell(101, kUnit);
+    split_->SetCurrentCell(100 + kMany, kMaximum);
+    split_->SetCurrentCell(101, kMaximum);
     View()->scrollToBottom();
     click(kMany - 1, Qt::ShiftModifier);
     ASSERT_EQ(split_->SelectedCells().rows.size(), kMany);

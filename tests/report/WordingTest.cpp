@@ -46,7 +46,7 @@ TEST_F(WordingTest, SaysWhatAnArchiveDoes) {
         const char* change;
     };
     const Case cases[] = {
-        {0, 1, 500, 36000, u"", "Circular buffer of 36,000 records", "on hard disk, saved fast",
+        {0, 1, 500, 36000, u"", "Circular buffer of 36000 records", "on hard disk, saved fast",
          "asynchronous (absolute time base), every 500 ms", "-"},
         {9, 0, 4, 0, u"$Day", "Continuation file", "in main memory (RAM)",
          "synchronous to the process cycle, every 4 process cycles", "-"},

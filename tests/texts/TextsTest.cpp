@@ -136,8 +136,8 @@ TEST_F(TextsTest, EveryOwnTextIsUsed) {
         if (name.isGiven) continue;
         const std::string list = name.key.section(u'.', 0, -2).toStdString();
         const bool isAlias = list == "Help" || list == "Report" || list == "Replace" ||
-                             list == "Patterns" || list == "Studio" || list == "Exchange" ||
-                             list == "Compare";
+                             list == "Patterns" || list == "Templates" || list == "Studio" ||
+                             list == "Exchange" || list == "Compare";
         const std::set<std::string>& used = list == "Report"   ? byReport
                                             : list == "Studio" ? byStudio
                                                                : bySrc;
