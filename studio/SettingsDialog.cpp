@@ -23,7 +23,8 @@ SettingsDialog::SettingsDialog(const Settings& settings, bool hasProject, const 
     cmbLanguage_ = new QComboBox;
     cmbLanguage_->setObjectName(u"cmbLanguage"_s);
     for (const texts::Language* known : texts::Languages()) {
-        cmbLanguage_->addItem(known->name, static_cast<int>(known->lcid));
+        // Its name bears the letter of its menu item.
+        cmbLanguage_->addItem(QString(known->name).remove(u'&'), static_cast<int>(known->lcid));
     }
     cmbLanguage_->setCurrentIndex(cmbLanguage_->findData(settings.language));
     cmbTheme_ = new QComboBox;

@@ -162,6 +162,7 @@ TEST_F(StudioSettingsTest, ColoursAndTheSizeOfLettersAreKept) {
 TEST_F(StudioSettingsTest, TheLanguageCanBeChosenAmongTheSettings) {
     Set([](QDialog& dialog) {
         auto* languages = dialog.findChild<QComboBox*>(u"cmbLanguage"_s);
+        EXPECT_EQ(languages->currentText(), u"Deutsch"_s) << "without the mark of its menu item";
         languages->setCurrentIndex(languages->findData(kEnglish));
     });
     EXPECT_EQ(Find<QAction>(u"mnuFileOpen"_s)->text(), u"&Open..."_s);
