@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "ado/AdoError.h"
 #include "exchange/ExchangeTesting.h"
 #include "project/Changes.h"
@@ -82,7 +84,7 @@ TEST(PlanTest, HeadingsThatNobodyKnowsAreAssignedByHand) {
     EXPECT_EQ(rows.ColumnOf(2), rows.Columns().FindField("Unit"));
     EXPECT_EQ(rows.ColumnOf(3), std::nullopt) << "the first one has it";
     EXPECT_FALSE(rows.HasKey());
-    EXPECT_THROW(MakePlan(project.connection, rows, {}), ado::AdoError);
+    EXPECT_THROW(std::ignore = MakePlan(project.connection, rows, {}), ado::AdoError);
 
     rows.Assign(0, rows.Columns().FindRole(SheetColumn::Role::Id));
     rows.Assign(3, rows.ColumnOf(2));
