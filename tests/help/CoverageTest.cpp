@@ -87,10 +87,9 @@ TEST_P(CoverageTest, EveryRuleStandsUnderItsSeverity) {
             if (part.contains(mark)) severities += part.section(u'"', 0, 0);
         }
         const std::string_view severity = project::SeverityName(rule.severity);
-        EXPECT_EQ(severities, QStringList(QString::fromLatin1(severity.data(), severity.size())))
+        EXPECT_EQ(severities, QStringList(QString::fromStdString(std::string(severity))))
             << "help/" << GetParam() << "/rules.html, " << rule.id;
-        EXPECT_TRUE(
-            Words(u"rules.html"_s).contains(QString::fromLatin1(rule.id.data(), rule.id.size())));
+        EXPECT_TRUE(Words(u"rules.html"_s).contains(QString::fromStdString(std::string(rule.id))));
     }
 }
 
