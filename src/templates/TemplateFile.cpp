@@ -125,6 +125,10 @@ QString TemplateFile::Rename(Kind kind, const QString& name, const QString& newN
     if (name == newName) return {};
     Templates all = all_;
     QList<Template>& of = Of(all, kind);
+    // Another studio may have taken it away: then none makes room for it.
+    const bool isThere =
+        std::any_of(of.begin(), of.end(), [&](const Template& each) { return each.name == name; });
+    if (!isThere) return Write(std::move(all));
     of.removeIf([&](const Template& each) { return each.name == newName; });
     for (Template& each : of) {
         if (each.name == name) each.name = newName;

@@ -8,6 +8,7 @@
 #include <QStatusBar>
 
 #include "addin/EditorTest.h"
+#include "templates/TemplateFile.h"
 
 namespace {
 
@@ -186,6 +187,19 @@ TEST_F(EditorTemplatesTest, TheyAreRenamedReplacedAndDeleted) {
     EXPECT_EQ(File(), damaged);
     std::ignore = NewTrend();
     EXPECT_EQ(messages_.size(), 1) << "as without a template";
+}
+
+// Another studio may take a template away between two looks at the file.
+TEST_F(EditorTemplatesTest, ARenamingOfWhatHasGoneTakesNothingAway) {
+    Open();
+    templates::TemplateFile mine(project_);
+    for (const auto* name : {u"A", u"B"}) {
+        EXPECT_EQ(mine.Keep(templates::Kind::Trend, {QString::fromUtf16(name), {}}), QString());
+    }
+    templates::TemplateFile theirs(project_);
+    EXPECT_EQ(theirs.Remove(templates::Kind::Trend, u"A"_s), QString());
+    EXPECT_EQ(mine.Rename(templates::Kind::Trend, u"A"_s, u"B"_s), QString());
+    EXPECT_EQ(mine.Names(templates::Kind::Trend), QStringList(u"B"_s));
 }
 
 }  // namespace
