@@ -15,6 +15,9 @@
 #include <iterator>
 
 #include "ado/Recordset.h"
+#include "backups/detail/CopyContent.h"
+#include "backups/detail/Swap.h"
+#include "jet/File.h"
 
 namespace backups {
 namespace {
@@ -137,6 +140,10 @@ TEST_F(BackupsTest, TakesOnlyWhatIsNotThereAndDropsTheOldest) {
     // A copy with the same bytes and another time is the same too.
     fs::last_write_time(project_, fs::file_time_type::clock::now() + std::chrono::hours(1));
     EXPECT_EQ(backups.Take().kind, Kind::Unchanged);
+    // Not every program counts its changes on the first page, or lets the file grow.
+    std::fstream(project_, std::ios::in | std::ios::out | std::ios::binary).seekp(-1, std::ios::end)
+        << 'x';
+    EXPECT_EQ(backups.Take().kind, Kind::Done);
     std::vector<std::string> kept = {backups.List().front().path};
     for (const char* text : {"1", "2", "3", "4"}) {
         Change(text);
@@ -160,6 +167,30 @@ TEST_F(BackupsTest, TakesOnlyWhatIsNotThereAndDropsTheOldest) {
     Change("6");
     EXPECT_EQ(Of(0).Take().kind, Kind::Unchanged);
     EXPECT_THAT(backups.List(), SizeIs(1));
+}
+
+// What a killed program, another clock, or a person has left there.
+TEST_F(BackupsTest, FindsItsWayInAFolderThatIsNotAsItLeftIt) {
+    ASSERT_EQ(Of().Take().kind, Kind::Done);
+    const fs::path folder = Of().Folder();
+    std::ofstream(folder / "unfinished") << "half";
+    const std::string strangers[] = {"2000-02-31T00-00-00.000Z.kvs",
+                                     "2000-01-01T00-00-00.000Z.kvs.txt"};
+    for (const std::string& name : strangers) std::ofstream(folder / name) << "mine";
+    const fs::path later = folder / "2999-01-01T00-00-00.000Z.kvs";
+    fs::copy_file(project_, later);
+    ::chmod(folder.c_str(), 0755);
+
+    Change("now");
+    const Outcome taken = Of(2).Take();
+    ASSERT_EQ(taken.kind, Kind::Done) << taken.text;
+    EXPECT_EQ(ModeOf(folder), 0700U);
+    EXPECT_FALSE(fs::exists(folder / "unfinished"));
+    for (const std::string& name : strangers) EXPECT_TRUE(fs::exists(folder / name)) << name;
+    const std::vector<Backup> list = Of().List();
+    ASSERT_THAT(list, SizeIs(2));
+    EXPECT_EQ(list[0].path, taken.backup) << "the latest, whatever the clock says";
+    EXPECT_EQ(list[1].path, later);
 }
 
 TEST_F(BackupsTest, ProjectsOfOneNameAndLinksToOneProject) {
@@ -191,6 +222,10 @@ TEST_F(BackupsTest, HoldsOneCommittedState) {
 TEST_F(BackupsTest, PutsAStateBackAndKeepsTheOneBefore) {
     ASSERT_EQ(Of().Take().kind, Kind::Done);
     const std::string first = BytesOf(project_);
+    for (const char* text : {"1", "2"}) {
+        Change(text);
+        ASSERT_EQ(Of().Take().kind, Kind::Done);
+    }
     Change("wrong");
     const std::string second = BytesOf(project_);
     ::chmod(project_.c_str(), 0664);
@@ -208,9 +243,40 @@ TEST_F(BackupsTest, PutsAStateBackAndKeepsTheOneBefore) {
         EXPECT_TRUE(BytesOf(outcome.backup) == (goesBack ? second : first));
         EXPECT_EQ(ModeOf(project_), 0664U);
         EXPECT_TRUE(fs::exists(wanted->path)) << "what has been put back stays a backup";
+        EXPECT_THAT(Of().List(), SizeIs(most > 0 ? 2 : 3));
         ExpectNothingLeft();
     }
     Change("goes on");
+    // Where the present state is a backup already, and where the name of the draft is taken.
+    const Outcome taken = Of().Take();
+    ASSERT_EQ(taken.kind, Kind::Done);
+    const fs::path draft = project_.string() + "-restored";
+    std::ofstream(draft) << "mine";
+    const Outcome outcome = Of().Restore(Of().List().back());
+    ASSERT_EQ(outcome.kind, Kind::Done) << outcome.text;
+    EXPECT_EQ(outcome.backup, taken.backup);
+    EXPECT_EQ(BytesOf(draft), "mine");
+    EXPECT_EQ(std::distance(fs::directory_iterator(root_ / "work"), {}), 2);
+}
+
+// The moment between the look at the project and the change of the file.
+TEST_F(BackupsTest, WhatHasComeMeanwhileIsNotReplaced) {
+    ASSERT_EQ(Of().Take().kind, Kind::Done);
+    FileMark seen;
+    {
+        const auto file = OpenToRead(project_);
+        ASSERT_TRUE(file.IsOk());
+        seen = *FileMark::Of(*file);
+    }
+    Change("meanwhile");
+    const std::string now = BytesOf(project_);
+    const auto content = jet::OpenFile(Of().List().front().path);
+    ASSERT_TRUE(content.IsOk());
+    std::vector<std::string> users;
+    const jet::Status status = Swap(project_).Run(**content, seen, users);
+    EXPECT_EQ(status.Code(), jet::StatusCode::Conflict) << status.Text();
+    EXPECT_TRUE(BytesOf(project_) == now);
+    ExpectNothingLeft();
 }
 
 TEST_F(BackupsTest, PutsNothingBackWhileOthersHaveTheProjectOpen) {
@@ -307,6 +373,10 @@ TEST_F(BackupsTest, FailuresLeaveProjectAndBackups) {
         ::chmod(Of().Folder().c_str(), 0500);
         Change("later");
         EXPECT_EQ(Of().Take().kind, Kind::Failed);
+    } else {
+        ASSERT_EQ(::chown(Of().Folder().c_str(), 1, 1), 0);
+        Change("later");
+        EXPECT_THAT(Of().Take().text, HasSubstr("belongs to another user"));
     }
 }
 
