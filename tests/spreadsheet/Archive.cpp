@@ -76,10 +76,12 @@ Parts WorkbookWith(const std::string& rows) {
          "<t>pieces</t></r><rPh sb='0' eb='1'><t>sound</t></rPh></si><si><t/></si></sst>"},
         {"xl/styles.xml",
          "<styleSheet><numFmts><numFmt numFmtId='164' formatCode='yyyy\\-mm\\-dd'/>"
-         "<numFmt numFmtId='165' formatCode='0.0&quot; days&quot;;[Red]-0'/></numFmts>"
+         "<numFmt numFmtId='165' formatCode='0.0&quot; days&quot;;[Red]-0'/>"
+         "<numFmt numFmtId='166' formatCode='[Red]0.00'/>"
+         "<numFmt numFmtId='167' formatCode='[h]:00'/></numFmts>"
          "<cellStyleXfs><xf numFmtId='14'/></cellStyleXfs><cellXfs><xf numFmtId='0'/>"
          "<xf numFmtId='14'/><xf numFmtId='164'/><xf numFmtId='165'/><xf numFmtId='21'/>"
-         "</cellXfs></styleSheet>"},
+         "<xf numFmtId='166'/><xf numFmtId='167'/></cellXfs></styleSheet>"},
         {"xl/sheets/s.xml", "<worksheet><sheetData>" + rows + "</sheetData></worksheet>"},
     };
 }

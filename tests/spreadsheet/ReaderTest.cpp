@@ -73,6 +73,9 @@ TEST(ReaderTest, CellsOfAllPrograms) {
         {"<row r='1'><c r='A1' s='1'><v>1</v></c><c r='B1' s='1'><v>61</v></c>"
          "<c r='C1' s='1'><v>-1</v></c></row>",
          "A1 date:1900-01-01|B1 date:1900-03-01|C1 number:-1"},
+        {"<row r='1'><c r='A1' s='2'><v>46142.9999999</v></c><c r='B1' s='5'><v>4</v></c>"
+         "<c r='C1' s='6'><v>0.5</v></c></row>",
+         "A1 date:2026-05-01|B1 number:4|C1 date:12:00:00"},
         {"<row r='1'><c r='A1' t='d'><v>2026-05-01</v></c></row>", "A1 date:2026-05-01"},
         // Cells with a look alone, rows and cells that do not say where they are, and gaps.
         {"<row r='3'><c r='B3' s='1'/><c r='XFD3'><v>1</v></c></row><row r='1048576'/>",
@@ -143,9 +146,11 @@ TEST(ReaderTest, DamagedCellsAreNamed) {
         EXPECT_TRUE(isPlace) << told;
     }
     const std::string longText(200000, 'x');
-    const std::string told =
-        ReadRows("<row r='1'><c r='A1' t='inlineStr'><is><t>" + longText + "</t></is></c></row>");
-    EXPECT_EQ(told, "Sheet \"S\", cell A1: the text is longer than cells have room for");
+    for (const std::string& cell : {"<c r='A1' t='inlineStr'><is><t>" + longText + "</t></is></c>",
+                                    "<c r='A1' t='str'><v>" + longText + "</v></c>"}) {
+        EXPECT_EQ(ReadRows("<row r='1'>" + cell + "</row>"),
+                  "Sheet \"S\", cell A1: the text is longer than cells have room for");
+    }
 }
 
 TEST(ReaderTest, DamagedWorkbooksAreToldOf) {
