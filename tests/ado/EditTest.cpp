@@ -229,6 +229,15 @@ TEST_F(EditTest, FieldsOfTheTrendQueryGoToTheirOwnTables) {
     texts.Open("TidxTexts", other_, CommandType::Table);
     texts.Find("ID=" + std::to_string(text));
     EXPECT_EQ(Text(texts, "L1033"), u"Mash temperature");
+    // Both or neither, whichever another program has changed.
+    rows_.Set("VMax", 7.5);
+    rows_.Set("L1033", std::u16string(u"ours"));
+    texts.Set("L1033", std::u16string(u"theirs"));
+    texts.Update();
+    EXPECT_EQ(ErrorOf([&] { rows_.Update(); }), ErrorNumber::kRowNotLocated);
+    rows_.Resync();
+    EXPECT_EQ(Text(rows_, "VMax"), u"140.5");
+    EXPECT_EQ(Text(rows_, "L1033"), u"theirs");
     EXPECT_EQ(ErrorOf([&] { rows_.AddNew(); }), ErrorNumber::kFeatureNotAvailable);
     EXPECT_EQ(ErrorOf([&] { rows_.Delete(); }), ErrorNumber::kFeatureNotAvailable);
 }
@@ -317,6 +326,45 @@ TEST_F(EditTest, ATransactionIsStoredWholeOrNotAtAll) {
     connection_.CommitTrans();
     EXPECT_EQ(StoredNames().size(), 13U);
     EXPECT_NE(ErrorOf([&] { connection_.CommitTrans(); }), 0);
+}
+
+TEST_F(EditTest, AListenerHearsOfWhatIsInTheFileAndOfNothingElse) {
+    std::vector<std::vector<RowChange>> told;
+    connection_.SetChangeListener(
+        [&](std::vector<RowChange> changes) { told.push_back(std::move(changes)); });
+    rows_.Open("TchrArchives", connection_, CommandType::Table);
+    const auto comment = [&](const char16_t* text) {
+        rows_.Set("Comment", std::u16string(text));
+        rows_.Update();
+    };
+    comment(u"alone");
+    ASSERT_EQ(told.size(), 1U) << "without a transaction at once";
+    ASSERT_EQ(told[0].size(), 1U);
+    const RowChange& alone = told[0][0];
+    EXPECT_EQ(alone.table, "TchrArchives");
+    EXPECT_TRUE(alone.isWhole);
+    EXPECT_NE(*alone.ValueIn(alone.before, "Comment"), Value(u"alone"));
+    EXPECT_EQ(*alone.ValueIn(alone.after, "Comment"), Value(u"alone"));
+
+    connection_.BeginTrans();
+    comment(u"taken back");
+    connection_.RollbackTrans();
+    EXPECT_EQ(told.size(), 1U);
+
+    rows_.Requery();
+    connection_.BeginTrans();
+    comment(u"stays");
+    rows_.Set("ID", std::int32_t{2});
+    EXPECT_EQ(ErrorOf([&] { rows_.Update(); }), ErrorNumber::kIntegrity);
+    rows_.CancelUpdate();
+    rows_.MoveLast();
+    rows_.Delete();
+    EXPECT_EQ(told.size(), 1U) << "nothing before it is stored";
+    connection_.CommitTrans();
+    ASSERT_EQ(told.size(), 2U);
+    ASSERT_EQ(told[1].size(), 2U) << "a step that has failed is none";
+    EXPECT_EQ(*told[1][0].ValueIn(told[1][0].after, "Comment"), Value(u"stays"));
+    EXPECT_TRUE(told[1][1].after.empty());
 }
 
 TEST_F(EditTest, ASnapshotStaysAsItWasWhenItWasOpened) {
