@@ -34,7 +34,7 @@ std::variant<Call, Answer, Mistake> ParseWords(const Program& program,
 
 TEST(ParseTest, FindsCommandWordsAndOptionsInAnyOrder) {
     const auto parsed = ParseWords(
-        Pump(), {"mix", "-oa", "T1", "--ord=DOWN", "-q", "p", "--out", "b", "--", "-odd", "--out"});
+        Pump(), {"mix", "-oa", "T1", "--ord=DOWN", "-q", "p", "--ou", "b", "--", "-odd", "--out"});
     const auto* call = std::get_if<Call>(&parsed);
     ASSERT_NE(call, nullptr);
     EXPECT_EQ(call->command, 1U);

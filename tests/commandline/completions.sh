@@ -46,4 +46,5 @@ for shell in bash zsh fish; do
     expect $shell "--dry-run" kvs load a.kvs --dr
 done
 expect bash "csv" kvs dump --format = c
+expect bash "--update" kvs load a.kvs --dry-run --u
 exit $failed
