@@ -66,8 +66,8 @@ endfunction()
 # kv_precompile(TARGET KIND): compiles the target after the headers of a kind: `test` GoogleTest's,
 # `qt` Qt's widgets, `qt_test` both. Each kind is precompiled once for all targets, whose further
 # definitions these headers do not read.
-# Only builds with KV_PRECOMPILE do it: the others, the engine alone and clang-tidy's, see a missing
-# include. clang's do it for Qt alone, and so see one in the tests that need no Qt.
+# Only builds with KV_PRECOMPILE do it: the others, the engine alone, clang-tidy's and the packages',
+# see a missing include. clang's do it for tests with Qt alone, and so see one everywhere else.
 set(KV_PRECOMPILED_test <gmock/gmock.h> <gtest/gtest.h> <chrono> <filesystem> <fstream> <functional>
   <map> <optional> <random> <string> <vector>)
 set(KV_PRECOMPILED_qt <QApplication> <QComboBox> <QDialog> <QHash> <QHeaderView> <QLineEdit> <QMenu>
@@ -75,7 +75,7 @@ set(KV_PRECOMPILED_qt <QApplication> <QComboBox> <QDialog> <QHash> <QHeaderView>
   <optional> <string> <vector>)
 set(KV_PRECOMPILED_qt_test ${KV_PRECOMPILED_qt} ${KV_PRECOMPILED_test})
 function(kv_precompile target kind)
-  if(NOT KV_PRECOMPILE OR (kind STREQUAL "test" AND CMAKE_CXX_COMPILER_ID MATCHES "Clang"))
+  if(NOT KV_PRECOMPILE OR (CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND NOT kind STREQUAL "qt_test"))
     return()
   endif()
   set(owner kv_precompiled_${kind})

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <QCollator>
+#include <QWidget>
 
 #include "cells/CellInput.h"
 #include "cells/CellRefusal.h"

@@ -1,6 +1,7 @@
 // The rows of the table over a project: read in a thread, and anew when the file is another.
 
 #include <optional>
+#include <QComboBox>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
