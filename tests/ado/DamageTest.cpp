@@ -28,7 +28,10 @@ protected:
         std::ifstream in(path_, std::ios::binary);
         bytes_.assign(std::istreambuf_iterator<char>(in), {});
     }
-    void TearDown() override { fs::remove_all(folder_); }
+    void TearDown() override {
+        if (connection_.State() != ObjectState::Closed) connection_.Close();
+        fs::remove_all(folder_);
+    }
 
     std::uint32_t U32(std::size_t offset) const {
         std::uint32_t value = 0;

@@ -29,7 +29,8 @@ std::variant<Call, Answer, Mistake> ParseWords(const Program& program,
     words.insert(words.begin(), std::string(program.name));
     std::vector<char*> arguments;
     for (std::string& word : words) arguments.push_back(word.data());
-    return Parse(program, static_cast<int>(arguments.size()), arguments.data());
+    arguments.push_back(nullptr);  // as main is given them
+    return Parse(program, static_cast<int>(words.size()), arguments.data());
 }
 
 TEST(ParseTest, FindsCommandWordsAndOptionsInAnyOrder) {

@@ -143,7 +143,7 @@ TEST(DamageTest, AFileThatIsReplacedWhileItIsOpenIsNoticed) {
              fs::copy_file(TestData("Leer.kvs"), folder + "/new.kvs");
              EXPECT_TRUE(SystemDisk().Replace(folder + "/new.kvs", path).IsOk());
          }},
-        {"removed", [&] { fs::remove(path); }},
+        {"removed", [&] { EXPECT_TRUE(SystemDisk().Remove(path).IsOk()); }},
         {"overwritten",
          [&] {
              std::ofstream(path, std::ios::binary)

@@ -75,8 +75,10 @@ TEST(CheckSettingsTest, WhatStandsInTheFileStays) {
     const std::string after(std::istreambuf_iterator<char>(file), {});
     EXPECT_TRUE(after.starts_with(before)) << after;
     EXPECT_EQ(CheckSettings::Load(project.settings).Accepted().size(), 2U);
+#ifndef _WIN32  // which knows nobody's permissions but the owner's
     EXPECT_EQ(std::filesystem::status(project.settings).permissions(),
               std::filesystem::perms{0640});
+#endif
     std::size_t files = 0;
     for (const auto& each : std::filesystem::directory_iterator(project.folder)) {
         files += each.path().filename().string().find("-lint") != std::string::npos ? 1 : 0;

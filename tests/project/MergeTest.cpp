@@ -42,8 +42,8 @@ protected:
     /// Merges into a copy of mine.
     project::Merged Merge(const std::string& mine, const std::string& theirs, bool hasBase = true) {
         result_ = folder_.Path("result.kvs");
-        std::filesystem::copy_file(mine, result_,
-                                   std::filesystem::copy_options::overwrite_existing);
+        std::filesystem::remove(result_);
+        std::filesystem::copy_file(mine, result_);
         ado::Connection base;
         if (hasBase) OpenProject(base, base_);
         ado::Connection own;

@@ -13,7 +13,8 @@
 namespace jet {
 namespace {
 
-constexpr DWORD kReadWrite = GENERIC_READ | GENERIC_WRITE | DELETE;
+// Without DELETE: a program that does not share that, as most do not, could not open the file.
+constexpr DWORD kReadWrite = GENERIC_READ | GENERIC_WRITE;
 
 struct Range {
     std::uint64_t begin = 0;
@@ -39,7 +40,10 @@ public:
     FileId Id() const override { return id_; }
     bool IsRegular() const override { return file_.IsRegular(); }
     bool HasName(const std::string& path) const override { return file_.HasName(path); }
-    void RemoveName(const std::string& path) override { std::ignore = file_.RemoveName(path); }
+    void RemoveName(const std::string& path) override {
+        const auto removable = SystemFile::Reopen(file_, DELETE);
+        if (removable.IsOk()) std::ignore = removable->RemoveName(path);
+    }
 
     Result<std::size_t> Read(std::uint64_t offset, std::span<std::byte> into) const override {
         return file_.Read(offset, into);

@@ -45,13 +45,7 @@ public:
     }
 
     Result<FileStamp> Stamp() const override {
-        if (isDraft_) return StampOf(file_);
-        // By the path: a program that replaces the file leaves this one as it was, but nameless.
-        const auto named = SystemFile::Open(path_, 0, OPEN_EXISTING, kFollow);
-        if (named.IsOk()) {
-            const auto id = named->Id();
-            if (id.IsOk() && *id == id_) return StampOf(*named);
-        }
+        if (isDraft_ || HasItsPath()) return StampOf(file_);
         return Status(StatusCode::Conflict,
                       "another program has replaced or removed the file; open it again");
     }
@@ -86,6 +80,30 @@ public:
     }
 
 private:
+    /// A program that replaces the file leaves this one as it was, but nameless or renamed. Asked
+    /// before every read, so what stands at the path is opened only when it looks like another
+    /// file.
+    bool HasItsPath() const {
+        WIN32_FILE_ATTRIBUTE_DATA named{};
+        if (::GetFileAttributesExW(WideName(path_).c_str(), GetFileExInfoStandard, &named) == 0) {
+            return false;
+        }
+        const auto own = file_.Info();
+        if (own.IsOk() && Equal(own->ftCreationTime, named.ftCreationTime) &&
+            Equal(own->ftLastWriteTime, named.ftLastWriteTime) &&
+            own->nFileSizeHigh == named.nFileSizeHigh && own->nFileSizeLow == named.nFileSizeLow) {
+            return true;
+        }
+        const auto file = SystemFile::Open(path_, 0, OPEN_EXISTING, kFollow);
+        if (!file.IsOk()) return false;
+        const auto id = file->Id();
+        return id.IsOk() && *id == id_;
+    }
+
+    static bool Equal(const FILETIME& left, const FILETIME& right) {
+        return ::CompareFileTime(&left, &right) == 0;
+    }
+
     static Result<FileStamp> StampOf(const SystemFile& file) {
         FILE_BASIC_INFO times{};
         FILE_STANDARD_INFO sizes{};

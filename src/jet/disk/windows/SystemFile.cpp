@@ -179,13 +179,14 @@ Status SystemFile::GoWhenClosed(bool goes) const {
 
 Status SystemFile::RemoveName(const std::string& path) const {
     DWORD atOnce = kRemoveAtOnce;
-    if (::SetFileInformationByHandle(handle_, kDispositionEx, &atOnce, sizeof atOnce) != 0) {
-        return {};
-    }
+    const bool goes =
+        ::SetFileInformationByHandle(handle_, kDispositionEx, &atOnce, sizeof atOnce) != 0;
+    const std::wstring name = WideName(path);
+    if (goes && ::GetFileAttributesW(name.c_str()) == INVALID_FILE_ATTRIBUTES) return {};
     // Where the system, or the file's own, keeps the name until everybody has closed the file.
     const Status isAside = Rename(NameAside(path));
-    Status goes = GoWhenClosed(true);
-    return goes.IsOk() ? isAside : goes;
+    Status isGone = GoWhenClosed(true);
+    return isGone.IsOk() ? isAside : isGone;
 }
 
 }  // namespace jet
