@@ -75,6 +75,11 @@ TEST(CheckSettingsTest, WhatStandsInTheFileStays) {
     const std::string after(std::istreambuf_iterator<char>(file), {});
     EXPECT_TRUE(after.starts_with(before)) << after;
     EXPECT_EQ(CheckSettings::Load(project.settings).Accepted().size(), 2U);
+    // What could not be read again is not written.
+    Acceptance groundless = AcceptanceOf(project.Findings().at(0));
+    groundless.reason.clear();
+    EXPECT_THROW(AddAcceptances(project.settings, {groundless}), ado::AdoError);
+    EXPECT_EQ(CheckSettings::Load(project.settings).Accepted().size(), 2U);
 #ifndef _WIN32  // which knows nobody's permissions but the owner's
     EXPECT_EQ(std::filesystem::status(project.settings).permissions(),
               std::filesystem::perms{0640});

@@ -84,6 +84,9 @@ TEST(CureTest, EachCureDoesWhatItSays) {
         {{{kArchiveTable, 1, "FileName", u"a?b"}, {kArchiveTable, 1, "FilePath", u"here"}},
          CureKind::ToBeLookedAt,
          {{kArchiveTable, 1, "FileName", u"a_b"}, {kArchiveTable, 1, "FilePath", u"<ProjectDir>"}}},
+        {{{kArchiveTable, 1, "FileName", u"a?"}, {kArchiveTable, 2, "FileName", u"a*"}},
+         CureKind::ToBeLookedAt,
+         {{kArchiveTable, 1, "FileName", u"a_"}, {kArchiveTable, 2, "FileName", u"a_(1)"}}},
         {{{kTrendTable, 1, "Minimum", u"5"}, {kTrendTable, 1, "Maximum", u"0,5"}},
          CureKind::ToBeLookedAt,
          {{kTrendTable, 1, "Minimum", u"0,5"}, {kTrendTable, 1, "Maximum", u"5"}}},
@@ -179,6 +182,41 @@ TEST_F(CureFileTest, AllAtOnceLeaveWhatHasNoCure) {
     EXPECT_TRUE(recorder.Take().IsWhole()) << "it cannot be taken back";
 }
 
+std::vector<Finding> FindingsOf(ado::Connection& connection, Rule rule) {
+    std::vector<Finding> findings = FindingsOf(connection);
+    std::erase_if(findings, [&](const Finding& each) { return each.rule != rule; });
+    return findings;
+}
+
+TEST(CureTest, OfSeveralGroupsTheOneWithTheNameTakesTheTexts) {
+    TestProject project;
+    project.AddInOrder();
+    project.Set({{kGroupTable, 2, "Name", u"older"}});
+    const std::int32_t named = Rows(project.connection).AddGroup(1, u"öfen");
+    const auto findings = FindingsOf(project.connection, Rule::ArchiveWithSeveralGroups);
+    ASSERT_EQ(findings.size(), 1U);
+    ASSERT_TRUE(Cure(project.connection, findings));
+    EXPECT_EQ(NamesOf(FindingsOf(project.connection)), std::multiset<std::string>());
+    Rows rows(project.connection);
+    ASSERT_TRUE(rows.SeekGroup(1));
+    EXPECT_EQ(NumberOf(rows.Groups(), "ID"), named);
+    for (const std::int32_t text : {1, 3, 4}) {
+        ASSERT_TRUE(rows.SeekText(text));
+        EXPECT_EQ(NumberOf(rows.Texts(), "ParentID"), named) << text;
+    }
+}
+
+TEST(CureTest, ATextThatAnotherTrendNamesStaysWhenOneGoes) {
+    TestProject project;
+    project.AddInOrder();
+    project.Set({{kTrendTable, 2, "ArchiveID", 99}, {kTrendTable, 2, "TextID", 3}});
+    ASSERT_TRUE(
+        Cure(project.connection, FindingsOf(project.connection, Rule::TrendWithoutArchive)));
+    Rows rows(project.connection);
+    EXPECT_FALSE(rows.SeekTrend(2));
+    EXPECT_TRUE(rows.SeekText(3));
+}
+
 TEST(CureTest, WhatHasBecomeAnotherRowIsLeftAlone) {
     TestProject project;
     project.AddInOrder();
@@ -191,7 +229,18 @@ TEST(CureTest, WhatHasBecomeAnotherRowIsLeftAlone) {
     project.Set({{kTrendTable, 1, "VMin", 102}});
     EXPECT_FALSE(ApplyCures(project.connection, cures));
     EXPECT_EQ(NamesOf(FindingsOf(project.connection)), NamesOf(findings));
-    // A row that is gone has no cure.
+    // A text that has been found again meanwhile needs no other.
+    project.Set({{kTrendTable, 1, "TextID", 99}});
+    const std::vector<PlannedCure> texts =
+        PlanCures(project.connection, FindingsOf(project.connection, Rule::TrendWithoutText));
+    ASSERT_EQ(texts.size(), 1U);
+    project.Set({{kTrendTable, 1, "TextID", 3}});
+    EXPECT_FALSE(ApplyCures(project.connection, texts));
+    // Neither has a limit a cure that is another one by now, nor a row that is gone.
+    project.Set({{kTrendTable, 2, "Minimum", u"5"}, {kTrendTable, 2, "Maximum", u"4"}});
+    const auto inverted = FindingsOf(project.connection, Rule::RangeInverted);
+    project.Set({{kTrendTable, 2, "Minimum", u"3"}});
+    EXPECT_EQ(PlanCures(project.connection, inverted).size(), 1U) << "VMin alone";
     Rows rows(project.connection);
     rows.BeginRemoving();
     ASSERT_TRUE(rows.RemoveTrend(2));

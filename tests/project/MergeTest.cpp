@@ -285,10 +285,12 @@ TEST_F(MergeTest, TellsOfNamesThatMeet) {
         Set("TchrTrends", 5, {{"Name", u"Zulauf"}})(connection);
         Set("TchrArchives", 3, {{"Name", u"Neu"}})(connection);
         Set("TchrTrends", 9, {{"Name", u"Maischbottich Leitwert"}})(connection);
+        Set("TchrTrends", 10, {{"Name", u"Gärtank 1 Temperatur"}})(connection);
     });
     const std::string theirs = After("theirs.kvs", [](ado::Connection& connection) {
         Set("TchrTrends", 6, {{"Name", u"ZULAUF"}})(connection);
         Set("TchrArchives", 4, {{"Name", u"neu"}})(connection);
+        Set("TchrTrends", 10, {{"ArchiveID", 2}})(connection);
     });
     std::vector<std::tuple<std::string, int, int>> doubled;
     for (const MergeConflict& conflict : Merge(mine, theirs).conflicts) {
@@ -296,7 +298,8 @@ TEST_F(MergeTest, TellsOfNamesThatMeet) {
         doubled.push_back({conflict.table, conflict.id, conflict.other});
     }
     EXPECT_THAT(doubled, UnorderedElementsAre(std::tuple("TchrTrends", 6, 5),
-                                              std::tuple("TchrArchives", 4, 3)));
+                                              std::tuple("TchrArchives", 4, 3),
+                                              std::tuple("TchrTrends", 10, 25)));
 }
 
 // A trend of mine under the ID of one of theirs must not get their text, nor an archive their
@@ -330,6 +333,38 @@ TEST_F(MergeTest, KeepsTwoNewRowsUnderOneNumber) {
         EXPECT_EQ(ResultOf("TchrTrends", 230, "TextID"), ado::Value(244));
         EXPECT_EQ(ResultOf("TchrTrends", 230, "Name"), ado::Value(u"Trend B"));
     }
+}
+
+/// Gives a project a text under an ID.
+void AddText(ado::Connection& connection, std::int32_t id, const char16_t* name) {
+    ado::Recordset texts;
+    texts.Open("TidxTexts", connection, ado::CommandType::Table);
+    texts.AddNew();
+    texts.Set("ID", id);
+    texts.Set("ParentID", 1);
+    texts.Set("Name", std::u16string(name));
+    texts.Update();
+}
+
+// A new number is one that neither side has given away.
+TEST_F(MergeTest, GivesNoNumberASecondTime) {
+    const std::string mine =
+        After("mine.kvs", [](ado::Connection& connection) { AddText(connection, 300, u"mine"); });
+    const std::string theirs = After("theirs.kvs", [](ado::Connection& connection) {
+        AddText(connection, 300, u"theirs");
+        AddText(connection, 301, u"also theirs");
+    });
+    ASSERT_THAT(Merge(mine, theirs).renumbered, SizeIs(1));
+    EXPECT_EQ(ResultOf("TidxTexts", 300, "Name"), ado::Value(u"mine"));
+    EXPECT_EQ(ResultOf("TidxTexts", 301, "Name"), ado::Value(u"also theirs"));
+    EXPECT_EQ(ResultOf("TidxTexts", 302, "Name"), ado::Value(u"theirs"));
+
+    const std::string full = After("full.kvs", [](ado::Connection& connection) {
+        AddText(connection, 300, u"mine");
+        AddText(connection, std::numeric_limits<std::int32_t>::max(), u"the last");
+    });
+    EXPECT_THROW(std::ignore = Merge(full, theirs), ado::AdoError);
+    EXPECT_TRUE(Compare(full, result_).IsEmpty());
 }
 
 TEST_F(MergeTest, WithoutABaseTakesRowsOfOneNameForOne) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "project/Changes.h"
+#include "project/CreateProject.h"
 #include "ProjectFiles.h"
 #include "RandomDay.h"
 
@@ -90,6 +91,44 @@ TEST_F(TakeOverTest, AFieldComesAloneAndARowWithItsText) {
     EXPECT_THAT(Left(), ElementsAre("TchrTrends 5", "TchrTrends 6", textRow));
     EXPECT_THAT(Take("TchrTrends", {5}), IsEmpty());
     EXPECT_THAT(Left(), ElementsAre("TchrTrends 6"));
+}
+
+TEST_F(TakeOverTest, ANameComesWithWhatBearsIt) {
+    project::Rows rows(there_);
+    ASSERT_TRUE(rows.SeekArchive(3));
+    rows.Archives().Set("Name", std::u16string(u"Anders"));
+    rows.Archives().Update();
+    rows.NameGroupAndText(3);
+    EXPECT_THAT(Left(), SizeIs(3));
+    EXPECT_THAT(Take("TchrArchives", {3}, "Name"), IsEmpty());
+    EXPECT_THAT(Left(), IsEmpty());
+
+    // Trends of other archives may be called the same.
+    ASSERT_TRUE(rows.SeekTrendsOf(3));
+    SetIn(there_, project::kTrendTable, 5, "Name", rows.Trends().Get("Name"));
+    EXPECT_THAT(Take("TchrTrends", {5}), IsEmpty());
+    EXPECT_THAT(Left(), IsEmpty());
+}
+
+// A row comes without the language that the project does not have.
+TEST_F(TakeOverTest, TheColumnsOfBothNeedNotBeTheSame) {
+    const auto fill = [&](ado::Connection& connection, const char* file,
+                          std::vector<std::uint32_t> languages) {
+        connection.Close();
+        project::CreateProject(folder_.Path(file), languages);
+        OpenProject(connection, folder_.Path(file));
+        project::Rows rows(connection);
+        const std::int32_t id = rows.AddArchive(u"Kessel");
+        rows.AddArchiveText(rows.AddGroup(id, u"Kessel"), u"Kessel", "L1036");
+    };
+    fill(there_, "more.kvs", {1031, 1033, 1036});
+    fill(here_, "less.kvs", {1033, 1036});
+    SetIn(there_, project::kTextTable, 1, "L1031", std::u16string(u"Kessel"));
+    SetIn(there_, project::kTextTable, 1, "L1036", std::u16string(u"Chaudron"));
+    EXPECT_THAT(Take("TidxTexts", {1}), IsEmpty());
+    project::Rows rows(here_);
+    ASSERT_TRUE(rows.SeekText(1));
+    EXPECT_EQ(rows.Texts().Get("L1036"), ado::Value(u"Chaudron"));
 }
 
 // What names each other goes together, so that nothing leads nowhere afterwards.
