@@ -1,11 +1,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <set>
 #include <tuple>
 
 #include "ado/AdoError.h"
 #include "exchange/ExchangeTesting.h"
 #include "project/Changes.h"
+#include "project/Names.h"
 #include "project/Rows.h"
 #include "unicode/Unicode.h"
 
@@ -240,6 +242,56 @@ TEST(PlanTest, AProjectThatHasChangedMeanwhileIsPlannedAnew) {
     EXPECT_TRUE(Apply(project.connection, Planned(project.connection, text)));
 }
 
+// What a plan goes by besides the fields that it changes.
+TEST(PlanTest, WhatAPlanGoesByMustStillBeThere) {
+    using Meanwhile = void (*)(project::Rows & rows);
+    static constexpr auto rename = [](ado::Recordset& rows) {
+        rows.Set("Name", std::u16string(u"anders"));
+        rows.Update();
+    };
+    const struct {
+        const char* what;
+        const char* text;
+        Meanwhile meanwhile;
+    } cases[] = {
+        {"where a trend moves to",
+         "ID,Archive,Runtime Name\n1,Gärkeller,Maischbottich Temperatur\n",
+         [](project::Rows& rows) {
+             ASSERT_TRUE(rows.SeekArchive(2));
+             rename(rows.Archives());
+         }},
+        {"the group of its text", "ID,Archive,Runtime Name\n1,Gärkeller,Maischbottich Temperatur\n",
+         [](project::Rows& rows) {
+             ASSERT_TRUE(rows.SeekGroup(2));
+             rows.Groups().Delete();
+         }},
+        {"what a row that goes is called", "ID,Archive,Runtime Name\n2,Sudhaus,Neu\n",
+         [](project::Rows& rows) {
+             ASSERT_TRUE(rows.SeekTrend(1));
+             rename(rows.Trends());
+         }},
+        {"how many trends go with an archive", "ID,File Name\n1,sudhaus\n",
+         [](project::Rows& rows) {
+             project::NewTrend trend;
+             trend.name = u"neu";
+             rows.AddTrend(2, trend);
+         }},
+    };
+    for (const auto& each : cases) {
+        Project project(kBrewery);
+        PlanOptions options;
+        options.deleteMissing = true;
+        const Plan plan = Planned(project.connection, each.text, options);
+        {
+            project::Rows rows(project.connection);
+            each.meanwhile(rows);
+        }
+        const std::string before = project.Bytes();
+        EXPECT_FALSE(Apply(project.connection, plan)) << each.what;
+        EXPECT_TRUE(project.Bytes() == before) << each.what;
+    }
+}
+
 TEST(PlanTest, NamesMayChangePlaces) {
     Project project(kBrewery);
     const Plan plan = Planned(project.connection,
@@ -276,6 +328,75 @@ TEST(PlanTest, RowsGoOnlyWhenThatIsAskedFor) {
     EXPECT_TRUE(rows.SeekTrendsOf(1));
 }
 
+TEST(PlanTest, RowsThatAreKeptOrInDoubtStay) {
+    Project project(kBrewery);
+    project::Rows rows(project.connection);
+    ASSERT_TRUE(rows.SeekTrend(2));
+    const auto shared = rows.Trends().Get("TextID");
+    ASSERT_TRUE(rows.SeekTrend(1));
+    rows.Trends().Set("TextID", shared);
+    rows.Trends().Update();
+    PlanOptions options;
+    options.deleteMissing = true;
+    options.kept.insert({SheetKind::Trends, 3});
+    // Which row the second line means nobody knows.
+    const Plan plan = Planned(project.connection,
+                              "ID,Archive,Runtime Name\n1,Sudhaus,Maischbottich Temperatur\n"
+                              "4,Gärkeller,Neu\n",
+                              options);
+    ASSERT_TRUE(Apply(project.connection, plan));
+    EXPECT_FALSE(rows.SeekTrend(2));
+    EXPECT_TRUE(rows.SeekTrend(3));
+    EXPECT_TRUE(rows.SeekTrend(4));
+    ASSERT_TRUE(rows.SeekTrend(1));
+    EXPECT_TRUE(rows.SeekTextOf(rows.Trends())) << "the text of one that goes is another's too";
+}
+
+TEST(PlanTest, NamesThatAreNotFreeAreRefusedWithWhatWaitsForThem) {
+    Project project(kBrewery);
+    const std::string heading = "ID,Archive,Runtime Name\n";
+    // The second one cannot give its name up, so that the first one cannot take it.
+    const Plan chain = Planned(project.connection, heading +
+                                                       "1,Sudhaus,Maischbottich Druck\n"
+                                                       "2,Sudhaus,Maischbottich Füllstand\n");
+    EXPECT_EQ(chain.rows.at(0).cause, Cause::NameInUse);
+    EXPECT_EQ(chain.rows.at(1).cause, Cause::NameInUse);
+
+    project::Rows rows(project.connection);
+    ASSERT_TRUE(rows.SeekTrend(2));
+    rows.Trends().Set("Name", std::u16string(u"Maischbottich Temperatur"));
+    rows.Trends().Update();
+    const Plan several =
+        Planned(project.connection, heading + ",Sudhaus,Maischbottich Temperatur\n");
+    EXPECT_EQ(several.rows.at(0).state, State::Ambiguous);
+    EXPECT_EQ(several.rows.at(0).cause, Cause::SeveralRows);
+}
+
+// What somebody has named or put elsewhere by hand is left there; new curves differ in colour.
+TEST(PlanTest, TextsFollowOnlyByTheRule) {
+    Project project(kBrewery);
+    project::Rows rows(project.connection);
+    ASSERT_TRUE(rows.SeekTrend(1) && rows.SeekTextOf(rows.Trends()));
+    rows.Texts().Set("Name", std::u16string(u"by hand"));
+    rows.Texts().Set("ParentID", rows.RootGroup());
+    rows.Texts().Update();
+    const Plan plan = Planned(project.connection,
+                              "ID,Archive,Runtime Name\n1,Gärkeller,Neu\n"
+                              ",Gärkeller,A\n,Gärkeller,B\n",
+                              {MatchBy::Id});
+    ASSERT_TRUE(Apply(project.connection, plan));
+    ASSERT_TRUE(rows.SeekTrend(1) && rows.SeekTextOf(rows.Trends()));
+    EXPECT_EQ(project::NameOf(rows.Trends()), u"Neu");
+    EXPECT_EQ(project::NameOf(rows.Texts()), u"by hand");
+    EXPECT_EQ(rows.Texts().Get("ParentID"), ado::Value(rows.RootGroup()));
+    std::set<std::u16string> colours;
+    rows.Trends().SetFilter("Name = 'A' OR Name = 'B'");
+    for (; !rows.Trends().IsEOF(); rows.Trends().MoveNext()) {
+        colours.insert(ado::ToText(rows.Trends().Get("VLineColor")));
+    }
+    EXPECT_EQ(colours.size(), 2U);
+}
+
 // The other row keeps the text that both had.
 TEST(PlanTest, ARowWhoseTextIsSharedGetsOneOfItsOwn) {
     Project project(kBrewery);
@@ -294,6 +415,8 @@ TEST(PlanTest, ARowWhoseTextIsSharedGetsOneOfItsOwn) {
     ASSERT_TRUE(rows.SeekTrend(2));
     ASSERT_TRUE(rows.SeekTextOf(rows.Trends()));
     EXPECT_EQ(rows.Texts().Get("L1031"), ado::Value(u"Eigener"));
+    EXPECT_EQ(project::NameOf(rows.Texts()),
+              project::TrendTextName(project::NameOf(rows.Trends())));
     EXPECT_EQ(rows.Texts().Get("L1033"), ado::Value(u"Temperature Maischbottich"));
 }
 
@@ -310,6 +433,10 @@ TEST(PlanTest, WhatIsOddStaysBesideAChange) {
         Planned(project.connection, "ID,Make Redundancy File\n" + std::to_string(id) + ",ja\n")));
     ASSERT_TRUE(rows.SeekArchive(id));
     EXPECT_EQ(rows.Archives().Get("Type"), ado::Value(33 | 64));
+    // A number has to be of the bits that the column stands for.
+    const Plan others =
+        Planned(project.connection, "ID,Make Redundancy File\n" + std::to_string(id) + ",3\n");
+    EXPECT_EQ(others.rows.at(0).problem, project::Problem::NotListed);
 }
 
 }  // namespace
