@@ -39,17 +39,15 @@ auto InOrder(std::span<const ado::RowChange> rows) {
 }
 
 TEST(DifferencesTest, AreWhatADayHasChanged) {
-    for (const unsigned number : {1U, 2U, 3U}) {
-        SCOPED_TRACE(number);
+    for (DayNumbers days(3); days.Next();) {
+        SCOPED_TRACE(days.Number());
         const TestFolder folder;
         const std::string path = folder.Copy(kBrewery, "day.kvs");
         project::ChangeSet day;
         {
             ado::Connection connection;
             OpenProject(connection, path);
-            project::ChangeRecorder recorder(connection);
-            RandomDay(connection, number, "A").Work(80);
-            day = recorder.Take();
+            day = RandomDay(connection, days.Number(), "A").WorkBySteps(80);
         }
         const project::Differences found = Compare(kBrewery, path);
         EXPECT_GT(found.rows.size(), 30U);

@@ -186,15 +186,15 @@ private:
 TEST_F(MergeTest, OfTwoDaysLosesNothing) {
     std::size_t renumbered = 0;
     std::map<Kind, int> conflicts;
-    for (unsigned days = 1; days <= 4; ++days) {
-        SCOPED_TRACE(days);
+    for (DayNumbers days(4); days.Next();) {
+        SCOPED_TRACE(days.Number());
         const auto day = [&](unsigned number, const char* person) {
             return [=](ado::Connection& connection) {
-                RandomDay(connection, number, person).Work(60);
+                RandomDay(connection, number, person).WorkBySteps(60);
             };
         };
-        const std::string mine = After("mine.kvs", day(days, "A"));
-        const std::string theirs = After("theirs.kvs", day(1000 + days, "B"));
+        const std::string mine = After("mine.kvs", day(days.Number(), "A"));
+        const std::string theirs = After("theirs.kvs", day(1000 + days.Number(), "B"));
         const project::Merged merged = Merge(mine, theirs);
         EXPECT_THAT(ado::CheckFile(result_).errors, IsEmpty());
         const Content result = Read(result_);

@@ -1,18 +1,45 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "ado/Connection.h"
+#include "project/CellChanges.h"
+#include "project/Changes.h"
 #include "project/CopyRows.h"
 #include "project/Names.h"
 #include "project/Rows.h"
+#include "project/TakeBack.h"
 #include "project/Transaction.h"
+
+/// Goes through numbers of days from 1 on: so many, and on for as long as KV_TEST_SECONDS says.
+class DayNumbers {
+public:
+    explicit DayNumbers(unsigned least) : least_(least) {}
+    bool Next() {
+        ++number_;
+        return number_ <= least_ || std::chrono::steady_clock::now() < end_;
+    }
+    [[nodiscard]] unsigned Number() const { return number_; }
+
+private:
+    static std::chrono::seconds Time() {
+        const char* seconds = std::getenv("KV_TEST_SECONDS");
+        return std::chrono::seconds(seconds != nullptr ? std::atoi(seconds) : 0);
+    }
+
+    unsigned least_;
+    unsigned number_ = 0;
+    std::chrono::steady_clock::time_point end_ = std::chrono::steady_clock::now() + Time();
+};
 
 /// What people do to a project in a day, by chance.
 class RandomDay {
@@ -20,6 +47,27 @@ public:
     RandomDay(ado::Connection& connection, unsigned number, std::string person)
         : connection_(connection), random_(number), person_(std::move(person)) {}
 
+    /// Each a step of its own, as the editor makes them; now and then the last one is taken back.
+    /// What has come of it.
+    project::ChangeSet WorkBySteps(int steps) {
+        project::ChangeRecorder recorder(connection_);
+        project::ChangeSet day;
+        project::ChangeSet last;
+        for (int i = 0; i < steps; ++i) {
+            const bool goesBack = !last.IsEmpty() && random_() % 5 == 0;
+            if (goesBack) {
+                EXPECT_TRUE(project::TakeBack(connection_, last, {}).open.empty());
+            } else {
+                project::Transaction transaction(connection_);
+                Step();
+                transaction.Commit();
+            }
+            const project::ChangeSet step = recorder.Take();
+            day.Add({step.Rows().begin(), step.Rows().end()});
+            last = goesBack ? project::ChangeSet() : step;
+        }
+        return day;
+    }
     void Work(int steps) {
         project::Transaction transaction(connection_);
         for (int i = 0; i < steps; ++i) Step();
@@ -70,6 +118,35 @@ public:
                                 : ado::Value(static_cast<std::int32_t>(random_() % 30000)));
         rows.Update();
     }
+    /// Fields of several trends at once; names among them, of which some go round.
+    void WriteCells() {
+        const bool areNames = random_() % 2 == 0;
+        const std::int32_t archive = Any(project::kArchiveTable);
+        ado::Recordset rows;
+        rows.Open(project::kTrendTable, connection_, ado::CommandType::Table);
+        rows.SetFilter("ArchiveID = " + std::to_string(archive));
+        std::vector<project::CellChange> changes;
+        for (; !rows.IsEOF() && changes.size() < 6; rows.MoveNext()) {
+            project::CellChange change;
+            change.table = project::kTrendTable;
+            change.id = ado::ToLong(rows.Get("ID"));
+            change.column = areNames ? "Name" : "Unit";
+            change.was = rows.Get(change.column);
+            change.is = NewName(u"");
+            changes.push_back(change);
+        }
+        if (areNames && changes.size() > 1) {
+            changes.front().is = changes.back().was;
+            changes.back().is = changes.front().was;
+        }
+        const project::WrittenCells written = project::WriteCells(connection_, changes);
+        EXPECT_TRUE(written.isDone);
+    }
+    void CopyTrend() {
+        project::CopyRows copies(connection_);
+        if (!copies.From().SeekTrend(Any(project::kTrendTable))) return;
+        copies.CopyTrend(NewName(u"Kopie"), Any(project::kArchiveTable), std::nullopt);
+    }
     void MoveTrend() {
         ado::Recordset rows;
         rows.Open(project::kTrendTable, connection_, ado::CommandType::Table);
@@ -81,7 +158,7 @@ public:
 
 private:
     void Step() {
-        switch (random_() % 12) {
+        switch (random_() % 14) {
             case 0:
                 AddArchive();
                 break;
@@ -112,6 +189,12 @@ private:
                 break;
             case 10:
                 Edit(project::kVariableTable, "Comment");
+                break;
+            case 11:
+                WriteCells();
+                break;
+            case 12:
+                CopyTrend();
                 break;
             default:
                 MoveTrend();
