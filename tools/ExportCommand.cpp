@@ -64,7 +64,7 @@ ExitStatus Export(const std::string& file, const ExportWish& wish, std::FILE* ou
             ado::Connection connection;
             Messages messages(err, file);
             Connect(connection, file, messages);
-            TextBuffer output(target.Stream());
+            TextBuffer output(target.Stream(), wish.to == "-" ? std::string() : wish.to);
             if (wish.format == ExchangeFormat::Json) {
                 WriteProjectJson(connection, output);
             } else {

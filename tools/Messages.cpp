@@ -40,7 +40,7 @@ ExitStatus Messages::Finish(TextBuffer& out) {
         std::fprintf(stream_, "kvs: %s: %zu more messages\n", file_.c_str(), count_ - kMost);
     }
     if (!out.Error().empty()) {
-        std::fprintf(stream_, "kvs: writing failed: %s\n", out.Error().c_str());
+        std::fprintf(stream_, "kvs: %s\n", out.Error().c_str());
     }
     return count_ == 0 && !out.HasFailed() ? kSuccess : kFailure;
 }

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "paths/NativePath.h"
+#include "tools/TextBuffer.h"
 
 namespace tools {
 namespace {
@@ -19,7 +20,7 @@ OutputFile::~OutputFile() {
 }
 
 std::string OutputFile::Failure(const std::error_code& error) const {
-    return "\"" + name_ + "\" cannot be written: " + error.message();
+    return NotWritten(name_, error.message());
 }
 
 std::string OutputFile::Open(const std::string& name) {

@@ -4,17 +4,23 @@
 #include <cerrno>
 #include <cstring>
 #include <system_error>
+#include <utility>
 
 #include "tools/System.h"
 
 namespace tools {
 
-TextBuffer::TextBuffer(std::FILE* stream)
+TextBuffer::TextBuffer(std::FILE* stream, std::string name)
     : stream_(stream),
+      name_(std::move(name)),
       spool_(IsFile(stream) ? nullptr : std::make_unique<Spool>(stream)),
       block_(std::make_unique_for_overwrite<char[]>(kBlock)),
       end_(block_.get()),
       limit_(end_ + kBlock) {}
+
+std::string NotWritten(const std::string& name, const std::string& why) {
+    return (name.empty() ? "writing failed: " : '"' + name + "\" cannot be written: ") + why;
+}
 
 void TextBuffer::Append(std::string_view text) {
     while (!text.empty()) {
@@ -34,7 +40,7 @@ void TextBuffer::Flush() {
         hasFailed_ = !spool_->Put(std::string(block_.get(), size));
     } else if (std::fwrite(block_.get(), 1, size, stream_) != size || std::fflush(stream_) != 0) {
         hasFailed_ = true;
-        error_ = std::generic_category().message(errno);
+        error_ = NotWritten(name_, std::generic_category().message(errno));
     }
 }
 
@@ -42,7 +48,7 @@ void TextBuffer::Finish() {
     Flush();
     if (!spool_) return;
     spool_->Finish();
-    error_ = spool_->Error();
+    if (!spool_->Error().empty()) error_ = NotWritten(name_, spool_->Error());
     hasFailed_ = !error_.empty() || spool_->IsClosedByReader();
 }
 

@@ -10,13 +10,16 @@
 
 namespace tools {
 
+/// What users are told; `name` is empty for a stream that has none.
+[[nodiscard]] std::string NotWritten(const std::string& name, const std::string& why);
+
 /// Text on its way to a stream: gathered in one block, handed on when the block is full. A file
 /// gets it at once, everything else through a Spool, so that nobody is kept waiting by a slow
 /// reader. Remembers the first failed write and drops everything behind it.
 class TextBuffer {
 public:
-    /// `stream` is borrowed.
-    explicit TextBuffer(std::FILE* stream);
+    /// `stream` is borrowed; `name` is that of its file, where it has one.
+    explicit TextBuffer(std::FILE* stream, std::string name = {});
 
     void Append(char c) {
         if (end_ == limit_) Flush();
@@ -43,8 +46,8 @@ public:
     /// Waits until everything has been written, or writing has failed. Nothing follows.
     void Finish();
     // To be asked after Finish().
-    /// Why a write failed; empty when none has, or when the reader has closed the pipe, as `head`
-    /// does when it has enough: that is no failure to speak of.
+    /// Why a write failed, with the file's name; empty when none has, or when the reader has closed
+    /// the pipe, as `head` does when it has enough: that is no failure to speak of.
     [[nodiscard]] const std::string& Error() const { return error_; }
 
     static constexpr std::size_t kBlock = std::size_t{64} << 10;  // bytes
@@ -53,6 +56,7 @@ private:
     static constexpr std::size_t kMostDigits = 40;
 
     std::FILE* stream_;
+    std::string name_;
     std::unique_ptr<Spool> spool_;  // null for a file
     std::unique_ptr<char[]> block_;
     char* end_;

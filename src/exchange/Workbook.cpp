@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "ado/AdoError.h"
+#include "paths/NewFile.h"
 #include "unicode/Unicode.h"
 
 namespace exchange {
@@ -148,7 +149,13 @@ WorkbookSheets::WorkbookSheets(const words::Language& language)
                unicode::ToUtf8(language.Text("Exchange.FixedText"))}) {}
 
 void WorkbookSheets::Require(bool isDone) const {
-    if (!isDone) Fail(writer_.GetFault().Text() + ".");
+    if (isDone) return;
+    const spreadsheet::Fault& fault = writer_.GetFault();
+    reasons::Reason reason;
+    if (fault.kind == spreadsheet::Fault::Kind::NotWritten) {
+        reason = {paths::NewFile::CauseOf(fault.error), fault.part};
+    }
+    throw ado::AdoError(ado::ErrorNumber::kInvalidArgument, fault.Text() + ".", reason);
 }
 
 void WorkbookSheets::Begin(const Sheet& sheet, const words::Language& language) {

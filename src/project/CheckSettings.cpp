@@ -83,10 +83,7 @@ std::string Contents(const std::string& path) {
 void WriteWhole(const std::string& path, std::string_view text) {
     paths::NewFile file;
     std::error_code error = file.Open(path);
-    if (!error && std::fwrite(text.data(), 1, text.size(), file.Stream()) != text.size()) {
-        error.assign(errno, std::generic_category());
-    }
-    if (!error) error = file.TakeName();
+    if (!error) error = file.Write(text) ? file.TakeName() : file.Error();
     if (error) FailSystem(path, "written", error);
 }
 

@@ -34,6 +34,7 @@ enum class Cause {
     ValueRequired,   // a value must not be missing
     RowsRelated,     // rows of another table belong to it
     PathUnusable,
+    DiskFull,  // for a file that is written anew; nothing of it stays
     OutOfMemory,
 };
 

@@ -23,7 +23,8 @@ std::string Fault::Text() const {
         case Kind::TooLongText:
             return place + ": the text is longer than cells have room for";
         case Kind::NotWritten:
-            return "The workbook cannot be written" + why;
+            return "The workbook cannot be made with temporary files in \"" + part +
+                   "\": " + error.message() + why;
         case Kind::Unavailable:
             return "This program has been built without workbooks (.xlsx); use CSV";
         default:

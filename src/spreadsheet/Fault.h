@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <system_error>
 
 namespace spreadsheet {
 
@@ -16,14 +17,15 @@ struct Fault {
         TooLarge,     // `part` unpacks to more than anybody needs
         TooManyRows,  // more than a sheet has room for; also when one is written
         TooLongText,  // for `cell` of `sheet`; also when one is written
-        NotWritten,   // `detail` tells why
+        NotWritten,   // `error` and `detail` tell why, `part` is the folder of temporary files
         Unavailable,  // this program knows no workbooks
     };
     Kind kind = Kind::None;
-    std::string part{};    // name in the archive
-    std::string sheet{};   // its name
-    std::string cell{};    // "C5"
-    std::string detail{};  // what a library says
+    std::string part{};       // name in the archive, or what the kind says
+    std::string sheet{};      // its name
+    std::string cell{};       // "C5"
+    std::string detail{};     // what a library says
+    std::error_code error{};  // what the system says
 
     [[nodiscard]] explicit operator bool() const noexcept { return kind != Kind::None; }
     /// A sentence without its full stop, for messages.

@@ -5,6 +5,7 @@
 #include <xlsxwriter.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <filesystem>
@@ -14,6 +15,8 @@
 #include <utility>
 
 #include "spreadsheet/detail/Escape.h"
+#include "spreadsheet/detail/Package.h"
+#include "spreadsheet/detail/XmlScan.h"
 
 namespace spreadsheet {
 namespace {
@@ -42,6 +45,46 @@ private:
     locale_t before_ = nullptr;
 };
 
+/// How much there is of a sheet.
+struct Extent {
+    std::size_t rows = 0;
+    std::size_t cells = 0;
+    bool operator==(const Extent&) const = default;
+};
+
+/// Looks at the sheet's tags alone: whether they nest takes longer than making it.
+Extent ExtentOf(Part& sheet) {
+    constexpr std::string_view kRow = "<row ";
+    constexpr std::string_view kCell = "<c ";
+    Extent extent;
+    std::string text;
+    for (std::string_view block = sheet.Next(); !block.empty(); block = sheet.Next()) {
+        text += block;
+        std::size_t at = text.find('<');
+        while (at != std::string::npos && at + kRow.size() <= text.size()) {
+            const std::string_view tag = std::string_view(text).substr(at, kRow.size());
+            if (tag == kRow) ++extent.rows;
+            if (tag.starts_with(kCell)) ++extent.cells;
+            at = text.find('<', at + 1);
+        }
+        text.erase(0, std::min(at, text.size()));
+    }
+    return extent;
+}
+
+/// Takes nothing of a part: whether it can be read at all is asked.
+class Nothing final : public XmlHandler {
+public:
+    void Begin(std::string_view, const Attributes&) override {}
+    void End(std::string_view) override {}
+    void Text(std::string_view) override {}
+};
+
+std::string ContentOf(const std::string& name) {
+    std::ifstream file(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
 bool IsDark(std::uint32_t colour) {
     const auto part = [&](unsigned shift) { return (colour >> shift) & 0xFFU; };
     return part(16) * 299 + part(8) * 587 + part(0) * 114 < 128000;
@@ -64,7 +107,8 @@ struct WorkbookWriter::Book {
     lxw_worksheet* sheet = nullptr;
     std::string sheetName;
     std::vector<ColumnLook> columns;
-    std::size_t rows = 0;  // with the heading
+    std::size_t rows = 0;         // with the heading
+    std::vector<Extent> written;  // of all sheets
 
     ~Book() {
         if (book != nullptr) lxw_workbook_free(book);
@@ -74,13 +118,21 @@ struct WorkbookWriter::Book {
 
     [[nodiscard]] std::string FileName() const { return folder / "workbook.xlsx"; }
 
-    bool NotWritten(const std::string& why) {
-        if (!fault) fault = {.kind = Fault::Kind::NotWritten, .detail = why};
+    /// Where the system says nothing, it is for want of room.
+    bool NotWritten(const std::string& why, int error = 0) {
+        if (fault) return false;
+        fault = {.kind = Fault::Kind::NotWritten,
+                 .part = folder.parent_path(),
+                 .detail = why,
+                 .error = {error != 0 ? error : ENOSPC, std::generic_category()}};
         return false;
     }
     bool Check(lxw_error error, std::size_t column = 0) {
         if (error == LXW_NO_ERROR) return true;
-        if (error != LXW_ERROR_MAX_STRING_LENGTH_EXCEEDED) return NotWritten(lxw_strerror(error));
+        if (error != LXW_ERROR_MAX_STRING_LENGTH_EXCEEDED) {
+            const int why = errno;
+            return NotWritten(lxw_strerror(error), why);
+        }
         fault = {.kind = Fault::Kind::TooLongText,
                  .sheet = sheetName,
                  .cell = CellName(column, rows + 1)};
@@ -90,13 +142,18 @@ struct WorkbookWriter::Book {
     bool Open() {
         if (book != nullptr || fault) return !fault;
         std::error_code error;
-        std::string pattern = std::filesystem::temp_directory_path(error) / "workbook-XXXXXX";
+        folder = std::filesystem::temp_directory_path(error) / "workbook-XXXXXX";
+        std::string pattern = folder;
         if (error || ::mkdtemp(pattern.data()) == nullptr) {
-            return NotWritten("there is no place for a temporary file");
+            const int why = error ? error.value() : errno;
+            NotWritten("there is no place for a temporary file", why);
+            folder.clear();
+            return false;
         }
         folder = pattern;
         lxw_workbook_options options{};
         options.constant_memory = LXW_TRUE;
+        options.tmpdir = pattern.data();
         book = workbook_new_opt(FileName().c_str(), &options);
         if (book == nullptr) return NotWritten("out of memory");
         headingLook = workbook_add_format(book);
@@ -113,6 +170,7 @@ struct WorkbookWriter::Book {
     lxw_worksheet* AddSheet(const std::string& name) {
         lxw_worksheet* added = workbook_add_worksheet(book, name.c_str());
         if (added == nullptr) NotWritten("a sheet \"" + name + "\" cannot be made");
+        written.emplace_back();
         return added;
     }
 
@@ -135,6 +193,7 @@ struct WorkbookWriter::Book {
     bool PutText(std::size_t column, const std::string& text, lxw_format* look) {
         const auto row = static_cast<lxw_row_t>(rows);
         const auto at = static_cast<lxw_col_t>(column);
+        ++written.back().cells;
         // The library makes of an empty text a cell with nothing in it.
         if (text.empty()) {
             return Check(worksheet_write_formula_str(sheet, row, at, "=\"\"", look, ""), column);
@@ -150,6 +209,7 @@ struct WorkbookWriter::Book {
             const char* end = cell.text.data() + cell.text.size();
             const auto read = std::from_chars(cell.text.data(), end, number);
             if (read.ec == std::errc() && read.ptr == end && std::isfinite(number)) {
+                ++written.back().cells;
                 return Check(worksheet_write_number(sheet, static_cast<lxw_row_t>(rows),
                                                     static_cast<lxw_col_t>(cell.column), number,
                                                     look));
@@ -171,6 +231,7 @@ struct WorkbookWriter::Book {
         }
         worksheet_freeze_panes(sheet, 1, static_cast<lxw_col_t>(frozenColumns));
         rows = 1;
+        written.back().rows = 1;
         return true;
     }
 
@@ -222,6 +283,7 @@ struct WorkbookWriter::Book {
         if (sheet == nullptr) return false;
         std::size_t longest = 0;
         for (const auto& list : lists) longest = std::max(longest, list.size());
+        written.back().rows = longest;
         for (rows = 0; rows < longest; ++rows) {
             for (std::size_t i = 0; i < lists.size(); ++i) {
                 if (rows < lists[i].size() && !PutText(i, lists[i][rows], textLook)) return false;
@@ -229,6 +291,25 @@ struct WorkbookWriter::Book {
         }
         worksheet_hide(sheet);
         return true;
+    }
+
+    /// The library does not look whether its temporary files take what it writes; what they have
+    /// lost is missing in a workbook that it holds for whole.
+    bool IsWhole() {
+        Package package;
+        Nothing nothing;
+        bool isWhole = !package.Open(ContentOf(FileName()));
+        const auto find = [&](const std::string& name) {
+            auto part = isWhole ? package.Find("xl/" + name + ".xml") : nullptr;
+            isWhole = isWhole && part != nullptr;
+            return part;
+        };
+        if (const auto looks = find("styles")) isWhole = !ScanAll(*looks, nothing);
+        for (std::size_t i = 0; i < written.size(); ++i) {
+            const auto part = find("worksheets/sheet" + std::to_string(i + 1));
+            isWhole = part != nullptr && ExtentOf(*part) == written[i] && !part->GetFault();
+        }
+        return isWhole || NotWritten("part of it has been lost");
     }
 
     bool HandOn(const std::function<void(std::string_view)>& put) {
@@ -272,6 +353,7 @@ bool WorkbookWriter::Write(std::span<const Cell> cells) {
         if (!book_->Put(cell)) return false;
     }
     ++book_->rows;
+    if (!cells.empty()) ++book_->written.back().rows;
     return true;
 }
 
@@ -280,9 +362,10 @@ bool WorkbookWriter::Finish(const std::function<void(std::string_view)>& put) {
         const PointInNumbers point;
         if (!book_->Open() || !book_->EndSheet() || !book_->WriteLists()) return false;
         lxw_workbook* book = std::exchange(book_->book, nullptr);  // closing frees it
+        errno = 0;
         if (!book_->Check(workbook_close(book))) return false;
     }
-    return book_->HandOn(put);
+    return book_->IsWhole() && book_->HandOn(put);
 }
 
 const Fault& WorkbookWriter::GetFault() const {

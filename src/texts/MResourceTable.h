@@ -640,6 +640,7 @@ enum class Reason : int {
     ValueRequired,
     RowsRelated,
     PathUnusable,
+    DiskFull,
     OutOfMemory,
 };
 Q_ENUM_NS(Reason)

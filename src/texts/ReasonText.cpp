@@ -67,6 +67,8 @@ Reason SentenceOf(Cause cause) {
             return Reason::PathUnusable;
         case Cause::OutOfMemory:
             return Reason::OutOfMemory;
+        case Cause::DiskFull:
+            return Reason::DiskFull;
     }
     return Reason::Unknown;
 }

@@ -8,6 +8,7 @@
 #include "spreadsheet/Archive.h"
 #include "spreadsheet/WorkbookReader.h"
 #include "spreadsheet/WorkbookWriter.h"
+#include "support/SmallDisk.h"
 
 namespace spreadsheet {
 namespace {
@@ -148,6 +149,44 @@ TEST(WriterTest, TheLocaleHasNoSay) {
     const std::string sheet = Unzipped(bytes).at("xl/worksheets/sheet1.xml");
     EXPECT_NE(sheet.find("<v>1.5</v>"), sheet.npos);
     if (!isSet) std::puts("no locale with a decimal comma is installed: tried with a point only");
+}
+
+// Its parts stand in temporary files before they are packed, and are larger than what comes of
+// them.
+TEST(WriterTest, AWorkbookIsWholeOrThereIsNone) {
+    const auto write = [](std::string& bytes) {
+        WorkbookWriter writer("Lists", {"Fixed", "Not to be changed."});
+        bool isGood = writer.BeginSheet("First", kColumns, 1);
+        for (int i = 0; i < 2000 && isGood; ++i) {
+            isGood = writer.Write(std::vector<Cell>{
+                {.column = 1, .text = "Trend " + std::to_string(i)},
+                {.column = 2, .kind = CellKind::Number, .text = std::to_string(i)}});
+        }
+        isGood = isGood && writer.Finish([&](std::string_view piece) { bytes += piece; });
+        EXPECT_EQ(isGood, !writer.GetFault());
+        if (!isGood) {
+            EXPECT_EQ(writer.GetFault().kind, Fault::Kind::NotWritten);
+            EXPECT_TRUE(writer.GetFault().error);
+            EXPECT_FALSE(writer.GetFault().part.empty());
+        }
+        return isGood;
+    };
+    std::string whole;
+    ASSERT_TRUE(write(whole));
+    int failed = 0;
+    for (std::size_t room = whole.size() / 2; room < 8 * whole.size(); room += whole.size() / 4) {
+        std::string bytes;
+        const SmallDisk disk(room);
+        if (!write(bytes)) {
+            EXPECT_EQ(bytes, "");
+            ++failed;
+            continue;
+        }
+        WorkbookReader reader;
+        ASSERT_TRUE(reader.Open(bytes)) << room;
+        EXPECT_EQ(RowsOf(reader, 0).size(), 2001U) << room;
+    }
+    EXPECT_GT(failed, 3) << "rooms between the packed and the unpacked size";
 }
 
 }  // namespace

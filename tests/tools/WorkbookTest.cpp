@@ -4,6 +4,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "support/SmallDisk.h"
 #include "ToolTesting.h"
 
 namespace tools {
@@ -57,6 +58,45 @@ TEST(WorkbookTest, ItGoesOutAndComesBack) {
     EXPECT_EQ(damaged.status, kFailure);
     EXPECT_THAT(damaged.err, HasSubstr("This is no workbook of the format .xlsx"));
     EXPECT_THAT(damaged.err, EndsWith("Nothing has been changed.\n"));
+}
+
+// Under the name there is the whole or what was there before, beside it there is nothing.
+TEST(WorkbookTest, WhatFindsNoRoomLeavesTheOldFile) {
+    const ProjectCopy project(kBrewery);
+    constexpr std::size_t kLittle = 4096;  // enough for the messages and the lock file
+    for (const std::string format : {"csv", "json", "xlsx"}) {
+        const std::string file = project.Path("out." + format);
+        const auto run = [&](const std::string& to) {
+            return RunTool({"export", project.Path(), "--format", format, "-o", to});
+        };
+        ASSERT_EQ(run(file).status, kSuccess);
+        const auto size = ContentOf(file).size();
+        std::ofstream(file, std::ios::binary) << "old";
+        for (const std::size_t room : {kLittle, size / 2, size - 1}) {
+            SCOPED_TRACE(format + " " + std::to_string(room));
+            Outcome outcome;
+            {
+                const SmallDisk disk(room);
+                outcome = run(file);
+            }
+            EXPECT_EQ(outcome.status, kFailure);
+            // Those of a workbook lie elsewhere, and are larger.
+            const std::string what = format == "xlsx"
+                                         ? "The workbook cannot be made with temporary files in "
+                                         : '"' + file + "\" cannot be written: File too large";
+            EXPECT_THAT(outcome.err, HasSubstr(what));
+            EXPECT_EQ(ContentOf(file), "old");
+        }
+        const Outcome nowhere = run(file + "/out");
+        EXPECT_EQ(nowhere.status, kFailure);
+        EXPECT_THAT(nowhere.err, HasSubstr("\"" + file + "/out\" cannot be written: "));
+        EXPECT_EQ(ContentOf(file), "old");
+        std::filesystem::remove(file);
+    }
+    for (const auto& entry :
+         std::filesystem::directory_iterator(std::filesystem::path(project.Path()).parent_path())) {
+        EXPECT_EQ(entry.path().filename(), "project.kvs");
+    }
 }
 
 }  // namespace

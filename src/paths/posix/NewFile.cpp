@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 
 namespace paths {
 namespace {
@@ -23,18 +22,30 @@ std::FILE* OpenStream(const std::string& path, char mode) {
 std::error_code NewFile::Make() {
     struct stat info {};
     const bool isThere = ::stat(name_.c_str(), &info) == 0;
-    std::string temporary = name_ + ".XXXXXX";
-    const int file = ::mkostemp(temporary.data(), O_CLOEXEC);
-    if (file < 0) return LastError();
-    temporary_ = std::move(temporary);
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    const mode_t rights = isThere ? info.st_mode & 0777 : 0666 & ~mask;
-    if (::fchmod(file, rights) == 0) stream_ = ::fdopen(file, "w");
+    if (isThere && ::access(name_.c_str(), W_OK) != 0) return LastError();
+    constexpr int kTries = 100;
+    constexpr mode_t kAnyNewFile = 0666;  // less what the user never gives
+    int file = -1;
+    for (int i = 0; i < kTries && file < 0; ++i) {
+        temporary_ = name_ + '.' + std::to_string(::getpid()) + '-' + std::to_string(i);
+        file = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kAnyNewFile);
+        if (file >= 0 || errno == EEXIST) continue;
+        temporary_.clear();
+        return LastError();
+    }
+    if (file < 0) {
+        temporary_.clear();
+        return LastError();
+    }
+    if (!isThere || ::fchmod(file, info.st_mode & 0777) == 0) stream_ = ::fdopen(file, "w");
     if (stream_ != nullptr) return {};
     const std::error_code error = LastError();
     ::close(file);
     return error;
+}
+
+bool NewFile::IsQuota(const std::error_code& error) {
+    return error == std::error_code(EDQUOT, std::generic_category());
 }
 
 bool NewFile::SyncStream(std::FILE* stream) {

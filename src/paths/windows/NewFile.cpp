@@ -35,6 +35,11 @@ std::error_code NewFile::Make() {
     return {EEXIST, std::generic_category()};
 }
 
+bool NewFile::IsQuota(const std::error_code& error) {
+    constexpr int kDiskQuotaExceeded = 1295;  // not in every compiler's headers
+    return error == std::error_code(kDiskQuotaExceeded, std::system_category());
+}
+
 bool NewFile::SyncStream(std::FILE* stream) {
     return ::_commit(::_fileno(stream)) == 0;
 }
