@@ -17,8 +17,6 @@ using State = PlannedRow::State;
 
 /// The project is not what it was when the plan was made.
 struct Stale {};
-/// The user has thought better of it.
-struct GivenUp {};
 
 void Require(bool isSo) {
     if (!isSo) throw Stale();

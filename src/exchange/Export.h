@@ -28,7 +28,7 @@ public:
 struct Selection {
     std::vector<std::u16string> archives{};
     std::unordered_set<std::int32_t> archiveIds{};
-    // Only these; all of the archives when there are none.
+    // Only these; all of the archives when there are none. Without archives, theirs are meant.
     std::unordered_set<std::int32_t> trends{};
 };
 

@@ -93,6 +93,7 @@ InputRows::InputRows(ado::Connection& connection, Input& input, const ReadOption
     TakeHeadings(options);
     if (!options.isOpen) RequireKey();
     while (next()) {
+        if (options.goOn && !options.goOn(Count())) throw GivenUp();
         if (!std::all_of(record.begin(), record.end(), IsBlank)) Add(record, input.Line());
     }
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -18,12 +20,18 @@ struct ColumnChoice {
     std::u16string column;  // a heading of the sheet in any language; empty: it is left out
 };
 
+/// Hears, again and again, how many rows have been done; false gives it up, by the exception
+/// GivenUp. May be empty.
+using GoOn = std::function<bool(std::size_t rows)>;
+struct GivenUp {};
+
 /// How an input is taken.
 struct ReadOptions {
     std::optional<SheetKind> kind{};      // none: as the headings tell
     std::vector<ColumnChoice> columns{};  // what is chosen goes before what a heading says
     // Headings that no column has, or that stand twice, are left out, for somebody to assign them.
     bool isOpen = false;
+    GoOn goOn{};
 };
 /// What is to be taken for a heading: what is chosen for it, where the sheet has that column, or
 /// the heading itself.
@@ -34,7 +42,7 @@ struct ReadOptions {
 /// hundred thousand trends has millions of cells.
 class InputRows {
 public:
-    /// Reads to the end. Throws ado::AdoError.
+    /// Reads to the end. Throws ado::AdoError and GivenUp.
     InputRows(ado::Connection& connection, Input& input, const ReadOptions& options);
 
     [[nodiscard]] const Sheet& Columns() const noexcept { return *sheet_; }

@@ -104,18 +104,19 @@ struct Plan {
 /// trends.
 ///
 /// Nothing is written. Throws ado::AdoError for headings of which no sheet is made, and what the
-/// input itself is wrong with.
+/// input itself is wrong with, and GivenUp.
 [[nodiscard]] Plan MakePlan(ado::Connection& connection, Input& input, const PlanOptions& options,
                             const ReadOptions& reading = {});
 /// `before`: the archives' names of a moment ago; rows may still say them. May be null.
 [[nodiscard]] Plan MakePlan(ado::Connection& connection, const InputRows& input,
-                            const PlanOptions& options, const ArchiveNames* before = nullptr);
+                            const PlanOptions& options, const ArchiveNames* before = nullptr,
+                            const GoOn& goOn = {});
 
 /// The same for sheets that come in together: archives, then trends, which are planned as if the
 /// archives were done. For that they are done, in a transaction that is taken back; a project that
 /// can only be read is planned as well when there is nothing to do with its archives.
 [[nodiscard]] std::vector<Plan> MakePlans(ado::Connection& connection,
                                           std::span<const InputRows> sheets,
-                                          const PlanOptions& options);
+                                          const PlanOptions& options, const GoOn& goOn = {});
 
 }  // namespace exchange

@@ -39,8 +39,9 @@ private:
 class Planner {
 public:
     Planner(ado::Connection& connection, const InputRows& input, const PlanOptions& options,
-            const ArchiveNames* before)
+            const ArchiveNames* before, const GoOn& goOn)
         : options_(options),
+          goOn_(goOn),
           input_(input),
           sheet_(input_.Columns()),
           archives_(NamesOf(connection, before)),
@@ -86,6 +87,10 @@ private:
         row.given = given;
     }
 
+    void CountRow() {
+        if (goOn_ && !goOn_(++counted_)) throw GivenUp();
+    }
+
     /// All stored rows in one pass, each against the row that means it.
     void CompareStored() {
         stored_.Restart();
@@ -93,6 +98,7 @@ private:
         for (std::size_t at = 0; stored_.Next(); ++at) {
             const StoredRow& known = match_.Stored()[at];
             if (!known.input) continue;
+            CountRow();
             PlannedRow row{.line = input_.Line(*known.input),
                            .id = known.id,
                            .archiveId = known.archive,
@@ -250,6 +256,7 @@ private:
     void AddNewAndDoubtful() {
         for (std::size_t i = 0; i < input_.Count(); ++i) {
             if (match_.Of(i) != nullptr) continue;
+            CountRow();
             const RowMatch::Doubt& doubt = match_.DoubtOf(i);
             PlannedRow row{.state = doubt.state, .cause = doubt.cause, .line = input_.Line(i)};
             const auto textOf = [&](std::size_t column) {
@@ -393,6 +400,8 @@ private:
     }
 
     const PlanOptions& options_;
+    const GoOn& goOn_;
+    std::size_t counted_ = 0;
     const InputRows& input_;
     const Sheet& sheet_;
     ArchiveNames archives_;
@@ -427,9 +436,9 @@ Plan MakePlan(ado::Connection& connection, Input& input, const PlanOptions& opti
 }
 
 Plan MakePlan(ado::Connection& connection, const InputRows& input, const PlanOptions& options,
-              const ArchiveNames* before) {
+              const ArchiveNames* before, const GoOn& goOn) {
     input.RequireKey();
-    return Planner(connection, input, options, before).Make();
+    return Planner(connection, input, options, before, goOn).Make();
 }
 
 }  // namespace exchange

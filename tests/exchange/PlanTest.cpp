@@ -439,5 +439,35 @@ TEST(PlanTest, WhatIsOddStaysBesideAChange) {
     EXPECT_EQ(others.rows.at(0).problem, project::Problem::NotListed);
 }
 
+TEST(PlanTest, GivenUpWhileItReadsOrPlansItChangesNothing) {
+    Project project(KV_EXAMPLES "/Brauerei.kvs");
+    const std::string before = project.Bytes();
+    std::string text = Exported(project.connection, SheetKind::Trends);
+    text += ",Sudhaus,Neu\n";
+    for (const std::size_t last : {std::size_t{0}, std::size_t{100}, std::size_t{228}}) {
+        const GoOn until = [&](std::size_t rows) { return rows < last; };
+        EXPECT_THROW(std::ignore = Planned(project.connection, text, {}, csv::Encoding::Utf8,
+                                           {.goOn = until}),
+                     GivenUp);
+        Bytes bytes(text);
+        CsvInput input(bytes, {csv::Encoding::Utf8, 0});
+        const InputRows rows(project.connection, input, {});
+        EXPECT_THROW(std::ignore = MakePlans(project.connection, {&rows, 1}, {}, until), GivenUp);
+    }
+    EXPECT_TRUE(project.Bytes() == before);
+}
+
+// The archives that go with chosen trends are theirs.
+TEST(PlanTest, ChosenTrendsBringTheirArchivesAlone) {
+    Project project(KV_EXAMPLES "/Brauerei.kvs");
+    const auto lines = [&](SheetKind kind) {
+        const std::string text =
+            Exported(project.connection, kind, {}, "en", {.trends = {1, 2, 100}});
+        return std::count(text.begin(), text.end(), '\n') - 1;
+    };
+    EXPECT_EQ(lines(SheetKind::Trends), 3);
+    EXPECT_EQ(lines(SheetKind::Archives), 2);
+}
+
 }  // namespace
 }  // namespace exchange
