@@ -40,7 +40,7 @@ std::ptrdiff_t PlaceOf(const ado::Recordset& rows, std::string_view column) {
 
 /// What the user can do about it, and in brackets what only the English description knows.
 QString CauseOf(const ado::AdoError& error) {
-    const QString description = ToQString(error.Description());
+    QString description = ToQString(error.Description());
     if (error.Reason().cause == reasons::Cause::Unknown) return description;
     return u"%1 (%2)"_s.arg(texts::ReasonText(error.Reason()), description);
 }
