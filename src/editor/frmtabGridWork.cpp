@@ -1,5 +1,6 @@
 // What windows over the whole project ask of the editor window.
 
+#include <QLineEdit>
 #include <QScopedValueRollback>
 #include <QScopeGuard>
 
