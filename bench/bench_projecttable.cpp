@@ -28,6 +28,7 @@ public:
     bool ShowPlace(const projectdb::Place&) override { return false; }
     std::optional<QString> ChooseVariable(QWidget*, const QString&) override { return {}; }
     std::optional<QStringList> ChooseVariables(QWidget*, const QString&) override { return {}; }
+    void ExportTrends(const std::vector<std::int32_t>&, QWidget*) override {}
     void ShowHelpTopic(int, QWidget*) override {}
 
 private:

@@ -1,7 +1,7 @@
 #include "report/Paper.h"
 
 #include <QAbstractTextDocumentLayout>
-#include <QFile>
+#include <QPagedPaintDevice>
 #include <QPageLayout>
 #include <QPainter>
 #include <QTextDocument>
@@ -33,55 +33,56 @@ QFont PaperFont() {
     return font;
 }
 
-Paper::Paper(std::unique_ptr<QPrinter> printer, const ReportTexts& texts, QString header)
-    : printer_(std::move(printer)), texts_(texts), header_(std::move(header)) {
-    printer_->setPageOrientation(QPageLayout::Landscape);
-    printer_->setPageMargins(QMarginsF(12, 10, 12, 10), QPageLayout::Millimeter);
-    const QRectF paper = printer_->pageLayout().paintRect(QPageLayout::Inch);
+Paper::Paper(std::unique_ptr<PageTarget> target, const ReportTexts& texts, QString header)
+    : target_(std::move(target)), texts_(texts), header_(std::move(header)) {
+    QPagedPaintDevice& device = target_->Device();
+    device.setPageOrientation(QPageLayout::Landscape);
+    device.setPageMargins(QMarginsF(12, 10, 12, 10), QPageLayout::Millimeter);
+    const QRectF paper = device.pageLayout().paintRect(QPageLayout::Inch);
     body_ =
         QSizeF(paper.width() * kPointsPerInch, paper.height() * kPointsPerInch - 2 * kHeaderHeight);
 }
 
 Paper::~Paper() {
     if (done_) return;
-    const bool begun = painter_ != nullptr;
-    const QString file = printer_->outputFileName();
-    if (begun) printer_->abort();
+    if (painter_ != nullptr) target_->GiveUp();
     painter_.reset();
-    if (begun && !file.isEmpty()) QFile::remove(file);
 }
 
 void Paper::BeginDrawing(int pageCount) {
     pageCount_ = pageCount;
     page_ = 0;
     y_ = 0;
-    const QString file = printer_->outputFileName();
+    target_->RequireGood();
     painter_ = std::make_unique<QPainter>();
-    if (painter_->begin(printer_.get())) return;
+    if (painter_->begin(&target_->Device())) return;
     painter_.reset();
-    throw TaskError{
-        file.isEmpty()
-            ? texts_(Text::CannotPrint)
-            : texts_(Text::CannotWrite, {{u"file", file}, {u"cause", texts_(Text::CannotPrint)}})};
+    throw TaskError{texts_(Text::CannotPrint)};
 }
 
 void Paper::NextPage() {
-    if (painter_ && page_ > 0 && !printer_->newPage()) throw TaskError{texts_(Text::CannotPrint)};
+    if (painter_) target_->RequireGood();
+    if (painter_ && page_ > 0 && !target_->Device().newPage()) {
+        throw TaskError{texts_(Text::CannotPrint)};
+    }
     ++page_;
     y_ = 0;
     if (painter_) DrawMargins();
 }
 
 void Paper::End() {
-    done_ = painter_->end();
-    if (!done_) throw TaskError{texts_(Text::CannotPrint)};
+    const bool isDrawn = painter_->end();
+    painter_.reset();
+    if (!isDrawn) throw TaskError{texts_(Text::CannotPrint)};
+    target_->Finish();
+    done_ = true;
 }
 
 /// Header and number; the body's upper left corner is where drawing begins afterwards.
 void Paper::DrawMargins() {
     painter_->resetTransform();
     painter_->setClipping(false);
-    const qreal scale = printer_->resolution() / kPointsPerInch;
+    const qreal scale = target_->Device().logicalDpiX() / kPointsPerInch;
     painter_->scale(scale, scale);
     painter_->setFont(PaperFont());
     painter_->setPen(QColor(0x60, 0x60, 0x60));

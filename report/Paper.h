@@ -1,10 +1,10 @@
 #pragma once
 
 #include <memory>
-#include <QPrinter>
 #include <QSizeF>
 #include <QString>
 
+#include "report/PageTarget.h"
 #include "report/ReportTexts.h"
 
 class QPainter;
@@ -13,12 +13,11 @@ class QTextDocument;
 namespace report {
 
 /// Pages that are filled from top to bottom, with header and number, or that are only counted.
-/// Lengths are points of 96 an inch. A PDF file that has been begun is removed when it does not get
-/// done. Failures are report::TaskError.
+/// Lengths are points of 96 an inch. Failures are report::TaskError.
 class Paper {
 public:
-    /// The printer is set up but for paper and margins. `texts` is borrowed.
-    Paper(std::unique_ptr<QPrinter> printer, const ReportTexts& texts, QString header);
+    /// The target is set up but for orientation and margins. `texts` is borrowed.
+    Paper(std::unique_ptr<PageTarget> target, const ReportTexts& texts, QString header);
     ~Paper();
     Paper(const Paper&) = delete;
     Paper& operator=(const Paper&) = delete;
@@ -45,7 +44,7 @@ public:
 private:
     void DrawMargins();
 
-    std::unique_ptr<QPrinter> printer_;
+    std::unique_ptr<PageTarget> target_;
     std::unique_ptr<QPainter> painter_;
     const ReportTexts& texts_;
     QString header_;

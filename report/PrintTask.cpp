@@ -5,9 +5,9 @@
 namespace report {
 
 PrintTask::PrintTask(ProjectReader& reader, const ReportTexts& texts, const QString& projectPath,
-                     std::unique_ptr<QPrinter> printer)
+                     std::unique_ptr<PageTarget> target)
     : SectionTask(reader, texts, projectPath, HtmlWriter::Target::Print),
-      paper_(std::move(printer), texts, texts(Text::WindowTitle, {{u"project", projectPath}})),
+      paper_(std::move(target), texts, texts(Text::WindowTitle, {{u"project", projectPath}})),
       firstPages_(sections_.size()),
       counting_(reader.TrendCount() <= kTrendsToCount) {}
 

@@ -10,8 +10,7 @@
 
 namespace report {
 
-/// Prints the whole report, or writes it as PDF, each chapter beginning on a new page. A PDF file
-/// that has been begun is removed when it does not get done.
+/// Prints the whole report, or writes it as PDF, each chapter beginning on a new page.
 ///
 /// A report of at most kTrendsToCount trends is laid out twice: its table of contents has page
 /// numbers. A longer one would take too long for that.
@@ -19,9 +18,9 @@ class PrintTask final : public SectionTask {
 public:
     static constexpr std::size_t kTrendsToCount = 5000;
 
-    /// The printer is set up but for paper and margins, which the task chooses.
+    /// The target is set up but for orientation and margins, which the task chooses.
     PrintTask(ProjectReader& reader, const ReportTexts& texts, const QString& projectPath,
-              std::unique_ptr<QPrinter> printer);
+              std::unique_ptr<PageTarget> target);
     [[nodiscard]] QString Label() const override;
     [[nodiscard]] int Permille() const override;
 

@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPrintDialog>
+#include <QPrinter>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStatusBar>
@@ -221,12 +222,7 @@ void ReportWindow::ExportHtml(const QString& file) {
 
 void ReportWindow::ExportPdf(const QString& file) {
     if (!ready_ || IsBusy()) return;
-    auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
-    printer->setOutputFormat(QPrinter::PdfFormat);
-    printer->setOutputFileName(file);
-    printer->setPageSize(QPageSize(QPageSize::A4));
-    printer->setDocName(windowTitle());
-    Start(std::make_unique<PrintTask>(*reader_, texts_, shownPath_, std::move(printer)),
+    Start(std::make_unique<PrintTask>(*reader_, texts_, shownPath_, ToPdf(file, windowTitle())),
           texts_(Text::Written, {{u"file", file}}));
 }
 
@@ -240,7 +236,8 @@ void ReportWindow::actPrint_Triggered() {
     const QPointer<ReportWindow> alive(this);
     // The window may have gone with its parent while the dialog was open.
     if (dialog.exec() != QDialog::Accepted || !alive || !ready_ || IsBusy()) return;
-    Start(std::make_unique<PrintTask>(*reader_, texts_, shownPath_, std::move(printer)), {});
+    Start(std::make_unique<PrintTask>(*reader_, texts_, shownPath_, ToPrinter(std::move(printer))),
+          {});
 }
 
 QString ReportWindow::SuggestedFile(const QString& extension) const {

@@ -1,7 +1,9 @@
 #include "report/Tasks.h"
 
 #include <algorithm>
-#include <QFile>
+
+#include "projectdb/Text.h"
+#include "texts/ReasonText.h"
 
 namespace report {
 
@@ -15,6 +17,10 @@ int AsPermille(std::size_t done, std::size_t total) {
 }
 
 }  // namespace
+
+TaskError NotWritten(const std::error_code& why, const QString& file) {
+    return {texts::ReasonText({paths::NewFile::CauseOf(why), projectdb::ToUtf8(file)})};
+}
 
 ThreadTask::~ThreadTask() {
     isCancelled_ = true;
@@ -93,14 +99,11 @@ bool FindTask::DoSection(std::size_t index) {
 
 HtmlExportTask::HtmlExportTask(ProjectReader& reader, const ReportTexts& texts,
                                const QString& projectPath, const QString& file)
-    : SectionTask(reader, texts, projectPath, HtmlWriter::Target::File), file_(file) {}
+    : SectionTask(reader, texts, projectPath, HtmlWriter::Target::File), name_(file) {}
 
 bool HtmlExportTask::DoSection(std::size_t index) {
-    if (!file_.isOpen()) {
-        if (!file_.open(QIODevice::WriteOnly)) {
-            throw TaskError{texts_(Text::CannotWrite,
-                                   {{u"file", file_.fileName()}, {u"cause", file_.errorString()}})};
-        }
+    if (file_.Stream() == nullptr) {
+        Require(file_.Open(projectdb::ToUtf8(name_)));
         Write(writer_.FileHead());
     }
     Write(writer_.FileBody(sections_[index]));
@@ -109,20 +112,16 @@ bool HtmlExportTask::DoSection(std::size_t index) {
 
 bool HtmlExportTask::Finish() {
     Write(writer_.FileFoot());
-    // Committing alone does not tell that the last bytes, still in memory, find no room.
-    if (!file_.flush() || !file_.commit()) {
-        throw TaskError{texts_(Text::CannotWrite,
-                               {{u"file", file_.fileName()}, {u"cause", file_.errorString()}})};
-    }
+    Require(file_.TakeName());
     return true;
 }
 
 void HtmlExportTask::Write(const QString& html) {
-    const QByteArray bytes = html.toUtf8();
-    if (file_.write(bytes) != bytes.size()) {
-        throw TaskError{texts_(Text::CannotWrite,
-                               {{u"file", file_.fileName()}, {u"cause", file_.errorString()}})};
-    }
+    if (!file_.Write(projectdb::ToUtf8(html))) Require(file_.Error());
+}
+
+void HtmlExportTask::Require(const std::error_code& error) const {
+    if (error) throw NotWritten(error, name_);
 }
 
 }  // namespace report

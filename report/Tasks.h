@@ -5,9 +5,10 @@
 #include <functional>
 #include <future>
 #include <memory>
-#include <QSaveFile>
+#include <system_error>
 #include <vector>
 
+#include "paths/NewFile.h"
 #include "report/HtmlWriter.h"
 
 namespace report {
@@ -30,6 +31,9 @@ public:
 struct TaskError {
     QString text;
 };
+
+/// For a file that cannot be written.
+[[nodiscard]] TaskError NotWritten(const std::error_code& why, const QString& file);
 
 /// Work that cannot be done in portions: done in a thread, and waited for in portions. A task that
 /// is destroyed before its end ends the work, and waits for that.
@@ -124,8 +128,10 @@ private:
     bool DoSection(std::size_t index) override;
     bool Finish() override;
     void Write(const QString& html);
+    void Require(const std::error_code& error) const;
 
-    QSaveFile file_;
+    QString name_;
+    paths::NewFile file_;
 };
 
 }  // namespace report

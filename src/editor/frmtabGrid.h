@@ -17,6 +17,7 @@
 #include "projectdb/Hierarchy.h"
 #include "projectdb/IProjectWork.h"
 #include "texts/MResources.h"
+#include "transfer/FExport.h"
 
 class CDBLanguages;
 class CInit;
@@ -177,6 +178,7 @@ public:
                                                         const QString& current) override;
     [[nodiscard]] std::optional<QStringList> ChooseVariables(QWidget* owner,
                                                              const QString& current) override;
+    void ExportTrends(const std::vector<std::int32_t>& trends, QWidget* owner) override;
     void ShowHelpTopic(int topic, QWidget* owner) override;
     // projectdb::IStatusPanels
     [[nodiscard]] QString PanelText(int panel) const override;
@@ -243,6 +245,7 @@ private:
     void MakeTrendsByPattern();
     void DuplicateArchiveByPattern();
     void ExportRows();
+    void ShowExport(FExport::Selection selection, QWidget* owner);
     void ImportRows();
     /// Says something in the status bar for a while; nobody has to answer.
     void Hint(int text);

@@ -22,6 +22,7 @@
 #include "findings/FindingTexts.h"
 #include "guard/Guard.h"
 #include "icons/Icons.h"
+#include "platform/HelpTopics.h"
 #include "projectdb/Text.h"
 #include "texts/MResourceTable.h"
 
@@ -41,7 +42,7 @@ constexpr int kRowPadding = 4;  // pixels
 /// Keys of the editor window that mean the same here.
 bool IsEditorKey(const QKeyEvent& event) {
     const QKeyCombination keys(event.modifiers(), static_cast<Qt::Key>(event.key()));
-    static const QList<QKeyCombination> kept{Qt::Key_F1, Qt::CTRL | Qt::Key_Z, Qt::CTRL | Qt::Key_Y,
+    static const QList<QKeyCombination> kept{Qt::CTRL | Qt::Key_Z, Qt::CTRL | Qt::Key_Y,
                                              Qt::CTRL | Qt::SHIFT | Qt::Key_Z};
     return kept.contains(keys);
 }
@@ -388,6 +389,8 @@ void FindingPane::keyPressEvent(QKeyEvent* event) {
     const int key = event->key();
     if (key == Qt::Key_Escape || key == Qt::Key_F4) {
         emit LeaveWanted(key == Qt::Key_F4);
+    } else if (event->keyCombination() == QKeyCombination(Qt::Key_F1)) {
+        work_.ShowHelpTopic(platform::kHelpFindings, this);
     } else if (IsEditorKey(*event)) {
         event->ignore();
         return;

@@ -43,6 +43,7 @@ constexpr Topic kTopics[] = {
     {platform::kHelpPatterns, "patterns.html"},
     {platform::kHelpExchange, "exchange.html"},
     {platform::kHelpCompare, "compare.html"},
+    {platform::kHelpFindings, "findings.html"},
     {platform::kHelpOptionsCommon, "options.html#common"},
     {platform::kHelpOptionsTrendTable, "options.html#columns"},
     {platform::kHelpArchiveStandard, "archive-dialog.html#standard"},

@@ -24,6 +24,7 @@ inline constexpr int kHelpReplace = 30022;   // find and replace over the projec
 inline constexpr int kHelpPatterns = 30023;  // new trends by patterns
 inline constexpr int kHelpExchange = 30024;  // export and import for spreadsheets
 inline constexpr int kHelpCompare = 30025;   // the open project beside another one
+inline constexpr int kHelpFindings = 30026;  // what the check has found
 
 // Options dialog, a number for each page
 inline constexpr int kHelpOptionsCommon = 30010;

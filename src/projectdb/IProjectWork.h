@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 #include <string>
+#include <vector>
 
 #include "ado/Connection.h"
 
@@ -47,6 +48,8 @@ public:
     /// The same for several variables, where the host offers that.
     [[nodiscard]] virtual std::optional<QStringList> ChooseVariables(QWidget* owner,
                                                                      const QString& current) = 0;
+    /// Asks into which file the trends with these IDs go, and writes it.
+    virtual void ExportTrends(const std::vector<std::int32_t>& trends, QWidget* owner) = 0;
     /// Shows a topic of the help by its context number.
     virtual void ShowHelpTopic(int topic, QWidget* owner) = 0;
 };

@@ -174,6 +174,9 @@ void frmProjectTable::BuildActions() {
             WriteBlock(CellBlock::FillDown(tdbTable->SplitAt(1), true, texts_));
         }
     });
+    addCommand(Id::Export, [this] {
+        if (tdbTable->CommitPendingEdit()) work_.ExportTrends(ChosenTrends(), this);
+    });
     addCommand(Id::Find, [this] {
         txtFind->setFocus(Qt::ShortcutFocusReason);
         txtFind->selectAll();

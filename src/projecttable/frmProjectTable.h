@@ -90,6 +90,8 @@ private:
     void Copy();
     void Paste();
     void GoToEditor();
+    /// The selected ones; when there are none, those that the filters leave.
+    [[nodiscard]] std::vector<std::int32_t> ChosenTrends() const;
     void OpenContextMenu(const QPoint& position);
     void ShowError(const QString& text, const QString& details);
     void Hint(const QString& text);

@@ -70,13 +70,25 @@ void frmProjectTable::GoToEditor() {
     if (!work_.ShowPlace(place)) Hint(texts_.GetText(MResourceTable::kTextCellRowGone));
 }
 
+std::vector<std::int32_t> frmProjectTable::ChosenTrends() const {
+    std::vector<std::int32_t> ids;
+    for (const GridRowId id : tdbTable->SplitAt(1).SelectedRows()) {
+        ids.push_back(static_cast<std::int32_t>(id));
+    }
+    if (!ids.empty()) return ids;
+    for (int row = 0; row < trends_->rowCount(); ++row) {
+        ids.push_back(static_cast<std::int32_t>(trends_->IdAt(row)));
+    }
+    return ids;
+}
+
 void frmProjectTable::OpenContextMenu(const QPoint& position) {
     QMenu menu(this);
     menu.setObjectName(u"mnuContext"_s);
     for (const QString& name :
          {u"mnuGoTo"_s, u"mnuColumnFilter"_s, u"mnuReset"_s, QString(), u"mnuUndo"_s, u"mnuRedo"_s,
           QString(), u"mnuCopy"_s, u"mnuPaste"_s, u"mnuFill"_s, u"mnuFillCounting"_s, QString(),
-          u"mnuKeepView"_s, u"mnuRemoveView"_s, u"mnuRefresh"_s}) {
+          u"mnuExtra(9)"_s, u"mnuKeepView"_s, u"mnuRemoveView"_s, u"mnuRefresh"_s}) {
         if (name.isEmpty()) {
             menu.addSeparator();
         } else {

@@ -1,11 +1,14 @@
 #include "transfer/ExportJob.h"
 
-#include <QSaveFile>
+#include <system_error>
 
+#include "ado/AdoError.h"
 #include "ado/Connection.h"
 #include "ado/Recordset.h"
 #include "exchange/Workbook.h"
+#include "paths/NewFile.h"
 #include "project/Schema.h"
+#include "projectdb/Text.h"
 
 namespace transfer {
 namespace {
@@ -14,9 +17,6 @@ using exchange::SheetKind;
 
 /// The user has thought better of it.
 struct Cancelled {};
-/// The file does not take what is written.
-struct FileFault {};
-
 std::size_t RowsIn(ado::Connection& connection) {
     std::size_t rows = 0;
     for (const std::string_view table : {project::kArchiveTable, project::kTrendTable}) {
@@ -58,28 +58,27 @@ void ExportJob::run() {
         Write();
     } catch (const Cancelled&) {
         return;
-    } catch (const FileFault&) {
-        return;
     } catch (...) {
         failure_ = projectdb::Failure::Current();
     }
 }
 
 void ExportJob::Write() {
-    QSaveFile file(wish_.file);
-    const auto require = [&](bool isDone) {
-        if (isDone) return;
-        fileError_ = file.errorString();
-        throw FileFault();
+    const std::string name = projectdb::ToUtf8(wish_.file);
+    const auto require = [&](const std::error_code& error) {
+        if (!error) return;
+        throw ado::AdoError(ado::ErrorNumber::kUnspecified,
+                            '"' + name + "\" cannot be written: " + error.message() + '.',
+                            {paths::NewFile::CauseOf(error), name});
     };
-    require(file.open(QIODevice::WriteOnly));
+    paths::NewFile file;
+    require(file.Open(name));
     WriteSheets([&](std::string_view piece) {
         if (isCancelled_) throw Cancelled();
-        const auto size = static_cast<qint64>(piece.size());
-        require(file.write(piece.data(), size) == size);
+        if (!file.Write(piece)) require(file.Error());
     });
     if (isCancelled_) throw Cancelled();
-    require(file.commit());
+    require(file.TakeName());
     isWritten_ = true;
 }
 

@@ -43,9 +43,7 @@ public:
 
     // When it has finished; none of these when it was cancelled.
     [[nodiscard]] bool IsWritten() const noexcept { return isWritten_; }
-    /// Why the file could not be written, as the system says it.
-    [[nodiscard]] const QString& FileError() const noexcept { return fileError_; }
-    /// What has failed besides.
+    /// What has failed, in reading or in writing.
     [[nodiscard]] const std::optional<projectdb::Failure>& Failed() const noexcept {
         return failure_;
     }
@@ -64,7 +62,6 @@ private:
     std::atomic<std::size_t> all_ = 0;
     std::atomic<bool> isCancelled_ = false;
     bool isWritten_ = false;
-    QString fileError_;
     std::optional<projectdb::Failure> failure_;
 };
 

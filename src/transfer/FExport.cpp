@@ -263,9 +263,6 @@ void FExport::Write() {
         return Tell(isEncoding ? texts_.GetText(Text::NoCharacter) : job.Failed()->Text(),
                     job.Failed()->Details());
     }
-    if (!job.FileError().isEmpty()) {
-        return Tell(texts_.GetText(Text::NotWritten, {{u"file", file}}), job.FileError());
-    }
     if (!job.IsWritten()) return;
     transfer::Keep(
         {optXlsx_->isChecked(), Form(), QFileInfo(file).absolutePath(), kept_.importFolder});

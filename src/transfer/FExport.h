@@ -28,10 +28,11 @@ class QRadioButton;
 class FExport final : public QDialog {
     Q_OBJECT
 public:
-    /// What is selected in the editor window.
+    /// What is selected where the export is asked for.
     struct Selection {
         std::unordered_set<std::int32_t> trends{};
         std::int32_t archive = 0;  // that is open; 0: none
+        bool isChosen = false;     // it is asked for these trends, be it a single one
     };
 
     /// All are borrowed and outlive the window.

@@ -45,7 +45,8 @@ void FExport::Build() {
     layout->addLayout(BuildButtons());
     FillArchives();
     optSelected_->setEnabled(!selection_.trends.empty());
-    (selection_.trends.size() > 1 ? optSelected_ : optProject_)->setChecked(true);
+    const bool isSelected = selection_.isChosen || selection_.trends.size() > 1;
+    (isSelected ? optSelected_ : optProject_)->setChecked(true);
     (kept_.isWorkbook ? optXlsx_ : optCsv_)->setChecked(true);
     for (QRadioButton* option : {optSelected_, optArchives_, optProject_, optXlsx_, optCsv_}) {
         connect(option, &QRadioButton::toggled, this, [this](bool on) {

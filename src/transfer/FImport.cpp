@@ -11,13 +11,13 @@
 #include <QLocale>
 #include <QProgressDialog>
 #include <QPushButton>
-#include <QScopeGuard>
 #include <QSignalBlocker>
 #include <QTreeView>
 
 #include "ado/AdoError.h"
 #include "exchange/Apply.h"
 #include "guard/Guard.h"
+#include "guard/RowProgress.h"
 #include "messages/MessageBox.h"
 #include "platform/HelpTopics.h"
 #include "projectdb/Text.h"
@@ -36,7 +36,16 @@ using Text = MResourceTable::Exchange;
 constexpr int kTicksWithin = 150;        // milliseconds that make one plan of several ticks
 constexpr int kShowProgressAfter = 500;  // milliseconds
 constexpr std::size_t kRowsEach = 50;    // between two looks at Cancel
+constexpr std::size_t kReadEach = 500;   // likewise, while nothing is written
 constexpr int kMostOpen = 300;           // rows whose fields are shown at once
+
+/// Shows how far the reading has come; `all` is 0 where nobody knows.
+exchange::GoOn ProgressOf(RowProgress& progress, std::size_t all) {
+    return [show = progress.Function(), all](std::size_t rows) {
+        if (rows % kReadEach != 0) return true;
+        return show(static_cast<int>(all == 0 ? 0 : std::min(rows, all)), static_cast<int>(all));
+    };
+}
 
 }  // namespace
 
@@ -101,10 +110,13 @@ void FImport::ReadFile() {
     told_.clear();
     const QString name = txtFile_->text();
     const bool isUtf8 = cmbEncoding_->currentIndex() == 0;
-    messages::SetScreenPointer(messages::Pointer::Hourglass);
     try {
+        RowProgress progress(texts_, static_cast<int>(Text::Reading), this);
         file_ = transfer::ReadImportFile(work_.Connection(), name,
-                                         isUtf8 ? csv::Encoding::Utf8 : csv::Encoding::Windows1252);
+                                         isUtf8 ? csv::Encoding::Utf8 : csv::Encoding::Windows1252,
+                                         ProgressOf(progress, 0));
+    } catch (const exchange::GivenUp&) {
+        told_ = texts_.GetText(Text::PlanGivenUp);
     } catch (const transfer::BadEncoding& bad) {
         Refuse(texts_.GetText(Text::BadByte, {{u"file", name},
                                               {u"encoding", cmbEncoding_->currentText()},
@@ -116,13 +128,11 @@ void FImport::ReadFile() {
         Refuse(texts_.GetText(Text::FileRefused, {{u"file", name}}),
                QString::fromStdString(error.Description()));
     }
-    messages::SetScreenPointer(messages::Pointer::Default);
     ShowSheets();
     Plan();
 }
 
 void FImport::Refuse(const QString& text, const QString& details) {
-    messages::SetScreenPointer(messages::Pointer::Default);
     messages::ShowMessage({text, messages::MessageButtons::Ok, windowTitle(), details}, this);
 }
 
@@ -179,28 +189,44 @@ exchange::PlanOptions FImport::Options() const {
     return options;
 }
 
+/// None where the user gives it up.
+std::vector<exchange::Plan> FImport::MakePlans() {
+    const QString givenUp = texts_.GetText(Text::PlanGivenUp);
+    if (told_ == givenUp) told_.clear();
+    std::size_t rows = 0;
+    for (const exchange::InputRows& sheet : file_.sheets) rows += sheet.Count();
+    try {
+        RowProgress progress(texts_, static_cast<int>(Text::Planning), this);
+        return exchange::MakePlans(work_.Connection(), file_.sheets, Options(),
+                                   ProgressOf(progress, rows));
+    } catch (const exchange::GivenUp&) {
+        told_ = givenUp;
+        return {};
+    }
+}
+
+/// REQUIRES: they are of what the project holds now, or there are none.
+void FImport::ShowPlans(std::vector<exchange::Plan> plans) {
+    ado::Connection& connection = work_.Connection();
+    planned_ = connection.ContentNumber();
+    const int before = model_->rowCount();
+    model_->Take(connection, std::move(plans));
+    if (model_->rowCount() != before && model_->rowCount() <= kMostOpen) treePlan_->expandAll();
+}
+
 void FImport::Plan() {
     planning_.stop();
     const bool hasKeys = std::all_of(file_.sheets.begin(), file_.sheets.end(),
                                      [](const auto& sheet) { return sheet.HasKey(); });
-    messages::SetScreenPointer(messages::Pointer::Hourglass);
     Guard(u"FImport.Plan"_s, [&] {
-        const auto end =
-            qScopeGuard([] { messages::SetScreenPointer(messages::Pointer::Default); });
-        ado::Connection& connection = work_.Connection();
         std::vector<exchange::Plan> plans;
         try {
-            if (hasKeys && !file_.sheets.empty()) {
-                plans = exchange::MakePlans(connection, file_.sheets, Options());
-            }
+            if (hasKeys && !file_.sheets.empty()) plans = MakePlans();
         } catch (...) {
-            model_->Take(connection, {});  // nothing old is shown
+            ShowPlans({});  // nothing old is shown
             throw;
         }
-        planned_ = connection.ContentNumber();
-        const int before = model_->rowCount();
-        model_->Take(connection, std::move(plans));
-        if (model_->rowCount() != before && model_->rowCount() <= kMostOpen) treePlan_->expandAll();
+        ShowPlans(std::move(plans));
     });
     ShowState();
 }

@@ -59,6 +59,8 @@ private:
     void ShowColumns();
     void TakeKind();
     void Plan();
+    [[nodiscard]] std::vector<exchange::Plan> MakePlans();
+    void ShowPlans(std::vector<exchange::Plan> plans);
     void TakeTicks(const std::vector<transfer::PlanModel::Row>& rows, bool isWanted);
     void TickSelected();
     [[nodiscard]] exchange::PlanOptions Options() const;

@@ -12,8 +12,8 @@
 namespace transfer {
 namespace {
 
-exchange::ReadOptions OpenHeadings() {
-    return {.isOpen = true};
+exchange::ReadOptions OpenHeadings(const exchange::GoOn& goOn) {
+    return {.isOpen = true, .goOn = goOn};
 }
 
 /// Bytes that are in memory.
@@ -45,10 +45,11 @@ std::string BytesOf(const QString& name) {
     return bytes;
 }
 
-ImportFile ReadWorkbook(ado::Connection& connection, std::string bytes) {
+ImportFile ReadWorkbook(ado::Connection& connection, std::string bytes,
+                        const exchange::GoOn& goOn) {
     spreadsheet::WorkbookReader workbook;
     if (!workbook.Open(std::move(bytes))) Fail(workbook.GetFault().Text() + ".");
-    auto rows = exchange::ReadWorkbook(connection, workbook, OpenHeadings());
+    auto rows = exchange::ReadWorkbook(connection, workbook, OpenHeadings(goOn));
     ImportFile file{std::move(rows.sheets)};
     for (const std::string& sheet : rows.passedOver) {
         file.passedOver += projectdb::ToQString(sheet);
@@ -58,15 +59,17 @@ ImportFile ReadWorkbook(ado::Connection& connection, std::string bytes) {
 
 }  // namespace
 
-ImportFile ReadImportFile(ado::Connection& connection, const QString& name,
-                          csv::Encoding encoding) {
+ImportFile ReadImportFile(ado::Connection& connection, const QString& name, csv::Encoding encoding,
+                          const exchange::GoOn& goOn) {
     std::string bytes = BytesOf(name);
-    if (spreadsheet::LooksLikeWorkbook(bytes)) return ReadWorkbook(connection, std::move(bytes));
+    if (spreadsheet::LooksLikeWorkbook(bytes)) {
+        return ReadWorkbook(connection, std::move(bytes), goOn);
+    }
     Bytes source(std::move(bytes), projectdb::ToUtf8(name));
     exchange::CsvInput input(source, {encoding, '\0'});
     ImportFile file;
     try {
-        file.sheets.emplace_back(connection, input, OpenHeadings());
+        file.sheets.emplace_back(connection, input, OpenHeadings(goOn));
     } catch (const ado::AdoError&) {
         if (input.Bad()) throw BadEncoding{*input.Bad()};
         throw;

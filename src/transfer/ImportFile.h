@@ -20,8 +20,9 @@ struct BadEncoding {
     csv::BadByte place;
 };
 
-/// Reads all of it; `encoding` is that of CSV. Throws BadEncoding, and ado::AdoError for all else.
+/// Reads all of it; `encoding` is that of CSV. Throws BadEncoding, exchange::GivenUp, and
+/// ado::AdoError for all else.
 [[nodiscard]] ImportFile ReadImportFile(ado::Connection& connection, const QString& name,
-                                        csv::Encoding encoding);
+                                        csv::Encoding encoding, const exchange::GoOn& goOn);
 
 }  // namespace transfer

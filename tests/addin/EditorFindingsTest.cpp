@@ -6,7 +6,9 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QStatusBar>
+#include <QTableView>
 #include <QTableWidget>
+#include <QTextBrowser>
 #include <QToolButton>
 
 #include "addin/EditorTest.h"
@@ -116,6 +118,24 @@ TEST_F(EditorFindingsTest, TheListLeadsToTheCellAndBack) {
     List()->setFocus();
     Key(Qt::Key_Return);
     EXPECT_EQ(CurrentName(0), u"Chargen"_s);
+}
+
+TEST_F(EditorFindingsTest, F1InTheListShowsItsPage) {
+    OpenFaulty(u"ARCH1"_s);
+    ExpectCount(kFaults);
+    Key(Qt::Key_F4);
+    ASSERT_TRUE(List()->hasFocus());
+    QTest::keyClick(List(), Qt::Key_F1);
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto help = std::find_if(windows.begin(), windows.end(), [](const QWidget* window) {
+        return window->objectName() == u"frmHelp"_s && window->isVisible();
+    });
+    ASSERT_NE(help, windows.end());
+    EXPECT_TRUE((*help)
+                    ->findChild<QTextBrowser*>(u"txtPage"_s)
+                    ->source()
+                    .path()
+                    .endsWith(u"/findings.html"_s));
 }
 
 TEST_F(EditorFindingsTest, SafeCuresAreOneStep) {

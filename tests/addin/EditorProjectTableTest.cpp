@@ -5,31 +5,15 @@
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
-#include <QProgressDialog>
 #include <QPushButton>
+#include <QRadioButton>
 
 #include "addin/EditorTest.h"
+#include "support/CancelsProgress.h"
 
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-
-/// Presses Cancel as soon as a dialog of progress is made, however fast the machine is.
-class CancelsProgress final : public QObject {
-public:
-    CancelsProgress() { qApp->installEventFilter(this); }
-    bool hasCancelled = false;
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() != QEvent::WindowTitleChange) return false;
-        if (auto* progress = qobject_cast<QProgressDialog*>(watched)) {
-            progress->cancel();
-            hasCancelled = true;
-        }
-        return false;
-    }
-};
 
 /// The table over all archives, opened from the editor by its key.
 class EditorProjectTableTest : public EditorTest {
@@ -296,6 +280,37 @@ TEST_F(EditorProjectTableTest, LooksInBothLanguages) {
         CloseProject();
     }
     EXPECT_THAT(messages_, testing::IsEmpty());
+}
+
+TEST_F(EditorProjectTableTest, WhatIsChosenThereIsExported) {
+    OpenTable();
+    const QString file = project_ + u".csv"_s;
+    const auto exported = [&] {
+        AnswerDialog(
+            [&] { Press(Qt::Key_E, Qt::ControlModifier | Qt::ShiftModifier); },
+            [&](QDialog& dialog) {
+                ASSERT_EQ(dialog.objectName(), u"FExport"_s);
+                EXPECT_TRUE(dialog.findChild<QRadioButton*>(u"optSelected"_s)->isChecked());
+                dialog.findChild<QRadioButton*>(u"optCsv"_s)->click();
+                dialog.findChild<QLineEdit*>(u"txtFile"_s)->setText(file);
+                dialog.findChild<QPushButton*>(u"cmdOk"_s)->click();
+            });
+        QFile written(file);
+        EXPECT_TRUE(written.open(QIODevice::ReadOnly));
+        const QByteArray content = written.readAll();
+        written.remove();
+        return content;
+    };
+    GoTo(3, u"Unit"_s);
+    Press(Qt::Key_Space, Qt::ShiftModifier);
+    const QByteArray one = exported();
+    EXPECT_EQ(one.count('\n'), 2) << one.toStdString();
+    EXPECT_TRUE(one.contains(At(3, u"Runtime Name"_s).toUtf8()));
+    // Without a selection, what the filters leave.
+    GoTo(0, u"Unit"_s);
+    Filter(u"Unit"_s)->setText(u"=%"_s);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return Rows()->model()->rowCount() < 200; }));
+    EXPECT_EQ(exported().count('\n'), 1 + Rows()->model()->rowCount());
 }
 
 TEST_F(EditorProjectTableTest, AViewIsKeptAndATrendFoundInTheEditor) {

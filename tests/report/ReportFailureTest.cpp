@@ -1,9 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
-#include <csignal>
 #include <functional>
+#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
@@ -20,33 +19,13 @@
 #include "messages/MessageBox.h"
 #include "platform/Registry.h"
 #include "report/ReportWindow.h"
+#include "support/SmallDisk.h"
 
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
 using report::ReportWindow;
 using report::Section;
-
-/// No file may grow beyond a size; what is written behind it fails.
-class SmallDisk {
-public:
-    explicit SmallDisk(rlim_t bytes) : before_(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &limit_);
-        rlimit small = limit_;
-        small.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &small);
-    }
-    ~SmallDisk() {
-        setrlimit(RLIMIT_FSIZE, &limit_);
-        std::signal(SIGXFSZ, before_);
-    }
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-
-private:
-    void (*before_)(int);
-    rlimit limit_{};
-};
 
 class ReportFailureTest : public testing::Test {
 protected:
@@ -112,26 +91,44 @@ protected:
     std::unique_ptr<ReportWindow> window_;
 };
 
-// The last bytes reach the disk only when the file takes its place.
-TEST_F(ReportFailureTest, AFileThatCannotBeFinishedIsToldOfAndLeavesTheOldOne) {
+// Whether the first bytes find no room or the last: what was there stays, and nothing else.
+TEST_F(ReportFailureTest, AFileThatCannotBeWrittenIsToldOfAndLeavesTheOldOne) {
     CopyProject(QStringLiteral(KV_TEST_DATA "/Leer.kvs"));
     Read();
-    const QString target = folder_.filePath(u"report.html"_s);
-    window_->ExportHtml(target);
-    ASSERT_TRUE(Done());
-    const qint64 size = QFile(target).size();
-    {
-        const SmallDisk disk(static_cast<rlim_t>(size / 2));
-        window_->ExportHtml(target);
+    const struct {
+        const char16_t* name;
+        void (ReportWindow::*write)(const QString&);
+    } kinds[] = {{u"report.html", &ReportWindow::ExportHtml},
+                 {u"report.pdf", &ReportWindow::ExportPdf}};
+    for (const auto& kind : kinds) {
+        SCOPED_TRACE(QString::fromUtf16(kind.name).toStdString());
+        const QString target = folder_.filePath(QString::fromUtf16(kind.name));
+        const auto write = [&](const QString& file) { (window_.get()->*kind.write)(file); };
+        write(target);
+        ASSERT_TRUE(Done());
+        const qint64 size = QFile(target).size();
+        ASSERT_GT(size, 0);
+        ASSERT_TRUE(QFile(target).resize(1));
+        const QStringList before = QDir(folder_.path()).entryList();
+        for (const qint64 room : {qint64{0}, size / 2, size - 1}) {
+            messages_.clear();
+            {
+                const SmallDisk disk(static_cast<rlim_t>(room));
+                write(target);
+                EXPECT_FALSE(Done());
+            }
+            ASSERT_EQ(messages_.size(), 1) << room;
+            EXPECT_TRUE(messages_[0].contains(QFileInfo(target).fileName()));
+            EXPECT_TRUE(messages_[0].contains(u"full"_s)) << messages_[0].toStdString();
+            EXPECT_EQ(QFile(target).size(), 1);
+            EXPECT_EQ(QDir(folder_.path()).entryList(), before);
+        }
+        messages_.clear();
+        write(folder_.filePath(u"no/such/"_s) + QFileInfo(target).fileName());
         EXPECT_FALSE(Done());
+        ASSERT_EQ(messages_.size(), 1);
+        EXPECT_TRUE(messages_[0].contains(u"folder"_s)) << messages_[0].toStdString();
     }
-    ASSERT_EQ(messages_.size(), 1);
-    EXPECT_TRUE(messages_[0].contains(u"report.html"_s));
-    EXPECT_EQ(QFile(target).size(), size);
-    window_->ExportPdf(folder_.filePath(u"no/such/folder.pdf"_s));
-    EXPECT_FALSE(Done());
-    ASSERT_EQ(messages_.size(), 2);
-    EXPECT_TRUE(messages_[1].contains(u"folder.pdf"_s));
 }
 
 TEST_F(ReportFailureTest, APdfThatIsGivenUpInTheMiddleGoesAway) {
@@ -144,13 +141,14 @@ TEST_F(ReportFailureTest, APdfThatIsGivenUpInTheMiddleGoesAway) {
         }
     });
     Read();
-    const QString target = folder_.filePath(u"report.pdf"_s);
-    window_->ExportPdf(target);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return QFile::exists(target); }, 60000));
+    const auto files = [&] { return QDir(folder_.path()).entryList(QDir::Files); };
+    const QStringList before = files();
+    window_->ExportPdf(folder_.filePath(u"report.pdf"_s));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return files() != before; }, 60000));
     ASSERT_TRUE(window_->IsBusy()) << "so many sections take more than one portion";
     QTest::keyClick(window_.get(), Qt::Key_Escape);
     EXPECT_FALSE(window_->IsBusy());
-    EXPECT_FALSE(QFile::exists(target));
+    EXPECT_EQ(files(), before);
     EXPECT_EQ(messages_, QStringList());
 }
 

@@ -4,6 +4,7 @@
 #include <unistd.h>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
@@ -19,7 +20,9 @@
 
 #include "messages/MessageBox.h"
 #include "project/Rows.h"
+#include "support/CancelsProgress.h"
 #include "support/PrintQt.h"
+#include "support/SmallDisk.h"
 #include "transfer/FExport.h"
 #include "transfer/FImport.h"
 #include "transfer/PlanModel.h"
@@ -54,6 +57,7 @@ protected:
     bool ShowPlace(const projectdb::Place&) override { return false; }
     std::optional<QString> ChooseVariable(QWidget*, const QString&) override { return {}; }
     std::optional<QStringList> ChooseVariables(QWidget*, const QString&) override { return {}; }
+    void ExportTrends(const std::vector<std::int32_t>&, QWidget*) override {}
     void ShowHelpTopic(int, QWidget*) override {}
 
     [[nodiscard]] QString Path() const { return folder_.filePath(u"project.kvs"_s); }
@@ -249,7 +253,6 @@ TEST_P(TransferTest, AFileThatCannotBeWrittenStays) {
     job.start();
     job.wait();
     EXPECT_FALSE(job.IsWritten());
-    EXPECT_EQ(job.FileError(), QString());
     EXPECT_FALSE(job.Failed());
     EXPECT_EQ(Content(file), "old");
 }
@@ -400,6 +403,73 @@ TEST_P(TransferTest, AProjectThatHasChangedIsPlannedAnewAndNothingIsDone) {
     EXPECT_EQ(import.UnitCell(0, PlanModel::kWas), u"bar"_s);
     import.button->click();
     EXPECT_EQ(Unit(1), u"K"_s);
+}
+
+TEST_P(TransferTest, WhatFindsNoRoomLeavesTheOldFile) {
+    QStringList told;
+    const messages::MessageAnswer answer([&](const messages::Message& message) {
+        told << message.text;
+        return messages::MessageResult::Ok;
+    });
+    const struct {
+        const char16_t* file;
+        QString cause;
+    } cases[] = {{u"out.csv", Text(u"voll", u"full")},
+                 {u"out.xlsx", Text(u"voll", u"full")},
+                 {u"old/out.csv", Text(u"Ordner", u"folder")}};
+    const QString old = WriteFile(u"old"_s, "old");
+    for (const auto& each : cases) {
+        const QString name = QString::fromUtf16(each.file);
+        SCOPED_TRACE(name.toStdString());
+        told.clear();
+        if (!name.contains(u'/')) WriteFile(name, "old");
+        const QStringList before = QDir(folder_.path()).entryList();
+        FExport window(*this, texts_, {}, nullptr);
+        window.show();
+        window.findChild<QLineEdit*>(u"txtFile"_s)->setText(folder_.filePath(name));
+        {
+            const SmallDisk disk(1000);
+            window.findChild<QPushButton*>(u"cmdOk"_s)->click();
+        }
+        EXPECT_NE(window.result(), QDialog::Accepted);
+        ASSERT_FALSE(told.isEmpty());
+        EXPECT_TRUE(told.back().contains(each.cause)) << told.back().toStdString();
+        EXPECT_EQ(told.back().contains(name), name.endsWith(u"csv"_s))
+            << "else it is the folder of temporary files";
+        EXPECT_EQ(QDir(folder_.path()).entryList(), before);
+        EXPECT_EQ(Content(name.contains(u'/') ? old : folder_.filePath(name)), "old");
+    }
+}
+
+TEST_P(TransferTest, ReadingAndPlanningAreGivenUp) {
+    const QString file = WriteFile(
+        u"in.csv"_s, "ID,Archive,Runtime Name,Unit\n1,Sudhaus,Maischbottich Temperatur,K\n");
+    FImport window(*this, texts_, nullptr);
+    window.show();
+    const Import import(window);
+    const QString givenUp = Text(u"Abgebrochen", u"Given up");
+    {
+        const CancelsProgress cancels;
+        window.Open(file);
+        EXPECT_TRUE(cancels.hasCancelled);
+    }
+    EXPECT_TRUE(import.state->text().contains(givenUp)) << import.state->text().toStdString();
+    EXPECT_EQ(import.tree->model()->rowCount(), 0);
+    window.Open(file);
+    EXPECT_FALSE(import.state->text().contains(givenUp));
+    EXPECT_GT(import.tree->model()->rowCount(), 0);
+    {
+        // Something else is planned of what has been read.
+        const CancelsProgress cancels;
+        window.findChild<QCheckBox*>(u"chkDelete"_s)->click();
+        EXPECT_TRUE(cancels.hasCancelled);
+    }
+    EXPECT_TRUE(import.state->text().contains(givenUp));
+    EXPECT_EQ(import.tree->model()->rowCount(), 0);
+    EXPECT_FALSE(import.button->isEnabled());
+    window.findChild<QCheckBox*>(u"chkDelete"_s)->click();
+    EXPECT_TRUE(import.button->isEnabled());
+    EXPECT_FALSE(import.state->text().contains(givenUp));
 }
 
 TEST_P(TransferTest, AFileThatIsNoneIsToldOf) {
