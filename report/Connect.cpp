@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QWidget>
+#include <utility>
 
 #include "guard/Guard.h"
 #include "messages/MessageBox.h"
@@ -18,7 +19,11 @@ constexpr auto kTrendReport = "KVTrend"_L1;
 
 Connect::Connect(QObject* parent) : QObject(parent) {
     // A window without an owner must not outlive the application.
-    connect(qApp, &QCoreApplication::aboutToQuit, this, [this] { delete window_.data(); });
+    connect(qApp, &QCoreApplication::aboutToQuit, this, [this] {
+        for (const QPointer<ReportWindow>& window : std::exchange(windows_, {})) {
+            delete window.data();
+        }
+    });
 }
 
 Connect::~Connect() = default;
@@ -39,21 +44,27 @@ void Connect::ShowReport(QWidget* owner, const QString& projectPath, const QStri
                               messages::MessageButtons::Ok, texts(Text::ReportTitle), owner);
         return;
     }
-    if (window_ && (window_->ProjectPath() != projectPath || window_->parentWidget() != owner)) {
-        delete window_.data();
-    }
-    const bool isNew = !window_;
+    windows_.removeIf(
+        [](QHash<QString, QPointer<ReportWindow>>::iterator it) { return !it.value(); });
+    QPointer<ReportWindow> window = windows_.value(projectPath);
+    if (window && window->parentWidget() != owner) delete window.data();
+    const bool isNew = !window;
     if (isNew) {
-        window_ = new ReportWindow(registry_, projectPath, owner);
-        connect(window_, &ReportWindow::RowChosen, this, &Connect::RowChosen);
+        window = new ReportWindow(registry_, projectPath, owner);
+        windows_.insert(projectPath, window);
+        connect(window, &ReportWindow::RowChosen, this,
+                [this, projectPath](const QString& table, int id, const QString& column) {
+                    emit RowChosen(projectPath, table, id, column);
+                });
     }
-    if (!window_->Read()) {
-        if (isNew) delete window_.data();
+    window_ = window;
+    if (!window->Read()) {
+        if (isNew) delete window.data();
         return;
     }
-    window_->show();
-    window_->raise();
-    window_->activateWindow();
+    window->show();
+    window->raise();
+    window->activateWindow();
 }
 
 }  // namespace report

@@ -9,8 +9,10 @@
 
 namespace studio {
 
-/// The add-ins in the order in which they are asked, and the one place from which they are called:
-/// one call at a time, and no exception gets out of it.
+class ProjectAddIns;
+
+/// The add-ins that are loaded, in the order in which they are asked, and the one place from which
+/// they are called: one call at a time, for whichever project, and no exception gets out of it.
 class AddInSet {
 public:
     struct Failure {
@@ -35,27 +37,13 @@ public:
     /// True while an add-in is being called; a dialog of it may be running an event loop then.
     [[nodiscard]] bool InCall() const noexcept { return inCall_; }
 
-    /// Calls every add-in. An event that happens while an add-in is being called is dropped: the
-    /// contract promises one call at a time.
-    template <class Call>
-    void ForEach(const char* event, Call&& call) {
-        if (inCall_) return;
-        const CallScope scope(inCall_);
-        for (const Member& member : members_) {
-            try {
-                call(*member.addIn);
-            } catch (const std::exception& error) {
-                Report(member, event, QString::fromUtf8(error.what()));
-            } catch (...) {
-                Report(member, event, QStringLiteral("?"));
-            }
-        }
-    }
-
 private:
+    friend class ProjectAddIns;
+
     struct Member {
         QString progId;
-        KV4AddIn::CKV4Extensibility* addIn;
+        KV4AddIn::CKV4Extensibility* root;
+        ProjectAddIns* user = nullptr;  // the project that has the root object
     };
     class CallScope {
     public:
@@ -68,8 +56,19 @@ private:
         bool& flag_;
     };
 
-    void Report(const Member& member, const char* event, const QString& what) const {
-        if (onFailure_) onFailure_({member.progId, QString::fromLatin1(event), what});
+    /// REQUIRES: a CallScope.
+    template <class Call>
+    void Guarded(const QString& progId, const char* event, Call&& call) const {
+        try {
+            call();
+        } catch (const std::exception& error) {
+            Report(progId, event, QString::fromUtf8(error.what()));
+        } catch (...) {
+            Report(progId, event, QStringLiteral("?"));
+        }
+    }
+    void Report(const QString& progId, const char* event, const QString& what) const {
+        if (onFailure_) onFailure_({progId, QString::fromLatin1(event), what});
     }
 
     std::vector<Member> members_;

@@ -22,24 +22,28 @@ public:
         Gone,      // or cannot be reached
     };
     Q_ENUM(State)
+    /// Device and number of a file, the same under whatever name; nothing when it cannot be
+    /// reached.
+    using Identity = std::optional<std::pair<quint64, quint64>>;
+    [[nodiscard]] static Identity IdentityOf(const QByteArray& path);
 
     explicit FileWatch(QObject* parent = nullptr);
     ~FileWatch() override;
 
     /// From now on this file, as it is now; empty: none.
     void SetFile(const QString& nativePath);
+    /// The file as it was then.
+    [[nodiscard]] const Identity& Opened() const noexcept { return opened_; }
+
 signals:
     void Changed(FileWatch::State state);
 
 private:
-    /// Of a file, as long as it exists; nothing when it cannot be reached.
-    using Identity = std::optional<std::pair<quint64, quint64>>;
     /// What a thread has seen, which nobody waits for: it may outlive the window.
     struct Answer {
         Identity now;
         std::atomic<bool> isThere = false;
     };
-    [[nodiscard]] static Identity IdentityOf(const QByteArray& path);
     void Look();
 
     QTimer timer_;

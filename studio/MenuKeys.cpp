@@ -70,7 +70,8 @@ void MenuKeys::Update() {
         if (action->isVisible() && !letter.isEmpty()) taken.insert(letter);
     }
     for (const QMenuBar* bar : window_.findChildren<QMenuBar*>()) {
-        if (bar == first) continue;
+        // What lies in a tab that is not shown opens no menu.
+        if (bar == first || !bar->isVisibleTo(&window_)) continue;
         for (QAction* action : bar->actions()) {
             if (taken.contains(QKeySequence::mnemonic(action->text()))) {
                 Show(letters_, *action, WithoutLetter(action->text()));

@@ -35,7 +35,9 @@ bool StudioHost::ExpandNode(const QString& key) {
 }
 
 bool StudioHost::SelectNode(const QString& key) {
-    return tree_.HostSelect(key);
+    if (!tree_.HostSelect(key)) return false;
+    onSelect_();
+    return true;
 }
 
 std::optional<KV4AddIn::Node> StudioHost::SelectedNode() const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "KV4AddIn/KV4AddIn.h"
 
 namespace studio {
@@ -10,12 +12,17 @@ class ProjectTree;
 class ProjectTreeModel;
 
 /// What the studio offers to its add-ins: the project tree, the editor area, the variables.
-/// Everything is borrowed and outlives the host object.
+/// Everything is borrowed and outlives the host object. `onSelect` is told that an add-in leads the
+/// user to a node.
 class StudioHost final : public KV4AddIn::IHost, public KV4AddIn::IVariableHost {
 public:
     StudioHost(ProjectTreeModel& model, ProjectTree& tree, EditorArea& editors,
-               IVariableBrowser& variables) noexcept
-        : model_(model), tree_(tree), editors_(editors), variables_(variables) {}
+               IVariableBrowser& variables, std::function<void()> onSelect)
+        : model_(model),
+          tree_(tree),
+          editors_(editors),
+          variables_(variables),
+          onSelect_(std::move(onSelect)) {}
 
     void RegisterIcon(const QString& iconKey, const QIcon& picture) override;
     bool AddNode(const QString& parentKey, const QString& text, const QString& key,
@@ -39,6 +46,7 @@ private:
     ProjectTree& tree_;
     EditorArea& editors_;
     IVariableBrowser& variables_;
+    std::function<void()> onSelect_;
 };
 
 }  // namespace studio

@@ -42,4 +42,14 @@ QString StudioRegistry::ProjectFolder(const QString& projectName) {
     }
 }
 
+QString StudioRegistry::HelpFile() {
+    QString folder;
+    try {
+        folder = registry_.ReadString(u"SOFTWARE\\Brantor GmbH"_s, u"Common");
+    } catch (const platform::Error& error) {
+        qWarning("%s", error.what());
+    }
+    return folder + u"\\helpfiles\\Archivsystem.chm"_s;
+}
+
 }  // namespace studio

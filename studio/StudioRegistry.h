@@ -18,6 +18,8 @@ public:
     [[nodiscard]] std::optional<platform::Error> SetInterfaceLanguage(int lcid);
     /// The folder of a registered project; empty when there is none of this name.
     [[nodiscard]] QString ProjectFolder(const QString& projectName);
+    /// Where the station's help file would be installed, with backslashes.
+    [[nodiscard]] QString HelpFile();
 
 private:
     platform::Registry registry_;

@@ -1,13 +1,13 @@
 #include "studio/StudioWindow.h"
 
+#include <algorithm>
+#include <functional>
 #include <QActionGroup>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
 #include <QDropEvent>
 #include <QFileDialog>
-#include <QLabel>
-#include <QLibraryInfo>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
@@ -15,7 +15,6 @@
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTimer>
-#include <tuple>
 
 #include "icons/Icons.h"
 #include "messages/MessageBox.h"
@@ -23,12 +22,10 @@
 #include "studio/AddInsDialog.h"
 #include "studio/AddInSet.h"
 #include "studio/DemoProject.h"
-#include "studio/EditorArea.h"
 #include "studio/NewProject.h"
-#include "studio/ProjectTree.h"
-#include "studio/StudioHost.h"
+#include "studio/ProjectPage.h"
+#include "studio/ProjectTabs.h"
 #include "studio/StudioRegistry.h"
-#include "studio/WatchStrip.h"
 #include "texts/ReasonText.h"
 
 namespace studio {
@@ -41,9 +38,6 @@ constexpr int kQuitStepMs = 20;
 const QString kGeometryKey = u"Window/Geometry"_s;
 const QString kSplitterKey = u"Window/Splitter"_s;
 const QString kFolderKey = u"OpenFolder"_s;
-const QString kLastKey = u"Last/Project"_s;
-const QString kPlaceKey = u"Last/Place"_s;
-const QString kProjectIcon = u"icoStudioProject"_s;
 
 }  // namespace
 
@@ -55,22 +49,17 @@ StudioWindow::StudioWindow(StudioRegistry& registry, AddInSet& addIns,
       state_(state),
       recent_(state),
       backups_(state, this),
-      treeEvents_(addIns) {
+      help_(registry) {
     setObjectName(u"frmStudio"_s);
     setWindowIcon(icons::FixedIcon(u"kvstudio"));
     setAcceptDrops(true);
     messages::KeepTextsPlain(*this);
-    BuildAreas();
     BuildFileMenu();
     BuildOtherMenus();
     ReserveShortcuts();
     menuKeys_ = std::make_unique<MenuKeys>(*this);
+    BuildAreas();
     for (QMenu* menu : menuBar()->findChildren<QMenu*>()) menuKeys_->Watch(*menu);
-    // Queued: the editor's own menu is not there yet when it is taken in.
-    connect(
-        editors_->Container(), &EditorContainer::CurrentChanged, this,
-        [this] { menuKeys_->Update(); }, Qt::QueuedConnection);
-    host_ = std::make_unique<StudioHost>(model_, *tree_, *editors_, variables_);
     addIns_.SetFailureHandler([this](const AddInSet::Failure& failure) {
         const QString text = texts_(
             Text::StatusAddInError,
@@ -78,7 +67,6 @@ StudioWindow::StudioWindow(StudioRegistry& registry, AddInSet& addIns,
         qWarning("%s", qUtf8Printable(text));
         statusBar()->showMessage(text);
     });
-    connect(&watch_, &FileWatch::Changed, this, &StudioWindow::FileChanged);
     connect(&backups_, &BackupService::Taken, this, &StudioWindow::BackupTaken);
     ApplySettings();
     ApplyLanguage(registry_.InterfaceLanguage());
@@ -95,102 +83,11 @@ StudioWindow::StudioWindow(StudioRegistry& registry, AddInSet& addIns,
 }
 
 StudioWindow::~StudioWindow() {
-    CloseProject();
+    // Before what the pages know, and what their add-ins' failures are told with.
+    menuKeys_.reset();
+    tabs_->disconnect(this);
+    delete tabs_;
     addIns_.SetFailureHandler(nullptr);
-}
-
-bool StudioWindow::OpenProject(const QString& project) {
-    return Open(project, Opening::Anew);
-}
-
-bool StudioWindow::ShowProject(const QString& project) {
-    const bool isBusy = addIns_.InCall() || QApplication::activeModalWidget() != nullptr ||
-                        QApplication::activePopupWidget() != nullptr;
-    if (quitting_ || !isVisible() || isBusy) return false;
-    setWindowState(windowState() & ~Qt::WindowMinimized);
-    raise();
-    activateWindow();
-    if (project.isEmpty() || (project_ && project_->remembered == project)) return true;
-    QMetaObject::invokeMethod(
-        this, [this, project] { OpenProject(project); }, Qt::QueuedConnection);
-    return true;
-}
-
-bool StudioWindow::Open(const QString& project, Opening opening) {
-    if (addIns_.InCall()) {
-        statusBar()->showMessage(texts_(Text::StatusBusy), kStatusMs);
-        return false;
-    }
-    auto located = Locate(project, registry_, texts_);
-    if (const auto* message = std::get_if<QString>(&located)) {
-        Complain(*message);
-        return false;
-    }
-    CloseProject();
-    project_ = std::get<ProjectLocation>(std::move(located));
-    // Before anybody else hears of the project, and so before the first change.
-    if (opening == Opening::Anew && !project_->isReadOnly) backups_.Take(project_->nativePath);
-    variables_.SetProject(project_->nativePath);
-    watch_.SetFile(project_->nativePath);
-    model_.RegisterIcon(kProjectIcon, icons::Icon(u"project"));
-    model_.AddOwn(project_->shown, kProjectKey.toString(), kProjectIcon);
-    tree_->HostSelect(kProjectKey.toString());
-    ApplyProjectState();
-    recent_.Add(project_->remembered);
-    if (state_ != nullptr) state_->setValue(kLastKey, project_->remembered);
-    const Text opened = project_->isReadOnly ? Text::StatusOpenedReadOnly : Text::StatusOpened;
-    statusBar()->showMessage(texts_(opened, {{u"project", project_->shown}}), kStatusMs);
-    addIns_.ForEach("Initialize", [this](KV4AddIn::CKV4Extensibility& addIn) {
-        addIn.CKV4Extensibility_Initialize(project_->forAddIns, QString(), host_.get(), nullptr);
-    });
-    startupPending_ = true;
-    if (isVisible()) RaiseStartupComplete();
-    tree_->setFocus();
-    return true;
-}
-
-void StudioWindow::OpenLastProject() {
-    if (state_ == nullptr || !StoredSettings().reopen) return;
-    const QString project = state_->value(kLastKey).toString();
-    if (project.isEmpty() || !IsThere(project, registry_)) return;
-    // One that brings the studio down must not do so at every start.
-    state_->remove(kLastKey);
-    state_->sync();
-    const QStringList place = state_->value(kPlaceKey).toStringList();
-    if (OpenProject(project)) tree_->OpenAsUser(place);
-}
-
-void StudioWindow::mnuFileClose_Click() {
-    if (CloseProject() && state_ != nullptr) state_->remove(kLastKey);
-}
-
-bool StudioWindow::CloseProject() {
-    if (!project_) return true;
-    if (addIns_.InCall()) {
-        statusBar()->showMessage(texts_(Text::StatusBusy), kStatusMs);
-        return false;
-    }
-    addIns_.ForEach("Terminate", [](KV4AddIn::CKV4Extensibility& addIn) {
-        addIn.CKV4Extensibility_Terminate();
-    });
-    startupPending_ = false;
-    model_.Clear();
-    project_.reset();
-    variables_.SetProject({});
-    watch_.SetFile({});
-    strip_->hide();
-    // An add-in may have been waiting for a database when it was terminated.
-    messages::SetScreenPointer(messages::Pointer::Default);
-    ApplyProjectState();
-    statusBar()->showMessage(texts_(Text::StatusClosed), kStatusMs);
-    return true;
-}
-
-QString StudioWindow::FirstAddInNode() const {
-    for (const QString& key : model_.ChildKeys(QString()).value_or(QStringList())) {
-        if (key != kProjectKey) return key;
-    }
-    return {};
 }
 
 void StudioWindow::Quit() {
@@ -211,44 +108,42 @@ void StudioWindow::QuitStep() {
 }
 
 void StudioWindow::closeEvent(QCloseEvent* event) {
-    const QStringList place = tree_->SelectedPath();
-    if (project_ && state_ != nullptr) state_->setValue(kPlaceKey, place);
-    if (!CloseProject()) {
+    if (IsBusy()) {
         event->ignore();
         return;
     }
+    KeepSession();
+    // The one in front last: none of the others is to come to the front for that.
+    for (ProjectPage* page : tabs_->Pages()) {
+        if (page != &Page()) tabs_->Remove(*page);
+    }
+    Page().Close();
+    ApplyProjectState();
     SaveState();
     event->accept();
-}
-
-void StudioWindow::showEvent(QShowEvent* event) {
-    QMainWindow::showEvent(event);
-    RaiseStartupComplete();
 }
 
 void StudioWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::ThemeChange) ApplySettings();
-    if (event->type() == QEvent::ActivationChange && !isActiveWindow() && project_) {
-        addIns_.ForEach("Deactivate", [](KV4AddIn::CKV4Extensibility& addIn) {
-            addIn.CKV4Extensibility_Deactivate();
-        });
+    if (event->type() == QEvent::ActivationChange && !isActiveWindow()) {
+        Page().TellDeactivated();
     }
 }
 
 void StudioWindow::dragEnterEvent(QDragEnterEvent* event) {
     const QList<QUrl> urls = event->mimeData()->urls();
-    if (urls.size() == 1 && urls.front().isLocalFile()) event->acceptProposedAction();
+    const bool areFiles = std::all_of(urls.begin(), urls.end(), std::mem_fn(&QUrl::isLocalFile));
+    if (!urls.isEmpty() && areFiles) event->acceptProposedAction();
 }
 
 void StudioWindow::dropEvent(QDropEvent* event) {
-    const QList<QUrl> urls = event->mimeData()->urls();
-    if (urls.size() != 1) return;
     event->acceptProposedAction();
-    // Queued, so that the program the file comes from is not held up by a message.
-    QMetaObject::invokeMethod(
-        this, [this, file = urls.front().toLocalFile()] { OpenProject(file); },
-        Qt::QueuedConnection);
+    // Queued, so that the program the files come from is not held up by a message.
+    for (const QUrl& url : event->mimeData()->urls()) {
+        QMetaObject::invokeMethod(
+            this, [this, file = url.toLocalFile()] { OpenProject(file); }, Qt::QueuedConnection);
+    }
 }
 
 void StudioWindow::mnuFileNew_Click() {
@@ -265,7 +160,7 @@ void StudioWindow::OpenDemo() {
 }
 
 QString StudioWindow::ProjectFolder() const {
-    if (project_) return QFileInfo(project_->nativePath).path();
+    if (const auto& project = Page().Project()) return QFileInfo(project->nativePath).path();
     return state_ != nullptr ? state_->value(kFolderKey).toString() : QString();
 }
 
@@ -325,24 +220,13 @@ bool StudioWindow::ChangeLanguage(int lcid) {
         return false;
     }
     // The add-ins read the language when they are initialised.
-    WhileClosed(Content::Same, [this, lcid] { ApplyLanguage(lcid); });
+    WhileClosed(tabs_->Pages(), Content::Same, [this, lcid] { ApplyLanguage(lcid); });
     statusBar()->showMessage(texts_(Text::StatusLanguage), kStatusMs);
     return true;
 }
 
-bool StudioWindow::WhileClosed(Content content, const std::function<void()>& action) {
-    const std::optional<ProjectLocation> open = project_;
-    const QStringList place = tree_->SelectedPath();
-    if (content == Content::Same) {
-        addIns_.ForEach("GetMessage", [](KV4AddIn::CKV4Extensibility& addIn) {
-            std::ignore = addIn.CKV4Extensibility_GetMessage(KV4AddIn::kHostSender.toString(),
-                                                             KV4AddIn::kReopening.toString(), {});
-        });
-    }
-    if (!CloseProject()) return false;
-    action();
-    if (open && Open(open->remembered, Opening::Again)) tree_->OpenAsUser(place);
-    return true;
+void StudioWindow::mnuHelpContents_Click() {
+    help_.Show(this);
 }
 
 void StudioWindow::mnuHelpAddIns_Click() {
@@ -357,14 +241,6 @@ void StudioWindow::mnuHelpAbout_Click() {
     box.setTextFormat(Qt::RichText);
     box.setText(texts_(Text::AboutBody, {{u"version", QCoreApplication::applicationVersion()}}));
     box.exec();
-}
-
-void StudioWindow::RaiseStartupComplete() {
-    if (!startupPending_) return;
-    startupPending_ = false;
-    addIns_.ForEach("StartupComplete", [](KV4AddIn::CKV4Extensibility& addIn) {
-        addIn.CKV4Extensibility_StartupComplete();
-    });
 }
 
 void StudioWindow::Complain(const QString& message, const QString& details) {
@@ -385,15 +261,16 @@ void StudioWindow::RestoreState() {
     const bool restored =
         state_ != nullptr && restoreGeometry(state_->value(kGeometryKey).toByteArray());
     if (!restored) resize(1200, 760);
-    if (state_ == nullptr || !splMain_->restoreState(state_->value(kSplitterKey).toByteArray())) {
-        splMain_->setSizes({260, 940});
+    QSplitter& split = Page().Split();
+    if (state_ == nullptr || !split.restoreState(state_->value(kSplitterKey).toByteArray())) {
+        split.setSizes({260, 940});
     }
 }
 
 void StudioWindow::SaveState() {
     if (state_ == nullptr) return;
     state_->setValue(kGeometryKey, saveGeometry());
-    state_->setValue(kSplitterKey, splMain_->saveState());
+    state_->setValue(kSplitterKey, Page().Split().saveState());
     state_->sync();
 }
 

@@ -5,74 +5,69 @@
 #include <optional>
 #include <QMainWindow>
 #include <QTranslator>
+#include <variant>
 #include <vector>
 
 #include "studio/AddInLoader.h"
 #include "studio/BackupService.h"
-#include "studio/FileWatch.h"
+#include "studio/LastSession.h"
 #include "studio/MenuKeys.h"
 #include "studio/ProjectLocation.h"
-#include "studio/ProjectTreeModel.h"
 #include "studio/RecentProjects.h"
 #include "studio/SettingsDialog.h"
+#include "studio/StudioHelp.h"
 #include "studio/StudioTexts.h"
-#include "studio/TreeEvents.h"
-#include "studio/VariableBrowser.h"
 
 class QActionGroup;
 class QLabel;
 class QSettings;
-class QSplitter;
 
 namespace studio {
 
 class AddInSet;
-class EditorArea;
+class ProjectPage;
+class ProjectTabs;
 class ProjectTree;
 class StudioHost;
 class StudioRegistry;
-class WatchStrip;
 
-/// The studio's main window. At most one project is open; the add-ins are initialised when it is
-/// opened and terminated when it is closed, by the user or with the window.
+/// The studio's main window: what it holds for all projects, and the pages of those that are open
+/// beside each other. Menus, title and status bar belong to the page in front.
 class StudioWindow final : public QMainWindow {
     Q_OBJECT
 public:
-    /// Key of the studio's own node, which stands for the project itself.
-    static constexpr QStringView kProjectKey = u"PROJ";
-
     /// All are borrowed and outlive the window. `state` keeps the window's layout and the recent
     /// projects; null: nothing is kept.
     StudioWindow(StudioRegistry& registry, AddInSet& addIns, QList<AddInReport> addInReports,
                  QSettings* state);
     ~StudioWindow() override;
 
-    /// Opens a project file or a registered project in place of the one that is open. False after
-    /// a message when it cannot be opened; the project that was open stays open then.
+    /// Opens a project file or a registered project beside those that are open, or shows the page
+    /// that has it already. False after a message when it cannot be opened.
     bool OpenProject(const QString& project);
-    /// Comes to the front and, unless it is open already, opens the project that the user has asked
-    /// another program for; empty: none. False, and nothing happens, while an add-in or a dialog is
-    /// at work. Returns at once; messages come afterwards.
+    /// Comes to the front and opens the project that the user has asked another program for; empty:
+    /// none. False, and nothing happens, while an add-in or a dialog is at work. Returns at once;
+    /// messages come afterwards.
     [[nodiscard]] bool ShowProject(const QString& project);
-    /// Opens the project that was open at the end of the last session, where the user was, unless
-    /// he does not want that or the file is not there; without a word then.
-    void OpenLastProject();
-    /// False while an add-in is at work.
+    /// Opens what was open at the end of the last session, where the user was, unless he does not
+    /// want that. Files that are not there are told in one line.
+    void OpenLastSession();
+    /// Closes the project in front. False while an add-in is at work.
     bool CloseProject();
     /// Closes the window without asking anybody: dialogs and menus that are open, add-ins' too, are
     /// closed first, as the user would by Esc. Returns at once; the window goes as soon as no
     /// add-in is at work any more.
     void Quit();
-    [[nodiscard]] bool HasProject() const noexcept { return project_.has_value(); }
 
-    [[nodiscard]] ProjectTree& Tree() noexcept { return *tree_; }
-    [[nodiscard]] StudioHost& Host() noexcept { return *host_; }
+    // Of the project in front
+    [[nodiscard]] bool HasProject() const;
+    [[nodiscard]] ProjectTree& Tree() const;
+    [[nodiscard]] StudioHost& Host() const;
     /// Key of the first top-level node of an add-in; empty when there is none.
     [[nodiscard]] QString FirstAddInNode() const;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
-    void showEvent(QShowEvent* event) override;
     void changeEvent(QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -87,6 +82,7 @@ private slots:
     void mnuFileClose_Click();
     void mnuSettingsLanguage_Click(QAction* action);
     void mnuSettingsOptions_Click();
+    void mnuHelpContents_Click();
     void mnuHelpAddIns_Click();
     void mnuHelpAbout_Click();
 
@@ -98,6 +94,8 @@ private:
     };
 
     void BuildAreas();
+    ProjectPage& AddPage();
+    [[nodiscard]] ProjectPage& Page() const;
     void BuildFileMenu();
     void BuildOtherMenus();
     QMenu* AddMenu(const QString& name, Text text);
@@ -109,24 +107,30 @@ private:
     bool ChangeLanguage(int lcid);
     [[nodiscard]] Settings StoredSettings() const;
     void ApplySettings();
-    void FileChanged(FileWatch::State state);
     void ApplyProjectState();
     void ShowTitle();
     void ShowRecentInEmptyArea();
     /// A copy of the example that has been installed is the user's to try things out on.
     void OpenDemo();
-    /// A project that is opened anew is backed up, one that comes back at once is not.
-    enum class Opening { Anew, Again };
-    bool Open(const QString& project, Opening opening);
-    /// Closes the project, lets `action` run, and opens it again where the user was. False, and
-    /// nothing has been done, while an add-in is at work. The add-ins go on from there unless the
-    /// project has changed as a whole: steps of the one before mean nothing to it.
+    /// The page of the project, new or not, or what is to be told to the user. It is not shown yet.
+    [[nodiscard]] std::variant<ProjectPage*, QString> PageFor(const QString& project,
+                                                              const QStringList& place);
+    void PageChanged(ProjectPage* before);
+    /// False while an add-in is at work.
+    bool ClosePage(ProjectPage& page);
+    /// Closes the projects of `pages`, lets `action` run, and opens them again where the user was.
+    /// False, and nothing has been done, while an add-in is at work. The add-ins go on from there
+    /// unless the project has changed as a whole: steps of the one before mean nothing to it.
     enum class Content { Same, Changed };
-    bool WhileClosed(Content content, const std::function<void()>& action);
+    bool WhileClosed(const QList<ProjectPage*>& pages, Content content,
+                     const std::function<void()>& action);
+    [[nodiscard]] bool IsBusy();
+    void KeepSession();
+    /// Shows the project so many tabs further.
+    void Step(int tabs);
     void BackupTaken(const QString& project, const backups::Outcome& outcome);
     void RestoreBackup(const backups::Backup& backup);
     void CompareWith(const QString& file, const QString& name);
-    void RaiseStartupComplete();
     void QuitStep();
     void Complain(const QString& message, const QString& details = {});
     /// Where the user's projects are likely to be; empty when nothing tells.
@@ -141,23 +145,15 @@ private:
     QSettings* state_;
     RecentProjects recent_;
     BackupService backups_;
-    FileWatch watch_;
     StudioTexts texts_;
     QTranslator qtTexts_;  // for the buttons and dialogs that Qt brings
-    std::optional<ProjectLocation> project_;
-    bool startupPending_ = false;  // StartupComplete waits for the window to be shown
+    StudioHelp help_;
     bool quitting_ = false;
 
-    ProjectTreeModel model_;
-    TreeEvents treeEvents_;
-    VariableBrowser variables_{texts_};
-    std::unique_ptr<StudioHost> host_;
     std::vector<Caption> captions_;
+    QList<QKeySequence> reservedKeys_;  // no add-in gets them in the tree
     std::unique_ptr<MenuKeys> menuKeys_;
-    WatchStrip* strip_ = nullptr;
-    QSplitter* splMain_ = nullptr;
-    ProjectTree* tree_ = nullptr;
-    EditorArea* editors_ = nullptr;
+    ProjectTabs* tabs_ = nullptr;
     QLabel* lblProject_ = nullptr;
     QMenu* mnuFileRecent_ = nullptr;
     QAction* mnuFileOpen_ = nullptr;
@@ -165,6 +161,9 @@ private:
     QAction* mnuFileBackups_ = nullptr;
     QAction* mnuFileCompare_ = nullptr;
     QAction* mnuViewEditor_ = nullptr;
+    QAction* mnuViewNextProject_ = nullptr;
+    QAction* mnuViewPreviousProject_ = nullptr;
+    QAction* mnuHelpContents_ = nullptr;
     QActionGroup* languages_ = nullptr;
 };
 

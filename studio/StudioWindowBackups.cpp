@@ -9,9 +9,8 @@
 #include <QStringList>
 
 #include "messages/MessageBox.h"
-#include "studio/AddInSet.h"
 #include "studio/BackupsDialog.h"
-#include "studio/ProjectTree.h"
+#include "studio/ProjectPage.h"
 #include "studio/StudioWindow.h"
 #include "texts/ReasonText.h"
 
@@ -46,26 +45,27 @@ void StudioWindow::BackupTaken(const QString& project, const backups::Outcome& o
 }
 
 void StudioWindow::mnuFileBackups_Click() {
-    if (!project_) return;
-    BackupsDialog dialog(backups_, *project_, texts_, this);
+    if (!HasProject()) return;
+    const ProjectLocation project = *Page().Project();
+    BackupsDialog dialog(backups_, project, texts_, this);
     const int answer = dialog.exec();
     if (answer == QDialog::Accepted) RestoreBackup(dialog.Chosen());
     if (answer == BackupsDialog::kCompare) {
         const backups::Backup& backup = dialog.Chosen();
         CompareWith(QFile::decodeName(backup.path.c_str()),
                     texts_(Text::BackupOf,
-                           {{u"project", project_->shown}, {u"date", DateText(backup, texts_)}}));
+                           {{u"project", project.shown}, {u"date", DateText(backup, texts_)}}));
     }
 }
 
 void StudioWindow::mnuFileCompare_Click() {
-    if (!project_) return;
+    if (!HasProject()) return;
     const QString file = QFileDialog::getOpenFileName(this, texts_(Text::CompareTitle),
                                                       ProjectFolder(), texts_(Text::OpenFilter));
-    if (file.isEmpty() || !project_) return;
+    if (file.isEmpty() || !HasProject()) return;
     QString name = QFileInfo(file).completeBaseName();
     // Two of the same name are told apart by their folders.
-    if (name == QFileInfo(project_->nativePath).completeBaseName()) {
+    if (name == QFileInfo(Page().Project()->nativePath).completeBaseName()) {
         name = QDir::toNativeSeparators(file);
     }
     CompareWith(file, name);
@@ -73,26 +73,14 @@ void StudioWindow::mnuFileCompare_Click() {
 
 /// What projects hold is the add-ins' business.
 void StudioWindow::CompareWith(const QString& file, const QString& name) {
-    if (addIns_.InCall()) {
-        statusBar()->showMessage(texts_(Text::StatusBusy), kStatusMs);
-        return;
-    }
-    bool isShown = false;
-    addIns_.ForEach("GetMessage", [&](KV4AddIn::CKV4Extensibility& addIn) {
-        if (isShown) return;
-        isShown = addIn
-                      .CKV4Extensibility_GetMessage(KV4AddIn::kHostSender.toString(),
-                                                    KV4AddIn::kCompare.toString(),
-                                                    QStringList{file, name})
-                      .toBool();
-    });
-    if (!isShown) Complain(texts_(Text::CompareNobody));
+    if (IsBusy()) return;
+    if (!Page().Compare(file, name)) Complain(texts_(Text::CompareNobody));
 }
 
 void StudioWindow::RestoreBackup(const backups::Backup& backup) {
-    const ProjectLocation project = *project_;
+    const ProjectLocation project = *Page().Project();
     backups::Outcome outcome;
-    const bool isDone = WhileClosed(Content::Changed, [&] {
+    const bool isDone = WhileClosed({&Page()}, Content::Changed, [&] {
         messages::SetScreenPointer(messages::Pointer::Hourglass);
         outcome = backups_.Restore(project.nativePath, backup);
         messages::SetScreenPointer(messages::Pointer::Default);

@@ -6,17 +6,16 @@
 #include <QLabel>
 #include <QLibraryInfo>
 #include <QMenuBar>
-#include <QSplitter>
 #include <QStatusBar>
-#include <QVBoxLayout>
 
 #include "studio/AddInSet.h"
 #include "studio/DemoProject.h"
 #include "studio/EditorArea.h"
+#include "studio/ProjectPage.h"
+#include "studio/ProjectTabs.h"
 #include "studio/ProjectTree.h"
 #include "studio/StudioRegistry.h"
 #include "studio/StudioWindow.h"
-#include "studio/WatchStrip.h"
 #include "texts/Language.h"
 
 namespace studio {
@@ -29,38 +28,17 @@ constexpr int kRecentInEmptyArea = 5;
 }  // namespace
 
 void StudioWindow::BuildAreas() {
-    tree_ = new ProjectTree(model_, treeEvents_);
-    tree_->setMinimumWidth(120);
-    editors_ = new EditorArea;
-    splMain_ = new QSplitter(Qt::Horizontal);
-    splMain_->setObjectName(u"splMain"_s);
-    splMain_->addWidget(tree_);
-    splMain_->addWidget(editors_);
-    splMain_->setChildrenCollapsible(false);
-    splMain_->setStretchFactor(1, 1);
-    strip_ = new WatchStrip;
-    auto* middle = new QWidget;
-    auto* column = new QVBoxLayout(middle);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    column->addWidget(strip_);
-    column->addWidget(splMain_, 1);
-    setCentralWidget(middle);
-    connect(strip_, &WatchStrip::ReloadRequested, this,
-            [this] { WhileClosed(Content::Changed, [] {}); });
     lblProject_ = new QLabel;
     lblProject_->setObjectName(u"lblProject"_s);
     lblProject_->setTextFormat(Qt::PlainText);
     statusBar()->setObjectName(u"staStudio"_s);
     statusBar()->addPermanentWidget(lblProject_);
-    for (const auto changed : {&EditorContainer::CurrentChanged, &EditorContainer::TitleChanged}) {
-        connect(editors_->Container(), changed, this, &StudioWindow::ShowTitle);
-    }
-    connect(editors_, &EditorArea::NewRequested, this, &StudioWindow::mnuFileNew_Click);
-    connect(editors_, &EditorArea::DemoRequested, this, &StudioWindow::OpenDemo);
-    connect(editors_, &EditorArea::OpenRequested, this, &StudioWindow::mnuFileOpen_Click);
-    connect(editors_, &EditorArea::RecentRequested, this,
-            [this](const QString& project) { OpenProject(project); });
+    tabs_ = new ProjectTabs;
+    setCentralWidget(tabs_);
+    AddPage();
+    connect(tabs_, &ProjectTabs::CurrentChanged, this, &StudioWindow::PageChanged);
+    connect(tabs_, &ProjectTabs::CloseRequested, this,
+            [this](ProjectPage* page) { ClosePage(*page); });
 }
 
 QMenu* StudioWindow::AddMenu(const QString& name, Text text) {
@@ -111,15 +89,23 @@ void StudioWindow::BuildOtherMenus() {
     QMenu& view = *AddMenu(u"mnuView"_s, Text::MenuView);
     QAction* viewTree =
         AddAction(view, u"mnuViewTree"_s, Text::ViewTree, std::nullopt, Qt::ALT | Qt::Key_1);
-    connect(viewTree, &QAction::triggered, this, [this] { tree_->setFocus(); });
+    connect(viewTree, &QAction::triggered, this, [this] { Tree().setFocus(); });
     mnuViewEditor_ =
         AddAction(view, u"mnuViewEditor"_s, Text::ViewEditor, std::nullopt, Qt::ALT | Qt::Key_2);
-    connect(mnuViewEditor_, &QAction::triggered, this, [this] {
-        if (QWidget* editor = editors_->Container()->Current()) {
-            QWidget* last = editor->focusWidget();
-            (last != nullptr ? last : editor)->setFocus(Qt::ShortcutFocusReason);
-        }
-    });
+    connect(mnuViewEditor_, &QAction::triggered, this, [this] { Page().FocusEditor(); });
+    view.addSeparator();
+    // The table of the archive editor goes from archive to archive with Ctrl: there Alt is left.
+    mnuViewNextProject_ = AddAction(view, u"mnuViewNextProject"_s, Text::ViewNextProject,
+                                    std::nullopt, Qt::ALT | Qt::Key_PageDown);
+    mnuViewPreviousProject_ =
+        AddAction(view, u"mnuViewPreviousProject"_s, Text::ViewPreviousProject, std::nullopt,
+                  Qt::ALT | Qt::Key_PageUp);
+    mnuViewNextProject_->setShortcuts(
+        {mnuViewNextProject_->shortcut(), Qt::CTRL | Qt::Key_PageDown});
+    mnuViewPreviousProject_->setShortcuts(
+        {mnuViewPreviousProject_->shortcut(), Qt::CTRL | Qt::Key_PageUp});
+    connect(mnuViewNextProject_, &QAction::triggered, this, [this] { Step(+1); });
+    connect(mnuViewPreviousProject_, &QAction::triggered, this, [this] { Step(-1); });
 
     QMenu& settings = *AddMenu(u"mnuSettings"_s, Text::MenuSettings);
     QMenu* language = settings.addMenu(QString());
@@ -142,6 +128,9 @@ void StudioWindow::BuildOtherMenus() {
     connect(options, &QAction::triggered, this, &StudioWindow::mnuSettingsOptions_Click);
 
     QMenu& help = *AddMenu(u"mnuHelp"_s, Text::MenuHelp);
+    mnuHelpContents_ =
+        AddAction(help, u"mnuHelpContents"_s, Text::HelpContents, Text::HelpContentsTip);
+    connect(mnuHelpContents_, &QAction::triggered, this, &StudioWindow::mnuHelpContents_Click);
     QAction* addIns = AddAction(help, u"mnuHelpAddIns"_s, Text::HelpAddIns, Text::HelpAddInsTip);
     connect(addIns, &QAction::triggered, this, &StudioWindow::mnuHelpAddIns_Click);
     QAction* about = AddAction(help, u"mnuHelpAbout"_s, Text::HelpAbout, std::nullopt);
@@ -150,14 +139,13 @@ void StudioWindow::BuildOtherMenus() {
 }
 
 void StudioWindow::ReserveShortcuts() {
-    QList<QKeySequence> keys;
-    for (const Caption& caption : captions_) keys += caption.action->shortcuts();
-    tree_->SetReservedKeys(keys);
+    for (const Caption& caption : captions_) reservedKeys_ += caption.action->shortcuts();
 }
 
 void StudioWindow::ApplyLanguage(int lcid) {
     texts_ = StudioTexts(lcid);
     texts::SetInterfaceLanguage(static_cast<platform::Lcid>(texts_.Lcid()));
+    help_.SetLanguage(texts_.Lcid());
     QCoreApplication::removeTranslator(&qtTexts_);
     if (texts_.Lcid() == kGerman &&
         qtTexts_.load(u"qtbase_de"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
@@ -173,53 +161,60 @@ void StudioWindow::ApplyLanguage(int lcid) {
     }
     menuKeys_->Update();
     menuBar()->setAccessibleName(texts_(Text::StudioTitle));
-    tree_->setAccessibleName(texts_(Text::TreeName));
+    for (ProjectPage* page : tabs_->Pages()) page->ApplyLanguage();
+    tabs_->ShowTexts(texts_);
     ApplyProjectState();
 }
 
 /// What is being edited, of which project.
 void StudioWindow::ShowTitle() {
     const QString studio = texts_(Text::StudioTitle);
+    const auto& project = Page().Project();
     QStringList parts;
-    const QWidget* editor = editors_->Container()->Current();
-    if (project_ && editor != nullptr) parts += editor->windowTitle();
-    if (project_) {
-        parts += project_->isReadOnly
-                     ? texts_(Text::ReadOnlyProject, {{u"project", project_->shown}})
-                     : project_->shown;
+    const QWidget* editor = Page().Editors().Container()->Current();
+    if (project && editor != nullptr) parts += editor->windowTitle();
+    if (project) {
+        parts += project->isReadOnly ? texts_(Text::ReadOnlyProject, {{u"project", project->shown}})
+                                     : project->shown;
     }
     parts += studio;
     parts.removeAll(QString());
     setWindowTitle(parts.join(u" - "_s));
+    // An editor has help of its own, by the same key.
+    mnuHelpContents_->setShortcut(editor == nullptr ? QKeySequence(Qt::Key_F1) : QKeySequence());
 }
 
 void StudioWindow::ApplyProjectState() {
     using State = EditorArea::State;
     ShowTitle();
-    setWindowFilePath(project_ ? project_->nativePath : QString());
-    lblProject_->setText(project_ ? QFileInfo(project_->nativePath).fileName() : QString());
-    lblProject_->setToolTip(project_ ? project_->nativePath : QString());
-    mnuFileClose_->setEnabled(project_.has_value());
-    mnuFileBackups_->setEnabled(project_.has_value());
-    mnuFileCompare_->setEnabled(project_.has_value() && !addIns_.IsEmpty());
-    tree_->setEnabled(project_.has_value());
-    editors_->SetState(!project_           ? State::NoProject
-                       : addIns_.IsEmpty() ? State::NoAddIns
-                                           : State::NoEditor,
-                       texts_);
-    editors_->SetDemo(!DemoProject().isEmpty());
+    const auto& project = Page().Project();
+    const bool isOpen = project.has_value();
+    setWindowFilePath(isOpen ? project->nativePath : QString());
+    lblProject_->setText(isOpen ? QFileInfo(project->nativePath).fileName() : QString());
+    lblProject_->setToolTip(isOpen ? project->nativePath : QString());
+    for (QAction* action : {mnuFileClose_, mnuFileBackups_}) action->setEnabled(isOpen);
+    mnuFileCompare_->setEnabled(isOpen && !addIns_.IsEmpty());
+    const bool areSeveral = tabs_->Pages().size() > 1;
+    for (QAction* action : {mnuViewNextProject_, mnuViewPreviousProject_}) {
+        action->setEnabled(areSeveral);
+    }
+    Page().Editors().SetState(!isOpen             ? State::NoProject
+                              : addIns_.IsEmpty() ? State::NoAddIns
+                                                  : State::NoEditor,
+                              texts_);
+    Page().Editors().SetDemo(!DemoProject().isEmpty());
     ShowRecentInEmptyArea();
 }
 
 void StudioWindow::ShowRecentInEmptyArea() {
     QList<std::pair<QString, QString>> shown;
-    if (!project_) {
+    if (!HasProject()) {
         for (const QString& project : recent_.Items()) {
             if (shown.size() == kRecentInEmptyArea) break;
             if (IsThere(project, registry_)) shown.append({project, RecentCaption(project)});
         }
     }
-    editors_->SetRecent(shown, texts_);
+    Page().Editors().SetRecent(shown, texts_);
 }
 
 }  // namespace studio

@@ -1,11 +1,9 @@
-// What the user has set of the studio, and what happens to the project's file while it is open.
+// What the user has set of the studio.
 
-#include <QFileInfo>
 #include <QSettings>
 
 #include "studio/StudioWindow.h"
 #include "studio/Theme.h"
-#include "studio/WatchStrip.h"
 
 namespace studio {
 namespace {
@@ -37,7 +35,7 @@ void StudioWindow::ApplySettings() {
 }
 
 void StudioWindow::mnuSettingsOptions_Click() {
-    SettingsDialog dialog(StoredSettings(), project_.has_value(), texts_, this);
+    SettingsDialog dialog(StoredSettings(), HasProject(), texts_, this);
     connect(&dialog, &SettingsDialog::BackupsRequested, this, &StudioWindow::mnuFileBackups_Click);
     if (dialog.exec() != QDialog::Accepted) return;
     const Settings chosen = dialog.Chosen();
@@ -50,10 +48,6 @@ void StudioWindow::mnuSettingsOptions_Click() {
     }
     ApplyTheme(chosen.theme, chosen.textSize);
     ChangeLanguage(chosen.language);
-}
-
-void StudioWindow::FileChanged(FileWatch::State state) {
-    if (project_) strip_->Show(state, QFileInfo(project_->nativePath).fileName(), texts_);
 }
 
 }  // namespace studio

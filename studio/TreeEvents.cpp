@@ -4,7 +4,7 @@
 #include <QPoint>
 #include <span>
 
-#include "studio/AddInSet.h"
+#include "studio/ProjectAddIns.h"
 
 namespace studio {
 namespace {

@@ -8,7 +8,7 @@ class QPoint;
 
 namespace studio {
 
-class AddInSet;
+class ProjectAddIns;
 
 /// The virtual-key number of a key; 0 for a key that has none.
 [[nodiscard]] int VirtualKey(int qtKey, bool onKeypad);
@@ -24,7 +24,7 @@ class AddInSet;
 /// behind it are not asked then.
 class TreeEvents {
 public:
-    explicit TreeEvents(AddInSet& addIns) noexcept : addIns_(addIns) {}
+    explicit TreeEvents(ProjectAddIns& addIns) noexcept : addIns_(addIns) {}
 
     void Click(const KV4AddIn::Node& node);
     void DblClick(const KV4AddIn::Node& node);
@@ -39,7 +39,7 @@ public:
     [[nodiscard]] bool KeyUp(const KV4AddIn::Node& node, const QKeyEvent& event);
 
 private:
-    AddInSet& addIns_;
+    ProjectAddIns& addIns_;
 };
 
 }  // namespace studio

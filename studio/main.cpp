@@ -135,7 +135,7 @@ int main(int argc, char** argv) {
     if (!project.isEmpty()) {
         window.OpenProject(project);
     } else if (!isAlone) {
-        window.OpenLastProject();
+        window.OpenLastSession();
     }
     return QApplication::exec();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <QIcon>
 #include <QString>
@@ -168,6 +169,19 @@ public:
     /// A message of another add-in, passed on by the host, or of the host itself (kHostSender).
     virtual QVariant CKV4Extensibility_GetMessage(const QString& sender, const QString& message,
                                                   const QVariant& value) = 0;
+};
+
+/// What the root object of an add-in may offer beside CKV4Extensibility, found by dynamic_cast: an
+/// object for each of several projects that a host shows beside each other. Without it the add-in
+/// is there for one project at a time, and a host terminates it before it initialises it for
+/// another one.
+class IInstances {
+public:
+    virtual ~IInstances() = default;
+
+    /// One more object, which shares no project's state with the root object or another one. Never
+    /// null. It is the caller's, who terminates it before deleting it.
+    [[nodiscard]] virtual std::unique_ptr<CKV4Extensibility> MakeInstance() = 0;
 };
 
 }  // namespace KV4AddIn

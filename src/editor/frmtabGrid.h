@@ -209,7 +209,8 @@ protected:
 
 private slots:
     /// A row that the user has chosen in the report; connected to by name.
-    void ShowReportedRow(const QString& table, int id, const QString& column);
+    void ShowReportedRow(const QString& projectPath, const QString& table, int id,
+                         const QString& column);
 
 private:
     void BuildMenus();

@@ -56,11 +56,11 @@ void frmtabGrid::ShowReport() {
     if (!report_) {
         report_ = components.Load(u"KVProjectReport.Connect"_s).root;
         // Late bound, as the call is: another report may not tell of rows.
-        const bool tells =
-            report_ && report_->metaObject()->indexOfSignal("RowChosen(QString,int,QString)") >= 0;
+        const bool tells = report_ && report_->metaObject()->indexOfSignal(
+                                          "RowChosen(QString,QString,int,QString)") >= 0;
         if (tells) {
-            connect(report_, SIGNAL(RowChosen(QString, int, QString)), this,
-                    SLOT(ShowReportedRow(QString, int, QString)));
+            connect(report_, SIGNAL(RowChosen(QString, QString, int, QString)), this,
+                    SLOT(ShowReportedRow(QString, QString, int, QString)));
         }
     }
     const bool shown =
@@ -75,7 +75,10 @@ void frmtabGrid::ShowReport() {
     messages::ShowMessage(message, this);
 }
 
-void frmtabGrid::ShowReportedRow(const QString& table, int id, const QString& column) {
+/// The report tells all editors, those of other projects too.
+void frmtabGrid::ShowReportedRow(const QString& projectPath, const QString& table, int id,
+                                 const QString& column) {
+    if (projectPath != project_.projectPath) return;
     guard::Guard(u"frmtabGrid: ShowReportedRow"_s, [&] {
         const projectdb::Place place{projectdb::ToUtf8(table), id, projectdb::ToUtf8(column)};
         if (!ShowPlace(place)) Hint(texts_.GetText(MResourceTable::Replace::PlaceGone));

@@ -93,7 +93,8 @@ bool frmtabGrid::ShowPlace(const projectdb::Place& place) {
         if (owner.archive == 0 || !rows.SeekArchive(owner.archive)) return false;
     }
     const QString key = projectdb::ArchiveNodeKey(owner.archive);
-    if (key != project_.currentNodeKey) addIn_.SelectArchive(key);
+    // The node brings the host to this project where it shows another one.
+    if (key != project_.currentNodeKey || !isVisible()) addIn_.SelectArchive(key);
     window()->raise();
     window()->activateWindow();
     const int split = owner.trend != 0 ? 1 : 0;

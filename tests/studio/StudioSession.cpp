@@ -10,6 +10,7 @@
 #include "platform/ComponentRegistry.h"
 #include "studio/AddInLoader.h"
 #include "studio/ProjectTree.h"
+#include "studio/ProjectTreeModel.h"
 #include "support/User.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -55,7 +56,7 @@ StudioSession::~StudioSession() {
 }
 
 QWidget* StudioSession::Editor() const {
-    return window_->findChild<QWidget*>(u"frmtabGrid"_s);
+    return Find<QWidget>(u"frmtabGrid"_s);
 }
 
 QStringList StudioSession::ArchiveNodes() const {

@@ -3,6 +3,8 @@
 #include <memory>
 #include <QSettings>
 #include <QStringList>
+#include <QWidget>
+#include <type_traits>
 
 #include "studio/AddInSet.h"
 #include "studio/StudioRegistry.h"
@@ -21,9 +23,16 @@ public:
     [[nodiscard]] studio::StudioWindow& Window() { return *window_; }
     /// Null before the first use.
     [[nodiscard]] QWidget* Editor() const;
+    /// Of the project in front.
     template <typename Widget>
     [[nodiscard]] Widget* Find(const QString& name) const {
-        return window_->findChild<Widget*>(name);
+        const QList<Widget*> all = window_->findChildren<Widget*>(name);
+        if constexpr (std::is_base_of_v<QWidget, Widget>) {
+            for (Widget* one : all) {
+                if (one->isVisibleTo(window_.get())) return one;
+            }
+        }
+        return all.value(0);
     }
 
     // --- the project's tree

@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QSettings>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -108,13 +109,13 @@ protected:
 };
 
 TEST_F(StudioSettingsTest, TheLastProjectComesBackWhereTheUserWas) {
-    window_->OpenLastProject();
+    window_->OpenLastSession();
     EXPECT_FALSE(window_->HasProject()) << "there has been none";
     ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
     window_->Tree().ClickAsUser(u"SMP0"_s);
     window_->Tree().ClickAsUser(u"SMPL2"_s);
     Start();
-    window_->OpenLastProject();
+    window_->OpenLastSession();
     ASSERT_TRUE(window_->HasProject());
     ASSERT_TRUE(window_->Tree().SelectedNode());
     EXPECT_EQ(window_->Tree().SelectedNode()->key, u"SMPL2"_s);
@@ -122,12 +123,12 @@ TEST_F(StudioSettingsTest, TheLastProjectComesBackWhereTheUserWas) {
     // Nor what the user has closed himself, or does not want, or what is not there: no word of it.
     Find<QAction>(u"mnuFileClose"_s)->trigger();
     Start();
-    window_->OpenLastProject();
+    window_->OpenLastSession();
     EXPECT_FALSE(window_->HasProject());
     ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
     Set([](QDialog& dialog) { dialog.findChild<QCheckBox*>(u"chkReopen"_s)->setChecked(false); });
     Start();
-    window_->OpenLastProject();
+    window_->OpenLastSession();
     EXPECT_FALSE(window_->HasProject());
     Set([](QDialog& dialog) { dialog.findChild<QCheckBox*>(u"chkReopen"_s)->setChecked(true); });
     ASSERT_TRUE(QFile::rename(Path(u"Anlage.kvs"_s), Path(u"Woanders.kvs"_s)));
@@ -137,9 +138,11 @@ TEST_F(StudioSettingsTest, TheLastProjectComesBackWhereTheUserWas) {
         ++told;
         return messages::MessageResult::Ok;
     });
-    window_->OpenLastProject();
+    window_->OpenLastSession();
     EXPECT_FALSE(window_->HasProject());
     EXPECT_EQ(told, 0);
+    EXPECT_EQ(window_->statusBar()->currentMessage(),
+              u"Nicht wieder geöffnet, weil nicht zu erreichen: "_s + Path(u"Anlage.kvs"_s));
 }
 
 TEST_F(StudioSettingsTest, ColoursAndTheSizeOfLettersAreKept) {
@@ -194,6 +197,7 @@ TEST_F(StudioSettingsTest, WhatBecomesOfTheFileIsSaidWithoutAQuestion) {
     EXPECT_TRUE(says(u"ersetzt"_s));
     addIn_.Take();
     Find<QPushButton>(u"cmdReload"_s)->click();
+    QCoreApplication::processEvents();
     EXPECT_THAT(addIn_.Take(), Contains(u"Terminate"_s));
     EXPECT_TRUE(window_->HasProject());
     EXPECT_FALSE(strip->isVisible());
@@ -204,7 +208,7 @@ TEST_F(StudioSettingsTest, TheStartPageLeadsToRecentProjectsOneControlEach) {
     ASSERT_TRUE(window_->OpenProject(Path(u"Zwei & drei.kvs"_s)));
     ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
     EXPECT_FALSE(Find<QPushButton>(u"cmdNew"_s)->isVisible());
-    ASSERT_TRUE(window_->CloseProject());
+    for (int open = 0; open < 2; ++open) ASSERT_TRUE(window_->CloseProject());
     QCoreApplication::processEvents();
     for (const QString& link : {u"cmdNew"_s, u"cmdOpen"_s, u"cmdRecent(0)"_s, u"cmdRecent(1)"_s}) {
         auto* button = Find<QPushButton>(link);

@@ -11,6 +11,7 @@
 
 #include "studio/AddInSet.h"
 #include "studio/ProjectTree.h"
+#include "studio/ProjectTreeModel.h"
 #include "studio/RecordingAddIn.h"
 #include "studio/StudioHost.h"
 #include "studio/StudioRegistry.h"
@@ -174,8 +175,11 @@ TEST_F(TreeEventsTest, KeyboardSelectionRaisesOneNodeClick) {
 }
 
 TEST_F(TreeEventsTest, UsedKeysGoNoFurther) {
-    Use();
     addIns_.Add(u"Second"_s, second_);
+    ASSERT_TRUE(window_->CloseProject());
+    ASSERT_TRUE(window_->OpenProject(QStringLiteral(KV_TEST_DATA "/Leer.kvs")));
+    Use();
+    second_.Take();
     addIn_.usedKeys = {40};
     addIn_.usedChars = {'p'};
     QTest::keyClick(tree_, Qt::Key_Down);

@@ -255,8 +255,8 @@ bool CellEdit::eventFilter(QObject* watched, QEvent* event) {
             // These belong to the edit, whatever the window has bound to them.
             const auto* pressed = static_cast<QKeyEvent*>(event);
             const int key = pressed->key();
-            const bool sorts = key == Qt::Key_O && pressed->modifiers() == Qt::ControlModifier;
-            if (key != Qt::Key_Escape && key != Qt::Key_F2 && key != Qt::Key_F6 && !sorts) {
+            if (key != Qt::Key_Escape && key != Qt::Key_F2 && key != Qt::Key_F6 &&
+                !GridView::KeepsWithControl(*pressed)) {
                 return false;
             }
             event->accept();

@@ -21,15 +21,20 @@ Qt::KeyboardModifiers Held(const QKeyEvent& event) {
 
 }  // namespace
 
-// Space, plain letters and the key that sorts must reach keyPressEvent even where the window, or
-// the host's window around it, has shortcuts on them.
+bool GridView::KeepsWithControl(const QKeyEvent& event) {
+    const int key = event.key();
+    return Held(event) == Qt::ControlModifier &&
+           (key == Qt::Key_O || key == Qt::Key_PageUp || key == Qt::Key_PageDown);
+}
+
+// Space, plain letters and the grid's keys with Ctrl must reach keyPressEvent even where the
+// window, or the host's window around it, has shortcuts on them.
 bool GridView::event(QEvent* event) {
     if (event->type() == QEvent::ShortcutOverride) {
         const auto* key = static_cast<QKeyEvent*>(event);
-        const bool sorts = key->key() == Qt::Key_O && Held(*key) == Qt::ControlModifier;
         const bool types = !(Held(*key) & ~Qt::KeyboardModifiers(Qt::ShiftModifier)) &&
                            !key->text().isEmpty() && key->text().front().isPrint();
-        if (sorts || types) {
+        if (types || KeepsWithControl(*key)) {
             event->accept();
             return true;
         }

@@ -100,6 +100,9 @@ public:
     void DoubleClickCell(const QModelIndex& cell, const QRect& rect, QMouseEvent* event);
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    /// With Ctrl, the grid's own keys whatever the window has bound to them, also while one of its
+    /// cells is being edited.
+    [[nodiscard]] static bool KeepsWithControl(const QKeyEvent& event);
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
 
 signals:
