@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "messages/LabelEdges.h"
 #include "studio/StudioTexts.h"
 #include "texts/Language.h"
 
@@ -52,7 +53,6 @@ SettingsDialog::SettingsDialog(const Settings& settings, bool hasProject, const 
     connect(cmdBackups, &QPushButton::clicked, this, &SettingsDialog::BackupsRequested);
 
     auto* form = new QFormLayout;
-    form->setHorizontalSpacing(12);
     form->addRow(texts(Text::SettingsLanguageLabel), cmbLanguage_);
     form->addRow(texts(Text::SettingsTheme), cmbTheme_);
     form->addRow(texts(Text::SettingsTextSize), spnTextSize_);
@@ -68,6 +68,7 @@ SettingsDialog::SettingsDialog(const Settings& settings, bool hasProject, const 
     layout->addLayout(form);
     layout->addStretch();
     layout->addWidget(buttons);
+    messages::AlignLabels(*this);
 }
 
 Settings SettingsDialog::Chosen() const {

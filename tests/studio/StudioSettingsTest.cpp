@@ -8,7 +8,9 @@
 #include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QFile>
+#include <QImage>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QSettings>
 #include <QStatusBar>
@@ -63,6 +65,38 @@ TEST(ThemeTest, EveryThemeCanBeReadByThoseWhoSeeLittle) {
                 << pair.ground;
         }
     }
+}
+
+TEST(ThemeTest, FramesOfFieldsCanBeSeen) {
+    for (const Theme theme : {Theme::Light, Theme::Dark, Theme::Contrast}) {
+        ApplyTheme(theme, 0);
+        QLineEdit line;
+        QComboBox list;
+        list.setEditable(true);
+        QDoubleSpinBox number;
+        for (QWidget* field : {static_cast<QWidget*>(&line), static_cast<QWidget*>(&list),
+                               static_cast<QWidget*>(&number)}) {
+            field->resize(160, 28);
+            const QImage picture = field->grab().toImage();
+            const QColor ground = field->palette().color(QPalette::Base);
+            double best = 0;
+            for (int x = 0; x < 3; ++x) {
+                best = std::max(best, colours::Contrast(picture.pixelColor(x, 14), ground));
+            }
+            EXPECT_GE(best, colours::kForMarks)
+                << "theme " << static_cast<int>(theme) << ", " << field->metaObject()->className();
+        }
+        QCheckBox box;
+        box.resize(40, 20);
+        const QImage picture = box.grab().toImage();
+        double best = 0;
+        for (int x = 0; x < 6; ++x) {
+            best = std::max(best, colours::Contrast(picture.pixelColor(x, 10),
+                                                    box.palette().color(QPalette::Base)));
+        }
+        EXPECT_GE(best, colours::kForMarks) << "theme " << static_cast<int>(theme) << ", box";
+    }
+    ApplyTheme(Theme::System, 0);
 }
 
 class StudioSettingsTest : public testing::Test {
