@@ -217,6 +217,7 @@ private:
     void BuildStatusBar();
     [[nodiscard]] QWidget* BuildFindings();
     void ShowFindingCount();
+    void ShowFindingsKey();
     /// With the keyboard in the list.
     void ShowFindings(bool show);
     void ToggleFindings();
