@@ -1,6 +1,7 @@
 #include "report/ReportTexts.h"
 
 #include "platform/Error.h"
+#include "platform/Locale.h"
 #include "platform/Registry.h"
 
 namespace report {
@@ -11,7 +12,7 @@ ReportTexts::ReportTexts(platform::Registry& registry) {
     } catch (const platform::Error&) {
         // There are texts all the same; whoever needs the registry's other values tells.
     }
-    locale_ = QLocale(table_.Language().locale);
+    locale_ = platform::NumberLocale(QLocale(table_.Language().locale));
     // As the editor shows them, all numbers alike.
     locale_.setNumberOptions(QLocale::OmitGroupSeparator);
 }

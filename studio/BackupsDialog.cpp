@@ -14,6 +14,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include "messages/LabelEdges.h"
 #include "messages/MessageBox.h"
 #include "studio/BackupService.h"
 
@@ -78,6 +79,7 @@ BackupsDialog::BackupsDialog(BackupService& service, const ProjectLocation& proj
     layout->addWidget(lblNone_);
     layout->addWidget(BuildSettings());
     layout->addWidget(buttons);
+    messages::AlignLabels(*this);
     resize(560, 460);
     FillList();
     lstBackups_->setFocus();

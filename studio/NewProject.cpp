@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "ado/AdoError.h"
+#include "messages/LabelEdges.h"
 #include "messages/MessageBox.h"
 #include "platform/Locale.h"
 #include "project/CreateProject.h"
@@ -70,6 +71,7 @@ NewProjectDialog::NewProjectDialog(const StudioTexts& texts, const QString& fold
     layout->addWidget(lblLanguages, 1, 0, Qt::AlignTop);
     layout->addWidget(lstLanguages_, 1, 1, 1, 2);
     layout->addWidget(buttons, 2, 0, 1, 3);
+    messages::AlignLabels(*this);
     UpdateEnabling();
 }
 

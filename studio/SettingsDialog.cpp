@@ -2,18 +2,31 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDate>
 #include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QFormLayout>
+#include <QLocale>
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "messages/LabelEdges.h"
 #include "studio/StudioTexts.h"
 #include "texts/Language.h"
 
 namespace studio {
 
 using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+QString NumberExample(const QString& name) {
+    const QLocale locale = name.isEmpty() ? QLocale::system() : QLocale(name);
+    return locale.toString(1234.5, 'f', 1) + u"  "_s +
+           locale.toString(QDate(2026, 12, 31), QLocale::ShortFormat);
+}
+
+}  // namespace
 
 SettingsDialog::SettingsDialog(const Settings& settings, bool hasProject, const StudioTexts& texts,
                                QWidget* parent)
@@ -42,9 +55,23 @@ SettingsDialog::SettingsDialog(const Settings& settings, bool hasProject, const 
     spnTextSize_->setRange(kSmallestText - 1, kLargestText);
     spnTextSize_->setSpecialValueText(texts(Text::TextSizeSystem));
     spnTextSize_->setValue(settings.textSize > 0 ? settings.textSize : 0);
+    cmbNumbers_ = new QComboBox;
+    cmbNumbers_->setObjectName(u"cmbNumbers"_s);
+    constexpr Text kNumberTexts[] = {Text::NumbersSystem, Text::NumbersGerman,
+                                     Text::NumbersEnglish};
+    for (std::size_t i = 0; i < kNumberLocales.size(); ++i) {
+        cmbNumbers_->addItem(
+            texts(kNumberTexts[i], {{u"example", NumberExample(kNumberLocales[i].toString())}}));
+        if (settings.numbers == kNumberLocales[i])
+            cmbNumbers_->setCurrentIndex(static_cast<int>(i));
+    }
     chkReopen_ = new QCheckBox(texts(Text::SettingsReopen));
     chkReopen_->setObjectName(u"chkReopen"_s);
     chkReopen_->setChecked(settings.reopen);
+    auto* cmdKeys = new QPushButton(texts(Text::SettingsKeys));
+    cmdKeys->setObjectName(u"cmdKeys"_s);
+    cmdKeys->setAutoDefault(false);
+    connect(cmdKeys, &QPushButton::clicked, this, &SettingsDialog::KeysRequested);
     auto* cmdBackups = new QPushButton(texts(Text::SettingsBackups));
     cmdBackups->setObjectName(u"cmdBackups"_s);
     cmdBackups->setAutoDefault(false);
@@ -52,11 +79,12 @@ SettingsDialog::SettingsDialog(const Settings& settings, bool hasProject, const 
     connect(cmdBackups, &QPushButton::clicked, this, &SettingsDialog::BackupsRequested);
 
     auto* form = new QFormLayout;
-    form->setHorizontalSpacing(12);
     form->addRow(texts(Text::SettingsLanguageLabel), cmbLanguage_);
     form->addRow(texts(Text::SettingsTheme), cmbTheme_);
     form->addRow(texts(Text::SettingsTextSize), spnTextSize_);
+    form->addRow(texts(Text::SettingsNumbers), cmbNumbers_);
     form->addRow(chkReopen_);
+    form->addRow(cmdKeys);
     form->addRow(cmdBackups);
     auto* buttons = new QDialogButtonBox;
     buttons->addButton(texts(Text::Ok), QDialogButtonBox::AcceptRole)->setObjectName(u"cmdOk"_s);
@@ -68,6 +96,7 @@ SettingsDialog::SettingsDialog(const Settings& settings, bool hasProject, const 
     layout->addLayout(form);
     layout->addStretch();
     layout->addWidget(buttons);
+    messages::AlignLabels(*this);
 }
 
 Settings SettingsDialog::Chosen() const {
@@ -76,6 +105,8 @@ Settings SettingsDialog::Chosen() const {
     chosen.theme = static_cast<Theme>(cmbTheme_->currentIndex());
     const double size = spnTextSize_->value();
     chosen.textSize = size < kSmallestText ? 0 : size;
+    chosen.numbers =
+        kNumberLocales.at(static_cast<std::size_t>(cmbNumbers_->currentIndex())).toString();
     chosen.reopen = chkReopen_->isChecked();
     return chosen;
 }

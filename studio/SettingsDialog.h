@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <QDialog>
+#include <QString>
 
 #include "studio/Theme.h"
 
@@ -17,6 +19,7 @@ struct Settings {
     int language = 0;  // LCID
     Theme theme = Theme::System;
     double textSize = 0;  // points; 0: the desktop's
+    QString numbers;      // a locale of kNumberLocales; empty: the desktop's
     bool reopen = true;   // the last project comes back at the start
 };
 
@@ -25,6 +28,9 @@ class SettingsDialog final : public QDialog {
 public:
     static constexpr double kSmallestText = 6;  // points
     static constexpr double kLargestText = 36;
+
+    /// How numbers can be written, in the order of the list.
+    static constexpr std::array<QStringView, 3> kNumberLocales = {u"", u"de_DE", u"en_GB"};
 
     /// `hasProject`: one is open, whose backups can be looked at.
     SettingsDialog(const Settings& settings, bool hasProject, const StudioTexts& texts,
@@ -35,10 +41,13 @@ public:
 signals:
     /// The user turns to the backups, which have a dialog of their own.
     void BackupsRequested();
+    /// The user turns to the keys, which have one too.
+    void KeysRequested();
 
 private:
     QComboBox* cmbLanguage_;
     QComboBox* cmbTheme_;
+    QComboBox* cmbNumbers_;
     QDoubleSpinBox* spnTextSize_;
     QCheckBox* chkReopen_;
 };

@@ -3,6 +3,7 @@
 #include <QLocale>
 #include <QString>
 
+#include "platform/Locale.h"
 #include "texts/MResources.h"
 #include "texts/MResourceTable.h"
 
@@ -25,12 +26,15 @@ public:
     }
 
     [[nodiscard]] int Lcid() const noexcept { return static_cast<int>(table_.Language().lcid); }
-    /// How the language writes numbers and dates.
-    [[nodiscard]] QLocale Locale() const { return QLocale(table_.Language().locale); }
+    /// How the language, or the user, writes numbers and dates.
+    [[nodiscard]] QLocale Locale() const {
+        return platform::NumberLocale(QLocale(table_.Language().locale));
+    }
     /// The text with its "&" access key, if it has one, and values for its placeholders.
     [[nodiscard]] QString operator()(Text text, texts::Values values = {}) const {
         return table_.GetText(text, values);
     }
+    [[nodiscard]] const MResources::TextTable& Table() const noexcept { return table_; }
 
 private:
     MResources::TextTable table_;

@@ -25,6 +25,7 @@
 #include "studio/NewProject.h"
 #include "studio/ProjectPage.h"
 #include "studio/ProjectTabs.h"
+#include "studio/StudioKeys.h"
 #include "studio/StudioRegistry.h"
 #include "texts/ReasonText.h"
 
@@ -56,6 +57,8 @@ StudioWindow::StudioWindow(StudioRegistry& registry, AddInSet& addIns,
     messages::KeepTextsPlain(*this);
     BuildFileMenu();
     BuildOtherMenus();
+    keys_ = new StudioKeys(*menuBar(), state_, this);
+    connect(keys_, &StudioKeys::Changed, this, &StudioWindow::ReserveShortcuts);
     ReserveShortcuts();
     menuKeys_ = std::make_unique<MenuKeys>(*this);
     BuildAreas();

@@ -29,6 +29,7 @@ class ProjectPage;
 class ProjectTabs;
 class ProjectTree;
 class StudioHost;
+class StudioKeys;
 class StudioRegistry;
 
 /// The studio's main window: what it holds for all projects, and the pages of those that are open
@@ -83,6 +84,7 @@ private slots:
     void mnuSettingsLanguage_Click(QAction* action);
     void mnuSettingsOptions_Click();
     void mnuHelpContents_Click();
+    void mnuHelpKeys_Click();
     void mnuHelpAddIns_Click();
     void mnuHelpAbout_Click();
 
@@ -154,6 +156,7 @@ private:
     QList<QKeySequence> reservedKeys_;  // no add-in gets them in the tree
     std::unique_ptr<MenuKeys> menuKeys_;
     ProjectTabs* tabs_ = nullptr;
+    StudioKeys* keys_ = nullptr;
     QLabel* lblProject_ = nullptr;
     QMenu* mnuFileRecent_ = nullptr;
     QAction* mnuFileOpen_ = nullptr;

@@ -14,6 +14,7 @@
 #include "studio/ProjectPage.h"
 #include "studio/ProjectTabs.h"
 #include "studio/ProjectTree.h"
+#include "studio/StudioKeys.h"
 #include "studio/StudioRegistry.h"
 #include "studio/StudioWindow.h"
 #include "texts/Language.h"
@@ -130,7 +131,10 @@ void StudioWindow::BuildOtherMenus() {
     QMenu& help = *AddMenu(u"mnuHelp"_s, Text::MenuHelp);
     mnuHelpContents_ =
         AddAction(help, u"mnuHelpContents"_s, Text::HelpContents, Text::HelpContentsTip);
+    mnuHelpContents_->setProperty(StudioKeys::kFixedKey, QKeySequence(Qt::Key_F1));
     connect(mnuHelpContents_, &QAction::triggered, this, &StudioWindow::mnuHelpContents_Click);
+    QAction* keys = AddAction(help, u"mnuHelpKeys"_s, Text::HelpKeys, Text::HelpKeysTip);
+    connect(keys, &QAction::triggered, this, &StudioWindow::mnuHelpKeys_Click);
     QAction* addIns = AddAction(help, u"mnuHelpAddIns"_s, Text::HelpAddIns, Text::HelpAddInsTip);
     connect(addIns, &QAction::triggered, this, &StudioWindow::mnuHelpAddIns_Click);
     QAction* about = AddAction(help, u"mnuHelpAbout"_s, Text::HelpAbout, std::nullopt);
@@ -139,7 +143,10 @@ void StudioWindow::BuildOtherMenus() {
 }
 
 void StudioWindow::ReserveShortcuts() {
+    reservedKeys_.clear();
     for (const Caption& caption : captions_) reservedKeys_ += caption.action->shortcuts();
+    if (tabs_ == nullptr) return;  // pages that come later take them along
+    for (ProjectPage* page : tabs_->Pages()) page->Tree().SetReservedKeys(reservedKeys_);
 }
 
 void StudioWindow::ApplyLanguage(int lcid) {

@@ -5,6 +5,7 @@
 #include <QFont>
 
 #include "colours/Contrast.h"
+#include "studio/FieldFrames.h"
 
 namespace studio {
 namespace {
@@ -86,6 +87,7 @@ QPalette PaletteOf(Theme theme) {
 }
 
 void ApplyTheme(Theme theme, double textSize) {
+    FieldFrames::Install();
     QFont font = DesktopFont();
     if (textSize > 0) font.setPointSizeF(textSize);
     if (font != QApplication::font()) QApplication::setFont(font);

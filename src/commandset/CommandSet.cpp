@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "commandset/OwnKeys.h"
 #include "texts/MResourceTable.h"
 
 namespace commandset {
@@ -185,8 +186,9 @@ const Command& CommandOf(Id id) {
 }
 
 const Command* CommandOf(Place place, QKeyCombination keys) {
+    const OwnKeys own = CurrentOwnKeys();
     for (const Command& command : kCommands) {
-        for (const Key& key : command.keys) {
+        for (const Key& key : KeysOf(command, own)) {
             if (key.place == place && key.keys == keys) return &command;
         }
     }
@@ -225,6 +227,22 @@ int Obstacle(const Command& command, const Situation& situation) {
     return 0;
 }
 
+std::optional<QKeyCombination> FirstKey(const Command& command) {
+    const QList<Key> keys = KeysOf(command, CurrentOwnKeys());
+    if (keys.isEmpty()) return std::nullopt;
+    return keys.front().keys;
+}
+
+QString KeyText(Id id, const MResources::TextTable& texts) {
+    const std::optional<QKeyCombination> key = FirstKey(CommandOf(id));
+    return key ? KeyText(*key, texts) : QString();
+}
+
+QString HintText(int obstacle, const MResources::TextTable& texts) {
+    const Id helping = obstacle == kTextHintNewArchive ? NewArchive : NewTrend;
+    return texts.GetText(obstacle, {{u"key", KeyText(helping, texts)}});
+}
+
 QString KeyText(QKeyCombination keys, const MResources::TextTable& texts) {
     QString text;
     if (keys.keyboardModifiers().testFlag(Qt::ControlModifier)) text += texts.GetText(kTextCtrl);
@@ -243,10 +261,10 @@ QString MenuText(const Command& command, const MResources::TextTable& texts, con
     QString name = step;
     name.replace(u'&', QStringLiteral("&&"));  // no access key
     const QString text = texts.GetText(command.text, {{u"step", name}});
-    if (command.keys.empty()) return text;
-    const bool isGiven = command.text <= kLastGivenNumber;
-    return (isGiven ? text.left(GivenKeyAt(text)) : text) + u'\t' +
-           KeyText(command.keys.front().keys, texts);
+    const bool bringsKey = command.text <= kLastGivenNumber && !command.keys.empty();
+    const QString caption = bringsKey ? text.left(GivenKeyAt(text)) : text;
+    const QString key = KeyText(command.id, texts);
+    return key.isEmpty() ? caption : caption + u'\t' + key;
 }
 
 QString ToolTip(const Command& command, const MResources::TextTable& texts, const QString& step) {
@@ -256,8 +274,8 @@ QString ToolTip(const Command& command, const MResources::TextTable& texts, cons
     if (command.menu != 0) {
         tip = WithoutAccessKey(texts.GetText(command.menu)) + QStringLiteral(": ") + tip;
     }
-    if (command.keys.empty()) return tip;
-    return tip + QStringLiteral(" (") + KeyText(command.keys.front().keys, texts) + u')';
+    const QString key = KeyText(command.id, texts);
+    return key.isEmpty() ? tip : tip + QStringLiteral(" (") + key + u')';
 }
 
 QList<KeyLine> KeyLines(Place place, const MResources::TextTable& texts) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <QKeyCombination>
 #include <QList>
 #include <QString>
@@ -83,21 +84,21 @@ enum Need : unsigned {
 
 struct Command {
     Id id;
-    QStringView name;  // objectName of its action
-    int text;          // number of the menu item's; 0: it stands in no menu
-    int menu;          // number of the menu's whose name the tool tip begins with; or 0
-    int description;   // number of what the help's list of keys says; 0: not in the list
-    QStringView icon;  // empty: none
-    unsigned needs;    // of Need
-    std::span<const Key> keys;
+    QStringView name;           // objectName of its action
+    int text;                   // number of the menu item's; 0: it stands in no menu
+    int menu;                   // number of the menu's whose name the tool tip begins with; or 0
+    int description;            // number of what the help's list of keys says; 0: not in the list
+    QStringView icon;           // empty: none
+    unsigned needs;             // of Need
+    std::span<const Key> keys;  // that are given; the user may have others (OwnKeys.h)
 };
 
 /// All commands, in the order of Id.
 [[nodiscard]] std::span<const Command> Commands();
 /// REQUIRES: not the separator.
 [[nodiscard]] const Command& CommandOf(Id id);
-/// The command of a key; null when it has none there. Several may share a key where only the
-/// place tells them apart.
+/// The command of a key, given or the user's own; null when it has none there. Several may share a
+/// key where only the place tells them apart.
 [[nodiscard]] const Command* CommandOf(Place place, QKeyCombination keys);
 
 /// A menu of the window's bar. Where `item` is not empty its items have the names "item(0)",
@@ -129,10 +130,17 @@ struct Situation {
 /// Number of the text that says why a command cannot run; 0 when it can.
 [[nodiscard]] int Obstacle(const Command& command, const Situation& situation);
 
+/// The key that menus show, given or the user's own; nullopt: none.
+[[nodiscard]] std::optional<QKeyCombination> FirstKey(const Command& command);
+
 // Texts as they are shown.
 
 /// "Ctrl+Del" in the language of the interface.
 [[nodiscard]] QString KeyText(QKeyCombination keys, const MResources::TextTable& texts);
+/// Of the key that menus show for a command; empty: it has none.
+[[nodiscard]] QString KeyText(Id id, const MResources::TextTable& texts);
+/// The sentence of an obstacle, with the key that helps.
+[[nodiscard]] QString HintText(int obstacle, const MResources::TextTable& texts);
 // `step`: what the command concerns, where its text names that.
 
 /// Of the item in menus; behind a tab the first key.
@@ -141,7 +149,7 @@ struct Situation {
 /// "Archives: New (F8)".
 [[nodiscard]] QString ToolTip(const Command& command, const MResources::TextTable& texts,
                               const QString& step = {});
-/// Keys with what they do at a place, for the help: "F8, Ins" and "new trend".
+/// Given keys with what they do at a place, for the help: "F8, Ins" and "new trend".
 struct KeyLine {
     QString keys;
     QString description;

@@ -12,6 +12,7 @@
 
 #include "dialogs/AccessKeys.h"
 #include "icons/Icons.h"
+#include "messages/LabelEdges.h"
 #include "platform/HelpTopics.h"
 #include "texts/MResources.h"
 #include "texts/MResourceTable.h"
@@ -88,6 +89,7 @@ FConfigEditor::FConfigEditor(const MResources::TextTable& texts, ShowHelp showHe
     ConnectControls();
     SetEditorFont(font());
     AssignAccessKeys(*tabConfig, {cmdOk, cmdCancel, cmdHelp});
+    messages::AlignLabels(*this);
     tabConfig->setCurrentIndex(0);
     chkDelQuestion->setFocus();  // Enter is OK there
     UpdateButtons();

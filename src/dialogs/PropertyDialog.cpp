@@ -27,6 +27,7 @@
 #include "dialogs/ManyRecords.h"
 #include "dialogs/TextDialog.h"
 #include "drafts/DraftKeeper.h"
+#include "messages/LabelEdges.h"
 #include "messages/MessageBox.h"
 #include "platform/Locale.h"
 #include "texts/MResources.h"
@@ -125,6 +126,7 @@ void PropertyDialog::NameControls() {
             QStringLiteral("%1: %2").arg(picker.field->accessibleName(), action));
     }
     AssignAccessKeys(*frame_.tabs, {frame_.cmdOk, frame_.cmdCancel, frame_.cmdHelp});
+    messages::AlignLabels(*this);
 }
 
 void PropertyDialog::SetOpenedName(const QString& name) {

@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "dialogs/KeyFilter.h"
+#include "messages/LabelEdges.h"
 #include "messages/PlainTexts.h"
 #include "texts/MResources.h"
 #include "texts/MResourceTable.h"
@@ -59,6 +60,7 @@ TextDialog::TextDialog(const MResources::TextTable& texts, const QLineEdit& fiel
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(fields);
     layout->addLayout(bottom);
+    messages::AlignLabels(*this);
     ShowCount();
 }
 

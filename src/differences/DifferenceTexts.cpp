@@ -33,7 +33,8 @@ bool IsNothing(const project::FieldPart& part, const ado::Value& value) {
 }  // namespace
 
 QString NumberText(std::size_t number, const MResources::TextTable& texts) {
-    return QLocale(texts.Language().locale).toString(static_cast<qulonglong>(number));
+    return platform::NumberLocale(QLocale(texts.Language().locale))
+        .toString(static_cast<qulonglong>(number));
 }
 
 QString DifferenceTexts::NameIn(const ado::RowChange& row, bool here) const {
@@ -122,7 +123,8 @@ QString DifferenceTexts::ValueText(const ado::Value& value) const {
     if (const auto* flag = std::get_if<bool>(&value)) {
         return texts_.GetText(*flag ? MResourceTable::kTextTrue : MResourceTable::kTextFalse);
     }
-    const QChar point = platform::DecimalSeparator(QLocale(texts_.Language().locale));
+    const QChar point =
+        platform::DecimalSeparator(platform::NumberLocale(QLocale(texts_.Language().locale)));
     const QString text = ToQString(project::ValueText(value, point.unicode()));
     return text.isEmpty() ? u"\"\""_s : text;
 }

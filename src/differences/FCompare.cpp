@@ -10,6 +10,7 @@
 #include <QToolButton>
 #include <QTreeView>
 
+#include "commandset/CommandSet.h"
 #include "guard/Guard.h"
 #include "messages/MessageBox.h"
 #include "platform/HelpTopics.h"
@@ -206,7 +207,8 @@ void FCompare::Take(const std::vector<project::Wanted>& wanted) {
     messages::SetScreenPointer(messages::Pointer::Default);
     if (!refusals.empty()) return TellRefusals(refusals);
     if (!isDone) return;
-    told_ = texts_.GetText(Text::Taken, {{u"n", count}});
+    told_ = texts_.GetText(
+        Text::Taken, {{u"n", count}, {u"key", commandset::KeyText(commandset::Id::Undo, texts_)}});
     Compare();
 }
 
@@ -217,7 +219,8 @@ bool FCompare::Confirm(const std::vector<ado::RowChange>& rows) {
     if (rows.size() == 1 && gone == 0) return true;
     const QString question = texts_.GetText(
         Text::Question, {{u"n", differences::NumberText(rows.size(), texts_)},
-                         {u"gone", gone == 0 ? QString() : differences::NumberText(gone, texts_)}});
+                         {u"gone", gone == 0 ? QString() : differences::NumberText(gone, texts_)},
+                         {u"key", commandset::KeyText(commandset::Id::Undo, texts_)}});
     return messages::ShowMessage(question, messages::MessageButtons::OkCancel, windowTitle(),
                                  this) == messages::MessageResult::Ok;
 }

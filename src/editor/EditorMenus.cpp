@@ -7,6 +7,7 @@
 #include <QToolButton>
 #include <utility>
 
+#include "commandset/OwnKeys.h"
 #include "icons/Icons.h"
 #include "texts/MResourceTable.h"
 
@@ -25,21 +26,38 @@ EditorMenus::EditorMenus(const MResources::TextTable& texts, QWidget& window)
     : QObject(&window), texts_(texts), window_(window) {
     MakeActions();
     MakeBar();
+    connect(new commandset::KeyWatch(this), &commandset::KeyWatch::Changed, this,
+            &EditorMenus::ShowKeys);
 }
 
 void EditorMenus::MakeActions() {
     for (const Command& command : commandset::Commands()) {
         if (command.text == 0) continue;
-        auto* action = new QAction(commandset::MenuText(command, texts_), &window_);
+        auto* action = new QAction(&window_);
         action->setObjectName(command.name.toString());
-        if (!command.icon.isEmpty()) {
-            action->setIcon(icons::Icon(command.icon));
-            action->setToolTip(commandset::ToolTip(command, texts_));
-        }
+        if (!command.icon.isEmpty()) action->setIcon(icons::Icon(command.icon));
         connect(action, &QAction::triggered, this, [this, id = command.id] { emit Triggered(id); });
         actions_.insert(command.id, action);
     }
     Action(Id::FreezeName)->setCheckable(true);
+    ShowKeys();
+}
+
+/// All texts that name a key.
+void EditorMenus::ShowKeys() {
+    for (const Command& command : commandset::Commands()) {
+        QAction* action = Action(command.id);
+        if (action == nullptr) continue;
+        const QString step = shownSteps_.value(command.id);
+        action->setText(commandset::MenuText(command, texts_, step));
+        if (command.icon.isEmpty()) continue;
+        const QString tip = commandset::ToolTip(command, texts_, step);
+        action->setToolTip(shownSteps_.contains(command.id) ? tip.toHtmlEscaped() : tip);
+        // The text of the action has an access key, and its key behind blanks.
+        QWidget* button = toolBar_ != nullptr ? toolBar_->widgetForAction(action) : nullptr;
+        if (button != nullptr) button->setAccessibleName(commandset::ToolTip(command, texts_));
+    }
+    emit KeysChanged();
 }
 
 void EditorMenus::MakeBar() {
@@ -81,11 +99,10 @@ QToolBar* EditorMenus::MakeToolBar() {
             bar->addSeparator();
         } else {
             bar->addAction(Action(id));
-            // The text of the action has an access key, and its key behind blanks.
-            bar->widgetForAction(Action(id))
-                ->setAccessibleName(commandset::ToolTip(commandset::CommandOf(id), texts_));
         }
     }
+    toolBar_ = bar;
+    ShowKeys();
     AddStepList(*bar, Id::Undo);
     AddStepList(*bar, Id::Redo);
     return bar;

@@ -44,12 +44,15 @@ signals:
     void Triggered(commandset::Id id);
     /// The user wants so many steps back, or forward.
     void StepsWanted(commandset::Id direction, int steps);
+    /// The user has given commands other keys; menus and tool tips show them already.
+    void KeysChanged();
     /// A menu is about to be shown: what can run may have changed unseen.
     void AboutToShow();
 
 private:
     void MakeActions();
     void MakeBar();
+    void ShowKeys();
     void AddStepList(QToolBar& bar, commandset::Id direction);
 
     const MResources::TextTable& texts_;
@@ -59,5 +62,6 @@ private:
     Steps steps_;
     QHash<commandset::Id, QString> shownSteps_;
     QMenuBar* bar_ = nullptr;
+    QToolBar* toolBar_ = nullptr;
     QAction* treeSeparator_ = nullptr;  // in front of "Show editor"
 };

@@ -219,6 +219,7 @@ private:
     void BuildStatusBar();
     [[nodiscard]] QWidget* BuildFindings();
     void ShowFindingCount();
+    void ShowFindingsKey();
     /// With the keyboard in the list.
     void ShowFindings(bool show);
     void ToggleFindings();

@@ -162,7 +162,9 @@ void frmtabGrid::Run(commandset::Id id) {
         case Id::Duplicate:
             return DuplicateSelection();
         case Id::FreezeName:
-            return FreezeName(menus_->Action(id)->isChecked());
+            // A key does not tick the action, as its menu does.
+            FreezeName(tdbA->SplitAt(1).FrozenColumn() != u"Name");
+            return ShowFreezing();
         case Id::Find:
             return Find(tdbA->Split());
         case Id::FindInProject:

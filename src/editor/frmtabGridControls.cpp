@@ -55,6 +55,10 @@ void frmtabGrid::BuildMenus() {
             direction == commandset::Id::Undo ? Direction::Back : Direction::Forward, most);
     });
     tbrfunc = menus_->MakeToolBar();
+    connect(menus_, &EditorMenus::KeysChanged, this, [this] {
+        ShowNarrowing();
+        ShowFindingsKey();
+    });
     keys_ = std::make_unique<EditorKeys>(EditorKeys::Window{
         [this] { return Situation(); }, [this] { return busy_; },
         [this](commandset::Id id) { Run(id); }, [this](int text) { Hint(text); }});

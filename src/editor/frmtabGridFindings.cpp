@@ -50,7 +50,7 @@ QWidget* frmtabGrid::BuildFindings() {
     cmdFindings->setAutoRaise(true);
     cmdFindings->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     cmdFindings->setFocusPolicy(Qt::NoFocus);  // F4 is the way by keys
-    cmdFindings->setToolTip(texts_.GetText(MResourceTable::kTextFindingsCountTip));
+    ShowFindingsKey();
     sb->addPermanentWidget(cmdFindings);
     ShowFindingCount();
     connect(cmdFindings, &QToolButton::clicked, this, [this] {
@@ -71,6 +71,12 @@ void frmtabGrid::ShowFindingCount() {
     cmdFindings->setText(text);
     cmdFindings->setAccessibleName(text);
     cmdFindings->setIcon(IconOf(findings_->Gravest()));
+}
+
+void frmtabGrid::ShowFindingsKey() {
+    cmdFindings->setToolTip(
+        texts_.GetText(MResourceTable::kTextFindingsCountTip,
+                       {{u"key", commandset::KeyText(commandset::Id::Findings, texts_)}}));
 }
 
 void frmtabGrid::ShowFindings(bool show) {

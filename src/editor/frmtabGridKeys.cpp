@@ -28,7 +28,7 @@ void frmtabGrid::Hint(const QString& text) {
 }
 
 void frmtabGrid::Hint(int text) {
-    Hint(texts_.GetText(text));
+    Hint(commandset::HintText(text, texts_));
 }
 
 void frmtabGrid::HintAt(commandset::Id id) {

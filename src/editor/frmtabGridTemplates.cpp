@@ -81,7 +81,9 @@ void frmtabGrid::KeepTemplate() {
         return Tell(texts_.GetText(file.IsReadable() ? Text::NotWritten : Text::NotReadable,
                                    {{u"cause", failure}}));
     }
-    Hint(texts_.GetText(Text::Kept, {{u"name", name}}));
+    Hint(texts_.GetText(
+        Text::Kept,
+        {{u"name", name}, {u"key", commandset::KeyText(commandset::Id::Templates, texts_)}}));
 }
 
 void frmtabGrid::ChooseTemplate() {

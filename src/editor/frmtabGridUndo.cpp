@@ -87,8 +87,7 @@ void frmtabGrid::EndStep() {
 
 /// Says what has just happened, to the ear too, and how it is taken back; no step: nothing.
 void frmtabGrid::ShowDone(const QString& step) {
-    const commandset::Command& undo = commandset::CommandOf(commandset::Id::Undo);
-    const QString key = commandset::KeyText(undo.keys.front().keys, texts_);
+    const QString key = commandset::KeyText(commandset::Id::Undo, texts_);
     lblDone->setText(step.isEmpty() ? QString()
                                     : texts_.GetText(MResourceTable::kTextHintDone,
                                                      {{u"step", step}, {u"key", key}}));

@@ -62,14 +62,19 @@ void frmtabGrid::FindArchives() {
 /// What stands in a split that has nothing to show.
 void frmtabGrid::ShowEmptiness() {
     const bool isArchive = projectdb::NodeKind(project_.currentNodeKey) == projectdb::kArchiveKind;
-    const std::array<int, TDBGrid::kSplitCount> texts = {
-        MResourceTable::kTextNoArchives,
-        isArchive ? MResourceTable::kTextNoTrends : MResourceTable::kTextNoArchiveOpen};
+    using commandset::Id;
+    const auto text = [this](int number, Id helping) {
+        return texts_.GetText(number, {{u"key", commandset::KeyText(helping, texts_)}});
+    };
+    const std::array<QString, TDBGrid::kSplitCount> texts = {
+        text(MResourceTable::kTextNoArchives, Id::NewArchive),
+        isArchive ? text(MResourceTable::kTextNoTrends, Id::NewTrend)
+                  : texts_.GetText(MResourceTable::kTextNoArchiveOpen)};
     for (int split = 0; split < TDBGrid::kSplitCount; ++split) {
         GridSplit& grid = tdbA->SplitAt(split);
         const bool isNarrowed = !grid.FilterText().isEmpty();
-        grid.SetEmptyText(texts_.GetText(isNarrowed ? int{MResourceTable::kTextNoHit}
-                                                    : texts.at(static_cast<std::size_t>(split))));
+        grid.SetEmptyText(isNarrowed ? texts_.GetText(MResourceTable::kTextNoHit)
+                                     : texts.at(static_cast<std::size_t>(split)));
     }
 }
 
@@ -84,8 +89,7 @@ void frmtabGrid::ShowNarrowing() {
     // Room for the magnifying glass, the cross that clears the field, and the margins.
     const QFontMetrics letters = txtFind->fontMetrics();
     txtFind->setMinimumWidth(letters.horizontalAdvance(what({})) + 4 * letters.height());
-    const commandset::Command& find = commandset::CommandOf(commandset::Id::Find);
-    const QString whole = what(commandset::KeyText(find.keys.front().keys, texts_));
+    const QString whole = what(commandset::KeyText(commandset::Id::Find, texts_));
     txtFind->setAccessibleName(whole);
     txtFind->setToolTip(whole);
     const GridSplit& split = tdbA->SplitAt(narrowed_);

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "findings/FindingTexts.h"
+#include "messages/LabelEdges.h"
 #include "messages/PlainTexts.h"
 #include "projectdb/Text.h"
 #include "texts/MResourceTable.h"
@@ -85,6 +86,7 @@ FAcceptFinding::FAcceptFinding(const MResources::TextTable& texts,
     form->addRow(chkUntil_, datUntil_);
     form->addRow(label(texts.GetText(kTextAcceptHint, {{u"file", QFileInfo(file).fileName()}})));
     form->addRow(buttons);
+    messages::AlignLabels(*this);
     setMinimumWidth(kLeastWidth * fontMetrics().averageCharWidth());
     UpdateOk();
     txtReason_->setFocus();

@@ -4,12 +4,14 @@
 #include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLocale>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
 #include "findings/FindingTexts.h"
 #include "messages/PlainTexts.h"
+#include "platform/Locale.h"
 #include "project/FieldText.h"
 #include "project/Schema.h"
 #include "projectdb/Text.h"
@@ -114,8 +116,8 @@ QString FCureFindings::ValueOf(const project::CureStep& step, const ado::Value& 
             if (code.code == *number) return texts_.GetText(code.text);
         }
     }
-    return ToQString(
-        project::ValueText(value, texts_.Language().locale.startsWith(u"de"_s) ? u',' : u'.'));
+    const QLocale locale = platform::NumberLocale(QLocale(texts_.Language().locale));
+    return ToQString(project::ValueText(value, platform::DecimalSeparator(locale).unicode()));
 }
 
 QString FCureFindings::NewOf(const project::CureStep& step) const {

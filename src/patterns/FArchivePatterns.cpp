@@ -4,10 +4,12 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QLocale>
+#include <QStyle>
 #include <QVBoxLayout>
 #include <utility>
 
 #include "guard/RowProgress.h"
+#include "messages/LabelEdges.h"
 #include "patterns/PatternTexts.h"
 #include "projectdb/Text.h"
 #include "texts/MResourceTable.h"
@@ -66,6 +68,7 @@ void FArchivePatterns::Build(const QString& name) {
     layout->addLayout(form);
     layout->addWidget(lstArchives_, 1);
     layout->addLayout(BuildButtons([this] { Make(); }));
+    messages::AlignLabels(*this);
     txtName_->setFocus();
 }
 
@@ -79,7 +82,8 @@ void FArchivePatterns::Expand() {
         QString text = ToQString(plan_.Name(copy));
         if (!problem.isEmpty()) text += u"  -  "_s + problem;
         auto* item = new QListWidgetItem(text, lstArchives_);
-        if (!problem.isEmpty()) item->setForeground(Qt::red);
+        if (problem.isEmpty()) continue;
+        item->setIcon(style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this));
     }
     ShowStateNow();
 }

@@ -17,6 +17,7 @@
 #include "dialogs/ColourTexts.h"
 #include "guard/Guard.h"
 #include "guard/RowProgress.h"
+#include "messages/LabelEdges.h"
 #include "messages/MessageBox.h"
 #include "paths/NativePath.h"
 #include "patterns/KeptPatterns.h"
@@ -92,6 +93,7 @@ void FPatterns::Build() {
     BuildPreview();
     layout->addWidget(tblPlan_, 1);
     layout->addLayout(BuildButtons([this] { Make(); }));
+    messages::AlignLabels(*this);
     resize(kWidth * fontMetrics().averageCharWidth(), kHeight * fontMetrics().lineSpacing());
     txtName_->setFocus();
 }

@@ -1,8 +1,11 @@
 #include "patterns/PlanModel.h"
 
+#include <QApplication>
 #include <QBrush>
 #include <QColor>
 #include <QFont>
+#include <QIcon>
+#include <QStyle>
 
 #include "project/Colour.h"
 #include "projectdb/Text.h"
@@ -81,7 +84,13 @@ QVariant PlanModel::data(const QModelIndex& index, int role) const {
             mark.setAlpha(kMarkAlpha);
             return QBrush(mark);
         }
+        case Qt::AccessibleDescriptionRole:
+            return problem;
         case Qt::DecorationRole: {
+            // Beside the ground, which not everybody can tell from others.
+            if (!problem.isEmpty()) {
+                return QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning);
+            }
             if (column != plan_.ColourColumn()) return {};
             const auto colour = project::ReadColour(plan_.Cell(row, column));
             if (!colour) return {};

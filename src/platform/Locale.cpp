@@ -5,6 +5,8 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <QCoreApplication>
+#include <QVariant>
 
 namespace platform {
 namespace {
@@ -15,7 +17,14 @@ using namespace Qt::Literals::StringLiterals;
 constexpr Lcid kLcidUser = 0x0400;
 constexpr Lcid kLcidSystem = 0x0800;
 
+constexpr char kChosenProperty[] = "kvNumberLocale";
+
 constexpr int kSignificantDigits = 15;
+
+/// What languages are called does not hang on how numbers are written.
+QString UserLocaleName() {
+    return (NumberLocaleName().isEmpty() ? QLocale() : QLocale::system()).name();
+}
 
 QString DisplayName(Lcid lcid, const QString& displayLocale) {
     const QByteArray locale = LocaleName(lcid).toLatin1();
@@ -45,7 +54,7 @@ qsizetype SkipDigits(QStringView text, qsizetype from) {
 }  // namespace
 
 QString LocaleName(Lcid lcid) {
-    if (lcid == kLcidUser || lcid == kLcidSystem) return QLocale().name();
+    if (lcid == kLcidUser || lcid == kLcidSystem) return UserLocaleName();
     std::array<char, ULOC_FULLNAME_CAPACITY> name{};
     UErrorCode status = U_ZERO_ERROR;
     const int32_t length =
@@ -62,12 +71,29 @@ QString LanguageName(Lcid lcid, Lcid displayLanguage) {
 }
 
 QString LanguageName(Lcid lcid) {
-    return DisplayName(lcid, QLocale().name());
+    return DisplayName(lcid, UserLocaleName());
 }
 
 QChar DecimalSeparator(const QLocale& locale) {
     const QString point = locale.decimalPoint();
     return point.isEmpty() ? QChar(u'.') : point.front();
+}
+
+void SetNumberLocale(const QString& name) {
+    if (NumberLocaleName() == name) return;
+    // Of the application object there is one; of this library each add-in has a copy.
+    QCoreApplication::instance()->setProperty(kChosenProperty, name);
+    QLocale::setDefault(name.isEmpty() ? QLocale::system() : QLocale(name));
+}
+
+QString NumberLocaleName() {
+    const QCoreApplication* application = QCoreApplication::instance();
+    return application != nullptr ? application->property(kChosenProperty).toString() : QString();
+}
+
+QLocale NumberLocale(const QLocale& ofLanguage) {
+    const QString name = NumberLocaleName();
+    return name.isEmpty() ? ofLanguage : QLocale(name);
 }
 
 QString NumberToText(double number, const QLocale& locale) {

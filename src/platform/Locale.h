@@ -4,8 +4,8 @@
 #include <QLocale>
 #include <QString>
 
-/// Languages by their Windows number, and numbers as text. Free of state; the user's locale is
-/// QLocale's default unless a caller names another.
+/// Languages by their Windows number, and numbers as text. Free of state but for the one
+/// that the user has chosen; the user's locale is QLocale's default unless a caller names another.
 namespace platform {
 
 /// Windows locale identifier, as projects, the settings and the registry store languages.
@@ -26,6 +26,14 @@ inline constexpr Lcid kLcidEnglish = 1033;
 
 /// The decimal separator of the locale: the second character of 1.1 written in it.
 [[nodiscard]] QChar DecimalSeparator(const QLocale& locale = QLocale());
+
+/// How the user wants numbers and dates written, by the name of a locale, in host and add-ins
+/// alike; QLocale's default is that from now on. Empty: as the desktop does.
+void SetNumberLocale(const QString& name);
+/// Empty where the user has not chosen.
+[[nodiscard]] QString NumberLocaleName();
+/// For texts that are written as the interface's language is, unless the user has chosen.
+[[nodiscard]] QLocale NumberLocale(const QLocale& ofLanguage);
 
 /// The general number format: as many of 15 significant digits as the number has, the locale's
 /// decimal separator, no thousands separators, "E" with a signed exponent below 0.0001 and from

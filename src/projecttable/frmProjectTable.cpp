@@ -1,6 +1,7 @@
 #include "projecttable/frmProjectTable.h"
 
 #include <algorithm>
+#include <optional>
 #include <QAction>
 #include <QComboBox>
 #include <QEvent>
@@ -19,6 +20,7 @@
 #include "cells/HeadingMenu.h"
 #include "cells/TrendColumns.h"
 #include "commandset/CommandSet.h"
+#include "commandset/OwnKeys.h"
 #include "controls/TDBGrid.h"
 #include "guard/Guard.h"
 #include "icons/Icons.h"
@@ -98,15 +100,35 @@ QAction* frmProjectTable::Add(const QString& name, const QString& text, const QK
     auto* action = new QAction(text, this);
     action->setObjectName(name);
     if (!icon.isEmpty()) action->setIcon(icons::Icon(icon));
-    if (!keys.isEmpty()) {
-        action->setShortcut(keys);
-        QString plain = text;
-        action->setToolTip(plain.remove(u'&') + u" ("_s + keys.toString(QKeySequence::NativeText) +
-                           u')');
-    }
+    SetKeys(*action, keys);
     addAction(action);
     connect(action, &QAction::triggered, this, [run] { Guard(kProcedure, run); });
     return action;
+}
+
+void frmProjectTable::SetKeys(QAction& action, const QKeySequence& keys) {
+    action.setShortcut(keys);
+    if (keys.isEmpty()) return action.setToolTip({});  // its text
+    action.setToolTip(action.text().remove(u'&') + u" ("_s +
+                      keys.toString(QKeySequence::NativeText) + u')');
+}
+
+/// The keys of what the editor has too are the user's. Where one is the window's own here, the
+/// window's stands: of two that mean one key neither would run.
+void frmProjectTable::ShowSharedKeys() {
+    for (const commandset::Command& command : commandset::Commands()) {
+        const auto shared = std::find_if(
+            shared_.begin(), shared_.end(),
+            [&](const QAction* action) { return action->objectName() == command.name; });
+        if (shared == shared_.end()) continue;
+        const std::optional<QKeyCombination> key = commandset::FirstKey(command);
+        const QKeySequence keys = key ? QKeySequence(*key) : QKeySequence();
+        const QList<QAction*> all = actions();
+        const bool isTaken = std::any_of(all.begin(), all.end(), [&](QAction* action) {
+            return key && !shared_.contains(action) && action->shortcut() == keys;
+        });
+        SetKeys(**shared, isTaken ? QKeySequence() : keys);
+    }
 }
 
 void frmProjectTable::BuildTop(QVBoxLayout& layout) {
@@ -149,8 +171,8 @@ void frmProjectTable::BuildActions() {
         const commandset::Command& command = commandset::CommandOf(id);
         QString text = texts_.GetText(command.text);
         if (id == Id::Undo || id == Id::Redo) text = commandset::MenuText(command, texts_);
-        Add(command.name.toString(), text.section(u'\t', 0, 0).trimmed(),
-            QKeySequence(command.keys.front().keys), command.icon.toString(), run);
+        shared_ += Add(command.name.toString(), text.section(u'\t', 0, 0).trimmed(), {},
+                       command.icon.toString(), run);
     };
     addCommand(Id::Undo, [this] {
         if (!tdbTable->CommitPendingEdit()) return;
@@ -201,6 +223,9 @@ void frmProjectTable::BuildActions() {
         [this] { work_.ShowHelpTopic(platform::kHelpProjectTable, this); });
     Add(u"mnuClose"_s, texts_.GetText(MResourceTable::kTextTableClose), Qt::CTRL | Qt::Key_W, {},
         [this] { close(); });
+    ShowSharedKeys();
+    connect(new commandset::KeyWatch(this), &commandset::KeyWatch::Changed, this,
+            &frmProjectTable::ShowSharedKeys);
 }
 
 void frmProjectTable::BuildGrid() {

@@ -63,6 +63,8 @@ private:
     void BuildGrid();
     QAction* Add(const QString& name, const QString& text, const QKeySequence& keys,
                  const QString& icon, const std::function<void()>& run);
+    static void SetKeys(QAction& action, const QKeySequence& keys);
+    void ShowSharedKeys();
     void BuildActions();
     void SetUpColumns();
     [[nodiscard]] QString TextCaption(const QString& field) const;
@@ -101,6 +103,7 @@ private:
     TrendTableModel* trends_ = nullptr;
     ArchiveGroups* archives_ = nullptr;
     std::unique_ptr<TableViews> views_;
+    QList<QAction*> shared_;  // that are commands of the editor
     QThread* reader_ = nullptr;
     std::shared_ptr<Read> read_;  // what the reader brings
     bool narrowing_ = false;      // fields follow a view just now

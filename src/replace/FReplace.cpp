@@ -12,6 +12,7 @@
 #include <QTableView>
 #include <utility>
 
+#include "commandset/CommandSet.h"
 #include "guard/Guard.h"
 #include "guard/RowProgress.h"
 #include "platform/HelpTopics.h"
@@ -304,7 +305,9 @@ void FReplace::Replace() {
     const replace::Hits::Changes changes = hits_.ToWrite();
     if (!WriteHits(changes)) return;
     // What is there now may hold the term again: it is looked for when the user wants it.
-    told_ = texts_.GetText(Text::Done, {{u"n", Number(changes.cells.size())}});
+    told_ =
+        texts_.GetText(Text::Done, {{u"n", Number(changes.cells.size())},
+                                    {u"key", commandset::KeyText(commandset::Id::Undo, texts_)}});
     hits_.Search({}, 0);
     model_.Reset();
     ShowState();

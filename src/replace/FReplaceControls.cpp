@@ -9,6 +9,7 @@
 #include <QTableView>
 
 #include "guard/Guard.h"
+#include "messages/LabelEdges.h"
 #include "messages/PlainTexts.h"
 #include "replace/FReplace.h"
 #include "replace/HitDelegate.h"
@@ -40,6 +41,7 @@ void FReplace::Build() {
     layout->addLayout(BuildNarrowing());
     layout->addWidget(grdHits_, 1);
     layout->addLayout(BuildButtons());
+    messages::AlignLabels(*this);
     const int letter = fontMetrics().averageCharWidth();
     resize(kWidth * letter, kHeight * fontMetrics().lineSpacing());
     // The keyboard goes from the term to the replacement and on to the list.

@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "commandset/CommandSet.h"
 #include "messages/MessageBox.h"
 #include "messages/PlainTexts.h"
 #include "texts/MResourceTable.h"
@@ -49,7 +50,11 @@ void FTemplates::Build() {
         connect(made, &QPushButton::clicked, this, run);
         return made;
     };
-    auto* hint = new QLabel(texts_.GetText(Text::Hint), this);
+    auto* hint = new QLabel(
+        texts_.GetText(Text::Hint,
+                       {{u"new", commandset::KeyText(commandset::Id::NewTrend, texts_)},
+                        {u"keep", commandset::KeyText(commandset::Id::KeepTemplate, texts_)}}),
+        this);
     hint->setObjectName(u"lblHint"_s);
     hint->setWordWrap(true);
     lstTemplates_ = new QListWidget(this);

@@ -988,8 +988,13 @@ enum class Studio : int {
     ThemeContrast,
     SettingsTextSize,
     TextSizeSystem,
+    SettingsNumbers,
+    NumbersSystem,
+    NumbersGerman,
+    NumbersEnglish,
     SettingsReopen,
     SettingsBackups,
+    SettingsKeys,
     WatchReplaced,
     WatchGone,
     WatchThere,
@@ -998,6 +1003,8 @@ enum class Studio : int {
     MenuHelp,
     HelpContents,
     HelpContentsTip,
+    HelpKeys,
+    HelpKeysTip,
     HelpAddIns,
     HelpAddInsTip,
     HelpAbout,
@@ -1034,6 +1041,7 @@ enum class Studio : int {
     StatusAddInFailed,
     StatusAddInError,
     StatusLanguage,
+    StatusNumbers,
     ErrorNotFound,
     ErrorNoFile,
     ErrorNotReadable,
@@ -1350,6 +1358,33 @@ enum class Compare : int {
     NotCompared,
 };
 Q_ENUM_NS(Compare)
+
+/// The keys of all commands.
+enum class Keys : int {
+    Title = 27001,
+    Hint,
+    Filter,
+    CommandColumn,
+    KeyColumn,
+    GivenColumn,
+    NewKey,
+    Press,
+    Give,
+    NoKey,
+    Reset,
+    ResetAll,
+    Studio,
+    Editor,
+    NoHit,
+    Free,
+    HasIt,
+    Belongs,
+    CannotBeGiven,
+    IsFixed,
+    Question,
+    NoneOwned,
+};
+Q_ENUM_NS(Keys)
 
 /// Settings kept for new archives and trends.
 enum class Templates : int {

@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QEvent>
 #include <QHeaderView>
+#include <QLabel>
 #include <QScrollBar>
 
 #include "projectdb/Text.h"
@@ -56,6 +57,11 @@ void ColumnChoices::Show(const exchange::InputRows* rows) {
         setHorizontalHeaderItem(column, new QTableWidgetItem(projectdb::ToQString(headings[i])));
         QComboBox* choice = NewChoice(*rows, i);
         setCellWidget(0, column, choice);
+        // Of a list assistive tools take the name from its label, which stands beside it.
+        auto* label = new QLabel(choice->accessibleName(), choice->parentWidget());
+        label->setBuddy(choice);
+        label->hide();
+        connect(choice, &QObject::destroyed, label, &QObject::deleteLater);
         if (before != nullptr) setTabOrder(before, choice);
         before = choice;
         setColumnWidth(column, kWidth * fontMetrics().averageCharWidth());

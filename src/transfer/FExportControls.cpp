@@ -13,6 +13,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 
+#include "messages/LabelEdges.h"
 #include "messages/PlainTexts.h"
 #include "project/Rows.h"
 #include "project/Schema.h"
@@ -43,6 +44,7 @@ void FExport::Build() {
     layout->addWidget(fraCsv_, 1);
     layout->addLayout(BuildFile());
     layout->addLayout(BuildButtons());
+    messages::AlignLabels(*this);
     FillArchives();
     optSelected_->setEnabled(!selection_.trends.empty());
     const bool isSelected = selection_.isChosen || selection_.trends.size() > 1;

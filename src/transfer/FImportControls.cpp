@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QTreeView>
 
+#include "messages/LabelEdges.h"
 #include "messages/PlainTexts.h"
 #include "projectdb/Text.h"
 #include "texts/MResourceTable.h"
@@ -48,6 +49,7 @@ void FImport::Build() {
     layout->addWidget(treePlan_, 1);
     layout->addWidget(lblState_);
     layout->addLayout(BuildButtons());
+    messages::AlignLabels(*this);
     connect(tblColumns_, &transfer::ColumnChoices::Assigned, this,
             [this](std::size_t heading, std::optional<std::size_t> column) {
                 Shown()->Assign(heading, column);

@@ -2,6 +2,7 @@
 
 #include <QSettings>
 
+#include "platform/Locale.h"
 #include "platform/StateFolder.h"
 
 namespace transfer {
@@ -25,6 +26,8 @@ char CharIn(const QSettings& store, const QString& key, QStringView choices, cha
 }  // namespace
 
 exchange::CsvForm CsvFormOfStation() {
+    const QString chosen = platform::NumberLocaleName();
+    if (!chosen.isEmpty()) return exchange::CsvFormOf(chosen.toStdString());
     for (const char* name : {"LC_ALL", "LC_NUMERIC", "LANG"}) {
         const QByteArray locale = qgetenv(name);
         if (!locale.isEmpty()) return exchange::CsvFormOf(locale.toStdString());

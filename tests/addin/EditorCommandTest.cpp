@@ -5,9 +5,12 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QStatusBar>
+#include <QToolButton>
 
 #include "addin/EditorTest.h"
+#include "commandset/OwnKeys.h"
 #include "projectdb/Text.h"
 
 namespace {
@@ -190,6 +193,41 @@ TEST_F(EditorCommandTest, DeletingTheOnlyArchiveGoesToTheRoot) {
     EXPECT_EQ(Shown(u"mnuTrend(0)"_s), u"off"_s);
     EXPECT_EQ(Shown(u"mnuArchiv(0)"_s), u"on"_s);
     EXPECT_EQ(CurrentRow(0), -1);
+}
+
+TEST_F(EditorCommandTest, KeysOfTheUsersOwnAreObeyedAndShownAtOnce) {
+    const auto given = qScopeGuard([] { commandset::SetOwnKeys({}); });
+    Open(u"ARCH2"_s);
+    const int trends = RowCount(1);
+    EXPECT_EQ(Action(u"mnuTrend(0)"_s)->text(), u"&New\tF8"_s);
+    commandset::SetOwnKeys({{u"mnuTrend(0)"_s, {Qt::CTRL | Qt::Key_N}},
+                            {u"mnuArchiv(1)"_s, {Qt::Key_F11}},
+                            {u"mnuFind"_s, {Qt::Key_F3}},
+                            {u"mnuFreeze"_s, {Qt::Key_F12}},
+                            {u"mnuExtra(7)"_s, {}},
+                            {u"mnuUndo"_s, {Qt::CTRL | Qt::Key_U}}});
+    EXPECT_EQ(Action(u"mnuTrend(0)"_s)->text(), u"&New\tCtrl+N"_s);
+    EXPECT_EQ(Action(u"mnuTrend(0)"_s)->toolTip(), u"Trends: New (Ctrl+N)"_s);
+    EXPECT_TRUE(Find()->toolTip().contains(u"F3"_s)) << Find()->toolTip().toStdString();
+    EXPECT_FALSE(Editor()->findChild<QToolButton*>(u"cmdFindings"_s)->toolTip().contains(u"F4"_s));
+    Key(Qt::Key_F8);
+    Key(Qt::Key_F4);
+    EXPECT_EQ(RowCount(1), trends);
+    Key(Qt::Key_N, Qt::ControlModifier);
+    EXPECT_EQ(RowCount(1), trends + 1);
+    EXPECT_TRUE(Editor()->findChild<QLabel*>(u"lblDone"_s)->text().endsWith(u"Ctrl+U"_s));
+    Key(Qt::Key_U, Qt::ControlModifier);
+    EXPECT_EQ(RowCount(1), trends);
+    Key(Qt::Key_F12);
+    EXPECT_TRUE(Action(u"mnuFreeze"_s)->isChecked());
+    Key(Qt::Key_F12);
+    EXPECT_FALSE(Action(u"mnuFreeze"_s)->isChecked());
+    // In the host's tree too.
+    EXPECT_EQ(DialogOf([&] { EXPECT_FALSE(KeyIsLeft(u"ARCH2"_s, 112 + 10, 0)); }), u"FArchiv"_s);
+    commandset::SetOwnKeys({});
+    Key(Qt::Key_F8);
+    EXPECT_EQ(RowCount(1), trends + 1);
+    EXPECT_EQ(Action(u"mnuTrend(0)"_s)->text(), u"&New\tF8"_s);
 }
 
 TEST_F(EditorCommandTest, KeysRunTheCommandsOfTheSplitThatHasThem) {

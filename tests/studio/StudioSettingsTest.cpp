@@ -8,7 +8,9 @@
 #include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QFile>
+#include <QImage>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QSettings>
 #include <QStatusBar>
@@ -18,6 +20,7 @@
 
 #include "colours/Contrast.h"
 #include "messages/MessageBox.h"
+#include "platform/Locale.h"
 #include "studio/AddInSet.h"
 #include "studio/EditorArea.h"
 #include "studio/ProjectTree.h"
@@ -63,6 +66,38 @@ TEST(ThemeTest, EveryThemeCanBeReadByThoseWhoSeeLittle) {
                 << pair.ground;
         }
     }
+}
+
+TEST(ThemeTest, FramesOfFieldsCanBeSeen) {
+    for (const Theme theme : {Theme::Light, Theme::Dark, Theme::Contrast}) {
+        ApplyTheme(theme, 0);
+        QLineEdit line;
+        QComboBox list;
+        list.setEditable(true);
+        QDoubleSpinBox number;
+        for (QWidget* field : {static_cast<QWidget*>(&line), static_cast<QWidget*>(&list),
+                               static_cast<QWidget*>(&number)}) {
+            field->resize(160, 28);
+            const QImage picture = field->grab().toImage();
+            const QColor ground = field->palette().color(QPalette::Base);
+            double best = 0;
+            for (int x = 0; x < 3; ++x) {
+                best = std::max(best, colours::Contrast(picture.pixelColor(x, 14), ground));
+            }
+            EXPECT_GE(best, colours::kForMarks)
+                << "theme " << static_cast<int>(theme) << ", " << field->metaObject()->className();
+        }
+        QCheckBox box;
+        box.resize(40, 20);
+        const QImage picture = box.grab().toImage();
+        double best = 0;
+        for (int x = 0; x < 6; ++x) {
+            best = std::max(best, colours::Contrast(picture.pixelColor(x, 10),
+                                                    box.palette().color(QPalette::Base)));
+        }
+        EXPECT_GE(best, colours::kForMarks) << "theme " << static_cast<int>(theme) << ", box";
+    }
+    ApplyTheme(Theme::System, 0);
 }
 
 class StudioSettingsTest : public testing::Test {
@@ -160,6 +195,29 @@ TEST_F(StudioSettingsTest, ColoursAndTheSizeOfLettersAreKept) {
     EXPECT_EQ(QApplication::palette().color(QPalette::Base).name(),
               PaletteOf(Theme::Dark).color(QPalette::Base).name());
     EXPECT_EQ(QApplication::font().pointSizeF(), 14) << "at the next start, too";
+}
+
+TEST_F(StudioSettingsTest, NumbersAreWrittenTheChosenWayAndReadAnew) {
+    const QLocale before;
+    ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
+    addIn_.Take();
+    Set([](QDialog& dialog) { dialog.findChild<QComboBox*>(u"cmbNumbers"_s)->setCurrentIndex(1); });
+    EXPECT_THAT(addIn_.Take(), Contains(u"Terminate"_s)) << "its tables are made anew";
+    EXPECT_TRUE(window_->HasProject());
+    EXPECT_EQ(QLocale().toString(1234.5, 'f', 1), u"1.234,5"_s);
+    Set([](QDialog& dialog) { dialog.findChild<QComboBox*>(u"cmbNumbers"_s)->setCurrentIndex(2); });
+    EXPECT_EQ(QLocale().toString(1234.5, 'f', 1), u"1,234.5"_s);
+    EXPECT_EQ(platform::NumberLocale(QLocale(QLocale::German)).decimalPoint(), u"."_s)
+        << "texts in German too";
+    addIn_.Take();
+    Set([](QDialog&) {});
+    EXPECT_TRUE(addIn_.Take().isEmpty()) << "nothing else has changed";
+    platform::SetNumberLocale({});
+    Start();
+    EXPECT_EQ(platform::NumberLocaleName(), u"en_GB"_s) << "at the next start, too";
+    Set([](QDialog& dialog) { dialog.findChild<QComboBox*>(u"cmbNumbers"_s)->setCurrentIndex(0); });
+    EXPECT_EQ(QLocale(), QLocale::system());
+    QLocale::setDefault(before);
 }
 
 TEST_F(StudioSettingsTest, TheLanguageCanBeChosenAmongTheSettings) {

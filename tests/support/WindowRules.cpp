@@ -10,6 +10,7 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QEvent>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
 #include <QMainWindow>
@@ -35,6 +36,7 @@ using Keys = std::map<QString, QString>;
 
 /// A screen of 1024 x 600 without the frame of the window.
 constexpr QSize kSmallScreen(1016, 560);
+constexpr int kLabelGap = 12;  // pixels
 
 QString NameOf(const QObject& object) {
     const QString name = object.objectName();
@@ -130,6 +132,33 @@ void ExpectNames(const QWidget& window) {
     }
 }
 
+/// Fields that stand behind labels begin below each other, page by page, and not too near to them.
+void ExpectOneEdge(const QWidget& window) {
+    std::map<const QWidget*, int> edges;
+    for (const QGridLayout* grid : window.findChildren<QGridLayout*>()) {
+        for (int row = 0; row < grid->rowCount(); ++row) {
+            const QLayoutItem* left = grid->itemAtPosition(row, 0);
+            const QLayoutItem* right = grid->itemAtPosition(row, 1);
+            if (left == nullptr || right == nullptr || left == right) continue;
+            const auto* label = qobject_cast<QLabel*>(left->widget());
+            if (label == nullptr || label->buddy() == nullptr || !label->isVisible()) continue;
+            const QWidget* page = label;
+            while (!page->isWindow() &&
+                   qobject_cast<QStackedWidget*>(page->parentWidget()) == nullptr) {
+                page = page->parentWidget();
+            }
+            const QWidget* holder = grid->parentWidget();
+            const int edge = holder->mapTo(page, right->geometry().topLeft()).x();
+            const int text = holder->mapTo(page, left->geometry().topLeft()).x() +
+                             label->sizeHint().width() - label->contentsMargins().right();
+            EXPECT_GE(edge - text, kLabelGap)
+                << qUtf8Printable(NameOf(window)) << ": " << qUtf8Printable(NameOf(*label));
+            EXPECT_EQ(edges.emplace(page, edge).first->second, edge)
+                << qUtf8Printable(NameOf(window)) << ": " << qUtf8Printable(NameOf(*label));
+        }
+    }
+}
+
 void ExpectFitsSmallScreen(const QWidget& window) {
     const QSize least = window.minimumSizeHint().expandedTo(window.minimumSize());
     EXPECT_TRUE(least.width() <= kSmallScreen.width() && least.height() <= kSmallScreen.height())
@@ -165,6 +194,7 @@ private:
         if (!isOurs) return;
         ExpectKeysOnce(*widget);
         ExpectNames(*widget);
+        ExpectOneEdge(*widget);
         ExpectFitsSmallScreen(*widget);
     }
 };

@@ -112,7 +112,7 @@ TEST_F(TextsTest, TheFilesHoldNothingElseAndNothingTwice) {
 std::set<std::string> NamesUsed(const char* folder) {
     namespace fs = std::filesystem;
     static const QRegularExpression use(
-        u"\\b(kText\\w+|(Text|Reason|Check|Rule)::\\w+|(FindingRow|Exchange)\\.\\w+)"_s);
+        u"\\b(kText\\w+|(Text|Reason|Check|Rule|Keys)::\\w+|(FindingRow|Exchange)\\.\\w+)"_s);
     std::set<std::string> used;
     for (const fs::path& path : fs::recursive_directory_iterator(fs::path(folder))) {
         const std::string extension = path.extension().string();
@@ -138,9 +138,9 @@ TEST_F(TextsTest, EveryOwnTextIsUsed) {
         const bool isAlias = list == "Help" || list == "Report" || list == "Replace" ||
                              list == "Patterns" || list == "Templates" || list == "Studio" ||
                              list == "Exchange" || list == "Compare";
-        const std::set<std::string>& used = list == "Report"   ? byReport
-                                            : list == "Studio" ? byStudio
-                                                               : bySrc;
+        const std::set<std::string>& used = list == "Report"                     ? byReport
+                                            : list == "Studio" || list == "Keys" ? byStudio
+                                                                                 : bySrc;
         const bool isRules = list == "Finding" || list == "RuleMeaning" || list == "RuleAdvice";
         std::string use = name.cpp;
         if (list == "FindingRow") {

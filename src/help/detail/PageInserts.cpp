@@ -117,6 +117,23 @@ QList<int> NumbersOf(const QString& beginning) {
     return numbers;
 }
 
+/// The text, with the given key where it names one that helps.
+QString WithGivenKey(int number, const TextTable& texts) {
+    using commandset::Id;
+    constexpr std::pair<int, Id> kHelping[] = {
+        {MResourceTable::kTextHintNewArchive, Id::NewArchive},
+        {MResourceTable::kTextNoArchives, Id::NewArchive},
+        {MResourceTable::kTextHintNoTrend, Id::NewTrend},
+        {MResourceTable::kTextNoTrends, Id::NewTrend},
+    };
+    for (const auto& [text, id] : kHelping) {
+        if (text != number) continue;
+        const QKeyCombination key = commandset::CommandOf(id).keys.front().keys;
+        return texts.GetText(number, {{u"key", commandset::KeyText(key, texts)}});
+    }
+    return texts.GetText(number);
+}
+
 /// A message; what happened is set apart from what can be done.
 QString MessageItem(const QString& message) {
     const QString text = WithDots(message).remove(u'[').remove(u']');
@@ -132,7 +149,7 @@ Inserted MessageItems(QStringView keys, const TextTable& texts) {
                                            : QList<int>{texts::NumberOf(keys.toString())};
     if (numbers.isEmpty() || numbers.contains(0)) return std::nullopt;
     QString items;
-    for (const int number : numbers) items += MessageItem(texts.GetText(number));
+    for (const int number : numbers) items += MessageItem(WithGivenKey(number, texts));
     return items;
 }
 
