@@ -1,5 +1,6 @@
 #include "report/Paper.h"
 
+#include <algorithm>
 #include <QAbstractTextDocumentLayout>
 #include <QFile>
 #include <QPageLayout>
@@ -17,6 +18,15 @@ namespace {
 constexpr qreal kPointsPerInch = 96;
 constexpr qreal kHeaderHeight = 22;  // header and footer, each
 constexpr int kFontPixels = 10;
+
+/// It ends with its mark.
+bool IsWholePdf(const QString& name) {
+    constexpr qint64 kLonger = 32;  // than the mark and the end of its line
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) &&
+           file.seek(std::max<qint64>(0, file.size() - kLonger)) &&
+           file.readAll().contains("%%EOF");
+}
 
 }  // namespace
 
@@ -46,7 +56,7 @@ Paper::~Paper() {
     if (done_) return;
     const bool begun = painter_ != nullptr;
     const QString file = printer_->outputFileName();
-    if (begun) printer_->abort();
+    if (begun && painter_->isActive()) printer_->abort();
     painter_.reset();
     if (begun && !file.isEmpty()) QFile::remove(file);
 }
@@ -55,10 +65,14 @@ void Paper::BeginDrawing(int pageCount) {
     pageCount_ = pageCount;
     page_ = 0;
     y_ = 0;
-    const QString file = printer_->outputFileName();
     painter_ = std::make_unique<QPainter>();
     if (painter_->begin(printer_.get())) return;
     painter_.reset();
+    Fail();
+}
+
+void Paper::Fail() const {
+    const QString file = printer_->outputFileName();
     throw TaskError{
         file.isEmpty()
             ? texts_(Text::CannotPrint)
@@ -66,15 +80,18 @@ void Paper::BeginDrawing(int pageCount) {
 }
 
 void Paper::NextPage() {
-    if (painter_ && page_ > 0 && !printer_->newPage()) throw TaskError{texts_(Text::CannotPrint)};
+    if (painter_ && page_ > 0 && !printer_->newPage()) Fail();
     ++page_;
     y_ = 0;
     if (painter_) DrawMargins();
 }
 
 void Paper::End() {
-    done_ = painter_->end();
-    if (!done_) throw TaskError{texts_(Text::CannotPrint)};
+    const QString file = printer_->outputFileName();
+    if (!painter_->end()) Fail();
+    // Nobody else tells that the disk has taken a part only.
+    if (!file.isEmpty() && !IsWholePdf(file)) Fail();
+    done_ = true;
 }
 
 /// Header and number; the body's upper left corner is where drawing begins afterwards.

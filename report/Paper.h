@@ -44,6 +44,7 @@ public:
 
 private:
     void DrawMargins();
+    [[noreturn]] void Fail() const;
 
     std::unique_ptr<QPrinter> printer_;
     std::unique_ptr<QPainter> painter_;
