@@ -79,7 +79,8 @@ void ExportJob::Write() {
         require(file.write(piece.data(), size) == size);
     });
     if (isCancelled_) throw Cancelled();
-    require(file.commit());
+    // Committing alone does not tell that the last bytes, still in memory, find no room.
+    require(file.flush() && file.commit());
     isWritten_ = true;
 }
 
