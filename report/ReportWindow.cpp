@@ -15,6 +15,7 @@
 #include <QStatusBar>
 #include <QTextBrowser>
 #include <tuple>
+#include <utility>
 
 #include "guard/Guard.h"
 #include "help/HelpViewer.h"
@@ -313,11 +314,14 @@ void ReportWindow::SetRunning(bool running) {
     // A page that is looked at in between would read rows between those that the task reads.
     lstArchives_->setEnabled(!running);
     txtReport_->setEnabled(!running || !ready_);
+    if (!running && ready_ && std::exchange(hasNewColours_, false)) ShowShown();
 }
 
 void ReportWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange && ready_ && !IsBusy()) ShowShown();
+    if (event->type() != QEvent::PaletteChange || !ready_) return;
+    hasNewColours_ = IsBusy();
+    if (!hasNewColours_) ShowShown();
 }
 
 void ReportWindow::keyPressEvent(QKeyEvent* event) {

@@ -80,8 +80,6 @@ private:
     void FilterArchives(const QString& text);
     void ShowShown();
     void Start(std::unique_ptr<Task> task, const QString& doneText);
-    void Ended(Task& task, PortionRunner::Outcome outcome, const QString& text,
-               const QString& doneText);
     void Collected();
     void SetRunning(bool running);
     [[nodiscard]] QString SuggestedFile(const QString& extension) const;
@@ -103,6 +101,7 @@ private:
     std::unique_ptr<HtmlWriter> writer_;
     Section shown_;
     bool ready_ = false;
+    bool hasNewColours_ = false;  // since a task began; the page is shown anew behind it
 
     QTextBrowser* txtReport_ = nullptr;
     QListWidget* lstArchives_ = nullptr;

@@ -79,7 +79,7 @@ void DraftKeeper::Write() {
     QSaveFile file(file_);
     const bool opened = file.open(QIODevice::WriteOnly) &&
                         file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-    if (!opened || file.write(content) != content.size() || !file.commit()) {
+    if (!opened || file.write(content) != content.size() || !file.flush() || !file.commit()) {
         return Fail(file.errorString());
     }
     written_ = content;

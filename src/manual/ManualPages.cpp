@@ -69,7 +69,9 @@ void WriteFile(const QString& path, const QByteArray& bytes) {
     const QString folder = QFileInfo(path).path();
     if (!QDir().mkpath(folder)) Fail(folder, u"the folder cannot be made"_s);
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+    // Without flush() the last bytes, which find no room, would be missing and nobody told.
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush() ||
+        !file.commit()) {
         Fail(path, file.errorString());
     }
 }

@@ -84,9 +84,9 @@ bool Keep(const QString& file, const TrendPatterns& patterns) {
     QJsonArray stored;
     for (const TrendPatterns& each : all.mid(0, kMost)) stored.append(ToJson(each));
     QSaveFile save(file);
-    if (!save.open(QIODevice::WriteOnly)) return false;
-    save.write(QJsonDocument(stored).toJson());
-    return save.commit();
+    const QByteArray bytes = QJsonDocument(stored).toJson();
+    return save.open(QIODevice::WriteOnly) && save.write(bytes) == bytes.size() && save.flush() &&
+           save.commit();
 }
 
 }  // namespace patterns::kept

@@ -70,6 +70,7 @@ TableViews::TableViews(const QString& project) {
 
 void TableViews::Read() {
     views_.clear();
+    isReadable_ = true;
     QFile file(file_);
     if (!file.exists()) return;
     isReadable_ = file.size() <= kLargestFile && file.open(QIODevice::ReadOnly);
@@ -108,7 +109,9 @@ QString TableViews::Write(QList<TableView> views) {
     for (const TableView& view : views) array.append(ObjectOf(view));
     QSaveFile file(file_);
     const QByteArray bytes = QJsonDocument(array).toJson();
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+    // Without flush() the last bytes, which find no room, would be missing and nobody told.
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush() ||
+        !file.commit()) {
         return file_ + u": "_s + file.errorString();
     }
     views_ = std::move(views);

@@ -153,7 +153,9 @@ QString TemplateFile::Write(Templates all) {
     }
     QSaveFile file(file_);
     const QByteArray bytes = QJsonDocument(object).toJson();
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+    // Without flush() the last bytes, which find no room, would be missing and nobody told.
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush() ||
+        !file.commit()) {
         return file_ + u": "_s + file.errorString();
     }
     all_ = std::move(all);

@@ -206,6 +206,16 @@ TEST_F(EditorCellsTest, RowsOfAKnownNameChangeItsTrendAfterAPreview) {
     EXPECT_EQ(Names(), names);
     EXPECT_EQ(StoredIn("Unit", 2), units);
     EXPECT_EQ(Text(1, u"Unit"_s), units[1]);
+    // Without an update all of them are new, and of two of one name only one is meant.
+    const qsizetype before = names.size();
+    yesOrNo_ = messages::MessageResult::No;
+    PasteText(text);
+    EXPECT_EQ(Names().size(), before + 2);
+    EXPECT_EQ(StoredIn("Unit", 2), units);
+    yesOrNo_ = messages::MessageResult::Yes;
+    PasteText(u"Runtime Name\tUnit\n%1\tmbar\n%1\tbar\n"_s.arg(names[1]));
+    EXPECT_EQ(Names().size(), before + 3);
+    EXPECT_EQ(StoredIn("Unit", 2), QStringList({units[0], u"mbar"_s}));
 }
 
 TEST_F(EditorCellsTest, DraggedOverAndChangedElsewhere) {

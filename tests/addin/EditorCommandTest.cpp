@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <QClipboard>
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -157,6 +158,19 @@ TEST_F(EditorCommandTest, SortingAndSelectingActOnWhatIsShown) {
     Key(Qt::Key_Delete, Qt::ControlModifier);
     EXPECT_THAT(messages_, IsEmpty());
     EXPECT_EQ(RowCount(1), rows - 3);
+}
+
+TEST_F(EditorCommandTest, WhoDoesNotWantToBeAskedIsNot) {
+    QFile settings(folder_.filePath(u"KVEditors.ini"_s));
+    ASSERT_TRUE(settings.open(QIODevice::WriteOnly));
+    settings.write("[FKVARCHIVDBSERVER]\r\nRequestOnDelete=False\r\n");
+    settings.close();
+    Open();
+    const int rows = RowCount(1);
+    SelectRow(2);
+    Key(Qt::Key_Delete, Qt::ControlModifier);
+    EXPECT_EQ(RowCount(1), rows - 1);
+    EXPECT_THAT(messages_, IsEmpty());
 }
 
 TEST_F(EditorCommandTest, DeclinedDeletionsChangeNothing) {

@@ -156,6 +156,28 @@ TEST_F(EditorEditTest, NamesAreUniqueAndNotEmpty) {
     Key(Qt::Key_Delete);
     EXPECT_EQ(messages_.size(), 1);
     EXPECT_EQ(Text(0, u"Name"_s), kFirst);
+    // A name that has been refused takes nothing from the one that stays.
+    QApplication::processEvents();
+    messages_.clear();
+    ClickCell(1, u"Name"_s);
+    Type(kFirst);
+    Key(Qt::Key_Return);
+    EXPECT_THAT(MessageTexts(), ElementsAre(u"Name already in use"_s));
+    Key(Qt::Key_Escape);
+    EXPECT_EQ(Text(1, u"Name"_s), other);
+}
+
+// The list of archives marks the one whose trends are shown, whatever has been clicked.
+TEST_F(EditorEditTest, ARefusedTextKeepsItsArchive) {
+    Open();
+    const QString open = CurrentName(0);
+    ClickCell(0, u"Name"_s);
+    Type(Text(1, u"Name"_s));
+    ClickCell(3, u"Name"_s, 0);
+    QApplication::processEvents();
+    EXPECT_EQ(host_.selected, u"ARCH1"_s);
+    EXPECT_EQ(CurrentName(0), open);
+    EXPECT_EQ(Text(0, u"Name"_s), kFirst);
 }
 
 TEST_F(EditorEditTest, WhereAnotherHasWrittenTheSameCellTheUserSettlesIt) {
@@ -192,6 +214,36 @@ TEST_F(EditorEditTest, WhereAnotherHasWrittenTheSameCellTheUserSettlesIt) {
     TurnTo();
     EXPECT_EQ(settle(u"cmdAllMine"_s), u"own"_s);
     EXPECT_EQ(Stored(third, "Comment"), u"also theirs"_s);
+    // Where both say the same there is nothing to ask.
+    ClickCell(2, u"Unit"_s);
+    Type(u"same"_s);
+    ChangeElsewhere(third, "Unit", std::u16string(u"same"));
+    EXPECT_EQ(DialogOf([&] { Key(Qt::Key_Return); }), QString());
+    EXPECT_EQ(Stored(third, "Unit"), u"same"_s);
+    // And where it is written once more while the user is asked, he is asked for that too.
+    ClickCell(2, u"Unit"_s);
+    Type(u"own"_s);
+    ChangeElsewhere(third, "Unit", std::u16string(u"another"));
+    const auto ok = [](QDialog& dialog) {
+        dialog.findChild<QPushButton*>(u"cmdAllMine"_s)->click();
+        dialog.findChild<QPushButton*>(u"cmdOk"_s)->click();
+    };
+    const auto commit = [] { QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return); };
+    int asked = 0;
+    AnswerDialog(
+        [&] {
+            AnswerDialog(commit, [&](QDialog& dialog) {
+                ++asked;
+                ok(dialog);
+            });
+        },
+        [&](QDialog& dialog) {
+            ++asked;
+            ChangeElsewhere(third, "Unit", std::u16string(u"once more"));
+            ok(dialog);
+        });
+    EXPECT_EQ(asked, 2);
+    EXPECT_EQ(Stored(third, "Unit"), u"own"_s);
     EXPECT_THAT(messages_, IsEmpty());
 }
 

@@ -100,6 +100,17 @@ TEST_F(EditorFindingsTest, TheListLeadsToTheCellAndBack) {
     EXPECT_EQ(CurrentName(), u"Gärtank 3 Füllstand"_s);
     EXPECT_EQ(Split(1)->currentIndex().column(), ColumnNumber(1, u"Maximum"_s));
     EXPECT_FALSE(List()->hasFocus());
+    // Neither a hidden column nor a narrowed grid is in the way.
+    Column(1, u"Maximum"_s)->setProperty("Visible", false);
+    auto* find = Editor()->findChild<QLineEdit*>(u"txtFind"_s);
+    Key(Qt::Key_F, Qt::ControlModifier);
+    find->setText(u"nowhere"_s);
+    ASSERT_EQ(RowCount(1), 0);
+    List()->setFocus();
+    Key(Qt::Key_Return);
+    EXPECT_EQ(find->text(), QString());
+    EXPECT_EQ(CurrentName(), u"Gärtank 3 Füllstand"_s);
+    EXPECT_EQ(Split(1)->currentIndex().column(), ColumnNumber(1, u"Name"_s));
     // There and back: the first F4 gives the list the keyboard, the second one takes it away.
     Key(Qt::Key_F4);
     EXPECT_TRUE(List()->hasFocus());

@@ -113,11 +113,13 @@ TEST_F(EditorManyTest, NamesAndTextsTakeAPattern) {
     const QStringList before = Names();
     Edit(3, [&](QDialog& dialog) {
         TypeOver(Field(dialog, u"txtName"_s), u"P{08..10}"_s);
-        TypeOver(Field(dialog, u"txtComment"_s), u"{A|B}"_s);
-        messages_.clear();
-        Ok(dialog).click();
-        EXPECT_EQ(messages_.size(), 1) << "two texts for three trends";
-        EXPECT_TRUE(dialog.isVisible());
+        for (const QString& pattern : {u"{A|B}"_s, u"{A|B|C|D}"_s}) {
+            TypeOver(Field(dialog, u"txtComment"_s), pattern);
+            messages_.clear();
+            Ok(dialog).click();
+            EXPECT_EQ(messages_.size(), 1) << "for three trends " << pattern.toStdString();
+            EXPECT_TRUE(dialog.isVisible());
+        }
         TypeOver(Field(dialog, u"txtComment"_s), u"{A|B|C}"_s);
         EXPECT_EQ(Ok(dialog).text(), u"Change 2 fields in 3 trends"_s);
         Ok(dialog).click();

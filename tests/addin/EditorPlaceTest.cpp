@@ -4,8 +4,10 @@
 #include <gmock/gmock.h>
 
 #include <QComboBox>
+#include <QLineEdit>
 #include <QStatusBar>
 
+#include "addin/DamagedRow.h"
 #include "addin/EditorTest.h"
 #include "projectdb/Text.h"
 
@@ -159,6 +161,44 @@ TEST_F(EditorPlaceTest, AnArchiveThatHasGoneSaysSoAndGoes) {
         EXPECT_EQ(host_.selected, u"ARC0"_s);
         EXPECT_EQ(RowCount(1), 0);
     }
+}
+
+// An archive that cannot be read any more is there all the same.
+TEST_F(EditorPlaceTest, AnArchiveThatCannotBeReadStaysInTheTree) {
+    Open();
+    const qsizetype nodes = host_.nodes.size();
+    DamageRow(project_, ADOArchiv::Command::Archives, 3);
+    Elsewhere([](projectdb::ProjectRows& rows) {
+        ASSERT_TRUE(rows.SeekArchive(1));
+        rows.Archives().Set("Comment", std::u16string(u"x"));
+        rows.Archives().Update();
+    });
+    TurnAway();
+    TurnTo();
+    EXPECT_EQ(RowCount(0), 13);
+    EXPECT_EQ(host_.nodes.size(), nodes);
+    EXPECT_EQ(host_.selected, u"ARCH1"_s);
+}
+
+TEST_F(EditorPlaceTest, BehindTheLastArchiveThereIsTheOneBeforeIt) {
+    Open();
+    const QStringList names = Names(0);
+    ClickCell(static_cast<int>(names.size()) - 1, u"Name"_s, 0);
+    ASSERT_EQ(CurrentName(0), names.back());
+    TurnTo(0);
+    Key(Qt::Key_Delete, Qt::ControlModifier);
+    EXPECT_EQ(Names(0), names.first(names.size() - 1));
+    EXPECT_EQ(CurrentName(0), names[names.size() - 2]);
+    // A new one shows, whatever the list has been narrowed to.
+    auto* find = Editor()->findChild<QLineEdit*>(u"txtFind"_s);
+    Key(Qt::Key_F, Qt::ControlModifier);
+    find->setText(u"keller"_s);
+    ASSERT_LT(Names(0).size(), names.size() - 1);
+    TurnTo(0);
+    Key(Qt::Key_F8);
+    EXPECT_EQ(find->text(), QString());
+    EXPECT_EQ(CurrentName(0), u"New Archive"_s);
+    EXPECT_EQ(Names(0).size(), names.size());
 }
 
 }  // namespace

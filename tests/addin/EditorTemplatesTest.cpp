@@ -8,6 +8,7 @@
 #include <QStatusBar>
 
 #include "addin/EditorTest.h"
+#include "support/SmallDisk.h"
 #include "templates/TemplateFile.h"
 
 namespace {
@@ -178,6 +179,25 @@ TEST_F(EditorTemplatesTest, TheyAreRenamedReplacedAndDeleted) {
     messages_.clear();
     Keep(u"C"_s);
     EXPECT_EQ(messages_.size(), 1);
+    // Renamed to another's name it takes its place, once, after the same question.
+    Keep(u"B"_s);
+    messages_.clear();
+    InTemplates([this](QDialog& dialog) {
+        List(dialog).setCurrentRow(2);
+        AnswerDialog([&] { QTest::keyClick(&List(dialog), Qt::Key_F2); },
+                     [](QDialog& name) {
+                         name.findChild<QLineEdit*>()->setText(u"C"_s);
+                         name.accept();
+                     });
+        EXPECT_EQ(Entries(dialog), QStringList({u"(none)"_s, u"C"_s}));
+        // One that is deleted is chosen no more.
+        List(dialog).setCurrentRow(1);
+        QTest::keyClick(&List(dialog), Qt::Key_Delete);
+        EXPECT_EQ(Entries(dialog), QStringList(u"(none)"_s));
+        EXPECT_TRUE(List(dialog).item(0)->font().bold());
+        dialog.reject();
+    });
+    EXPECT_EQ(messages_.size(), 1);
     // What is no file of templates is neither used nor written over.
     const QByteArray damaged = "<<<<<<< mine";
     WriteFile(damaged);
@@ -187,6 +207,31 @@ TEST_F(EditorTemplatesTest, TheyAreRenamedReplacedAndDeleted) {
     EXPECT_EQ(File(), damaged);
     std::ignore = NewTrend();
     EXPECT_EQ(messages_.size(), 1) << "as without a template";
+}
+
+// What cannot be written is told of, and nothing looks as if it had been.
+TEST_F(EditorTemplatesTest, AFileThatCannotBeWrittenKeepsItsTemplates) {
+    templates::TemplateFile first(folder_.filePath(u"a.kvs"_s));
+    templates::TemplateFile second(folder_.filePath(u"a.kvs"_s));
+    const project::Values settings{{"Unit", std::u16string(u"bar")}, {"VMax", ado::Null()}};
+    EXPECT_EQ(first.Keep(templates::Kind::Trend, {u"A"_s, settings}), QString());
+    EXPECT_EQ(second.Keep(templates::Kind::Trend, {u"B"_s, {}}), QString());
+    templates::TemplateFile read(folder_.filePath(u"a.kvs"_s));
+    ASSERT_EQ(read.Names(templates::Kind::Trend), QStringList({u"A"_s, u"B"_s}));
+    EXPECT_EQ(read.Find(templates::Kind::Trend, u"A"_s)->settings.size(), 1U)
+        << "what is Null says nothing";
+    {
+        const SmallDisk disk(10);
+        EXPECT_FALSE(read.Rename(templates::Kind::Trend, u"A"_s, u"Z"_s).isEmpty());
+    }
+    ASSERT_EQ(templates::TemplateFile(folder_.filePath(u"a.kvs"_s)).Names(templates::Kind::Trend),
+              QStringList({u"A"_s, u"B"_s}));
+    QFile file(first.Path());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("<<<<<<< mine");
+    file.close();
+    EXPECT_FALSE(read.Rename(templates::Kind::Trend, u"A"_s, u"Z"_s).isEmpty());
+    EXPECT_FALSE(read.Remove(templates::Kind::Trend, u"B"_s).isEmpty());
 }
 
 // Another studio may take a template away between two looks at the file.

@@ -294,12 +294,14 @@ TEST_F(GridEditTest, ARefusedTextStaysInItsCellUntilItIsGivenUp) {
             Key(Qt::Key_Escape);
             EXPECT_FALSE(split_->Editing());
         }
+        const auto told = errors.size();
         split_->SetCurrentCell(105, kName);
         Type(u"Trd106"_s);
         Click(110, kVar);
         EXPECT_EQ(split_->CurrentRow(), 105) << "the click that left the cell moves nowhere";
         EXPECT_FALSE(grid_.CommitPendingEdit()) << "nothing that would follow may run";
         EXPECT_TRUE(split_->Editing());
+        EXPECT_EQ(errors.size() - told, answer.errors) << "one refusal is told of once";
         QCoreApplication::processEvents();
         split_->SetCurrentCell(112, kName);
         EXPECT_EQ(split_->CurrentRow(), 105) << "nor does the window go elsewhere";
@@ -336,12 +338,81 @@ TEST_F(GridEditTest, WhatIsNoNumberKeepsTheKeyboard) {
     ASSERT_TRUE(split_->Editing());
     EXPECT_TRUE(Editor()->hasFocus());
     QCoreApplication::processEvents();
-    // Another window in front is no leaving of the cell.
+    // Another window in front, or a menu, is no leaving of the cell.
     Key(Qt::Key_5);
-    QFocusEvent away(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
-    QApplication::sendEvent(Editor(), &away);
-    EXPECT_TRUE(split_->Editing());
+    for (const Qt::FocusReason reason :
+         {Qt::ActiveWindowFocusReason, Qt::PopupFocusReason, Qt::MenuBarFocusReason}) {
+        QFocusEvent away(QEvent::FocusOut, reason);
+        QApplication::sendEvent(Editor(), &away);
+        EXPECT_TRUE(split_->Editing()) << reason;
+        EXPECT_TRUE(trends_.commits.empty()) << reason;
+    }
+}
+
+TEST_F(GridEditTest, AListBeginsWhereItsCellIs) {
+    auto rows = Trends(20);
+    rows[4].values[kFilter] = {};
+    trends_.Load(rows, 1);
+    for (const bool chooses : {false, true}) {
+        split_->SetCurrentCell(105, kFilter);
+        Key(Qt::Key_F2);
+        EXPECT_EQ(qobject_cast<QComboBox*>(Editor())->currentIndex(), -1);
+        if (chooses) Type(u"n"_s);
+        Key(Qt::Key_Return);
+        EXPECT_EQ(trends_.commits.size(), chooses ? 1U : 0U) << "the first entry is a change";
+    }
+    EXPECT_EQ(trends_.Value(105, kFilter), 0);
+}
+
+TEST_F(GridEditTest, SeveralCellsAreWrittenOrNone) {
+    const QSignalSpy refused(split_, &GridSplit::TextRefused);
+    split_->SetCurrentCell(105, kUnit);
+    Key(Qt::Key_Right, Qt::ShiftModifier);
+    ASSERT_EQ(split_->SelectedCells().columns, (QList<int>{kUnit, kDepth}));
+    Type(u"7"_s);
+    Key(Qt::Key_Return, Qt::ControlModifier);
+    ASSERT_EQ(refused.size(), 1) << "one of them is locked";
+    EXPECT_EQ(refused[0][0].toInt(), kUnit);
     EXPECT_TRUE(trends_.commits.empty());
+    QCoreApplication::processEvents();
+    Key(Qt::Key_Escape);
+    // A failure leads to the cell that it is about.
+    trends_.answer = [](const auto&) { return GridCommit::Failed(32, u"changed"_s); };
+    EXPECT_FALSE(split_->WriteCells({{107, kName, u"x"_s}}));
+    EXPECT_EQ(split_->CurrentRow(), 107);
+    EXPECT_EQ(split_->CurrentColumn(), kName);
+}
+
+// Beside a selection with holes there is nothing to fill, and a press alone fills nothing.
+TEST_F(GridEditTest, TheHandleFillsWhatItIsDraggedOver) {
+    split_->SetFillsByMouse(true);
+    const QSignalSpy filled(split_, &GridSplit::FillWanted);
+    auto* handle = View()->findChild<QWidget*>(u"fillHandle"_s);
+    ASSERT_NE(handle, nullptr);
+    const auto drag = [&](GridRowId to) {
+        const QPoint at = handle->mapFrom(View()->viewport(), CellPoint(to, kMaximum));
+        QTest::mousePress(handle, Qt::LeftButton);
+        QMouseEvent move(QEvent::MouseMove, at, handle->mapToGlobal(at), Qt::NoButton,
+                         Qt::LeftButton, {});
+        QApplication::sendEvent(handle, &move);
+        QTest::mouseRelease(handle, Qt::LeftButton, {}, at);
+    };
+    Click(105, kMaximum);
+    Click(106, kMaximum, Qt::ShiftModifier);
+    ASSERT_TRUE(handle->isVisible());
+    QTest::mouseClick(handle, Qt::LeftButton);
+    drag(103);
+    EXPECT_EQ(filled.size(), 0);
+    EXPECT_EQ(split_->SelectedRows(), (QList<GridRowId>{105, 106}));
+    drag(108);
+    ASSERT_EQ(filled.size(), 1);
+    EXPECT_EQ(filled[0][0].toInt(), 2) << "rows to take from";
+    EXPECT_EQ(split_->SelectedRows(), (QList<GridRowId>{105, 106, 107, 108}));
+    Click(105, kMaximum);
+    Click(107, kMaximum, Qt::ControlModifier);
+    Click(109, kMaximum, Qt::ControlModifier);
+    ASSERT_EQ(split_->SelectedRows(), (QList<GridRowId>{107, 109}));
+    EXPECT_FALSE(handle->isVisible());
 }
 
 TEST_F(GridEditTest, EitherListCanRefuse) {

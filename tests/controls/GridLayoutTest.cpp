@@ -63,6 +63,9 @@ TEST_F(GridLayoutTest, PropertiesAreReachedByName) {
     grid_.HeadFont()->setProperty("Weight", 400);
     EXPECT_FALSE(View()->horizontalHeader()->font().bold());
     EXPECT_TRUE(View(0)->font().bold());
+    font->setProperty("Italic", true);
+    EXPECT_TRUE(View()->font().italic());
+    EXPECT_FALSE(View()->horizontalHeader()->font().bold()) << "the headings have their own now";
 }
 
 TEST_F(GridLayoutTest, WidthsAreTwips) {

@@ -159,9 +159,16 @@ TEST_F(GridRowsTest, SelectionActsOnWhatIsShown) {
     Key(Qt::Key_Return);
     trends_.Append(Trend(301, u"New"_s, 1.0, 0));
     EXPECT_EQ(split_->ShownRows(), (Ids{102, 120}));
+    split_->SetFilterText(u"tank20"_s);
+    EXPECT_EQ(split_->ShownRows(), (Ids{120})) << "another narrowing is";
+    split_->SetFilterText(u"tank2"_s);
+    // What changes is painted, whichever rows of the source stand between.
+    const QSignalSpy painted(View()->model(), &QAbstractItemModel::dataChanged);
+    emit trends_.dataChanged(trends_.index(10, 0), trends_.index(19, kDepth));
+    EXPECT_EQ(painted.size(), 1);
     trends_.Remove(101);
     trends_.Remove(120);
-    EXPECT_EQ(split_->ShownRows(), (Ids{102}));
+    EXPECT_EQ(split_->ShownRows(), Ids{});
 }
 
 TEST_F(GridRowsTest, RowsAreSelectedByRecordSelectorsAndKeys) {
@@ -195,6 +202,14 @@ TEST_F(GridRowsTest, RowsAreSelectedByRecordSelectorsAndKeys) {
     }
     QTest::mouseClick(View()->viewport(), Qt::RightButton, {}, CellPoint(104, kVar));
     EXPECT_EQ(split_->SelectedRows().size(), 20) << "the menu is for the selection";
+    split_->SelectRows({102});
+    QTest::mouseClick(View()->viewport(), Qt::RightButton, {}, CellPoint(104, kVar));
+    EXPECT_EQ(split_->SelectedRows(), Ids{}) << "beside it, it is for the row under it";
+    // Rows that are read anew keep where a selection has begun.
+    ClickSelector(104);
+    trends_.Load(Trends(20), 1);
+    ClickSelector(106, Qt::ShiftModifier);
+    EXPECT_EQ(split_->SelectedRows(), (Ids{104, 105, 106}));
 }
 
 TEST_F(GridRowsTest, MovesLikeASpreadsheet) {
@@ -297,6 +312,9 @@ TEST_F(GridRowsTest, ShowsWhatItsSourceTells) {
     EXPECT_EQ(split_->ShownRows(), (Ids{1, 2})) << "sorted by a column that is gone";
     trends_.Load(Trends(3), 2);
     EXPECT_EQ(split_->RowCount(), 2) << "the source of before is heard no more";
+    FakeSource numbers({{u"Name"_s, GridKind::Integer}});
+    split_->SetSource(&numbers);
+    EXPECT_EQ(split_->Column(u"Name")->Kind(), GridKind::Integer);
     split_->SetSource(nullptr);
 }
 

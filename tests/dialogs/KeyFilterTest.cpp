@@ -288,6 +288,12 @@ TEST_F(RestrictInputTest, NothingComesIntoAReadOnlyOrFullField) {
     QGuiApplication::clipboard()->setText(u"12345"_s);
     QTest::keySequence(&field_, QKeySequence::Paste);
     EXPECT_EQ(field_.text(), QString());
+    field_.setText(u"123"_s);
+    field_.selectAll();
+    QGuiApplication::clipboard()->setText(u"456"_s);
+    QTest::keySequence(&field_, QKeySequence::Paste);
+    EXPECT_EQ(field_.text(), u"456"_s) << "what is selected makes room";
+    field_.clear();
     field_.setReadOnly(true);
     QTest::keySequence(&field_, QKeySequence::Paste);
     QTest::keyClicks(&field_, u"1"_s);

@@ -4,12 +4,14 @@
 
 #include <sys/wait.h>
 #include <unistd.h>
+#include <QDateTime>
 #include <QDir>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include "support/PrintQt.h"
+#include "support/SmallDisk.h"
 
 namespace {
 
@@ -53,6 +55,13 @@ TEST_F(DraftKeeperTest, WhatACrashHasLeftIsFoundWholeAndByItsOwnProjectOnly) {
     CrashWith(draft_);
     EXPECT_FALSE(DraftKeeper(Folder(), u"C:\\b.kvs"_s).TakeAbandoned());
     {
+        // Whoever edits before the question is answered has a file of his own.
+        DraftKeeper other(Folder(), u"C:\\a.kvs"_s);
+        Hurry(other);
+        other.Watch([&] { return draft_.fields.first(1); });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return Files().size() == 2; }));
+    }
+    {
         DraftKeeper keeper(Folder(), u"C:\\a.kvs"_s);
         const auto found = keeper.TakeAbandoned();
         ASSERT_TRUE(found);
@@ -84,7 +93,12 @@ TEST_F(DraftKeeperTest, AnEditIsOnTheDiskOnlyWhileItLasts) {
               QFile::Permissions());
     DraftKeeper second(Folder(), u"C:\\a.kvs"_s);
     Hurry(second);
-    EXPECT_FALSE(second.TakeAbandoned()) << "its program lives";
+    QFile lock(Folder() + u'/' + Files().front() + u".lock"_s);
+    ASSERT_TRUE(lock.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(lock.setFileTime(QDateTime::currentDateTime().addDays(-1),
+                                 QFileDevice::FileModificationTime));
+    lock.close();
+    EXPECT_FALSE(second.TakeAbandoned()) << "its program lives, however long the edit lasts";
     second.Watch([&] { return draft_.fields; });
     EXPECT_TRUE(QTest::qWaitFor([&] { return Files().size() == 2; }));
     typed.clear();
@@ -109,6 +123,13 @@ TEST_F(DraftKeeperTest, WhatCannotBeWrittenIsToldOnceAndWhatCannotBeReadIsNoDraf
     keeper.Forget();
     ASSERT_TRUE(inTheWay.remove());
 
+    {
+        const SmallDisk disk(300);  // which has room for the lock
+        keeper.Watch([&] { return draft_.fields; });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return failed.size() == 2; }));
+        EXPECT_TRUE(Files().isEmpty());
+        keeper.Forget();
+    }
     CrashWith(draft_);
     ASSERT_EQ(Files().size(), 1);
     for (const QByteArray& content : {QByteArray(), QByteArray("{\"kind\":\"trend\"}"),

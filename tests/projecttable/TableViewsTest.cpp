@@ -5,6 +5,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "support/SmallDisk.h"
+
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
@@ -62,6 +64,15 @@ TEST_F(TableViewsTest, WhatIsNotUnderstoodIsNotWrittenOver) {
     QFile file(Project() + u"-views"_s);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), "{ somebody's");
+    ASSERT_TRUE(file.remove());
+    // A disk that is full takes nothing away.
+    EXPECT_EQ(views.Keep(view), QString()) << "taken away meanwhile";
+    view.name = u"y"_s;
+    {
+        const SmallDisk disk(10);
+        EXPECT_FALSE(views.Keep(view).isEmpty());
+    }
+    EXPECT_EQ(TableViews(Project()).All().size(), 1);
 }
 
 }  // namespace

@@ -1,16 +1,20 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <functional>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QLocale>
 #include <QPushButton>
+#include <QSet>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextBlock>
 #include <QTextBrowser>
 #include <vector>
 
@@ -159,6 +163,7 @@ TEST_F(ReportFailureTest, SearchingOnLeavesTheSectionAndComesBack) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get(), 30000));
     // Three archives begin a new file then.
     window_->findChild<QLineEdit*>(u"txtFind"_s)->setText(u"change of the hour"_s);
+    const auto* page = window_->findChild<QTextBrowser*>(u"txtReport"_s);
     const struct {
         Qt::KeyboardModifiers held;
         std::vector<std::size_t> archives;
@@ -172,6 +177,7 @@ TEST_F(ReportFailureTest, SearchingOnLeavesTheSectionAndComesBack) {
                 ASSERT_TRUE(Done());
             }
             EXPECT_EQ(window_->Shown().archive, archive);
+            EXPECT_EQ(page->textCursor().selectedText(), u"change of the hour"_s);
         }
     }
     EXPECT_EQ((window_->Show({Section::Kind::Archive, 999}), window_->Shown().kind),
@@ -181,6 +187,10 @@ TEST_F(ReportFailureTest, SearchingOnLeavesTheSectionAndComesBack) {
     int visible = 0;
     for (int i = 0; i < list->count(); ++i) visible += list->item(i)->isHidden() ? 0 : 1;
     EXPECT_EQ(visible, 2);
+    window_->CompareWith(project_);
+    ASSERT_TRUE(Done());
+    EXPECT_FALSE(list->item(list->count() - 1)->text().contains(u"KELLER"_s, Qt::CaseInsensitive));
+    EXPECT_TRUE(list->item(list->count() - 1)->isHidden()) << "the new chapter is narrowed too";
 }
 
 // In front of the first archive and behind the last there is none; neither is in between.
@@ -226,6 +236,177 @@ TEST_F(ReportFailureTest, ATableThatCannotBeReadIsOneProblem) {
         EXPECT_TRUE(archive.contains(u"Sudhaus.Maischbottich.Temperatur"_s));
         EXPECT_FALSE(archive.contains(u"There is no index text"_s));
     }
+}
+
+/// One archive with so many trends; the last one's comment may be long.
+class LongReportTest : public ReportFailureTest {
+protected:
+    void MakeProject(int trends) {
+        QFile::remove(project_);
+        CopyProject(QStringLiteral(KV_TEST_DATA "/Leer.kvs"));
+        std::int32_t archive = 0;
+        Change("TchrArchives", [&](ado::Recordset& rows) {
+            rows.AddNew();
+            rows.Set("Name", std::u16string(u"A"));
+            rows.Update();
+            archive = ado::ToLong(rows.Get("ID"));
+        });
+        Change("TchrTrends", [&](ado::Recordset& rows) {
+            for (int i = 0; i < trends; ++i) {
+                rows.AddNew();
+                rows.Set("ArchiveID", archive);
+                rows.Set("Name", u"T" + QString::number(i).toStdU16String());
+                rows.Update();
+            }
+        });
+    }
+    QSet<QString> Links() {
+        QSet<QString> links;
+        const auto* page = window_->findChild<QTextBrowser*>(u"txtReport"_s);
+        for (QTextBlock block = page->document()->begin(); block.isValid(); block = block.next()) {
+            for (auto piece = block.begin(); !piece.atEnd(); ++piece) {
+                const QString link = piece.fragment().charFormat().anchorHref();
+                if (link.startsWith(u"section:"_s)) links += link;
+            }
+        }
+        return links;
+    }
+};
+
+TEST_F(LongReportTest, ATableIsCutWhereAPartIsFullAndNotBehindIt) {
+    for (const int trends : {100, 101, 200}) {
+        SCOPED_TRACE(trends);
+        MakeProject(trends);
+        Read();
+        const auto part = [](std::size_t number) {
+            return Section{Section::Kind::Archive, 0, number * 100};
+        };
+        const auto parts = static_cast<std::size_t>((trends + 99) / 100);
+        for (std::size_t i = 0; i < parts; ++i) {
+            window_->Show(part(i));
+            EXPECT_EQ(window_->Shown(), part(i));
+            QSet<QString> beside;
+            if (i > 0) beside += part(i - 1).Address();
+            if (i + 1 < parts) beside += part(i + 1).Address();
+            EXPECT_EQ(Links(), beside);
+        }
+        window_->Show(part(parts));
+        EXPECT_EQ(window_->Shown().kind, Section::Kind::Overview) << "there is no such part";
+    }
+}
+
+TEST_F(LongReportTest, ProblemsAreListedUpToABoundAndCountedBeyondIt) {
+    constexpr std::size_t kMost = report::ProjectReader::kMaximumProblems;
+    MakeProject(static_cast<int>(kMost) + 3);
+    Change("TchrArchives", [](ado::Recordset& rows) { rows.Delete(); });
+    report::ProjectReader reader;
+    reader.Open(project_);
+    while (!reader.Collect(std::chrono::seconds(1))) continue;
+    EXPECT_EQ(reader.TrendCount(), kMost + 3) << "those without an archive count";
+    EXPECT_EQ(reader.Problems().size(), kMost);
+    ASSERT_GE(reader.ProblemCount(), kMost + 3);
+    Read();
+    window_->Show({});
+    EXPECT_TRUE(Links().contains(Section{Section::Kind::WithoutArchive}.Address()));
+    const auto more = static_cast<qulonglong>(reader.ProblemCount() - kMost);
+    EXPECT_TRUE(Shown({Section::Kind::Problems})
+                    .contains(u"and %1 more"_s.arg(QLocale(QLocale::English).toString(more))));
+}
+
+// A row that is longer than a page goes on over the next ones.
+TEST_F(LongReportTest, ALongRowIsPrintedWhole) {
+    const QString target = folder_.filePath(u"long.pdf"_s);
+    const auto pages = [&](std::size_t letters) {
+        MakeProject(1);
+        const std::u16string text(letters, u'W');
+        std::int32_t id = 0;
+        Change("TidxTexts", [&](ado::Recordset& rows) {
+            rows.AddNew();
+            rows.Set("L1031", text);
+            rows.Set("L1033", text);
+            rows.Update();
+            id = ado::ToLong(rows.Get("ID"));
+        });
+        Change("TchrTrends", [&](ado::Recordset& rows) {
+            rows.Set("TextID", id);
+            rows.Set("Comment", text);
+            rows.Update();
+        });
+        Read();
+        window_->ExportPdf(target);
+        EXPECT_TRUE(Done());
+        QFile file(target);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll().count("/Type /Page\n");
+    };
+    const auto usual = pages(1);
+    EXPECT_GT(pages(255), usual);
+}
+
+TEST_F(ReportFailureTest, NoTaskBeginsUnderAnother) {
+    CopyProject(QStringLiteral(KV_EXAMPLES "/Brauerei.kvs"));
+    Read();
+    EXPECT_TRUE(window_->IsReady());
+    ASSERT_TRUE(window_->Read());
+    EXPECT_FALSE(window_->IsReady());
+    ASSERT_TRUE(window_->Read()) << "begins again, and what has been begun is given up";
+    ASSERT_TRUE(Done());
+    const QString html = folder_.filePath(u"r.html"_s);
+    const QString pdf = folder_.filePath(u"r.pdf"_s);
+    const auto* page = window_->findChild<QTextBrowser*>(u"txtReport"_s);
+    window_->ExportHtml(html);
+    ASSERT_TRUE(window_->IsBusy());
+    window_->ExportPdf(pdf);
+    window_->CompareWith(project_);
+    EXPECT_FALSE(window_->findChild<QListWidget*>(u"lstArchives"_s)->isEnabled());
+    EXPECT_FALSE(page->isEnabled());
+    const int revision = page->document()->revision();
+    QEvent colours(QEvent::PaletteChange);
+    QCoreApplication::sendEvent(window_.get(), &colours);
+    EXPECT_EQ(page->document()->revision(), revision) << "rows are not read in between";
+    ASSERT_TRUE(Done());
+    EXPECT_NE(page->document()->revision(), revision) << "but behind the task";
+    EXPECT_TRUE(QFile::exists(html));
+    EXPECT_FALSE(QFile::exists(pdf));
+    EXPECT_EQ(window_->Shown().kind, Section::Kind::Overview);
+}
+
+// Whoever stops a check or a comparison has not failed, and keeps what there was.
+TEST_F(ReportFailureTest, WhatIsStoppedLeavesWhatWasThere) {
+    CopyProject(QStringLiteral(KV_EXAMPLES "/Brauerei.kvs"));
+    const QString other = folder_.filePath(u"Other.kvs"_s);
+    ASSERT_TRUE(QFile::copy(project_, other));
+    report::ProjectReader reader;
+    reader.Open(project_);
+    const auto goOn = [] { return true; };
+    const auto stop = [] { return false; };
+    reader.Check(goOn);
+    const std::size_t found = reader.Findings().judgement.open.size();
+    const auto& open = reader.Findings().judgement.open;
+    ASSERT_GT(found, 1U);
+    EXPECT_GT(open.front().severity, open.back().severity) << "the gravest first";
+    reader.Check(stop);
+    EXPECT_EQ(reader.Findings().judgement.open.size(), found);
+    reader.CompareWith(other, goOn);
+    reader.CompareWith(project_, stop);
+    ASSERT_NE(reader.Differences(), nullptr);
+    EXPECT_EQ(reader.ComparedWith(), u"Other"_s);
+}
+
+// A language without texts is passed over, and the others keep theirs.
+TEST_F(ReportFailureTest, TextsStandUnderTheirOwnLanguage) {
+    CopyProject(QStringLiteral(KV_EXAMPLES "/Brauerei.kvs"));
+    Change("TcfgLanguages", [](ado::Recordset& rows) {
+        rows.MoveFirst();
+        ASSERT_EQ(ado::ToLong(rows.Get("LCID")), 1031);
+        rows.Set("LCID", std::int32_t{1036});
+        rows.Update();
+    });
+    Read();
+    const QString archive = Shown({Section::Kind::Archive, 0});
+    EXPECT_TRUE(archive.contains(u"en: "_s)) << archive.left(600).toStdString();
+    EXPECT_FALSE(archive.contains(u"de: "_s));
+    EXPECT_FALSE(archive.contains(u"1036: "_s));
 }
 
 }  // namespace

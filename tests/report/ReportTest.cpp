@@ -105,6 +105,16 @@ protected:
     static QString Shown(ReportWindow& window) {
         return window.findChild<QTextBrowser*>(u"txtReport"_s)->toPlainText();
     }
+    static QSet<QString> Links(ReportWindow& window) {
+        QSet<QString> links;
+        const auto* page = window.findChild<QTextBrowser*>(u"txtReport"_s);
+        for (QTextBlock block = page->document()->begin(); block.isValid(); block = block.next()) {
+            for (auto piece = block.begin(); !piece.atEnd(); ++piece) {
+                links += piece.fragment().charFormat().anchorHref();
+            }
+        }
+        return links;
+    }
     /// Keeps a picture of the window where the environment variable KV_SCREENSHOTS names a folder.
     static void KeepPicture(QWidget& window, const QString& name) {
         const QString folder = qEnvironmentVariable("KV_SCREENSHOTS");
@@ -265,10 +275,14 @@ TEST_F(ReportTest, WritesPdfOrLeavesNothingBehind) {
     EXPECT_GE(pdf.readAll().count("/Type /Page\n"), 15);
 
     const QString cancelled = folder_.filePath(u"cancelled.pdf"_s);
-    window.ExportPdf(cancelled);
-    window.findChild<QPushButton*>(u"cmdCancel"_s)->click();
-    EXPECT_FALSE(window.IsBusy());
-    EXPECT_FALSE(QFile::exists(cancelled));
+    for (const QString& file : {cancelled, kept}) {
+        const qint64 before = QFile(file).size();
+        window.ExportPdf(file);
+        window.findChild<QPushButton*>(u"cmdCancel"_s)->click();
+        EXPECT_FALSE(window.IsBusy());
+        EXPECT_EQ(QFile::exists(file), file == kept);
+        EXPECT_EQ(QFile(file).size(), before) << "nothing has been drawn yet";
+    }
     window.ExportHtml(folder_.filePath(u"no/such/folder.html"_s));
     EXPECT_FALSE(Done(window));
     ASSERT_EQ(messages_.size(), 1);
@@ -290,6 +304,8 @@ TEST_F(ReportTest, HasFindingsAndDifferencesAsChapters) {
         trends.Find("ID = 5");
         trends.Set("Unit", std::u16string(u"K"));
         trends.Update();
+        trends.Find("ID = 6");
+        trends.Delete();
         found = project::CheckProject(connection).findings;
     }
     ASSERT_GT(found.size(), 1U);
@@ -299,7 +315,12 @@ TEST_F(ReportTest, HasFindingsAndDifferencesAsChapters) {
     why.fingerprint = project::FingerprintOf(found[0]);
     why.reason = "agreed with operations";
     why.by = "HS";
-    project::AddAcceptances(project::CheckSettings::FileOf(project.toStdString()), {why});
+    project::Acceptance over = why;
+    over.place = project::PlaceOf(found[1]);
+    over.fingerprint = project::FingerprintOf(found[1]);
+    over.rule = project::InfoOf(found[1].rule).id;
+    over.until = "2001-01-01";
+    project::AddAcceptances(project::CheckSettings::FileOf(project.toStdString()), {why, over});
 
     ReportWindow window(Language(MResources::kEnglish), project);
     ASSERT_TRUE(window.Read());
@@ -307,6 +328,12 @@ TEST_F(ReportTest, HasFindingsAndDifferencesAsChapters) {
     window.Show({Section::Kind::Findings});
     EXPECT_TRUE(Shown(window).contains(u"Accepted: agreed with operations (HS)\n"_s))
         << Shown(window).toStdString();
+    EXPECT_EQ(Shown(window).count(u"Accepted: "_s), 1) << "the other one has expired";
+    const auto withField = std::find_if(found.begin(), found.end(),
+                                        [](const auto& each) { return !each.column.empty(); });
+    ASSERT_NE(withField, found.end());
+    EXPECT_TRUE(Links(window).contains(
+        report::RowAddress(withField->table, withField->id, withField->column)));
 
     window.CompareWith(backup);
     ASSERT_TRUE(Done(window));
@@ -314,6 +341,8 @@ TEST_F(ReportTest, HasFindingsAndDifferencesAsChapters) {
     const QString differences = Shown(window);
     EXPECT_TRUE(differences.contains(u"Differences to Sicherung"_s));
     EXPECT_TRUE(differences.contains(u"Unit: pH → K"_s)) << differences.toStdString();
+    EXPECT_TRUE(Links(window).contains(report::RowAddress("TchrTrends", 5)));
+    EXPECT_FALSE(Links(window).contains(report::RowAddress("TchrTrends", 6))) << "it has gone";
 
     const QString file = folder_.filePath(u"r.html"_s);
     window.ExportHtml(file);
@@ -437,6 +466,7 @@ TEST_F(ReportTest, IsCalledByNameAndLateBound) {
     EXPECT_EQ(owner->findChildren<QWidget*>(u"frmReport"_s).size(), 1);
     EXPECT_EQ(messages_, QStringList());
     ASSERT_TRUE(show(owner->winId(), project + u"x"_s, u"KVTrend"_s));
+    EXPECT_TRUE(owner->findChildren<QWidget*>(u"frmReport"_s).isEmpty()) << "there is no report";
     ASSERT_TRUE(show(owner->winId(), project, u"KVOther"_s));
     ASSERT_EQ(messages_.size(), 2);
     EXPECT_TRUE(messages_[0].contains(project + u"x"_s));

@@ -44,22 +44,24 @@ TEST_F(WordingTest, SaysWhatAnArchiveDoes) {
         const char* storage;
         const char* recording;
         const char* change;
+        const char* cache;
     };
     const Case cases[] = {
         {0, 1, 500, 36000, u"", "Circular buffer of 36000 records", "on hard disk, saved fast",
-         "asynchronous (absolute time base), every 500 ms", "-"},
+         "asynchronous (absolute time base), every 500 ms", "-", "64"},
         {9, 0, 4, 0, u"$Day", "Continuation file", "in main memory (RAM)",
-         "synchronous to the process cycle, every 4 process cycles", "-"},
+         "synchronous to the process cycle, every 4 process cycles", "-", "-"},
         {17, 3, 0, 0, u"$Jahr", "Continuation file", "on hard disk, saved safely",
-         "by the trigger Filler.Clock", "at the change of the year"},
+         "by the trigger Filler.Clock", "at the change of the year", "64"},
         {1, 5, 0, 500, u"", "Continuation file", "on hard disk, saved fast",
-         "no recording (trend viewer)", "after 500 records"},
+         "no recording (trend viewer)", "after 500 records", "64"},
         {33, 9, 0, 0, u"$minute", "Continuation file|further type bits: 32",
-         "on hard disk, saved fast", "unknown code 9", "when the trigger variable $minute is set"},
+         "on hard disk, saved fast", "unknown code 9", "when the trigger variable $minute is set",
+         "64"},
         {3, 6, 0, 0, u"", "unknown archive type 3", "on hard disk, saved fast",
-         "manual recording only", "-"},
+         "manual recording only", "-", "64"},
         {1, 2, 0, 0, u"", "Continuation file", "on hard disk, saved fast",
-         "on change of the X variable (not given)", "never"},
+         "on change of the X variable (not given)", "never", "64"},
     };
     const report::ReportTexts texts = Texts(1033);
     const report::Wording wording(texts);
@@ -72,11 +74,13 @@ TEST_F(WordingTest, SaysWhatAnArchiveDoes) {
         row["MaxSamples"] = Value(c.samples);
         row["NewFile"] = Value(c.newFile);
         row["Trigger"] = Value(u"Filler.Clock");
+        row["CacheSize"] = Value(64);
         const QList<report::Fact> facts = wording.Archive(row);
         EXPECT_EQ(FactNamed(facts, u"Archive type"_s), QLatin1String(c.kind));
         EXPECT_EQ(FactNamed(facts, u"Storage"_s), QLatin1String(c.storage));
         EXPECT_EQ(FactNamed(facts, u"Recording"_s), QLatin1String(c.recording));
         EXPECT_EQ(FactNamed(facts, u"File change"_s), QLatin1String(c.change));
+        EXPECT_EQ(FactNamed(facts, u"Cache size"_s), QLatin1String(c.cache));
     }
 }
 
@@ -99,6 +103,8 @@ TEST_F(WordingTest, SaysWhatATrendDoesAndWhatItCannotRead) {
     row["VLineStyle"] = {{}, true};
     row["VUpper"] = {ado::Value(8.5)};
     row["VUpperColor"] = Value(0xFF0000);
+    row["VLower"] = Value(2);
+    row["VLowerColor"] = Value(0x0000FF);
     row["VConfig"] = Value(1);
     row.textMissing = true;
 
@@ -109,12 +115,13 @@ TEST_F(WordingTest, SaysWhatATrendDoesAndWhatItCannotRead) {
               u"Druck %1|kein Indextext \nnicht angegeben\n"
               "0 bis Kessel.Grenze bar|Wert × 0,5 + -1,25E-07\n\n"
               "5 ‰ von Maximum − Minimum\nunbekannter Code 7\nBalken\n"
-              "|#ff8000|3 px, beschädigt\noben 8,5|Band als Linie"_s.toStdString());
+              "|#ff8000|3 px, beschädigt\noben 8,5|unten 2|Band als Linie"_s.toStdString());
     const Line& curve = cells[7].front();
     ASSERT_TRUE(curve.curve);
     EXPECT_EQ(curve.curve->Colour(), QColor(0xFF, 0x80, 0x00));
     EXPECT_EQ(cells[5].front().look, Line::Look::Warning);
-    EXPECT_EQ(cells[8].front().curve->Colour(), QColor(Qt::blue));
+    EXPECT_EQ(cells[8][0].curve->Colour(), QColor(Qt::blue));
+    EXPECT_EQ(cells[8][1].curve->Colour(), QColor(Qt::red));
 
     // The mode is limited to its list, as in the dialog.
     const std::pair<report::Cell, QString> modes[] = {

@@ -181,6 +181,12 @@ TEST_P(TransferTest, ThePreviewIsTheBeginningOfTheFile) {
         EXPECT_TRUE(window.findChild<QRadioButton*>(u"optSelected"_s)->isChecked());
         window.findChild<QComboBox*>(u"cmbSeparator"_s)->setCurrentIndex(2);
         window.findChild<QCheckBox*>(u"chkMark"_s)->setChecked(false);
+        const auto* shown = window.findChild<QPlainTextEdit*>(u"txtPreview"_s);
+        auto* sheets = window.findChild<QComboBox*>(u"cmbSheet"_s);
+        sheets->setCurrentIndex(1);
+        const QString archives = shown->toPlainText();
+        sheets->setCurrentIndex(0);
+        EXPECT_NE(shown->toPlainText(), archives);
         preview = window.findChild<QPlainTextEdit*>(u"txtPreview"_s)->toPlainText();
     });
     const QString content = QString::fromUtf8(Content(file)).remove(u'\r');
@@ -247,6 +253,16 @@ TEST_P(TransferTest, AFileThatCannotBeWrittenStays) {
     EXPECT_EQ(window.result(), 0);
     EXPECT_EQ(Content(file), "old");
 
+    {
+        const SmallDisk disk(1000);
+        window.findChild<QComboBox*>(u"cmbEncoding"_s)->setCurrentIndex(0);
+        name->setText(file);
+        ok->click();
+    }
+    ASSERT_EQ(told.size(), 5) << "asked, and refused by the disk";
+    EXPECT_TRUE(told[4].contains(u"out.csv")) << told[4].toStdString();
+    EXPECT_EQ(Content(file), "old");
+
     transfer::ExportWish wish{.file = file, .language = &words::LanguageOf("en")};
     transfer::ExportJob job(connection_.DataSource(), wish);
     job.Cancel();
@@ -311,6 +327,12 @@ TEST_P(TransferTest, WhatIsTickedIsDoneInOneStep) {
     EXPECT_EQ(import.Cell(4, PlanModel::kState), Text(u"fehlt hier", u"missing here"));
     EXPECT_TRUE(import.button->text().contains(u'3')) << import.button->text().toStdString();
 
+    EXPECT_FALSE(import.tree->model()->index(2, 0).data(Qt::CheckStateRole).isValid())
+        << "what is refused cannot be wanted";
+    import.Tick(1, false);
+    import.WaitForPlan();
+    window.Open(file);
+    EXPECT_TRUE(import.button->text().contains(u'3')) << "a file begins with all of its rows";
     import.Tick(1, false);
     EXPECT_FALSE(import.button->isEnabled()) << "what is shown is not what was planned";
     import.WaitForPlan();
@@ -320,6 +342,7 @@ TEST_P(TransferTest, WhatIsTickedIsDoneInOneStep) {
     EXPECT_EQ(steps_, 1);
     EXPECT_EQ(Unit(1), u"K"_s);
     EXPECT_EQ(Unit(2), kept);
+    EXPECT_TRUE(import.button->isEnabled()) << "what is left can be wanted after all";
     project::Rows rows(connection_);
     EXPECT_TRUE(rows.SeekTrend(4)) << "nothing has been deleted";
     rows.Trends().SetFilter("Name = 'Neu'");
