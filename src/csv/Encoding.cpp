@@ -58,7 +58,7 @@ bool FromUtf8(std::string& text, Encoding encoding) {
     for (const char16_t unit : wide) {
         const auto moved = std::find(kMoved.begin(), kMoved.end(), unit);
         const bool isSame = unit < 0x80 || (unit >= 0xA0 && unit <= 0xFF);
-        if (!isSame && (unit == 0 || moved == kMoved.end())) return false;
+        if (!isSame && moved == kMoved.end()) return false;
         text += static_cast<char>(isSame ? unit : 0x80 + (moved - kMoved.begin()));
     }
     return true;
