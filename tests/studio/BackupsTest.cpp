@@ -194,6 +194,7 @@ TEST_F(BackupsTest, NumberAndFolderAreTheUsersChoice) {
     });
     for (const char16_t* text : {u"1", u"2", u"3"}) {
         Change(text);
+        ASSERT_TRUE(window_->CloseProject());
         Open();
     }
     EXPECT_THAT(Files(), IsEmpty());

@@ -166,6 +166,7 @@ TEST_F(StudioSettingsTest, TheLastProjectComesBackWhereTheUserWas) {
     window_->OpenLastSession();
     EXPECT_FALSE(window_->HasProject());
     Set([](QDialog& dialog) { dialog.findChild<QCheckBox*>(u"chkReopen"_s)->setChecked(true); });
+    ASSERT_TRUE(window_->OpenProject(Path(u"Anlage.kvs"_s)));
     ASSERT_TRUE(QFile::rename(Path(u"Anlage.kvs"_s), Path(u"Woanders.kvs"_s)));
     Start();
     int told = 0;
