@@ -133,12 +133,14 @@ TEST(CommandTest, WritesWhatADamagedFileStillHolds) {
     file.seekg(0, std::ios::end);
     const std::streamoff pages = file.tellg() / kPage;
     Outcome damaged;
+    std::streamoff broken = 0;
     for (std::streamoff page = pages - 1; page > 0 && damaged.status != kFailure; --page) {
         file.seekg(page * kPage);
         const char type = static_cast<char>(file.get());
         file.seekp(page * kPage);
         file.put('\x77').flush();
         damaged = RunTool({"dump", name, "TpdbVars"});
+        broken = page;
         file.seekp(page * kPage);
         file.put(type).flush();
     }
@@ -147,6 +149,16 @@ TEST(CommandTest, WritesWhatADamagedFileStillHolds) {
                                             HasSubstr("page")));
     EXPECT_LT(damaged.out.size(), whole.out.size());
     EXPECT_GT(damaged.out.size(), whole.out.size() / 2);
+
+    // Others that go on without what cannot be read say so as well, and are no success.
+    file.seekp(broken * kPage);
+    file << std::string(kPage, '\x77') << std::flush;
+    const Outcome lint = RunTool({"lint", "--rules", "name-empty", name});
+    EXPECT_EQ(lint.status, kFailure);
+    EXPECT_THAT(lint.err, HasSubstr("of TpdbVars cannot be read"));
+    const Outcome repair = RunTool({"repair", name});
+    EXPECT_EQ(repair.status, kFailure);
+    EXPECT_THAT(repair.err, HasSubstr("not saved: "));
 }
 
 TEST(CommandTest, ChecksAFile) {
@@ -235,6 +247,7 @@ TEST(CommandTest, AChangeThatFailsChangesNothing) {
     };
     std::ofstream(copy.Path("double.csv")) << "ID,LCID\n7,1036\n8,1040\n1,1034\n";
     std::ofstream(copy.Path("short.csv")) << "ID,LCID\n7,1036\n8\n";
+    std::ofstream(copy.Path("long.csv")) << "ID,LCID\n7,1036\n8,1040,1\n";
     std::ofstream(copy.Path("open.csv")) << "ID,Font\n7,\"Arial\n";
     std::ofstream(copy.Path("column.csv")) << "ID,Colour\n7,1\n";
     std::ofstream(copy.Path("twice.csv")) << "ID,LCID,id\n7,1036,8\n";
@@ -263,6 +276,7 @@ TEST(CommandTest, AChangeThatFailsChangesNothing) {
         {{"set", copy.Path(), "TcfgLanguages", "", "LCID=\"\""}, "\"\" is no whole number"},
         {{"load", copy.Path(), "TcfgLanguages", copy.Path("double.csv")}, "Line 4"},
         {{"load", copy.Path(), "TcfgLanguages", copy.Path("short.csv")}, "1 values instead of 2"},
+        {load("long.csv"), "3 values instead of 2"},
         {{"load", copy.Path(), "TcfgLanguages", copy.Path("open.csv")}, "closing quote"},
         {{"load", copy.Path(), "TcfgLanguages", copy.Path("column.csv")}, "Colour"},
         {{"load", copy.Path(), "TcfgLanguages", copy.Path("none.csv")}, "none.csv"},

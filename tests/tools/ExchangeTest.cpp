@@ -223,6 +223,10 @@ TEST(ExchangeTest, ALoadChangesTheRowsThatHaveTheKey) {
         EXPECT_EQ(outcome.status, kFailure);
         EXPECT_THAT(outcome.err, HasSubstr(what));
     }
+    ASSERT_EQ(RunTool({"set", project.Path(), "TpdbStructs", "ID < 3", "Comment=same"}).status,
+              kSuccess);
+    EXPECT_THAT(load("Comment;Name\nsame;x\n", {"--update", "Comment"}).err,
+                HasSubstr("Several rows of the table have this key."));
 }
 
 }  // namespace

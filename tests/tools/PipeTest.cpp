@@ -87,6 +87,9 @@ TEST(PipeTest, ASpoolNeverWaitsAndKeepsTheOrder) {
             all += block;
             EXPECT_TRUE(spool.Put(block));
         }
+        // It would fit into memory, and is not to come before what did not.
+        all += "small";
+        EXPECT_TRUE(spool.Put("small"));
         std::string read;
         while (read.size() < all.size()) read += pipe.Read(1 << 20);
         EXPECT_TRUE(read == all);
