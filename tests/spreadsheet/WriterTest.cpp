@@ -1,9 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
-
 #include <clocale>
-#include <csignal>
 
 #include "spreadsheet/Archive.h"
 #include "spreadsheet/WorkbookReader.h"
@@ -110,25 +107,6 @@ TEST(WriterTest, WhatHasNoRoomIsRefused) {
               "Sheet \"S\", cell B3: the text is longer than cells have room for");
     EXPECT_FALSE(writer.Write({}));
     EXPECT_FALSE(writer.Finish([](std::string_view) { ADD_FAILURE(); }));
-}
-
-// What has been written until the disk was full is no workbook, and nobody gets it.
-TEST(WriterTest, AFullDiskIsToldOf) {
-    WorkbookWriter writer("Lists", {"Fixed", "Not to be changed."});
-    ASSERT_TRUE(writer.BeginSheet("S", kColumns, 0));
-    for (int i = 0; i < 2000; ++i) {
-        ASSERT_TRUE(writer.Write(
-            std::vector<Cell>{{.column = 1, .text = std::to_string(i * 7919 % 104729)}}));
-    }
-    rlimit before{};
-    ::getrlimit(RLIMIT_FSIZE, &before);
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit small{4096, before.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &small);
-    EXPECT_FALSE(writer.Finish([](std::string_view) { ADD_FAILURE(); }));
-    ::setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, handler);
-    EXPECT_EQ(writer.GetFault().kind, Fault::Kind::NotWritten);
 }
 
 // Where the locale writes 1,5 the file has 1.5 all the same.
