@@ -1,6 +1,7 @@
 #include "ado/Connection.h"
 
 #include <array>
+#include <filesystem>
 #include <map>
 
 #include "ado/AdoError.h"
@@ -148,6 +149,14 @@ void Connection::OpenSnapshot(std::string_view connectionString) {
         JET_ASSIGN(copy, jet::CopyToUnnamedFile(file));
         return {};
     });
+    if (copied.Code() == jet::StatusCode::Full) {
+        std::error_code ignored;
+        const std::string folder = std::filesystem::temp_directory_path(ignored).string();
+        throw AdoError(ErrorNumber::kUnspecified,
+                       "\"" + source + "\" cannot be copied to \"" + folder +
+                           "\", the folder of temporary files: " + copied.Text() + ".",
+                       {reasons::Cause::DiskFull, folder});
+    }
     RequireOpened(copied, source);
     database = jet::Database::Open(std::move(copy));
     RequireOpened(database.GetStatusOrOk(), source);

@@ -286,6 +286,7 @@ TEST_F(EditorProjectTableTest, WhatIsChosenThereIsExported) {
     OpenTable();
     const QString file = project_ + u".csv"_s;
     const auto exported = [&] {
+        QApplication::setActiveWindow(Table());
         AnswerDialog(
             [&] { Press(Qt::Key_E, Qt::ControlModifier | Qt::ShiftModifier); },
             [&](QDialog& dialog) {

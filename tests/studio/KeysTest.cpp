@@ -51,7 +51,7 @@ protected:
             ASSERT_NE(dialog, nullptr);
             isShown = true;
             work(*dialog);
-            dialog->reject();
+            if (dialog->isVisible()) dialog->reject();
         });
         Action(u"mnuHelpKeys"_s).trigger();
         EXPECT_TRUE(isShown);
@@ -113,6 +113,7 @@ TEST_F(KeysTest, TheOverviewListsEveryCommandOnceAndIsNarrowed) {
         filter->setText(u"gibt es nicht"_s);
         EXPECT_TRUE(dialog.findChild<QLabel*>(u"lblNoHit"_s)->isVisible());
         filter->setFocus();
+        ASSERT_TRUE(QTest::qWaitFor([filter] { return filter->hasFocus(); }));
         QTest::keyClick(filter, Qt::Key_Escape);
         EXPECT_TRUE(filter->text().isEmpty());
         EXPECT_TRUE(dialog.isVisible());

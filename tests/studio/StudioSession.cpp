@@ -87,8 +87,9 @@ QPoint StudioSession::NodePoint(const QString& archive) const {
 }
 
 void StudioSession::ClickNode(const QString& archive) {
+    window_->activateWindow();  // a report of another project may be in front
     User::ClickAt(*window_->Tree().viewport(), NodePoint(archive));
-    EXPECT_TRUE(window_->Tree().hasFocus());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return window_->Tree().hasFocus(); }));
 }
 
 GridPart::GridPart(const StudioSession& session, int split)

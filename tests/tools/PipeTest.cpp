@@ -4,16 +4,13 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/ioctl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
 #include <chrono>
-#include <csignal>
 #include <fstream>
-#include <iterator>
 #include <set>
 #include <thread>
 
@@ -174,24 +171,6 @@ TEST(PipeTest, WhatIsLoadedIsReadWholeBeforeAnythingElse) {
         EXPECT_EQ(in.Error(), "");
         EXPECT_TRUE(read == all) << size;
     }
-}
-
-TEST(PipeTest, AnExportOntoAFullDiskLeavesTheOldFile) {
-    const ProjectCopy project(kBrewery);
-    const std::string csv = project.Path("out.csv");
-    std::ofstream(csv) << "old";
-    rlimit before{};
-    ::getrlimit(RLIMIT_FSIZE, &before);
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit small{16'384, before.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &small);
-    const Outcome outcome = RunTool({"export", project.Path(), "-o", csv});
-    ::setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, handler);
-    EXPECT_EQ(outcome.status, kFailure);
-    EXPECT_NE(outcome.err.find("writing failed"), std::string::npos) << outcome.err;
-    std::ifstream file(csv);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "old");
 }
 
 // Each change sets all rows to one number: a dump that shows two has mixed two states.
